@@ -1,0 +1,102 @@
+#pragma once
+
+#include "AudioCore/Analysis/AnalyzerTap.h"
+#include "AudioCore/AudioCoreError.h"
+#include "AudioCore/Output/AudioOutput.h"
+#include "AudioCore/Playback/PlaybackState.h"
+#include "AudioCore/PlaybackFormat.h"
+#include "AudioCore/Queue/PlayQueue.h"
+
+#include <QObject>
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace vantor {
+
+/// Finds the local file behind a track; throws AudioCoreError::unresolvableSource when there is none.
+class TrackResolver {
+  public:
+    virtual ~TrackResolver() = default;
+    [[nodiscard]] virtual QUrl resolve(const Track &track) const = 0;
+};
+
+/// Plain files only.
+class FileTrackResolver final : public TrackResolver {
+  public:
+    [[nodiscard]] QUrl resolve(const Track &track) const override;
+};
+
+/// Makes the output for the graph, at the first sound and again after the last one broke.
+using AudioOutputFactory = std::function<std::unique_ptr<AudioOutput>()>;
+
+/// The playback engine: the queue, the audio graph, volume and balance, the spectrum tap and the decoding
+/// that feeds them. Lives on the main thread; files are opened and decoded elsewhere. Events are delivered on
+/// the main thread after the state that they tell of has been set. Values out of range are clamped.
+class Player : public QObject {
+    Q_OBJECT
+
+  public:
+    Player(std::unique_ptr<TrackResolver> resolver, AudioOutputFactory outputs, QObject *parent = nullptr);
+    ~Player() override;
+
+    [[nodiscard]] const PlayQueue &queue() const;
+    [[nodiscard]] PlaybackState state() const;
+    [[nodiscard]] double currentTime() const; ///< seconds, of the sound that is heard now
+    [[nodiscard]] double duration() const;    ///< seconds, of the current track; 0 when unknown
+    [[nodiscard]] std::optional<PlaybackFormat> currentFormat() const;
+    [[nodiscard]] std::optional<QString> errorMessage() const;
+    [[nodiscard]] float volume() const;  ///< 0…1
+    [[nodiscard]] float balance() const; ///< −1…1
+    [[nodiscard]] RepeatMode repeatMode() const;
+    [[nodiscard]] bool isShuffled() const;
+    [[nodiscard]] AnalyzerTap &analyzer();
+    /// The largest sample, 0…1 and above, rendered since the last call.
+    [[nodiscard]] float takePeak();
+    /// Of the output in use; empty before the first sound.
+    [[nodiscard]] QString outputName() const;
+
+    void enqueue(const std::vector<Track> &tracks);
+    void play();
+    void play(int index);
+    void pause();
+    void togglePause();
+    void togglePlayPause();
+    void stop();
+    void next();
+    void previous();
+    void seek(double seconds);
+    void removeTrack(int index);
+    void removeTracks(const IndexSet &indices);
+    void moveTracks(const IndexSet &indices, int offset);
+    void sortQueue(PlaylistSortKey key);
+    void reverseQueue();
+    void randomizeQueue();
+    void clearQueue();
+    /// Installs a queue without starting it.
+    void restoreQueue(const std::vector<Track> &tracks, std::optional<int> currentIndex,
+                      RepeatMode repeatMode, bool isShuffled);
+
+    void setVolume(float volume);
+    void setBalance(float balance);
+    void setRepeatMode(RepeatMode mode);
+    void setShuffled(bool on);
+
+    PlayerEventToken addEventObserver(std::function<void(const PlayerEvent &)> callback);
+    void removeEventObserver(PlayerEventToken token);
+
+  Q_SIGNALS:
+    void queueChanged();
+    void stateChanged();
+    void currentTimeChanged();
+    void formatChanged();
+    void volumeChanged();
+    void balanceChanged();
+
+  private:
+    class Private;
+    std::unique_ptr<Private> d;
+};
+
+} // namespace vantor

@@ -1,0 +1,39 @@
+#include "MusicBackendKit/MediaID.h"
+
+#include <QHash>
+
+namespace vantor {
+
+QString rawValue(MediaKind kind) {
+    switch (kind) {
+    case MediaKind::artist:
+        return QStringLiteral("artist");
+    case MediaKind::album:
+        return QStringLiteral("album");
+    case MediaKind::track:
+        return QStringLiteral("track");
+    case MediaKind::playlist:
+        return QStringLiteral("playlist");
+    case MediaKind::radio:
+        return QStringLiteral("radio");
+    }
+    return {};
+}
+
+std::optional<MediaKind> mediaKindFromRawValue(const QString &text) {
+    for (const MediaKind kind : allMediaKinds) {
+        if (rawValue(kind) == text)
+            return kind;
+    }
+    return std::nullopt;
+}
+
+QString MediaID::description() const {
+    return vantor::rawValue(kind) + QLatin1Char(':') + rawValue;
+}
+
+size_t qHash(const MediaID &id, size_t seed) noexcept {
+    return qHashMulti(seed, static_cast<int>(id.kind), id.rawValue);
+}
+
+} // namespace vantor

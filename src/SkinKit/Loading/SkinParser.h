@@ -1,0 +1,14 @@
+#pragma once
+
+#include "SkinKit/Loading/Skin.h"
+#include "SkinKit/Loading/SkinArchive.h"
+
+#include <QUrl>
+
+/// Turns an archive or a skin folder into a Skin. Pure functions of the bytes; any thread. Throw SkinError.
+namespace vantor::SkinParser {
+
+[[nodiscard]] Skin parse(const SkinArchive &archive);
+[[nodiscard]] Skin parse(const QUrl &url, const SkinArchive::Limits &limits = SkinArchive::Limits::default_);
+
+} // namespace vantor::SkinParser

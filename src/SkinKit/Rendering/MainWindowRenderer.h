@@ -1,0 +1,34 @@
+#pragma once
+
+#include "SkinKit/Rendering/MainWindowScene.h"
+
+#include <QRegion>
+#include <QSize>
+
+class QPainter;
+
+namespace vantor {
+
+struct Skin;
+
+/// Draws the classic main window, full or shaded, at a whole scale. The window and skintool share it.
+/// Free functions of their arguments: any thread that may use the painter.
+namespace MainWindowRenderer {
+
+/// 275 × 116, or 275 × 14 shaded, times `scale`.
+[[nodiscard]] QSize size(bool shaded, int scale);
+
+/// Draws the whole window with its top-left corner at the painter's origin, one skin pixel being `scale`
+/// painter units, nearest neighbour. What lies outside the painter's clip is skipped where that saves work.
+void draw(QPainter &painter, const Skin &skin, const MainWindowScene &scene, int scale);
+
+/// What differs between the pictures of two scenes in the same skin, in skin pixels; a superset is allowed.
+/// Empty when nothing changed.
+[[nodiscard]] QRegion changed(const Skin &skin, const MainWindowScene &before, const MainWindowScene &after);
+
+/// The outline of the window, in pixels at `scale`; the full rectangle when the skin gives none or an empty
+/// one.
+[[nodiscard]] QRegion mask(const Skin &skin, bool shaded, int scale);
+
+} // namespace MainWindowRenderer
+} // namespace vantor

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QMap>
+#include <QString>
+
+namespace vantor {
+
+/// Lower-case section name to lower-case key to value.
+using IniDocument = QMap<QString, QMap<QString, QString>>;
+
+namespace IniParser {
+
+/// Total: what is no section, comment or property is skipped; a later duplicate of a key wins; properties
+/// before the first section are dropped. A section that holds no property is still present.
+[[nodiscard]] IniDocument parse(const QString &text);
+
+} // namespace IniParser
+} // namespace vantor

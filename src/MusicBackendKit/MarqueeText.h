@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QString>
+
+#include <optional>
+
+/// The sentences of the main window's scrolling title line. Pure functions.
+namespace vantor::MarqueeText {
+
+/// What shows while nothing is loaded.
+[[nodiscard]] QString idle();
+[[nodiscard]] QString buffering();
+/// "Artist - Title", or the title alone when the artist is empty.
+[[nodiscard]] QString name(const QString &artist, const QString &title);
+/// "m:ss"; minutes may exceed 59, negative and non-finite values count as 0.
+[[nodiscard]] QString time(double seconds);
+/// "12. Artist - Title (3:45)"; the parts that are unknown (no number, no duration) are left out.
+[[nodiscard]] QString track(const QString &artist, const QString &title, double duration,
+                            std::optional<int> number);
+/// `volume` 0…1.
+[[nodiscard]] QString volume(double volume);
+/// `balance` −1…1.
+[[nodiscard]] QString balance(double balance);
+/// `fraction` 0…1 of `duration` seconds.
+[[nodiscard]] QString seek(double fraction, double duration);
+
+} // namespace vantor::MarqueeText

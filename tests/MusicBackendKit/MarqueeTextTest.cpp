@@ -1,0 +1,34 @@
+#include "MusicBackendKit/MarqueeText.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+using namespace vantor;
+
+TEST(MarqueeTextTest, Sentences) {
+    constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+    const struct {
+        QString shown;
+        const char *expected;
+    } rows[] = {
+        {MarqueeText::track(QStringLiteral("Ann"), QStringLiteral("Song"), 245.9, 12),
+         "12. Ann - Song (4:05)"},
+        {MarqueeText::track({}, QStringLiteral("Song"), 0, std::nullopt), "Song"},
+        {MarqueeText::track({}, QStringLiteral("Song"), nan, 1), "1. Song"},
+        {MarqueeText::time(3605), "60:05"},
+        {MarqueeText::time(-1), "0:00"},
+        {MarqueeText::time(nan), "0:00"},
+        {MarqueeText::volume(0.755), "Volume: 76%"},
+        {MarqueeText::volume(7), "Volume: 100%"},
+        {MarqueeText::volume(nan), "Volume: 0%"},
+        {MarqueeText::balance(0.004), "Balance: Center"},
+        {MarqueeText::balance(-0.5), "Balance: 50% Left"},
+        {MarqueeText::balance(2), "Balance: 100% Right"},
+        {MarqueeText::balance(nan), "Balance: Center"},
+        {MarqueeText::seek(0.999, 200), "Seek to: 3:19/3:20 (99%)"},
+        {MarqueeText::seek(-1, 61), "Seek to: 0:00/1:01 (0%)"},
+    };
+    for (const auto &row : rows)
+        EXPECT_EQ(row.shown.toStdString(), row.expected);
+}

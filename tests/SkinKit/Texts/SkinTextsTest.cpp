@@ -60,6 +60,21 @@ TEST(IniParserTest, Lines) {
     }
 }
 
+// Millions of short lines or points must not become as many map nodes or edges.
+TEST(IniParserTest, HostileSizesAreCutOff) {
+    QString lines = QStringLiteral("[a]\n");
+    for (int line = 0; line < IniParser::maxEntries; ++line)
+        lines += QString::number(line) + QStringLiteral("=\n");
+    EXPECT_EQ(IniParser::parse(lines).value(QStringLiteral("a")).size(), IniParser::maxEntries - 1);
+
+    const auto polygons = [](int count) {
+        return RegionParser::parse(u"[normal]\nnumpoints="_qs + QString::number(count) + u"\npointlist="_qs +
+                                   QString(count * 4, u'1').replace(u"11"_qs, u"1,"_qs));
+    };
+    EXPECT_TRUE(polygons(SkinRegion::maxPoints).normal());
+    EXPECT_FALSE(polygons(SkinRegion::maxPoints + 1).normal());
+}
+
 TEST(PlaylistStyleParserTest, Values) {
     const auto style = [](auto change) {
         PlaylistStyle changed;

@@ -166,7 +166,12 @@ std::optional<SkinCursor::Frame> decode(QByteArrayView data) {
         }
     }
     std::ranges::sort(candidates, [](const Candidate &a, const Candidate &b) { return a.isBetterThan(b); });
+    // Broken entries that share their bytes would let a small file ask for a lot of decoding.
+    std::int64_t budget = 4 * std::int64_t{data.size()};
     for (const Candidate &candidate : candidates) {
+        budget -= candidate.data.size();
+        if (budget < 0)
+            break;
         if (const QImage image = decodeEntry(candidate.data); !image.isNull())
             return SkinCursor::Frame{image, candidate.hotSpot};
     }

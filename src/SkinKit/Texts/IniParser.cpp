@@ -22,6 +22,7 @@ QString unquoted(QStringView value) {
 IniDocument parse(const QString &text) {
     IniDocument document;
     auto section = document.end();
+    int entries = 0;
     forEachLine(text, [&](QStringView wholeLine) {
         const QStringView line = wholeLine.trimmed();
         if (line.size() >= 3 && line.startsWith(u'[') && line.endsWith(u']')) {
@@ -29,14 +30,14 @@ IniDocument parse(const QString &text) {
             section = document.find(name);
             if (section == document.end())
                 section = document.insert(name, {});
-            return true;
+            return ++entries < maxEntries;
         }
         const qsizetype equals = line.indexOf(u'=');
         if (line.startsWith(u';') || equals < 0 || section == document.end())
             return true;
         const QString key = line.first(equals).trimmed().toString().toLower();
         section->insert(key, unquoted(line.sliced(equals + 1).trimmed()));
-        return true;
+        return ++entries < maxEntries;
     });
     return document;
 }

@@ -57,13 +57,14 @@ class NumberList {
 QList<QPoint> parsePoints(QStringView text) {
     QList<QPoint> points;
     NumberList numbers(text);
-    while (true) {
+    while (points.size() < SkinRegion::maxPoints) {
         const auto x = numbers.next();
         const auto y = numbers.next();
         if (!x || !y)
-            return points;
+            break;
         points.append(QPoint(*x, *y));
     }
+    return points;
 }
 
 QList<SkinRegion::Polygon> cut(const QList<QPoint> &points, QStringView sizes) {

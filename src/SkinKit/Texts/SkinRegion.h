@@ -16,6 +16,7 @@ struct SkinRegion {
 
     /// Larger coordinates are clamped, so that they can be scaled and offset without overflow.
     static constexpr int maxCoordinate = 1'000'000;
+    static constexpr int maxPoints = 65'536; ///< read of one section
 
     QMap<QString, QList<Polygon>> sections;
 

@@ -9,7 +9,7 @@ int64_t vantor::allocationCount() {
     return allocations;
 }
 
-// The other forms of new and delete end up in these.
+// All other forms of new end up in this one, but those of over-aligned types.
 void *operator new(std::size_t size) {
     ++allocations;
     if (void *memory = std::malloc(size > 0 ? size : 1))

@@ -94,4 +94,3 @@ BENCHMARK(inflate)->Apply(sheets);
 BENCHMARK(qtReader)->Apply(sheets);
 BENCHMARK(qtReaderConverted)->Apply(sheets);
 
-BENCHMARK_MAIN();

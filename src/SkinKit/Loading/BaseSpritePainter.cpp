@@ -340,11 +340,11 @@ void BaseSpritePainter::paintButton(const Sprite &sprite) {
         m_canvas.fill({rect.x(), rect.y(), 1, rect.height()}, faceLight);
         return;
     }
-    // In menus of the playlist "selected" is the entry under the pointer, elsewhere it is a lit toggle.
+    // On a toggle "selected" is the lit state; elsewhere it is the button that is held down.
     const bool selected = sprite.name.endsWith(latin("_SELECTED")) || has(sprite, "_SELECTED_DEPRESSED");
     const bool toggle = has(sprite, "SHUFFLE") || has(sprite, "REPEAT") || has(sprite, "_ON_") ||
                         has(sprite, "_AUTO_") || has(sprite, "MAIN_EQ_") || has(sprite, "MAIN_PLAYLIST_");
-    const bool down = isPressed(sprite) || (selected && !toggle && has(sprite, "PLAYLIST_"));
+    const bool down = isPressed(sprite) || (selected && !toggle && !has(sprite, "MAIN_SHADE_BUTTON"));
     if (down)
         pressedDown(rect);
     else

@@ -4,8 +4,10 @@
 #include "AudioCore/Analysis/VisReadCursor.h"
 #include "AudioCore/Analysis/VisSampleRing.h"
 
+#include <chrono>
 #include <memory>
 #include <optional>
+#include <vector>
 
 namespace vantor {
 
@@ -13,6 +15,8 @@ namespace vantor {
 /// copies into the ring; everything else belongs to the main thread.
 class AnalyzerTap {
   public:
+    /// `fftSize`: a power of two, at least 64, or there is never an analyser; `ringCapacity`: samples, room
+    /// for several transforms.
     AnalyzerTap(int fftSize, int ringCapacity);
 
     /// The mean of both channels goes into the ring. Audio thread: no allocation, lock or system call.
@@ -33,11 +37,10 @@ class AnalyzerTap {
 
   private:
     VisSampleRing m_ring;
-    std::optional<VisReadCursor> m_cursor;
+    VisReadCursor m_cursor;
     std::unique_ptr<SpectrumAnalyzer> m_analyzer;
     std::vector<float> m_samples;
     double m_sampleRate = 0;
-    int m_fftSize;
     std::optional<std::chrono::steady_clock::time_point> m_lastCall;
 };
 

@@ -15,8 +15,13 @@ struct VisBars {
     bool smallVis = false; ///< shows a peak in the bottom row instead of hiding it
     int pushDown = 0;      ///< levels taken off every bar and peak
 
-    std::array<int, columnCount> heights{};
-    std::array<int, columnCount> peaks{};
+    std::array<int, columnCount> heights{}; ///< 0…maxHeight
+    /// Row, counted from 1 at the bottom; −2 or below: hidden.
+    std::array<int, columnCount> peaks = [] {
+        std::array<int, columnCount> hidden{};
+        hidden.fill(-2);
+        return hidden;
+    }();
     std::array<float, columnCount> fallingBars{};
     std::array<int, columnCount> peakPositions{}; ///< in 1/256 of a level
     std::array<float, columnCount> peakDrops{};   ///< in 1/256 of a level per step

@@ -1,0 +1,10 @@
+#pragma once
+
+#include <cstdint>
+
+namespace vantor {
+
+/// How often this thread has called operator new so far. Programs that use it link AllocationCounter.cpp.
+[[nodiscard]] int64_t allocationCount();
+
+} // namespace vantor

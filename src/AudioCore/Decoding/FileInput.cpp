@@ -4,6 +4,9 @@
 
 #include <QFileInfo>
 
+#include <array>
+#include <string_view>
+
 extern "C" {
 #include <libavutil/mem.h>
 }
@@ -13,6 +16,26 @@ namespace vantor {
 static constexpr int ioBufferBytes = 64 * 1024;
 // How far FFmpeg may read to find out what a file is.
 static constexpr std::int64_t probeBytes = 4 * 1024 * 1024;
+
+// Formats that are lists of other files or addresses. FFmpeg would try for seconds to open those.
+static bool isList(std::string_view format) {
+    static constexpr std::array lists{"concat", "dash", "hls", "imf", "rtsp", "sdp"};
+    return std::any_of(lists.begin(), lists.end(), [&](const char *list) { return format == list; });
+}
+
+// All others, in FFmpeg's own notation.
+static const QByteArray &allowedFormats() {
+    static const QByteArray names = [] {
+        QByteArray joined;
+        void *place = nullptr;
+        while (const AVInputFormat *format = av_demuxer_iterate(&place)) {
+            if (!isList(format->name))
+                joined += QByteArray(format->name) + ',';
+        }
+        return joined;
+    }();
+    return names;
+}
 
 static int refuseToOpen(AVFormatContext *, AVIOContext **, const char *, int, AVDictionary **) {
     return AVERROR(EPERM);
@@ -52,6 +75,7 @@ FileInput::FileInput(const QString &path) : m_file(path) {
     AVFormatContext *format = avformat_alloc_context();
     format->pb = m_io.get();
     format->probesize = probeBytes;
+    format->format_whitelist = av_strdup(allowedFormats().constData());
     format->io_open = refuseToOpen;
     format->protocol_whitelist = av_strdup("none"); // for formats that open files without asking io_open
     const QByteArray name = QFileInfo(path).fileName().toUtf8(); // its ending helps to tell formats apart

@@ -19,6 +19,9 @@ class AudioOutput {
     virtual void start(Render render, std::function<void(const QString &reason)> onLost) = 0;
     /// After it returns `render` is not called any more. Harmless when not started.
     virtual void stop() = 0;
+    /// While nothing plays for long: no more calls of `render`, so that the machine can rest, until it is
+    /// taken back. What was rendered before the rest and not yet heard may be dropped.
+    virtual void setSuspended(bool suspended) = 0;
 
     /// Hz; fixed for the object's life.
     [[nodiscard]] virtual int sampleRate() const = 0;

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "AudioCore/Graph/PlayerNode.h"
+#include "AudioCore/PlaybackFormat.h"
+
+#include <QString>
+
+#include <memory>
+#include <span>
+
+namespace vantor {
+
+/// Decodes one local audio file into float stereo at a given rate. Mono plays on both sides at full level,
+/// more than two channels are mixed down. Damaged stretches are skipped. Whatever the file says, no other
+/// file and no network address is opened. One thread at a time.
+class AudioFileDecoder {
+  public:
+    /// `sampleRate`: of the output, in Hz. Throws AudioCoreError::openFailure.
+    AudioFileDecoder(const QString &path, int sampleRate);
+    ~AudioFileDecoder();
+
+    [[nodiscard]] PlaybackFormat format() const;
+    /// Seconds; 0 when unknown.
+    [[nodiscard]] double duration() const;
+
+    /// The next frames, valid until the next call; empty at the end. Throws AudioCoreError::readFailure when
+    /// nothing but damage is left.
+    [[nodiscard]] std::span<const StereoFrame> read();
+    /// Goes on at the frame nearest to a time of 0 or more: exactly there for lossless formats, within one
+    /// codec frame for others. Behind the end there is nothing to read.
+    void seek(double seconds);
+
+  private:
+    class Private;
+    std::unique_ptr<Private> d;
+};
+
+} // namespace vantor

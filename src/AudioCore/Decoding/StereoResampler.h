@@ -1,0 +1,38 @@
+#pragma once
+
+#include "AudioCore/Decoding/FFmpegHandles_p.h"
+#include "AudioCore/Graph/PlayerNode.h"
+
+#include <vector>
+
+namespace vantor {
+
+/// Turns decoded frames of any layout, sample format and rate into float stereo at one rate.
+class StereoResampler {
+  public:
+    explicit StereoResampler(int outputRate) : m_outputRate(outputRate) {}
+    ~StereoResampler() { av_channel_layout_uninit(&m_layout); }
+    StereoResampler(const StereoResampler &) = delete;
+    StereoResampler &operator=(const StereoResampler &) = delete;
+
+    /// Appends the sound of some of the frame's samples from `first` on and says of how many; a very low rate
+    /// would otherwise ask for a giant buffer. 0: this sound cannot be converted.
+    [[nodiscard]] int convert(const AVFrame &frame, int first, std::vector<StereoFrame> &out);
+    /// Appends what is still in the filter, at the end of the file.
+    void drain(std::vector<StereoFrame> &out);
+    /// Forgets what is in the filter, before another place of the file follows.
+    void reset() { m_swr.reset(); }
+
+  private:
+    [[nodiscard]] bool configure(const AVFrame &frame);
+    [[nodiscard]] bool convertSome(const std::uint8_t *const *data, int samples,
+                                   std::vector<StereoFrame> &out);
+
+    const int m_outputRate;
+    FFmpegHandle<SwrContext> m_swr;
+    int m_format = AV_SAMPLE_FMT_NONE;
+    int m_rate = 0;
+    AVChannelLayout m_layout{};
+};
+
+} // namespace vantor

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "AudioCore/Graph/PlayerNode.h"
+#include "AudioCore/Graph/Ramp.h"
+
+#include <atomic>
+#include <memory>
+
+namespace vantor {
+
+class AnalyzerTap;
+
+/// Everything between decoded sound and the output: the player node, then the mixer's volume and balance.
+/// The analyser listens before the mixer, so that its picture does not shrink with the volume.
+class AudioGraph {
+  public:
+    /// Hz; the tap outlives the graph and may be null.
+    AudioGraph(int sampleRate, AnalyzerTap *tap);
+
+    [[nodiscard]] int sampleRate() const { return m_sampleRate; }
+    /// Shared with the decode thread, which may still hold it when the graph is gone.
+    [[nodiscard]] const std::shared_ptr<PlayerNode> &node() const { return m_node; }
+
+    /// The mixer's linear output volume, 0…1. Any thread; changes ramp.
+    void setVolume(float volume) { m_volume.store(volume, std::memory_order_relaxed); }
+    /// −1…1: attenuates the other side. Any thread; changes ramp.
+    void setBalance(float balance) { m_balance.store(balance, std::memory_order_relaxed); }
+    /// The largest sample, 0…1 and above, rendered since the last call. Any thread.
+    [[nodiscard]] float takePeak() { return m_peak.exchange(0, std::memory_order_relaxed); }
+
+    /// Fills interleaved stereo frames. Audio thread: no allocation, lock or system call.
+    void render(float *interleaved, int frames);
+
+  private:
+    void renderBlock(std::span<StereoFrame> frames);
+
+    const int m_sampleRate;
+    const int m_rampFrames;
+    std::shared_ptr<PlayerNode> m_node;
+    AnalyzerTap *m_tap;
+    std::atomic<float> m_volume{1};
+    std::atomic<float> m_balance{0};
+    std::atomic<float> m_peak{0};
+
+    // Audio thread's.
+    bool m_rendered = false;
+    Ramp m_left;
+    Ramp m_right;
+};
+
+} // namespace vantor

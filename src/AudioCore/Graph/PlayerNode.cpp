@@ -1,0 +1,161 @@
+#include "AudioCore/Graph/PlayerNode.h"
+
+namespace vantor {
+
+// Progress travels in one atomic word, so that a reader never pairs one segment's number with the frame of
+// another: 23 bits of generation, one of end, 40 of frame (66 days at 192 kHz).
+static constexpr int frameBits = 40;
+static constexpr std::uint64_t frameMask = (std::uint64_t{1} << frameBits) - 1;
+static constexpr std::uint64_t endBit = std::uint64_t{1} << frameBits;
+static constexpr std::uint32_t generationMask = (std::uint32_t{1} << 23) - 1;
+
+PlayerNode::PlayerNode(int sampleRate)
+    : m_fadeFrames(static_cast<int>(sampleRate * fadeSeconds)),
+      m_prebufferFrames(static_cast<std::uint64_t>(sampleRate * prebufferSeconds)),
+      m_frames(static_cast<std::size_t>(sampleRate * ringSeconds)) {}
+
+PlayerNode::Progress PlayerNode::progress() const {
+    const std::uint64_t word = m_progress.load(std::memory_order_acquire);
+    return {.generation = static_cast<std::uint32_t>(word >> (frameBits + 1)),
+            .frame = static_cast<std::int64_t>(word & frameMask),
+            .ended = (word & endBit) != 0};
+}
+
+void PlayerNode::publish(bool ended) {
+    const std::uint64_t generation = m_generation & generationMask;
+    const std::uint64_t frame = static_cast<std::uint64_t>(m_position) & frameMask;
+    m_progress.store(generation << (frameBits + 1) | (ended ? endBit : 0) | frame, std::memory_order_release);
+}
+
+bool PlayerNode::beginSegment(std::uint32_t generation, std::int64_t startFrame) {
+    m_segmentStart = m_frames.written();
+    const Mark mark{.number = m_segmentStart, .generation = generation, .startFrame = startFrame};
+    return m_marks.write({&mark, 1}) == 1;
+}
+
+bool PlayerNode::endSegment() {
+    const Mark mark{.number = m_frames.written(), .isEnd = true};
+    return m_marks.write({&mark, 1}) == 1;
+}
+
+std::int64_t PlayerNode::framesAhead() const {
+    return static_cast<std::int64_t>(m_frames.written() - std::max(m_segmentStart, m_frames.released()));
+}
+
+void PlayerNode::render(std::span<StereoFrame> frames) {
+    while (!frames.empty()) {
+        const std::size_t count = renderSome(frames);
+        if (count == 0)
+            break;
+        frames = frames.subspan(count);
+    }
+    std::fill(frames.begin(), frames.end(), StereoFrame{});
+}
+
+std::size_t PlayerNode::renderSome(std::span<StereoFrame> frames) {
+    const std::uint32_t wanted = m_wanted.load(std::memory_order_acquire);
+    const bool playing = m_playing.load(std::memory_order_acquire);
+    const auto silent = [this] { return m_buffering || m_gain.value() == 0.0F; };
+    if (!m_inSegment || (m_generation != wanted && silent())) {
+        m_inSegment = false;
+        if (!skipToSegment(wanted) || !playing)
+            return 0;
+        enterSegment();
+    }
+    const bool audible = playing && m_generation == wanted;
+    if (!audible && silent())
+        return 0;
+
+    // In this order: a mark is written before the frames behind it.
+    const std::uint64_t written = m_frames.written();
+    const std::optional<Mark> mark = nextMark();
+    const std::uint64_t available = (mark ? mark->number : written) - m_read;
+    if (available == 0 && mark) {
+        leaveSegment();
+        return renderSome(frames);
+    }
+    if (m_buffering && available < m_prebufferFrames && !mark)
+        return 0;
+    if (available == 0) {
+        if (audible)
+            m_underruns.fetch_add(1, std::memory_order_relaxed);
+        m_buffering = true;
+        m_gain.set(0);
+        return 0;
+    }
+    m_buffering = false;
+    return copyFaded(frames, available, audible, mark.has_value());
+}
+
+std::optional<PlayerNode::Mark> PlayerNode::nextMark() const {
+    const std::uint64_t number = m_marks.released();
+    if (number == m_marks.written())
+        return std::nullopt;
+    return m_marks.at(number);
+}
+
+// Lets go of everything before the wanted generation's segment. A newer one stays: its request is on the way.
+bool PlayerNode::skipToSegment(std::uint32_t wanted) {
+    const std::uint64_t written = m_frames.written();
+    while (const std::optional<Mark> mark = nextMark()) {
+        m_read = mark->number;
+        if (!mark->isEnd && mark->generation >= wanted) {
+            m_frames.release(m_read);
+            return mark->generation == wanted;
+        }
+        m_marks.release(m_marks.released() + 1);
+    }
+    m_read = std::max(m_read, written);
+    m_frames.release(m_read);
+    return false;
+}
+
+void PlayerNode::enterSegment() {
+    const Mark mark = m_marks.at(m_marks.released());
+    m_marks.release(m_marks.released() + 1);
+    m_generation = mark.generation;
+    m_position = mark.startFrame;
+    m_inSegment = true;
+    m_buffering = true;
+    m_gain.set(mark.startFrame == 0 ? 1.0F : 0.0F);
+    publish(false);
+}
+
+// At the next mark: the segment's own end, or the start of a newer one after it was abandoned.
+void PlayerNode::leaveSegment() {
+    m_inSegment = false;
+    if (m_marks.at(m_marks.released()).isEnd) {
+        m_marks.release(m_marks.released() + 1);
+        publish(true);
+    }
+}
+
+std::size_t PlayerNode::copyFaded(std::span<StereoFrame> frames, std::size_t available, bool audible,
+                                  bool endKnown) {
+    // The last frames before the sound runs dry fade out; they are kept for that as long as more may come.
+    const std::size_t fade = static_cast<std::size_t>(m_fadeFrames);
+    std::size_t count = std::min(frames.size(), available);
+    bool fadesOut = !audible;
+    if (audible && !endKnown) {
+        fadesOut = available <= fade;
+        if (!fadesOut)
+            count = std::min(count, available - fade);
+    }
+    m_gain.moveTo(fadesOut ? 0.0F : 1.0F, static_cast<int>(fadesOut ? std::min(fade, available) : fade));
+    for (std::size_t i = 0; i < count; ++i) {
+        const StereoFrame &frame = m_frames.at(m_read + i);
+        const float gain = m_gain.next();
+        frames[i] = {frame.left * gain, frame.right * gain};
+        if (fadesOut && !m_gain.isMoving()) {
+            count = i + 1; // silent now: what follows waits, or is dropped
+            break;
+        }
+    }
+    m_read += count;
+    m_position += static_cast<std::int64_t>(count);
+    m_frames.release(m_read);
+    publish(false);
+    return count;
+}
+
+} // namespace vantor

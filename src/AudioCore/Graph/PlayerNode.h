@@ -1,0 +1,107 @@
+#pragma once
+
+#include "AudioCore/Graph/Ramp.h"
+#include "AudioCore/Graph/SpscRing.h"
+
+#include <atomic>
+#include <cstdint>
+#include <optional>
+#include <span>
+
+namespace vantor {
+
+struct StereoFrame {
+    float left = 0;
+    float right = 0;
+
+    bool operator==(const StereoFrame &) const = default;
+};
+
+/// The source of the graph: plays segments of decoded sound, one after the other without a gap.
+///
+/// A segment belongs to a generation, a number from 1 up to 2^23 that only grows. discardBefore() makes older
+/// segments fade out and vanish, whatever is still queued of them, and newer ones follow in their place; so a
+/// seek or another track needs no co-operation between the threads. Pause, resume, discard and a segment that
+/// starts inside a track fade over a few milliseconds; a segment that starts at a track's first frame plays
+/// as it is.
+///
+/// Three threads take part, each with its own section below; none ever waits for another.
+class PlayerNode {
+  public:
+    static constexpr double fadeSeconds = 0.006;
+    /// A segment starts to sound, and sounds again after running dry, with this much at hand.
+    static constexpr double prebufferSeconds = 0.12;
+    /// How much the ring holds: the sound that is decoded ahead, and as much of discarded sound before it.
+    static constexpr double ringSeconds = 5;
+
+    /// How far the sound has come.
+    struct Progress {
+        std::uint32_t generation = 0; ///< of the segment that played last; 0 before the first
+        std::int64_t frame = 0;       ///< in the track: the next frame to be played
+        bool ended = false;           ///< the segment's last frame has been rendered
+
+        bool operator==(const Progress &) const = default;
+    };
+
+    explicit PlayerNode(int sampleRate);
+
+    // Main thread.
+    void play() { m_playing.store(true, std::memory_order_release); }
+    void pause() { m_playing.store(false, std::memory_order_release); }
+    void discardBefore(std::uint32_t generation) { m_wanted.store(generation, std::memory_order_release); }
+    [[nodiscard]] Progress progress() const;
+    /// How often sound was missing in the middle of a segment.
+    [[nodiscard]] int underruns() const { return m_underruns.load(std::memory_order_relaxed); }
+
+    // Decode thread.
+    /// What follows belongs to a new segment that starts at a frame of its track. False: try again later.
+    [[nodiscard]] bool beginSegment(std::uint32_t generation, std::int64_t startFrame);
+    /// Takes what fits and says how much that was.
+    [[nodiscard]] std::size_t write(std::span<const StereoFrame> frames) { return m_frames.write(frames); }
+    /// The segment is complete. False: try again later.
+    [[nodiscard]] bool endSegment();
+    /// Frames of the last begun segment that wait to be played.
+    [[nodiscard]] std::int64_t framesAhead() const;
+
+    // Audio thread: no allocation, lock or system call.
+    /// Fills the frames with sound, or with silence where there is none.
+    void render(std::span<StereoFrame> frames);
+
+  private:
+    struct Mark {
+        std::uint64_t number = 0; ///< of the first frame behind the mark
+        std::uint32_t generation = 0;
+        bool isEnd = false;
+        std::int64_t startFrame = 0;
+    };
+
+    std::size_t renderSome(std::span<StereoFrame> frames);
+    [[nodiscard]] std::optional<Mark> nextMark() const;
+    [[nodiscard]] bool skipToSegment(std::uint32_t wanted);
+    void enterSegment();
+    void leaveSegment();
+    std::size_t copyFaded(std::span<StereoFrame> frames, std::size_t available, bool audible, bool endKnown);
+    void publish(bool ended);
+
+    const int m_fadeFrames;
+    const std::uint64_t m_prebufferFrames;
+    SpscRing<StereoFrame> m_frames;
+    SpscRing<Mark> m_marks{64};
+    std::atomic<bool> m_playing{false};
+    std::atomic<std::uint32_t> m_wanted{0};
+    std::atomic<std::uint64_t> m_progress{0};
+    std::atomic<int> m_underruns{0};
+
+    // Decode thread's.
+    std::uint64_t m_segmentStart = 0;
+
+    // Audio thread's.
+    std::uint64_t m_read = 0;
+    std::uint32_t m_generation = 0;
+    std::int64_t m_position = 0;
+    bool m_inSegment = false;
+    bool m_buffering = false;
+    Ramp m_gain;
+};
+
+} // namespace vantor

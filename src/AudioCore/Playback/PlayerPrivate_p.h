@@ -1,0 +1,83 @@
+#pragma once
+
+#include "AudioCore/Graph/AudioGraph.h"
+#include "AudioCore/Playback/Player.h"
+#include "AudioCore/Playback/TrackStreamer.h"
+
+#include <QTimer>
+
+#include <map>
+
+namespace vantor {
+
+/// The player's working parts. Commands change the queue and call startCurrentTrack(), seekTo() or stop();
+/// every start and seek is a new generation, and what an older one still reports is ignored.
+class Player::Private {
+  public:
+    Private(Player &player, std::unique_ptr<TrackResolver> trackResolver, AudioOutputFactory outputFactory);
+
+    // Telling the observers.
+    void emitEvent(const PlayerEvent &event);
+    void setState(PlaybackState newState);
+    void setCurrentTime(double seconds);
+    void setFormat(const std::optional<PlaybackFormat> &newFormat);
+    /// Announces the current track unless it was the last one announced.
+    void announceTrack();
+
+    // Playing.
+    void startCurrentTrack(bool autoplay);
+    /// After a step of the queue: announces the new current track and starts it.
+    void moveToCurrentTrack(bool autoplay);
+    void resume();
+    void pause();
+    void seekTo(double seconds);
+    void stop();
+    /// Changes the queue; when another track is current afterwards, playback moves to it.
+    void editQueue(const std::function<void(PlayQueue &)> &edit);
+    [[nodiscard]] double duration() const;
+
+    // What happens by itself.
+    void streamerReported(const TrackStreamer::Report &report);
+    void trackFailed(const AudioCoreError &error);
+    void fail(const AudioCoreError &error);
+    void trackEnded();
+    void tick();
+    void outputLost(const QString &reason);
+
+    // The output.
+    void ensureOutput();
+    void wakeOutput();
+    void requestFrom(double seconds);
+
+    Player &q;
+    const std::unique_ptr<TrackResolver> resolver;
+    const AudioOutputFactory outputs;
+
+    PlayQueue queue;
+    PlaybackState state = PlaybackState::stopped;
+    double currentTime = 0;
+    double fileDuration = 0; ///< of the loaded file; 0 when unknown
+    std::optional<PlaybackFormat> format;
+    std::optional<QString> errorMessage;
+    float volume = 1;
+    float balance = 0;
+    int consecutiveFailures = 0;
+    std::optional<QUuid> lastEmittedTrackID;
+    bool autoplayAfterLoad = false; ///< whether sound is wanted: what a start that follows by itself inherits
+    QString path;                   ///< of the loaded file
+    std::uint32_t generation = 0;
+    std::optional<std::chrono::steady_clock::time_point> endRenderedAt;
+
+    std::map<PlayerEventToken, std::function<void(const PlayerEvent &)>> observers;
+    quint64 lastToken = 0;
+    QTimer timeUpdates;
+    QTimer idleTimer;
+
+    // In this order: the output stops before what it renders goes away.
+    AnalyzerTap analyzer;
+    std::unique_ptr<AudioGraph> graph;
+    std::unique_ptr<AudioOutput> output;
+    TrackStreamer streamer;
+};
+
+} // namespace vantor

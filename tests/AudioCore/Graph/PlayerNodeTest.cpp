@@ -1,0 +1,203 @@
+#include "AudioCore/Graph/PlayerNode.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <numbers>
+#include <thread>
+
+using namespace vantor;
+
+namespace {
+
+constexpr int rate = 44100;
+// A second of a full-scale 440 Hz sine: neighbouring samples differ by at most 2π·440/rate.
+constexpr double largestSineStep = 2 * std::numbers::pi * 440 / rate;
+
+std::vector<StereoFrame> sine(int frames) {
+    std::vector<StereoFrame> sound(static_cast<std::size_t>(frames));
+    for (int i = 0; i < frames; ++i) {
+        const auto value = static_cast<float>(std::sin(2 * std::numbers::pi * 440 * i / rate));
+        sound[static_cast<std::size_t>(i)] = {value, -value};
+    }
+    return sound;
+}
+
+std::vector<StereoFrame> ramp(int first, int frames) {
+    std::vector<StereoFrame> sound;
+    for (int i = first; i < first + frames; ++i)
+        sound.push_back({static_cast<float>(i), static_cast<float>(-i)});
+    return sound;
+}
+
+void feed(PlayerNode &node, std::uint32_t generation, std::int64_t start,
+          const std::vector<StereoFrame> &sound) {
+    ASSERT_TRUE(node.beginSegment(generation, start));
+    ASSERT_EQ(node.write(sound), sound.size());
+}
+
+std::vector<StereoFrame> render(PlayerNode &node, int frames) {
+    std::vector<StereoFrame> out(static_cast<std::size_t>(frames), StereoFrame{9, 9});
+    node.render(out);
+    return out;
+}
+
+double largestStep(const std::vector<StereoFrame> &sound) {
+    double largest = 0;
+    StereoFrame last;
+    for (const StereoFrame &frame : sound) {
+        largest = std::max(
+            {largest, std::abs(double{frame.left} - last.left), std::abs(double{frame.right} - last.right)});
+        last = frame;
+    }
+    return largest;
+}
+
+} // namespace
+
+TEST(PlayerNodeTest, SegmentsPlayBackToBackWithoutAnyChange) {
+    PlayerNode node(rate);
+    node.discardBefore(1);
+    feed(node, 1, 0, ramp(1, 1000));
+    ASSERT_TRUE(node.endSegment());
+    feed(node, 1, 0, ramp(1001, 500));
+    ASSERT_TRUE(node.endSegment());
+    node.play();
+
+    std::vector<StereoFrame> expected = ramp(1, 1500);
+    expected.resize(1600);
+    EXPECT_EQ(render(node, 1600), expected);
+    EXPECT_EQ(node.progress(), (PlayerNode::Progress{1, 500, true}));
+    EXPECT_EQ(node.underruns(), 0);
+}
+
+TEST(PlayerNodeTest, ProgressCountsFromTheStartOfTheSegment) {
+    PlayerNode node(rate);
+    EXPECT_EQ(node.progress(), PlayerNode::Progress{});
+    node.discardBefore(7);
+    feed(node, 7, 100'000'000'000, sine(rate));
+    render(node, 100);
+    EXPECT_EQ(node.progress(), PlayerNode::Progress{}) << "nothing plays before play()";
+    node.play();
+    render(node, 441);
+    EXPECT_EQ(node.progress(), (PlayerNode::Progress{7, 100'000'000'441, false}));
+}
+
+TEST(PlayerNodeTest, NoCommandEverClicks) {
+    PlayerNode node(rate);
+    node.discardBefore(1);
+    feed(node, 1, 0, sine(2 * rate));
+    node.play();
+    std::vector<StereoFrame> heard;
+    const auto listen = [&](int frames) {
+        const std::vector<StereoFrame> part = render(node, frames);
+        heard.insert(heard.end(), part.begin(), part.end());
+    };
+    listen(3025); // at a crest of the sine, where a cut is loudest
+    node.pause();
+    listen(25); // the fade is taken back half-way
+    node.play();
+    listen(3000);
+    node.pause();
+    listen(2000);
+    EXPECT_EQ(heard.back(), StereoFrame{});
+    node.play();
+    listen(5000);
+    node.discardBefore(2); // a seek, before its sound is there and after
+    feed(node, 2, 30 * rate, sine(rate / 2));
+    listen(7025);
+    node.discardBefore(3);
+    listen(2000);
+    EXPECT_EQ(heard.back(), StereoFrame{});
+    feed(node, 3, rate + 25, sine(rate / 2));
+    listen(rate); // runs dry, for the segment has no end
+    EXPECT_EQ(heard.back(), StereoFrame{});
+    EXPECT_EQ(node.underruns(), 1);
+    EXPECT_LT(largestStep(heard), largestSineStep * 1.1);
+}
+
+TEST(PlayerNodeTest, DiscardedSoundVanishesAlsoWhilePaused) {
+    PlayerNode node(rate);
+    node.discardBefore(1);
+    feed(node, 1, 0, sine(rate));
+    node.play();
+    render(node, 100);
+    node.pause();
+    render(node, 1000);
+    feed(node, 2, 0, ramp(1, rate)); // its request is still on the way to the node
+    render(node, 1000);
+    node.discardBefore(2);
+    EXPECT_EQ(render(node, 10).back(), StereoFrame{});
+    EXPECT_EQ(node.framesAhead(), rate);
+    node.play();
+    EXPECT_EQ(render(node, 300), ramp(1, 300));
+}
+
+TEST(PlayerNodeTest, SoundWaitsForALittleReserve) {
+    PlayerNode node(rate);
+    node.discardBefore(1);
+    node.play();
+    feed(node, 1, 0, ramp(1, 100));
+    EXPECT_EQ(render(node, 50), std::vector<StereoFrame>(50)) << "a single small block would run dry at once";
+    ASSERT_TRUE(node.endSegment());
+    EXPECT_EQ(render(node, 100), ramp(1, 100)) << "unless it is the whole segment";
+    EXPECT_EQ(node.underruns(), 0);
+}
+
+TEST(PlayerNodeTest, SixtyFourAbandonedRequestsDoNoHarm) {
+    PlayerNode node(rate);
+    std::uint32_t generation = 0;
+    while (node.beginSegment(++generation, 0))
+        EXPECT_EQ(node.write(ramp(1, 10)), 10U);
+    EXPECT_GT(generation, 20U) << "room for a burst of commands before the output asks for sound";
+    node.discardBefore(generation);
+    node.play();
+    render(node, 10);
+    feed(node, generation, 0, ramp(5, rate));
+    EXPECT_EQ(render(node, 10), ramp(5, 10));
+}
+
+// One thread writes segments, one renders, one seeks: every sample that is heard belongs to the segment that
+// progress() names, and the whole is clean under the thread sanitizer.
+TEST(PlayerNodeTest, ThreadsNeverMixSegments) {
+    PlayerNode node(8000);
+    std::atomic<std::uint32_t> wanted{1};
+    std::atomic<bool> done{false};
+    node.discardBefore(1);
+    node.play();
+    std::thread writer([&] {
+        std::uint32_t current = 0;
+        std::vector<StereoFrame> block;
+        while (!done) {
+            if (const std::uint32_t newest = wanted; newest != current) {
+                if (!node.beginSegment(newest, 0))
+                    continue;
+                current = newest;
+                block.assign(700, {static_cast<float>(current), 0});
+            }
+            if (node.write(block) == 0)
+                std::this_thread::yield();
+        }
+    });
+    std::thread listener([&] {
+        std::vector<StereoFrame> out(64);
+        while (!done) {
+            node.render(out);
+            const auto generation = static_cast<float>(node.progress().generation);
+            for (const StereoFrame &frame : out)
+                EXPECT_LE(frame.left, generation);
+            std::this_thread::yield();
+        }
+    });
+    for (std::uint32_t generation = 2; generation < 300; ++generation) {
+        node.discardBefore(generation);
+        wanted = generation;
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(2);
+        while (node.progress().generation != generation && std::chrono::steady_clock::now() < deadline)
+            std::this_thread::yield();
+        ASSERT_EQ(node.progress().generation, generation);
+    }
+    done = true;
+    writer.join();
+    listener.join();
+}

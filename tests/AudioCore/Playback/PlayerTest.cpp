@@ -1,0 +1,453 @@
+#include "AudioCore/Playback/Player.h"
+
+#include "tests/Support/AudioFileBuilder.h"
+#include "tests/Support/TestOutput.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/inotify.h>
+#include <unistd.h>
+
+#include <cmath>
+#include <numbers>
+
+using namespace vantor;
+using testing::ElementsAre;
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+// What happened, in the words of the rows below: "track a", "playing", "seeked 3", "failed b 1 skipped".
+std::string text(const PlayerEvent &event) {
+    static constexpr std::array states{"stopped", "loading", "playing", "paused"};
+    if (const auto *changed = std::get_if<PlayerEvents::TrackChanged>(&event))
+        return "track " + (changed->track ? changed->track->title.toStdString() : "none");
+    if (const auto *state = std::get_if<PlayerEvents::StateChanged>(&event))
+        return states[static_cast<std::size_t>(state->state)];
+    if (const auto *seeked = std::get_if<PlayerEvents::Seeked>(&event))
+        return "seeked " + QString::number(seeked->time).toStdString();
+    if (const auto *failed = std::get_if<PlayerEvents::Failed>(&event)) {
+        const PlaybackFailure &failure = failed->failure;
+        return "failed " + (failure.track ? failure.track->title.toStdString() : "none") + " " +
+               std::to_string(failure.consecutiveFailures) + (failure.skipped ? " skipped" : "");
+    }
+    return "?";
+}
+
+class PlayerTest : public testing::Test {
+  protected:
+    PlayerTest() {
+        m_player.addEventObserver([this](const PlayerEvent &event) {
+            m_events.push_back(text(event));
+            if (const auto *failed = std::get_if<PlayerEvents::Failed>(&event))
+                m_failures.push_back(failed->failure);
+        });
+    }
+
+    Track track(const char *title, double seconds = 1) {
+        const QString path = m_folder.filePath(QLatin1String(title) + QStringLiteral(".wav"));
+        if (!QFile::exists(path))
+            writeAudioFile(path, {.frequency = 440, .seconds = seconds, .amplitude = 1});
+        return missing(title);
+    }
+    Track missing(const char *title) {
+        return {.id = QUuid::createUuid(),
+                .title = QLatin1String(title),
+                .artist = {},
+                .album = {},
+                .bitrate = {},
+                .sampleRate = {},
+                .channels = {},
+                .source =
+                    QUrl::fromLocalFile(m_folder.filePath(QLatin1String(title) + QStringLiteral(".wav")))};
+    }
+
+    // Lets events and sound flow until something holds. The sound runs at twice the pace of the clock: time
+    // passes quickly, and the decoder still has its time.
+    template <class Condition> bool pump(Condition condition) {
+        const Clock::time_point start = Clock::now();
+        std::int64_t rendered = 0;
+        while (!condition()) {
+            const Clock::duration elapsed = Clock::now() - start;
+            if (elapsed > std::chrono::seconds(10))
+                return false;
+            const auto due = std::chrono::duration_cast<std::chrono::microseconds>(elapsed).count() *
+                             m_output.sampleRate * 2 / 1'000'000;
+            for (; rendered < due; rendered += 256) {
+                if (m_output.current)
+                    m_output.current->render(256);
+            }
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents | QEventLoop::AllEvents, 2);
+        }
+        return true;
+    }
+    bool pumpUntil(PlaybackState state) {
+        return pump([&] { return m_player.state() == state; });
+    }
+    bool pumpUntilHeard(double seconds) {
+        return pump([&] { return m_player.currentTime() >= seconds; });
+    }
+    std::vector<std::string> takeEvents() { return std::exchange(m_events, {}); }
+
+    QTemporaryDir m_folder;
+    TestOutput::Shared m_output;
+    std::vector<std::string> m_events;
+    std::vector<PlaybackFailure> m_failures;
+    Player m_player{std::make_unique<FileTrackResolver>(),
+                    [this] { return std::make_unique<TestOutput>(m_output); }};
+};
+
+double largestStep(const std::vector<StereoFrame> &sound) {
+    double largest = 0;
+    StereoFrame last;
+    for (const StereoFrame &frame : sound) {
+        largest = std::max(largest, std::abs(double{frame.left} - last.left));
+        last = frame;
+    }
+    return largest;
+}
+
+} // namespace
+
+TEST_F(PlayerTest, PlaysAQueueToItsEndInOrder) {
+    m_player.enqueue({track("a", 0.3), track("b", 0.3)});
+    EXPECT_THAT(takeEvents(), ElementsAre());
+    m_player.play();
+    EXPECT_EQ(m_player.state(), PlaybackState::loading);
+    ASSERT_TRUE(pumpUntil(PlaybackState::stopped));
+    EXPECT_THAT(takeEvents(),
+                ElementsAre("track a", "loading", "playing", "track b", "loading", "playing", "stopped"));
+    EXPECT_EQ(m_player.currentTime(), 0);
+    EXPECT_EQ(m_player.currentFormat(), std::nullopt);
+    EXPECT_EQ(m_player.queue().currentIndex(), 1) << "the last track stays current";
+
+    const auto loud = std::count_if(m_output.heard.begin(), m_output.heard.end(),
+                                    [](const StereoFrame &frame) { return frame.left != 0; });
+    EXPECT_NEAR(static_cast<double>(loud), 0.6 * 44100, 20) << "every sample once; a sine has some zeros";
+    m_player.play();
+    ASSERT_TRUE(pumpUntil(PlaybackState::playing));
+    EXPECT_THAT(takeEvents(), ElementsAre("loading", "playing")) << "the same entry is not announced again";
+}
+
+TEST_F(PlayerTest, RepeatOneStartsTheSameTrackAgainWithoutAnnouncingIt) {
+    m_player.enqueue({track("a", 0.2), track("b")});
+    m_player.setRepeatMode(RepeatMode::one);
+    m_player.play();
+    ASSERT_TRUE(pump([&] { return std::count(m_events.begin(), m_events.end(), "playing") == 3; }));
+    EXPECT_THAT(takeEvents(),
+                ElementsAre("track a", "loading", "playing", "loading", "playing", "loading", "playing"));
+}
+
+TEST_F(PlayerTest, PauseKeepsThePlaceAndTheDeviceRests) {
+    m_player.enqueue({track("a", 5)});
+    m_player.play();
+    ASSERT_TRUE(pumpUntilHeard(0.3));
+    m_player.togglePause();
+    const double place = m_player.currentTime();
+    const std::size_t heard = m_output.heard.size();
+    ASSERT_TRUE(pump([&] { return m_output.heard.size() > heard + 2000; }));
+    EXPECT_EQ(m_player.currentTime(), place);
+    EXPECT_EQ(m_output.heard.back(), StereoFrame{});
+    m_player.togglePlayPause();
+    EXPECT_EQ(m_player.state(), PlaybackState::playing);
+    ASSERT_TRUE(pumpUntilHeard(place + 0.2));
+    EXPECT_THAT(takeEvents(), ElementsAre("track a", "loading", "playing", "paused", "playing"));
+    EXPECT_EQ(m_player.currentFormat(), (PlaybackFormat{44100, 2, QStringLiteral("PCM"), 16}));
+}
+
+TEST_F(PlayerTest, NoCommandEverClicks) {
+    m_player.enqueue({track("a", 20)});
+    m_player.play();
+    ASSERT_TRUE(pumpUntilHeard(0.1));
+    const auto listenFor = [&](std::size_t frames) {
+        const std::size_t end = m_output.heard.size() + frames;
+        ASSERT_TRUE(pump([&] { return m_output.heard.size() >= end; }));
+    };
+    const std::function<void()> commands[] = {
+        [&] { m_player.pause(); },        [&] { m_player.play(); },       [&] { m_player.setVolume(0.2F); },
+        [&] { m_player.setBalance(-1); }, [&] { m_player.setVolume(1); }, [&] { m_player.setBalance(1); },
+        [&] { m_player.seek(10.00123); }, [&] { m_player.seek(3.3); },    [&] { m_player.pause(); },
+        [&] { m_player.seek(7.0007); },   [&] { m_player.play(); },       [&] { m_player.stop(); },
+    };
+    for (const auto &command : commands) {
+        command();
+        listenFor(3333);
+    }
+    EXPECT_EQ(m_output.heard.back(), StereoFrame{});
+    EXPECT_LT(largestStep(m_output.heard), 2 * std::numbers::pi * 440 / 44100 * 1.1);
+}
+
+TEST_F(PlayerTest, SeekIsClampedAndGoesToThePlace) {
+    const struct {
+        const char *name;
+        double seconds, expected;
+    } rows[] = {
+        {"before the start", -3, 0}, {"inside", 2.5, 2.5},      {"not a number", std::nan(""), 0},
+        {"for ever", HUGE_VAL, 4},   {"behind the end", 17, 4},
+    };
+    m_player.enqueue({track("a", 4)});
+    m_player.seek(2); // nothing is loaded
+    EXPECT_THAT(takeEvents(), ElementsAre());
+    for (const auto &row : rows) {
+        SCOPED_TRACE(row.name);
+        m_player.play();
+        ASSERT_TRUE(pumpUntilHeard(0.05));
+        m_player.pause();
+        takeEvents();
+        m_player.seek(row.seconds);
+        EXPECT_EQ(m_player.currentTime(), row.expected);
+        EXPECT_EQ(m_player.state(), PlaybackState::paused);
+        EXPECT_THAT(takeEvents(), ElementsAre("seeked " + QString::number(row.expected).toStdString()));
+        m_player.play();
+        if (row.expected < 4)
+            EXPECT_TRUE(pumpUntilHeard(row.expected + 0.1));
+        else
+            EXPECT_TRUE(pumpUntil(PlaybackState::stopped));
+        EXPECT_LT(m_player.currentTime(), row.expected + 0.3);
+        m_player.stop();
+    }
+}
+
+TEST_F(PlayerTest, ASeekWhileLoadingIsRemembered) {
+    m_player.enqueue({track("a", 4)});
+    m_player.play();
+    m_player.seek(2);
+    m_player.pause();
+    ASSERT_TRUE(pumpUntil(PlaybackState::paused));
+    EXPECT_EQ(m_player.currentTime(), 2);
+    m_player.play();
+    ASSERT_TRUE(pumpUntilHeard(2.2));
+    EXPECT_THAT(takeEvents(), ElementsAre("track a", "loading", "seeked 2", "paused", "playing"));
+}
+
+TEST_F(PlayerTest, TimeIsThatOfTheSoundThatIsHeardAndNeverRunsBack) {
+    m_output.latency = 0.2;
+    m_player.enqueue({track("a", 2)});
+    m_player.play();
+    ASSERT_TRUE(pumpUntil(PlaybackState::playing));
+    std::vector<double> times;
+    QObject::connect(&m_player, &Player::currentTimeChanged,
+                     [&] { times.push_back(m_player.currentTime()); });
+    ASSERT_TRUE(pumpUntilHeard(0.5));
+    const auto first = std::find_if(m_output.heard.begin(), m_output.heard.end(),
+                                    [](const StereoFrame &frame) { return frame.left != 0; });
+    const double rendered = static_cast<double>(m_output.heard.end() - first) / 44100;
+    EXPECT_NEAR(rendered - m_player.currentTime(), 0.2, 0.15);
+    m_player.seek(1);
+    ASSERT_TRUE(pumpUntilHeard(1.2));
+    EXPECT_TRUE(std::is_sorted(times.begin(), times.end()));
+    // The end comes when the last sound has been heard.
+    ASSERT_TRUE(pumpUntilHeard(1.75));
+    const Clock::time_point nearEnd = Clock::now();
+    ASSERT_TRUE(pumpUntil(PlaybackState::stopped));
+    EXPECT_GT(Clock::now() - nearEnd, std::chrono::milliseconds(100));
+    times.pop_back(); // back to 0
+    EXPECT_TRUE(std::is_sorted(times.begin(), times.end()));
+    EXPECT_LE(times.back(), 2.0);
+}
+
+TEST_F(PlayerTest, FailuresSkipAndStopByTheRule) {
+    const struct {
+        const char *name;
+        std::vector<Track> tracks;
+        RepeatMode repeat;
+        std::vector<std::string> expected;
+    } rows[] = {
+        {"one", {missing("x")}, RepeatMode::off, {"track x", "loading", "stopped", "failed x 1"}},
+        {"one, for ever", {missing("x")}, RepeatMode::all, {"track x", "loading", "stopped", "failed x 1"}},
+        {"three, for ever",
+         {missing("x"), missing("y"), missing("z")},
+         RepeatMode::all,
+         {"track x", "loading", "failed x 1 skipped", "track y", "failed y 2 skipped", "track z", "stopped",
+          "failed z 3"}},
+        {"the last of two",
+         {missing("x"), track("good", 0.1)},
+         RepeatMode::off,
+         {"track x", "loading", "failed x 1 skipped", "track good", "playing", "stopped"}},
+        {"the same again",
+         {missing("x"), track("good", 0.1)},
+         RepeatMode::one,
+         {"track x", "loading", "stopped", "failed x 1"}},
+        {"good ones between reset the count",
+         {missing("x"), track("good", 0.1), missing("y"), missing("z")},
+         RepeatMode::off,
+         {"track x", "loading", "failed x 1 skipped", "track good", "playing", "track y", "loading",
+          "failed y 1 skipped", "track z", "stopped", "failed z 2"}},
+    };
+    for (const auto &row : rows) {
+        SCOPED_TRACE(row.name);
+        m_player.restoreQueue(row.tracks, std::nullopt, row.repeat, false);
+        takeEvents();
+        m_failures.clear();
+        m_player.play();
+        EXPECT_TRUE(pumpUntil(PlaybackState::stopped));
+        EXPECT_EQ(takeEvents(), row.expected);
+        ASSERT_FALSE(m_failures.empty());
+        EXPECT_EQ(m_failures.front().message, AudioCoreError::openFailure().description());
+        EXPECT_EQ(m_player.errorMessage(), m_failures.back().message);
+    }
+}
+
+TEST_F(PlayerTest, ALibraryItemIsNoLocalFileAndTenThousandOfThemAreNoRecursion) {
+    std::vector<Track> tracks(10'000, missing("x"));
+    for (Track &track : tracks) {
+        track.id = QUuid::createUuid();
+        track.source = MediaID{MediaKind::track, QStringLiteral("1")};
+    }
+    m_player.enqueue(tracks);
+    m_player.play();
+    ASSERT_TRUE(pumpUntil(PlaybackState::stopped));
+    ASSERT_EQ(m_failures.size(), 10'000U);
+    EXPECT_EQ(
+        m_failures.back(),
+        (PlaybackFailure{tracks.back(), AudioCoreError::unresolvableSource().description(), 10'000, false}));
+}
+
+TEST_F(PlayerTest, AnOutputThatWillNotStartEndsThePlayback) {
+    m_output.refusesToStart = true;
+    m_player.enqueue({track("a"), track("b")});
+    m_player.play();
+    ASSERT_TRUE(pumpUntil(PlaybackState::stopped));
+    EXPECT_THAT(takeEvents(), ElementsAre("track a", "loading", "stopped", "failed a 1"));
+    EXPECT_EQ(m_player.errorMessage(), QStringLiteral("Could not start the audio engine: refused"));
+    m_output.refusesToStart = false;
+    m_player.play();
+    EXPECT_TRUE(pumpUntil(PlaybackState::playing));
+}
+
+TEST_F(PlayerTest, TwentyQuickStepsOpenOnlyTheLast) {
+    std::vector<Track> tracks;
+    for (int i = 0; i <= 20; ++i)
+        tracks.push_back(track(("t" + std::to_string(i)).c_str(), 0.5));
+    m_player.enqueue(tracks);
+    m_player.play();
+    ASSERT_TRUE(pumpUntil(PlaybackState::playing));
+
+    const int watch = inotify_init1(IN_NONBLOCK);
+    ASSERT_GE(inotify_add_watch(watch, m_folder.path().toUtf8(), IN_OPEN), 0);
+    for (int step = 0; step < 20; ++step)
+        m_player.next();
+    ASSERT_TRUE(pumpUntil(PlaybackState::playing));
+    EXPECT_EQ(m_player.queue().currentIndex(), 20);
+    std::array<char, 8192> events{};
+    const auto size =
+        static_cast<std::size_t>(std::max<ssize_t>(read(watch, events.data(), events.size()), 0));
+    close(watch);
+    std::set<std::string> opened;
+    for (std::size_t place = 0; place < size;) {
+        inotify_event event{};
+        std::memcpy(&event, &events[place], sizeof event);
+        opened.insert(&events[place + sizeof event]);
+        place += sizeof event + event.len;
+    }
+    EXPECT_TRUE(opened.contains("t20.wav"));
+    EXPECT_LE(opened.size(), 3U) << "the decoder was busy with one or two when the last was asked for";
+}
+
+TEST_F(PlayerTest, StepsAndRowsMoveTheQueue) {
+    m_player.enqueue({track("a", 3), track("b", 3), track("c", 3)});
+    m_player.previous();
+    m_player.play(7);
+    EXPECT_THAT(takeEvents(), ElementsAre()) << "nothing to step back to, no such row";
+    m_player.play(1);
+    ASSERT_TRUE(pumpUntilHeard(0.2));
+    m_player.previous();
+    EXPECT_EQ(m_player.currentTime(), 0);
+    ASSERT_TRUE(pumpUntilHeard(0.2));
+    m_player.previous(); // at the first: back to its start
+    ASSERT_TRUE(pumpUntilHeard(0.1));
+    EXPECT_LT(m_player.currentTime(), 0.19);
+    m_player.play(2);
+    m_player.next(); // nowhere to go: it plays on
+    ASSERT_TRUE(pumpUntil(PlaybackState::playing));
+    EXPECT_THAT(takeEvents(), ElementsAre("track b", "loading", "playing", "track a", "loading", "playing",
+                                          "seeked 0", "track c", "loading", "playing"));
+}
+
+TEST_F(PlayerTest, RemovingTheCurrentTrackMovesPlaybackToItsSuccessor) {
+    m_player.enqueue({track("a"), track("b"), track("c")});
+    m_player.play();
+    ASSERT_TRUE(pumpUntil(PlaybackState::playing));
+    m_player.reverseQueue();
+    m_player.reverseQueue();
+    m_player.removeTracks({0, 1});
+    ASSERT_TRUE(pumpUntil(PlaybackState::playing));
+    EXPECT_THAT(takeEvents(), ElementsAre("track a", "loading", "playing", "track c", "loading", "playing"));
+    m_player.pause();
+    m_player.enqueue({track("d")});
+    m_player.removeTrack(0);
+    ASSERT_TRUE(pumpUntil(PlaybackState::paused)) << "what was paused stays silent";
+    m_player.clearQueue();
+    EXPECT_THAT(takeEvents(), ElementsAre("paused", "track d", "loading", "paused", "stopped", "track none"));
+}
+
+TEST_F(PlayerTest, ARestoredQueueWaitsForPlay) {
+    const std::vector<Track> tracks{track("a"), track("b"), track("c")};
+    m_player.restoreQueue(tracks, 1, RepeatMode::all, true);
+    EXPECT_THAT(takeEvents(), ElementsAre("track b"));
+    EXPECT_EQ(m_player.queue().shufflePosition(), 0);
+    EXPECT_EQ(m_player.repeatMode(), RepeatMode::all);
+    EXPECT_EQ(m_output.made, 0);
+    m_player.play();
+    ASSERT_TRUE(pumpUntil(PlaybackState::playing));
+    EXPECT_THAT(takeEvents(), ElementsAre("loading", "playing"));
+}
+
+TEST_F(PlayerTest, VolumeAndBalanceAreClampedAndWaitForTheGraph) {
+    m_player.setVolume(1.5F);
+    m_player.setBalance(-2);
+    EXPECT_EQ(m_player.volume(), 1);
+    EXPECT_EQ(m_player.balance(), -1);
+    m_player.setVolume(std::nanf(""));
+    EXPECT_EQ(m_player.volume(), 0);
+    m_player.setVolume(0.5F);
+    m_player.enqueue({track("a", 2)});
+    m_player.play();
+    ASSERT_TRUE(pumpUntilHeard(0.2));
+    EXPECT_NEAR(m_player.takePeak(), 0.5, 0.001);
+    for (const StereoFrame &frame : m_output.heard)
+        ASSERT_EQ(frame.right, 0);
+}
+
+TEST_F(PlayerTest, ALostOutputIsReplacedAtTheSamePlace) {
+    m_player.enqueue({track("a", 9)});
+    m_player.play();
+    m_player.seek(5);
+    ASSERT_TRUE(pumpUntilHeard(5.2));
+    takeEvents();
+    const double place = m_player.currentTime();
+    m_output.sampleRate = 48000;
+    m_output.current->lose();
+    ASSERT_TRUE(pump([&] { return m_output.made == 2; }));
+    EXPECT_EQ(m_player.state(), PlaybackState::playing);
+    EXPECT_NEAR(m_player.currentTime(), place, 0.1);
+    ASSERT_TRUE(pumpUntilHeard(place + 0.3));
+    EXPECT_THAT(takeEvents(), ElementsAre());
+
+    m_output.refusesToStart = true;
+    m_output.current->lose();
+    ASSERT_TRUE(pumpUntil(PlaybackState::stopped));
+    EXPECT_THAT(takeEvents(), ElementsAre("stopped", "failed a 1"));
+}
+
+TEST_F(PlayerTest, ObserversMayLeaveAndCommandFromWithin) {
+    m_player.enqueue({missing("x"), track("b"), track("c")});
+    PlayerEventToken token;
+    int calls = 0;
+    token = m_player.addEventObserver([&](const PlayerEvent &event) {
+        ++calls;
+        if (std::holds_alternative<PlayerEvents::Failed>(event)) {
+            m_player.removeEventObserver(token);
+            m_player.play(2);
+        }
+    });
+    m_player.play();
+    ASSERT_TRUE(pumpUntil(PlaybackState::playing));
+    EXPECT_EQ(m_player.queue().currentIndex(), 2);
+    EXPECT_EQ(calls, 3);
+}

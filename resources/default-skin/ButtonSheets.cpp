@@ -65,12 +65,12 @@ Sheet toggleSheet() {
         const bool on = ending.contains(QStringLiteral("SELECTED"));
         const bool down = ending.contains(QStringLiteral("DEPRESSED"));
         if (!ending.endsWith(QStringLiteral("_DEPRESSED_SELECTED"))) {
-            paintToggle(sheet.sprite(QStringLiteral("MAIN_SHUFFLE_BUTTON") + ending), {"SHUFFLE", 2, on, down});
-            paintToggle(sheet.sprite(QStringLiteral("MAIN_REPEAT_BUTTON") + ending), {"REPEAT", 1, on, down});
+            paintToggle(sheet.sprite(QStringLiteral("MAIN_SHUFFLE_BUTTON") + ending), {.label = "SHUFFLE", .on = on, .down = down});
+            paintToggle(sheet.sprite(QStringLiteral("MAIN_REPEAT_BUTTON") + ending), {.label = "LOOP", .on = on, .down = down});
         }
         if (!ending.endsWith(QStringLiteral("_SELECTED_DEPRESSED"))) {
-            paintToggle(sheet.sprite(QStringLiteral("MAIN_EQ_BUTTON") + ending), {"EQ", 2, on, down});
-            paintToggle(sheet.sprite(QStringLiteral("MAIN_PLAYLIST_BUTTON") + ending), {"PL", 2, on, down});
+            paintToggle(sheet.sprite(QStringLiteral("MAIN_EQ_BUTTON") + ending), {.label = "EQ", .on = on, .down = down});
+            paintToggle(sheet.sprite(QStringLiteral("MAIN_PLAYLIST_BUTTON") + ending), {.label = "PL", .on = on, .down = down});
         }
     }
     return sheet;
@@ -90,10 +90,7 @@ Sheet channelSheet(const QImage &window) {
                            Row{"MAIN_STEREO_SELECTED", "STEREO", places::stereo, true}}) {
         Canvas canvas = sheet.sprite(row.sprite, window, row.at);
         const int x = (canvas.width() - font::smallWidth(row.label)) / 2;
-        if (row.on)
-            font::drawSmallGlowing(canvas, x, 2, row.label, flame);
-        else
-            font::drawSmall(canvas, x, 2, row.label, mix(glass, printDim, 0.42));
+        font::drawSmall(canvas, x, 2, row.label, row.on ? flame : mix(glass, printDim, 0.42));
     }
     return sheet;
 }
@@ -119,7 +116,6 @@ Sheet indicatorSheet() {
     Canvas idle = sheet.sprite("MAIN_NOT_WORKING_INDICATOR");
     idle.fill(idle.bounds(), glass);
     working.fill(working.bounds(), glass);
-    idle.column(0, 1, 7, mix(glass, amber, 0.45));
     working.fill({0, 1, 2, 7}, spark);
     return sheet;
 }

@@ -32,8 +32,9 @@ bool isLit(unsigned value, std::size_t segment) {
 
 void draw(Canvas canvas, int value) {
     canvas.fill(canvas.bounds(), glass);
-    for (const Stencil segment : segments)
-        canvas.stencil(0, 0, segment, unlit);
+    if (value != minus)
+        for (const Stencil segment : segments)
+            canvas.stencil(0, 0, segment, unlit);
     for (std::size_t i = 0; i < segments.size(); ++i)
         if (isLit(static_cast<unsigned>(value), i))
             canvas.glowing(0, 0, segments.at(i), amber, 0.1);

@@ -7,7 +7,7 @@ namespace vantor::art::digits {
 
 inline constexpr int cellWidth = 9;
 inline constexpr int cellHeight = 13;
-inline constexpr int minus = 10; ///< as a value: the middle segment alone
+inline constexpr int minus = 10; ///< as a value: the middle segment, alone in its cell
 inline constexpr int dark = 11;  ///< as a value: every segment off
 
 /// Draws a value from 0 to 9, `minus` or `dark` into a cell of glass.

@@ -72,7 +72,7 @@ void paintLabels(Canvas &canvas) {
     centred(places::preamp.x() + slitColumn, 105, "PREAMP");
     font::drawSmall(canvas, 47, 40, "+12 DB", print);
     font::drawSmall(canvas, 47, 66, "0 DB", print);
-    font::drawSmall(canvas, 47, 95, "-12 DB", print);
+    font::drawSmall(canvas, 47, 94, "-12 DB", print);
 }
 
 void paintTitleBar(Canvas canvas, bool focused) {
@@ -122,9 +122,9 @@ void paintButtons(Sheet &sheet) {
             const QString ending = (on ? QStringLiteral("_SELECTED") : QString()) +
                                    (down ? QStringLiteral("_DEPRESSED") : QString());
             paintToggle(sheet.sprite(QStringLiteral("EQ_ON_BUTTON") + ending),
-                        {.label = "ON", .tracking = 2, .on = on, .down = down});
+                        {.label = "ON", .on = on, .down = down});
             paintToggle(sheet.sprite(QStringLiteral("EQ_AUTO_BUTTON") + ending),
-                        {.label = "AUTO", .tracking = 2, .on = on, .down = down});
+                        {.label = "AUTO", .on = on, .down = down});
         }
     paintTextKey(sheet.sprite("EQ_PRESETS_BUTTON"), "PRESETS", {}, Key::up);
     paintTextKey(sheet.sprite("EQ_PRESETS_BUTTON_SELECTED"), "PRESETS", {}, Key::down);

@@ -17,10 +17,10 @@ constexpr Glyph cells[] = {
     {U'D', "###./#..#/#..#/#..#/###."}, {U'E', "####/#.../###./#.../####"}, {U'F', "####/#.../###./#.../#..."},
     {U'G', ".###/#.../#.##/#..#/.###"}, {U'H', "#..#/#..#/####/#..#/#..#"}, {U'I', ".###/..#./..#./..#./.###"},
     {U'J', "..##/...#/...#/#..#/.##."}, {U'K', "#..#/#.#./##../#.#./#..#"}, {U'L', "#.../#.../#.../#.../####"},
-    {U'M', "#..#/####/#++#/#..#/#..#"}, {U'N', "#..#/##.#/#.##/#..#/#..#"}, {U'O', ".##./#..#/#..#/#..#/.##."},
+    {U'M', "#..#/####/####/#..#/#..#"}, {U'N', "#..#/##.#/#.##/#..#/#..#"}, {U'O', ".##./#..#/#..#/#..#/.##."},
     {U'P', "###./#..#/###./#.../#..."}, {U'Q', ".##./#..#/#..#/#.#./.#.#"}, {U'R', "###./#..#/###./#.#./#..#"},
     {U'S', ".###/#.../.##./...#/###."}, {U'T', ".###/..#./..#./..#./..#."}, {U'U', "#..#/#..#/#..#/#..#/.##."},
-    {U'V', "#..#/#..#/#..#/+##+/.##."}, {U'W', "#..#/#..#/#++#/####/#..#"}, {U'X', "#..#/+##+/.##./+##+/#..#"},
+    {U'V', ".#.#/.#.#/.#.#/.#.#/..#."}, {U'W', "#..#/#..#/####/####/#..#"}, {U'X', "#..#/#..#/.##./#..#/#..#"},
     {U'Y', ".#.#/.#.#/..#./..#./..#."}, {U'Z', "####/...#/.##./#.../####"},
     {U'0', ".##./#..#/#..#/#..#/.##."}, {U'1', "..#./.##./..#./..#./.###"}, {U'2', "###./...#/.##./#.../####"},
     {U'3', "###./...#/.##./...#/###."}, {U'4', "#..#/#..#/####/...#/...#"}, {U'5', "####/#.../###./...#/###."},
@@ -33,7 +33,7 @@ constexpr Glyph cells[] = {
     {U'[', ".##/.#./.#./.#./.##"}, {U']', ".##/..#/..#/..#/.##"}, {U'^', "..#./.#.#"},
     {U'&', ".#../#.#./.#../#.##/.##."}, {U'%', "#..#/...#/.##./#.../#..#"}, {U',', "////..#/.#."},
     {U'=', "/.###//.###"}, {U'$', ".###/#.#./.##./.#.#/###."}, {U'#', ".#.#/####/.#.#/####/.#.#"},
-    {U'Å', ".##./.##./#..#/####/#..#"}, {U'Ö', "#..#/.##./#..#/#..#/.##."}, {U'Ä', "#..#/.##./#..#/####/#..#"},
+    {U'Å', ".##./..../.##./####/#..#"}, {U'Ö', "#..#/..../.##./#..#/.##."}, {U'Ä', "#..#/..../.##./####/#..#"},
     {U'?', "###./...#/.##./..../.#.."}, {U'*', "/.#.#/..#./.#.#"},
 };
 
@@ -75,8 +75,27 @@ int bearing(Stencil stencil) {
     return least == 5 ? 0 : least;
 }
 
-int advance(Stencil stencil, int tracking) {
-    return stencil.empty() ? 3 + tracking : stencilSize(stencil).width() - bearing(stencil) + tracking;
+int glyphWidth(Stencil stencil) {
+    constexpr int space = 3;
+    return stencil.empty() ? space : stencilSize(stencil).width() - bearing(stencil);
+}
+
+constexpr int titleTracking = 2;
+
+/// Titles have room for the wide forms that a cell cannot hold.
+Stencil titleGlyph(char c) {
+    switch (c) {
+    case 'V':
+        return "#...#/#...#/.#.#./.#.#./..#..";
+    case 'T':
+        return "#####/..#../..#../..#../..#..";
+    case 'N':
+        return "#...#/##..#/#.#.#/#..##/#...#";
+    case 'Y':
+        return "#...#/.#.#./..#../..#../..#..";
+    default:
+        return cell(static_cast<unsigned char>(c));
+    }
 }
 
 } // namespace
@@ -85,43 +104,48 @@ Stencil cell(char32_t character) {
     return find(cells, character);
 }
 
-void draw(Canvas &canvas, int x, int y, std::string_view text, Color color, int tracking) {
+void draw(Canvas &canvas, int x, int y, std::string_view text, Color color) {
     for (const char c : text) {
         const Stencil stencil = cell(static_cast<unsigned char>(c));
         canvas.stencil(x - bearing(stencil), y, stencil, color);
-        x += advance(stencil, tracking);
+        x += glyphWidth(stencil) + 1;
     }
 }
 
-int width(std::string_view text, int tracking) {
-    int sum = -tracking;
+int width(std::string_view text) {
+    int sum = -1;
     for (const char c : text)
-        sum += advance(cell(static_cast<unsigned char>(c)), tracking);
+        sum += glyphWidth(cell(static_cast<unsigned char>(c))) + 1;
     return sum;
 }
 
-void drawSmall(Canvas &canvas, int x, int y, std::string_view text, Color color, int tracking) {
+void drawTitle(Canvas &canvas, int x, int y, std::string_view text, Color color) {
+    for (const char c : text) {
+        const Stencil stencil = titleGlyph(c);
+        canvas.stencil(x - bearing(stencil), y, stencil, color);
+        x += glyphWidth(stencil) + titleTracking;
+    }
+}
+
+int titleWidth(std::string_view text) {
+    int sum = -titleTracking;
+    for (const char c : text)
+        sum += glyphWidth(titleGlyph(c)) + titleTracking;
+    return sum;
+}
+
+void drawSmall(Canvas &canvas, int x, int y, std::string_view text, Color color) {
     for (const char c : text) {
         const Stencil stencil = find(smallGlyphs, static_cast<unsigned char>(c));
         canvas.stencil(x, y, stencil, color);
-        x += stencilSize(stencil).width() + tracking;
+        x += stencilSize(stencil).width() + 1;
     }
 }
 
-void drawSmallGlowing(Canvas &canvas, int x, int y, std::string_view text, Color color, int tracking) {
-    int halo = x;
-    for (const char c : text) {
-        const Stencil stencil = find(smallGlyphs, static_cast<unsigned char>(c));
-        canvas.glowing(halo, y, stencil, color, 0.12);
-        halo += stencilSize(stencil).width() + tracking;
-    }
-    drawSmall(canvas, x, y, text, color, tracking);
-}
-
-int smallWidth(std::string_view text, int tracking) {
-    int sum = -tracking;
+int smallWidth(std::string_view text) {
+    int sum = -1;
     for (const char c : text)
-        sum += stencilSize(find(smallGlyphs, static_cast<unsigned char>(c))).width() + tracking;
+        sum += stencilSize(find(smallGlyphs, static_cast<unsigned char>(c))).width() + 1;
     return sum;
 }
 

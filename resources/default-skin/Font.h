@@ -11,13 +11,16 @@ namespace vantor::art::font {
 /// Capitals only; a null stencil for what the face lacks.
 [[nodiscard]] Stencil cell(char32_t character);
 
-/// Text in the marquee's face, set proportionally with `tracking` pixels between glyphs.
-void draw(Canvas &canvas, int x, int y, std::string_view text, Color color, int tracking = 1);
-[[nodiscard]] int width(std::string_view text, int tracking = 1);
+/// Text in the marquee's face, set proportionally.
+void draw(Canvas &canvas, int x, int y, std::string_view text, Color color);
+[[nodiscard]] int width(std::string_view text);
+
+/// Window titles, in the same face with a few wide letters and loose setting.
+void drawTitle(Canvas &canvas, int x, int y, std::string_view text, Color color);
+[[nodiscard]] int titleWidth(std::string_view text);
 
 /// The narrow face of labels and keys: glyphs mostly 3 wide.
-void drawSmall(Canvas &canvas, int x, int y, std::string_view text, Color color, int tracking = 1);
-void drawSmallGlowing(Canvas &canvas, int x, int y, std::string_view text, Color color, int tracking = 1);
-[[nodiscard]] int smallWidth(std::string_view text, int tracking = 1);
+void drawSmall(Canvas &canvas, int x, int y, std::string_view text, Color color);
+[[nodiscard]] int smallWidth(std::string_view text);
 
 } // namespace vantor::art::font

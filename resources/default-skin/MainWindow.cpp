@@ -16,7 +16,7 @@ void paintClockDisplay(Canvas &canvas) {
         digits::draw(canvas.part({x, places::digitRow, digits::cellWidth, digits::cellHeight}), digits::dark);
     // Minutes and seconds are parted by two beads that stay as they are, dim enough for a blank clock.
     for (const int y : {places::digitRow + 2, places::digitRow + 7})
-        canvas.stencil(72, y, ".#./###/.#.", mix(glass, amber, 0.42));
+        canvas.stencil(72, y, "##/##", mix(glass, amber, 0.5));
     // A scale under the spectrum, long marks at both ends and in the middle.
     const QRect area = places::visualizer;
     for (int i = 0; i <= 75; i += 5) {

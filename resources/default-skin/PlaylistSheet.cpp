@@ -101,6 +101,9 @@ void paintBottomPieces(Sheet &sheet) {
     }
     Canvas right = sheet.sprite("PLAYLIST_BOTTOM_RIGHT_CORNER");
     paintBottom(right, {.left = false, .top = false});
+    // The groove of the scroll bar ends here.
+    right.row(134, 0, 9, ink);
+    right.row(135, 1, 9, mix(bodyTop, light, 0.35));
     paintWell(right, {5, 8, 93, 10});
     paintWell(right, {64, 22, 34, 9});
     paintRecess(right, {106, 8, 22, 18});

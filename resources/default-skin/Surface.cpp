@@ -99,14 +99,14 @@ void paintGrille(Canvas &canvas, const Grille &grille, bool focused) {
 }
 
 int titleWidth(std::string_view text) {
-    return 7 + font::width(text, 2);
+    return 7 + font::titleWidth(text);
 }
 
 void paintTitle(Canvas &canvas, int x, std::string_view text, bool focused) {
     const QRect lamp(x, 5, 3, 4);
     paintLamp(canvas, lamp, focused);
-    font::draw(canvas, x + 7, 5, text, ink, 2);
-    font::draw(canvas, x + 7, 4, text, focused ? glyph : printDim, 2);
+    font::drawTitle(canvas, x + 7, 5, text, ink);
+    font::drawTitle(canvas, x + 7, 4, text, focused ? glyph : printDim);
 }
 
 void paintWell(Canvas &canvas, const QRect &inside) {
@@ -178,17 +178,16 @@ void paintToggle(Canvas canvas, const Toggle &toggle) {
     const QRect area = canvas.bounds();
     paintKey(canvas, area, toggle.down ? Key::down : Key::up);
     const int sink = toggle.down ? 1 : 0;
-    const int width = font::smallWidth(toggle.label, toggle.tracking);
+    const int width = font::width(toggle.label);
     const int x = (area.width() - width + 1) / 2;
     const int y = area.height() > 12 ? 3 : 2;
-    const Color text = toggle.on ? spark : glyph;
-    if (!toggle.down)
-        font::drawSmall(canvas, x, y + 1, toggle.label, mix(keyTop, ink, 0.45), toggle.tracking);
-    font::drawSmall(canvas, x, y + sink, toggle.label, text, toggle.tracking);
-    const QRect lamp(x, area.height() - 5 + sink, width, 2);
-    if (!toggle.on)
-        canvas.row(lamp.x(), lamp.bottom() + 1, lamp.width(), mix(keyBottom, light, toggle.down ? 0 : 0.4));
+    const QRect lamp(x, area.height() > 12 ? 10 : 8, width, 2);
+    if (!toggle.down && !toggle.on)
+        canvas.row(lamp.x(), lamp.bottom() + 1, lamp.width(), mix(keyBottom, light, 0.4));
     paintLamp(canvas, lamp, toggle.on);
+    if (!toggle.down)
+        font::draw(canvas, x, y + 1, toggle.label, mix(keyTop, ink, 0.45));
+    font::draw(canvas, x, y + sink, toggle.label, toggle.on ? spark : glyph);
 }
 
 void paintTextKey(Canvas canvas, std::string_view first, std::string_view second, Key state) {

@@ -48,7 +48,6 @@ enum class Key { up, down };
 /// What a key with a bar of light shows.
 struct Toggle {
     std::string_view label;
-    int tracking = 1; ///< pixels between the label's letters
     bool on = false;
     bool down = false;
 };

@@ -97,7 +97,7 @@ struct ClutterLetter {
 constexpr ClutterLetter clutterLetters[] = {
     {"MAIN_CLUTTER_BAR_BUTTON_O_SELECTED", ".##./#..#/#..#/#..#/.##.", 3},
     {"MAIN_CLUTTER_BAR_BUTTON_A_SELECTED", ".##./#..#/####/#..#/#..#", 11},
-    {"MAIN_CLUTTER_BAR_BUTTON_I_SELECTED", "####/.##./.##./.##./####", 18},
+    {"MAIN_CLUTTER_BAR_BUTTON_I_SELECTED", "###/.#./.#./.#./###", 18},
     {"MAIN_CLUTTER_BAR_BUTTON_D_SELECTED", "###./#..#/#..#/#..#/###.", 25},
     {"MAIN_CLUTTER_BAR_BUTTON_V_SELECTED", "#..#/#..#/#..#/+##+/.##.", 33},
 };

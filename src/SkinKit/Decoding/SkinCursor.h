@@ -16,8 +16,8 @@ using Jiffies = std::chrono::duration<std::int64_t, std::ratio<1, 60>>;
 /// A decoded mouse pointer, still or animated.
 struct SkinCursor {
     struct Frame {
-        QImage image; ///< Format_RGBA8888_Premultiplied, 1–256 pixels a side
-        QPoint hotSpot;
+        QImage image;   ///< Format_RGBA8888_Premultiplied, 1–256 pixels a side
+        QPoint hotSpot; ///< as the file says, 0–65535: it may lie outside the image
 
         /// The picture enlarged by a whole factor, nearest neighbour; `factor` below 1 counts as 1.
         [[nodiscard]] QImage upscaled(int factor) const;
@@ -25,8 +25,8 @@ struct SkinCursor {
         bool operator==(const Frame &) const = default;
     };
     struct Step {
-        int frame = 0; ///< index into `frames`, always valid
-        Jiffies duration{0};
+        int frame = 0;       ///< index into `frames`, always valid
+        Jiffies duration{0}; ///< 1–2^32-1 when animated
 
         bool operator==(const Step &) const = default;
     };

@@ -14,6 +14,9 @@ namespace vantor {
 struct SkinRegion {
     using Polygon = QList<QPoint>;
 
+    /// Larger coordinates are clamped, so that they can be scaled and offset without overflow.
+    static constexpr int maxCoordinate = 1'000'000;
+
     QMap<QString, QList<Polygon>> sections;
 
     [[nodiscard]] std::optional<QList<Polygon>> normal() const { return section("normal"); }
@@ -30,7 +33,8 @@ struct SkinRegion {
     [[nodiscard]] std::optional<QList<Polygon>> section(const char *name) const;
 };
 
-/// Total: whole polygons only, surplus points ignored, unreadable sections left out.
+/// Total: whole polygons only, surplus points ignored. A list ends at the first thing in it that is no
+/// number, and a section without a polygon is left out.
 namespace RegionParser {
 
 [[nodiscard]] SkinRegion parse(const QString &text);

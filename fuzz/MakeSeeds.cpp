@@ -1,0 +1,112 @@
+#include "tests/Support/BitmapBuilder.h"
+
+#include <QBuffer>
+#include <QDir>
+#include <QFile>
+#include <QImage>
+#include <QMap>
+
+#include <cstdio>
+
+using namespace vantor;
+using namespace vantor::test;
+
+// Writes a small corpus for each fuzz target: fuzz-seeds <folder> makes <folder>/BMPDecoder/… and so on.
+namespace {
+
+using Seeds = QMap<QString, QByteArray>;
+
+const std::vector<RGBColor> colors = {{0, 0, 0}, {255, 0, 0}, {0, 255, 0}, {0, 0, 255}};
+
+Seeds bitmaps() {
+    Seeds seeds;
+    for (const int depth : {1, 4, 8, 16, 24, 32}) {
+        BitmapBuilder bitmap{11, 3, depth, QByteArray((11 * depth + 31) / 32 * 4 * 3, '\x21')};
+        if (depth <= 8)
+            bitmap.palette = std::vector(colors.begin(), colors.begin() + (depth == 1 ? 2 : 4));
+        seeds[QStringLiteral("depth%1").arg(depth)] = bitmap.bmp();
+        if (depth == 16 || depth == 32) {
+            bitmap.compression = 3;
+            bitmap.masks = le32(0xF800) + le32(0x07E0) + le32(0x001F);
+            seeds[QStringLiteral("fields%1").arg(depth)] = bitmap.bmp();
+            bitmap.headerSize = 124;
+            seeds[QStringLiteral("late%1").arg(depth)] = bitmap.bmp();
+        }
+    }
+    const QByteArray stream = QByteArray::fromHex("0201 0102 0000 0003 010203 00 0002 0101 0402 0001");
+    seeds[QStringLiteral("runs8")] = BitmapBuilder{6, 4, 8, stream, colors, 1}.bmp();
+    seeds[QStringLiteral("runs4")] = BitmapBuilder{6, 4, 4, stream, colors, 2}.bmp();
+    seeds[QStringLiteral("core")] = BitmapBuilder{4, 1, 24, QByteArray(12, 'x'), {}, 0, {}, 12}.bmp();
+    return seeds;
+}
+
+QByteArray smallPNG() {
+    QImage image(5, 4, QImage::Format_ARGB32);
+    image.fill(qRgba(200, 100, 50, 128));
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    image.save(&buffer, "PNG");
+    return bytes;
+}
+
+Seeds cursors() {
+    const QByteArray mask(4 * 4, '\x80');
+    Seeds seeds;
+    for (const int depth : {1, 4, 8, 16, 24, 32}) {
+        BitmapBuilder bitmap{4, 8, depth, QByteArray((4 * depth + 31) / 32 * 4 * 4, '\x21') + mask};
+        if (depth <= 8)
+            bitmap.palette = std::vector(colors.begin(), colors.begin() + (depth == 1 ? 2 : 4));
+        seeds[QStringLiteral("depth%1").arg(depth)] = cursorDirectory(2, {{4, 4, 1, 2, bitmap.dib()}});
+    }
+    seeds[QStringLiteral("png")] = cursorDirectory(1, {{5, 4, 1, 32, smallPNG()}});
+    seeds[QStringLiteral("several")] = cursorDirectory(
+        2, {{2, 2, 0, 0, "broken"}, {5, 4, 0, 0, smallPNG()}, {2, 2, 0, 0, solidCursorDib(2, colors[1])}});
+    return seeds;
+}
+
+Seeds animations() {
+    const auto icon = [](RGBColor color) {
+        return riffChunk("icon", cursorDirectory(2, {{2, 2, 0, 0, solidCursorDib(2, color)}}));
+    };
+    const QByteArray frames = riffList("fram", icon(colors[1]) + icon(colors[2]));
+    return {{QStringLiteral("plain"), aniFile(aniHeader(4) + frames)},
+            {QStringLiteral("steps"),
+             aniFile(aniHeader(4) + riffSteps("rate", {1, 2, 3}) + riffSteps("seq ", {1, 0, 1}) + frames)},
+            {QStringLiteral("nested"), aniFile(aniHeader(4) + riffList("more", frames))}};
+}
+
+Seeds texts() {
+    return {{QStringLiteral("pledit"), "[Text]\r\nNormal=#00FF00\r\nCurrent=bad\r\nNormalBG=\"#000000\"\r\n"
+                                       "SelectedBG=#0000C6\r\nFont=Arial\r\n"},
+            {QStringLiteral("viscolor"), "24,33,41, // dots\r\n255\n300 0 0\n; none\n1,2,3\r"},
+            {QStringLiteral("region"),
+             "[Normal]\r\nNumPoints=3,4\r\nPointList=0,0,9,0,0,9, 1,1 2,+1 2,-2 1,2\r\n"
+             "[WindowShade]\nnumpoints=4\npointlist=0,0,275,0,275,14,0,14\n"}};
+}
+
+bool write(const QString &folder, const Seeds &seeds) {
+    if (!QDir().mkpath(folder))
+        return false;
+    for (auto seed = seeds.cbegin(); seed != seeds.cend(); ++seed) {
+        QFile file(folder + QLatin1Char('/') + seed.key());
+        if (!file.open(QIODevice::WriteOnly) || file.write(*seed) != seed->size())
+            return false;
+    }
+    return true;
+}
+
+} // namespace
+
+int main(int argc, char **argv) {
+    if (argc != 2) {
+        std::fputs("usage: fuzz-seeds <folder>\n", stderr);
+        return 2;
+    }
+    const QString folder = QFile::decodeName(argv[1]) + QLatin1Char('/');
+    const bool written = write(folder + QStringLiteral("BMPDecoder"), bitmaps()) &&
+                         write(folder + QStringLiteral("CursorBitmap"), cursors()) &&
+                         write(folder + QStringLiteral("AniParser"), animations()) &&
+                         write(folder + QStringLiteral("SkinTexts"), texts());
+    return written ? 0 : 1;
+}

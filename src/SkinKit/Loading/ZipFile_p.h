@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+#include <memory>
+
+struct zip;
+
+namespace vantor {
+
+class SkinFileGatherer;
+
+/// A ZIP file opened for reading. Opening throws SkinError::unreadableArchive.
+class ZipFile {
+  public:
+    [[nodiscard]] static ZipFile open(const QString &path);
+    /// `data` must outlive the object.
+    [[nodiscard]] static ZipFile view(const QByteArray &data);
+
+    /// Offers every sound, plain file of the archive to the gatherer, in archive order.
+    void gather(SkinFileGatherer &gatherer) const;
+
+  private:
+    struct Discard {
+        void operator()(zip *archive) const;
+    };
+
+    explicit ZipFile(zip *archive) : m_archive(archive) {}
+
+    void gatherEntry(std::uint64_t index, SkinFileGatherer &gatherer) const;
+
+    std::unique_ptr<zip, Discard> m_archive;
+};
+
+} // namespace vantor

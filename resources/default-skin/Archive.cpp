@@ -8,7 +8,7 @@ namespace vantor::art {
 
 namespace {
 
-constexpr zip_uint16_t entryTime = 12U << 11U;                         ///< 12:00:00, as ZIP writes it
+constexpr zip_uint16_t entryTime = 12U << 11U;                            ///< 12:00:00, as ZIP writes it
 constexpr zip_uint16_t entryDate = (2026U - 1980U) << 9U | 1U << 5U | 1U; ///< 2026-01-01
 
 bool add(zip_t *archive, const SkinFile &file) {

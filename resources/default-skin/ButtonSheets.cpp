@@ -12,12 +12,17 @@ namespace {
 using namespace palette;
 
 // Nine rows high, so that they sit on the middle row of their keys.
-constexpr Stencil previousGlyph = "##....##/##...###/##..####/##.#####/########/##.#####/##..####/##...###/##....##";
-constexpr Stencil playGlyph = "##....../####..../#####.../#######./########/#######./#####.../####..../##......";
-constexpr Stencil pauseGlyph = "###..###/###..###/###..###/###..###/###..###/###..###/###..###/###..###/###..###";
+constexpr Stencil previousGlyph =
+    "##....##/##...###/##..####/##.#####/########/##.#####/##..####/##...###/##....##";
+constexpr Stencil playGlyph =
+    "##....../####..../#####.../#######./########/#######./#####.../####..../##......";
+constexpr Stencil pauseGlyph =
+    "###..###/###..###/###..###/###..###/###..###/###..###/###..###/###..###/###..###";
 constexpr Stencil stopGlyph = "########/########/########/########/########/########/########/########";
-constexpr Stencil nextGlyph = "##....##/###...##/####..##/#####.##/########/#####.##/####..##/###...##/##....##";
-constexpr Stencil ejectGlyph = "....##..../...####.../..######../.########./##########/........../##########/##########";
+constexpr Stencil nextGlyph =
+    "##....##/###...##/####..##/#####.##/########/#####.##/####..##/###...##/##....##";
+constexpr Stencil ejectGlyph =
+    "....##..../...####.../..######../.########./##########/........../##########/##########";
 
 void paintSymbolKey(Canvas canvas, const QRect &area, Stencil symbol, Key state) {
     paintKey(canvas, area, state);
@@ -41,9 +46,10 @@ Sheet transportSheet(const QImage &window) {
         Stencil symbol;
     };
     Sheet sheet("CBUTTONS");
-    for (const Row &row : {Row{"MAIN_PREVIOUS_BUTTON", 0, 23, previousGlyph}, Row{"MAIN_PLAY_BUTTON", 23, 23, playGlyph},
-                           Row{"MAIN_PAUSE_BUTTON", 46, 23, pauseGlyph}, Row{"MAIN_STOP_BUTTON", 69, 23, stopGlyph},
-                           Row{"MAIN_NEXT_BUTTON", 92, 22, nextGlyph}}) {
+    for (const Row &row :
+         {Row{"MAIN_PREVIOUS_BUTTON", 0, 23, previousGlyph}, Row{"MAIN_PLAY_BUTTON", 23, 23, playGlyph},
+          Row{"MAIN_PAUSE_BUTTON", 46, 23, pauseGlyph}, Row{"MAIN_STOP_BUTTON", 69, 23, stopGlyph},
+          Row{"MAIN_NEXT_BUTTON", 92, 22, nextGlyph}}) {
         const QPoint at = places::transport + QPoint(row.x, 0);
         const QRect area(0, 0, row.width, 18);
         const QString name = QString::fromLatin1(row.sprite);
@@ -54,7 +60,8 @@ Sheet transportSheet(const QImage &window) {
     }
     const QRect area(0, 0, 22, 16);
     paintSymbolKey(sheet.sprite("MAIN_EJECT_BUTTON", window, places::eject), area, ejectGlyph, Key::up);
-    paintSymbolKey(sheet.sprite("MAIN_EJECT_BUTTON_ACTIVE", window, places::eject), area, ejectGlyph, Key::down);
+    paintSymbolKey(sheet.sprite("MAIN_EJECT_BUTTON_ACTIVE", window, places::eject), area, ejectGlyph,
+                   Key::down);
     return sheet;
 }
 
@@ -65,12 +72,16 @@ Sheet toggleSheet() {
         const bool on = ending.contains(QStringLiteral("SELECTED"));
         const bool down = ending.contains(QStringLiteral("DEPRESSED"));
         if (!ending.endsWith(QStringLiteral("_DEPRESSED_SELECTED"))) {
-            paintToggle(sheet.sprite(QStringLiteral("MAIN_SHUFFLE_BUTTON") + ending), {.label = "SHUFFLE", .on = on, .down = down});
-            paintToggle(sheet.sprite(QStringLiteral("MAIN_REPEAT_BUTTON") + ending), {.label = "LOOP", .on = on, .down = down});
+            paintToggle(sheet.sprite(QStringLiteral("MAIN_SHUFFLE_BUTTON") + ending),
+                        {.label = "SHUFFLE", .on = on, .down = down});
+            paintToggle(sheet.sprite(QStringLiteral("MAIN_REPEAT_BUTTON") + ending),
+                        {.label = "LOOP", .on = on, .down = down});
         }
         if (!ending.endsWith(QStringLiteral("_SELECTED_DEPRESSED"))) {
-            paintToggle(sheet.sprite(QStringLiteral("MAIN_EQ_BUTTON") + ending), {.label = "EQ", .on = on, .down = down});
-            paintToggle(sheet.sprite(QStringLiteral("MAIN_PLAYLIST_BUTTON") + ending), {.label = "PL", .on = on, .down = down});
+            paintToggle(sheet.sprite(QStringLiteral("MAIN_EQ_BUTTON") + ending),
+                        {.label = "EQ", .on = on, .down = down});
+            paintToggle(sheet.sprite(QStringLiteral("MAIN_PLAYLIST_BUTTON") + ending),
+                        {.label = "PL", .on = on, .down = down});
         }
     }
     return sheet;
@@ -102,10 +113,11 @@ Sheet indicatorSheet() {
         Stencil symbol;
         Color color;
     };
-    for (const Row &row : {Row{"MAIN_PLAYING_INDICATOR", "/..#/..###/..#####/..######/..#####/..###/..#", flame},
-                           Row{"MAIN_PAUSED_INDICATOR", "/..##.##/..##.##/..##.##/..##.##/..##.##/..##.##/..##.##", flame},
-                           Row{"MAIN_STOPPED_INDICATOR", "//..#####/..#####/..#####/..#####/..#####",
-                               mix(glass, amber, 0.5)}}) {
+    for (const Row &row :
+         {Row{"MAIN_PLAYING_INDICATOR", "/..#/..###/..#####/..######/..#####/..###/..#", flame},
+          Row{"MAIN_PAUSED_INDICATOR", "/..##.##/..##.##/..##.##/..##.##/..##.##/..##.##/..##.##", flame},
+          Row{"MAIN_STOPPED_INDICATOR", "//..#####/..#####/..#####/..#####/..#####",
+              mix(glass, amber, 0.5)}}) {
         Canvas canvas = sheet.sprite(row.sprite);
         canvas.fill(canvas.bounds(), glass);
         canvas.glowing(0, 0, row.symbol, row.color, 0.1);

@@ -14,13 +14,15 @@ using Stencil = std::string_view;
 
 [[nodiscard]] QSize stencilSize(Stencil stencil);
 
-/// A rectangle of an image to draw on, with its own origin; pixels outside it are silently skipped. Borrows the
-/// image.
+/// A rectangle of an image to draw on, with its own origin; pixels outside it are silently skipped. Borrows
+/// the image.
 class Canvas {
   public:
     explicit Canvas(QImage &image) : Canvas(image, image.rect()) {}
 
-    [[nodiscard]] Canvas part(const QRect &area) const { return {*m_image, area.translated(m_area.topLeft())}; }
+    [[nodiscard]] Canvas part(const QRect &area) const {
+        return {*m_image, area.translated(m_area.topLeft())};
+    }
     [[nodiscard]] QRect bounds() const { return {0, 0, m_area.width(), m_area.height()}; }
     [[nodiscard]] int width() const { return m_area.width(); }
     [[nodiscard]] int height() const { return m_area.height(); }

@@ -13,7 +13,18 @@ using namespace palette;
 
 constexpr int side = 32;
 
-enum class Shape { arrow, arrowMove, arrowClose, arrowMinimize, arrowMenu, arrowShade, horizontal, vertical, diagonal, hand };
+enum class Shape {
+    arrow,
+    arrowMove,
+    arrowClose,
+    arrowMinimize,
+    arrowMenu,
+    arrowShade,
+    horizontal,
+    vertical,
+    diagonal,
+    hand
+};
 
 struct Row {
     const char *name;
@@ -21,14 +32,14 @@ struct Row {
 };
 
 constexpr Row pointers[] = {
-    {"close", Shape::arrowClose},     {"eqclose", Shape::arrowClose},  {"eqnormal", Shape::arrow},
-    {"eqslid", Shape::vertical},      {"eqtitle", Shape::arrowMove},   {"mainmenu", Shape::arrowMenu},
-    {"mmenu", Shape::arrowMenu},      {"min", Shape::arrowMinimize},   {"normal", Shape::arrow},
-    {"pclose", Shape::arrowClose},    {"pnormal", Shape::arrow},       {"posbar", Shape::horizontal},
-    {"psize", Shape::diagonal},       {"ptbar", Shape::arrowMove},     {"pvscroll", Shape::vertical},
-    {"pwinbut", Shape::arrowShade},   {"pwsnorm", Shape::arrow},       {"pwssize", Shape::horizontal},
-    {"songname", Shape::hand},        {"titlebar", Shape::arrowMove},  {"volbal", Shape::horizontal},
-    {"winbut", Shape::arrowShade},    {"wsnormal", Shape::arrow},      {"wsposbar", Shape::horizontal},
+    {"close", Shape::arrowClose},   {"eqclose", Shape::arrowClose}, {"eqnormal", Shape::arrow},
+    {"eqslid", Shape::vertical},    {"eqtitle", Shape::arrowMove},  {"mainmenu", Shape::arrowMenu},
+    {"mmenu", Shape::arrowMenu},    {"min", Shape::arrowMinimize},  {"normal", Shape::arrow},
+    {"pclose", Shape::arrowClose},  {"pnormal", Shape::arrow},      {"posbar", Shape::horizontal},
+    {"psize", Shape::diagonal},     {"ptbar", Shape::arrowMove},    {"pvscroll", Shape::vertical},
+    {"pwinbut", Shape::arrowShade}, {"pwsnorm", Shape::arrow},      {"pwssize", Shape::horizontal},
+    {"songname", Shape::hand},      {"titlebar", Shape::arrowMove}, {"volbal", Shape::horizontal},
+    {"winbut", Shape::arrowShade},  {"wsnormal", Shape::arrow},     {"wsposbar", Shape::horizontal},
 };
 
 /// Dark with a light rim, so that it stands out on any ground.
@@ -54,8 +65,16 @@ QPainterPath arrow() {
 
 /// A two-headed arrow along x, centred on the origin.
 QPainterPath doubleArrow(double reach) {
-    return polygon({{-reach, 0}, {-reach + 5, -5}, {-reach + 5, -1.5}, {reach - 5, -1.5}, {reach - 5, -5}, {reach, 0},
-                    {reach - 5, 5}, {reach - 5, 1.5}, {-reach + 5, 1.5}, {-reach + 5, 5}});
+    return polygon({{-reach, 0},
+                    {-reach + 5, -5},
+                    {-reach + 5, -1.5},
+                    {reach - 5, -1.5},
+                    {reach - 5, -5},
+                    {reach, 0},
+                    {reach - 5, 5},
+                    {reach - 5, 1.5},
+                    {-reach + 5, 1.5},
+                    {-reach + 5, 5}});
 }
 
 QPainterPath hand() {
@@ -71,11 +90,11 @@ QPainterPath hand() {
 
 /// The small sign beside an arrow that tells what a click does.
 void paintSign(QPainter &painter, Shape shape) {
-    const auto stroke = [&painter](const QPainterPath &path) {
+    const auto stroke = [&painter, shape](const QPainterPath &path) {
         painter.setBrush(Qt::NoBrush);
         painter.setPen(QPen(QColor(ink), 4.4, Qt::SolidLine, Qt::RoundCap));
         painter.drawPath(path);
-        painter.setPen(QPen(QColor(amber), 2, Qt::SolidLine, Qt::RoundCap));
+        painter.setPen(QPen(QColor(amber), shape == Shape::arrowMove ? 1.4 : 2, Qt::SolidLine, Qt::RoundCap));
         painter.drawPath(path);
     };
     QPainterPath path;
@@ -101,8 +120,15 @@ void paintSign(QPainter &painter, Shape shape) {
         line(19, 15.5, 22, 18);
         break;
     case Shape::arrowMove:
-        line(19, 15, 19, 25);
-        line(14, 20, 24, 20);
+        line(20, 14, 20, 26);
+        line(14, 20, 26, 20);
+        for (const double end : {-6.0, 6.0}) {
+            const double back = end < 0 ? 2 : -2;
+            line(20 - 2, 20 + end + back, 20, 20 + end);
+            line(20 + 2, 20 + end + back, 20, 20 + end);
+            line(20 + end + back, 20 - 2, 20 + end, 20);
+            line(20 + end + back, 20 + 2, 20 + end, 20);
+        }
         break;
     default:
         return;
@@ -132,6 +158,9 @@ QImage draw(Shape shape) {
         break;
     case Shape::hand:
         paintShape(painter, hand(), ink);
+        painter.setPen(QPen(QColor(print), 1));
+        for (const double x : {13.0, 17.0})
+            painter.drawLine(QPointF(x, 12), QPointF(x, 16.5));
         break;
     default:
         paintShape(painter, arrow(), ink);
@@ -163,7 +192,8 @@ QByteArray encode(const QImage &image, QPoint spot) {
     QDataStream out(&bytes, QIODevice::WriteOnly);
     out.setByteOrder(QDataStream::LittleEndian);
     out << quint16(0) << quint16(2) << quint16(1);
-    out << quint8(side) << quint8(side) << quint16(0) << quint16(spot.x()) << quint16(spot.y()) << dataSize << quint32(22);
+    out << quint8(side) << quint8(side) << quint16(0) << quint16(spot.x()) << quint16(spot.y()) << dataSize
+        << quint32(22);
     out << headerSize << qint32(side) << qint32(side * 2) << quint16(1) << quint16(32) << quint32(0)
         << quint32(dataSize - headerSize) << qint32(0) << qint32(0) << quint32(0) << quint32(0);
     for (int y = side - 1; y >= 0; --y)

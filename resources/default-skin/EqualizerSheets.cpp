@@ -63,7 +63,8 @@ void paintLabels(Canvas &canvas) {
     const auto centred = [&canvas](int x, int y, std::string_view text) {
         font::drawSmall(canvas, x - font::smallWidth(text) / 2, y, text, print);
     };
-    constexpr std::string_view bandNames[] = {"60", "170", "310", "600", "1K", "3K", "6K", "12K", "14K", "16K"};
+    constexpr std::string_view bandNames[] = {"60", "170", "310", "600", "1K",
+                                              "3K", "6K",  "12K", "14K", "16K"};
     int x = places::bands.x() + slitColumn;
     for (const std::string_view name : bandNames) {
         centred(x, 105, name);
@@ -112,7 +113,8 @@ void paintGraph(Sheet &sheet) {
     Canvas colors = sheet.sprite("EQ_GRAPH_LINE_COLORS");
     for (int y = 0; y < colors.height(); ++y) {
         const double fall = y / (colors.height() - 1.0);
-        colors.set(0, y, fall < 0.5 ? mix(spark, amber, fall * 2) : mix(amber, qRgb(206, 98, 40), fall * 2 - 1));
+        colors.set(0, y,
+                   fall < 0.5 ? mix(spark, amber, fall * 2) : mix(amber, qRgb(206, 98, 40), fall * 2 - 1));
     }
 }
 
@@ -135,7 +137,8 @@ void paintButtons(Sheet &sheet) {
 }
 
 Canvas bandFrame(Canvas grid, int frame) {
-    return grid.part({QPoint(frame % frameColumns * framePitchX, frame / frameColumns * framePitchY), places::band});
+    return grid.part(
+        {QPoint(frame % frameColumns * framePitchX, frame / frameColumns * framePitchY), places::band});
 }
 
 Sheet equalizerSheet(const QImage &window) {

@@ -33,7 +33,7 @@ constexpr Glyph cells[] = {
     {U'[', ".##/.#./.#./.#./.##"}, {U']', ".##/..#/..#/..#/.##"}, {U'^', "..#./.#.#"},
     {U'&', ".#../#.#./.#../#.##/.##."}, {U'%', "#..#/...#/.##./#.../#..#"}, {U',', "////..#/.#."},
     {U'=', "/.###//.###"}, {U'$', ".###/#.#./.##./.#.#/###."}, {U'#', ".#.#/####/.#.#/####/.#.#"},
-    {U'Å', ".##./..../.##./####/#..#"}, {U'Ö', "#..#/..../.##./#..#/.##."}, {U'Ä', "#..#/..../.##./####/#..#"},
+    {U'Å', ".##./..../.##./#..#/####/#..#"}, {U'Ö', "#..#/..../.##./#..#/#..#/.##."}, {U'Ä', "#..#/..../.##./#..#/####/#..#"},
     {U'?', "###./...#/.##./..../.#.."}, {U'*', "/.#.#/..#./.#.#"},
 };
 
@@ -58,8 +58,9 @@ constexpr Glyph smallGlyphs[] = {
 
 template <std::size_t count>
 Stencil find(const Glyph (&face)[count], char32_t character) {
-    const auto *found = std::find_if(std::begin(face), std::end(face),
-                                     [character](const Glyph &glyph) { return glyph.character == character; });
+    const auto *found = std::find_if(std::begin(face), std::end(face), [character](const Glyph &glyph) {
+        return glyph.character == character;
+    });
     return found == std::end(face) ? Stencil{} : found->stencil;
 }
 

@@ -34,47 +34,56 @@ struct Bars {
 
 constexpr int lengths[] = {2, 3, 4, 3, 2};
 
-void paintPlate(QPainter &painter, double side) {
+/// Below this the plate alone is the ground, as a frame would leave no room for the bars.
+constexpr int smallestFramed = 32;
+
+void paintPlate(QPainter &painter, int side) {
     const double inset = side >= 48 ? side * 0.03 : 0;
     const QRectF plate(inset, inset, side - 2 * inset, side - 2 * inset);
     const double radius = side * 0.2;
+    const bool framed = side >= smallestFramed;
     QPainterPath path;
     path.addRoundedRect(plate, radius, radius);
     QLinearGradient metal(plate.topLeft(), plate.bottomRight());
-    metal.setColorAt(0, QColor(mix(bodyTop, light, 0.35)));
-    metal.setColorAt(1, QColor(mix(bodyBottom, ink, 0.25)));
+    metal.setColorAt(0, QColor(framed ? mix(bodyTop, light, 0.45) : bodyBottom));
+    metal.setColorAt(1, QColor(framed ? mix(bodyBottom, ink, 0.3) : ink));
     painter.fillPath(path, metal);
-    if (side >= 32) {
-        QLinearGradient rim(plate.topLeft(), plate.bottomRight());
-        rim.setColorAt(0, QColor(200, 204, 232, 200));
-        rim.setColorAt(0.5, QColor(120, 124, 160, 40));
-        rim.setColorAt(1, QColor(0, 0, 0, 160));
-        const double pen = std::max(1.0, side / 128);
-        painter.setPen(QPen(QBrush(rim), pen));
-        painter.setBrush(Qt::NoBrush);
-        painter.drawRoundedRect(plate.adjusted(pen / 2, pen / 2, -pen / 2, -pen / 2), radius, radius);
-    }
+    if (!framed)
+        return;
+    QLinearGradient rim(plate.topLeft(), plate.bottomRight());
+    rim.setColorAt(0, QColor(200, 204, 232, 200));
+    rim.setColorAt(0.5, QColor(120, 124, 160, 40));
+    rim.setColorAt(1, QColor(0, 0, 0, 160));
+    const double pen = std::max(1.0, side / 128.0);
+    painter.setPen(QPen(QBrush(rim), pen));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRoundedRect(plate.adjusted(pen / 2, pen / 2, -pen / 2, -pen / 2), radius, radius);
 }
 
-void paintGlass(QPainter &painter, double side) {
-    const double inset = side < 24 ? 1.0 : std::round(side * 0.12);
-    const QRectF glassRect(inset, inset, side - 2 * inset, side - 2 * inset);
+void paintGlass(QPainter &painter, int side) {
+    const double inset = std::round(side * (side < 48 ? 0.09 : 0.12));
+    const QRectF area(inset, inset, side - 2 * inset, side - 2 * inset);
     const double radius = side * 0.13;
     QPainterPath path;
-    path.addRoundedRect(glassRect, radius, radius);
+    path.addRoundedRect(area, radius, radius);
     painter.fillPath(path, QColor(glass));
-    QRadialGradient glow(glassRect.center(), side * 0.42);
+    QRadialGradient glow(area.center(), side * 0.42);
     glow.setColorAt(0, QColor(255, 150, 40, 92));
     glow.setColorAt(1, QColor(255, 120, 30, 0));
     painter.fillPath(path, glow);
     if (side < 48)
         return;
-    painter.setBrush(Qt::NoBrush);
-    QLinearGradient bezel(glassRect.topLeft(), glassRect.bottomRight());
+    // A sheen from the top left, and the bezel that lets the glass in.
+    QLinearGradient sheen(area.topLeft(), area.center());
+    sheen.setColorAt(0, QColor(190, 196, 255, 40));
+    sheen.setColorAt(1, QColor(190, 196, 255, 0));
+    painter.fillPath(path, sheen);
+    QLinearGradient bezel(area.topLeft(), area.bottomRight());
     bezel.setColorAt(0, QColor(0, 0, 0, 200));
     bezel.setColorAt(1, QColor(150, 154, 190, 140));
-    painter.setPen(QPen(QBrush(bezel), std::max(1.0, side / 100)));
-    painter.drawRoundedRect(glassRect, radius, radius);
+    painter.setBrush(Qt::NoBrush);
+    painter.setPen(QPen(QBrush(bezel), std::max(1.0, side / 100.0)));
+    painter.drawRoundedRect(area, radius, radius);
 }
 
 void paintBars(QPainter &painter, int side) {
@@ -104,7 +113,8 @@ QImage icon(int side) {
     QPainter painter(&image);
     painter.setRenderHint(QPainter::Antialiasing);
     paintPlate(painter, side);
-    paintGlass(painter, side);
+    if (side >= smallestFramed)
+        paintGlass(painter, side);
     paintBars(painter, side);
     painter.end();
     return image.convertToFormat(QImage::Format_ARGB32);

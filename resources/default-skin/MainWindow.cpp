@@ -21,7 +21,8 @@ void paintClockDisplay(Canvas &canvas) {
     const QRect area = places::visualizer;
     for (int i = 0; i <= 75; i += 5) {
         const bool major = i % 25 == 0;
-        canvas.column(area.left() + i, area.bottom() + 2, major ? 3 : 1, mix(glass, amber, major ? 0.4 : 0.26));
+        canvas.column(area.left() + i, area.bottom() + 2, major ? 3 : 1,
+                      mix(glass, amber, major ? 0.4 : 0.26));
     }
 }
 

@@ -2,8 +2,8 @@
 
 #include <QRgb>
 
-/// The colours of the skin "Meridian": indigo graphite under light from the top left, and one amber that is only
-/// ever used for what glows.
+/// The colours of the skin "Meridian": indigo graphite under light from the top left, and one amber that is
+/// only ever used for what glows.
 namespace vantor::art {
 
 using Color = QRgb;

@@ -3,8 +3,8 @@
 #include <QPoint>
 #include <QRect>
 
-/// Where the parts stand in their windows, in skin pixels; what the windows' layouts fix and the artwork has to
-/// meet.
+/// Where the parts stand in their windows, in skin pixels; what the windows' layouts fix and the artwork has
+/// to meet.
 namespace vantor::art::places {
 
 inline constexpr int windowWidth = 275;

@@ -84,8 +84,9 @@ void paintBottom(Canvas &canvas, const Sides &sides) {
 void paintMenuKey(Canvas canvas, std::string_view label) {
     paintTextKey(canvas, label, " ", Key::up);
     const int middle = canvas.width() / 2;
-    canvas.stencil(middle - 3, 10, "..##/.####/######", mix(keyBottom, ink, 0.6));
-    canvas.stencil(middle - 3, 10, "..##/.####", mix(print, glyph, 0.2));
+    canvas.stencil(middle - 3, 12, "######", mix(keyBottom, ink, 0.5));
+    canvas.stencil(middle - 3, 11, "..##/.####/######", mix(keyBottom, ink, 0.5));
+    canvas.stencil(middle - 3, 10, "..##/.####/######", print);
 }
 
 void paintBottomPieces(Sheet &sheet) {
@@ -108,8 +109,9 @@ void paintBottomPieces(Sheet &sheet) {
     paintWell(right, {64, 22, 34, 9});
     paintRecess(right, {106, 8, 22, 18});
     paintMenuKey(right.part({106, 8, 22, 18}), "LIST");
-    constexpr Stencil symbols[] = {"#..#/#.##/####/#.##/#..#", "#.../###./####/###./#...", "##.##/##.##/##.##/##.##/##.##",
-                                   "####/####/####/####",      "#..#/##.#/####/##.#/#..#", ".##./####/..../####"};
+    constexpr Stencil symbols[] = {"#..#/#.##/####/#.##/#..#",      "#.../###./####/###./#...",
+                                   "##.##/##.##/##.##/##.##/##.##", "####/####/####/####",
+                                   "#..#/##.#/####/##.#/#..#",      ".##./####/..../####"};
     x = 6;
     for (const Stencil symbol : symbols) {
         const int y = 27 - stencilSize(symbol).height() / 2;
@@ -135,14 +137,22 @@ void paintMenus(Sheet &sheet) {
         std::string_view second;
     };
     constexpr Row rows[] = {
-        {"PLAYLIST_ADD_URL", "ADD", "URL"},        {"PLAYLIST_ADD_DIR", "ADD", "DIR"},
-        {"PLAYLIST_ADD_FILE", "ADD", "FILE"},      {"PLAYLIST_REMOVE_ALL", "REM", "ALL"},
-        {"PLAYLIST_CROP", "CROP", ""},             {"PLAYLIST_REMOVE_SELECTED", "REM", "SEL"},
-        {"PLAYLIST_REMOVE_MISC", "REM", "MISC"},   {"PLAYLIST_INVERT_SELECTION", "INV", "SEL"},
-        {"PLAYLIST_SELECT_ZERO", "SEL", "ZERO"},   {"PLAYLIST_SELECT_ALL", "SEL", "ALL"},
-        {"PLAYLIST_SORT_LIST", "SORT", "LIST"},    {"PLAYLIST_FILE_INFO", "FILE", "INFO"},
-        {"PLAYLIST_MISC_OPTIONS", "MISC", "OPTS"}, {"PLAYLIST_NEW_LIST", "NEW", "LIST"},
-        {"PLAYLIST_SAVE_LIST", "SAVE", "LIST"},    {"PLAYLIST_LOAD_LIST", "LOAD", "LIST"},
+        {"PLAYLIST_ADD_URL", "ADD", "URL"},
+        {"PLAYLIST_ADD_DIR", "ADD", "DIR"},
+        {"PLAYLIST_ADD_FILE", "ADD", "FILE"},
+        {"PLAYLIST_REMOVE_ALL", "REM", "ALL"},
+        {"PLAYLIST_CROP", "CROP", ""},
+        {"PLAYLIST_REMOVE_SELECTED", "REM", "SEL"},
+        {"PLAYLIST_REMOVE_MISC", "REM", "MISC"},
+        {"PLAYLIST_INVERT_SELECTION", "INV", "SEL"},
+        {"PLAYLIST_SELECT_ZERO", "SEL", "ZERO"},
+        {"PLAYLIST_SELECT_ALL", "SEL", "ALL"},
+        {"PLAYLIST_SORT_LIST", "SORT", "LIST"},
+        {"PLAYLIST_FILE_INFO", "FILE", "INFO"},
+        {"PLAYLIST_MISC_OPTIONS", "MISC", "OPTS"},
+        {"PLAYLIST_NEW_LIST", "NEW", "LIST"},
+        {"PLAYLIST_SAVE_LIST", "SAVE", "LIST"},
+        {"PLAYLIST_LOAD_LIST", "LOAD", "LIST"},
     };
     for (const Row &row : rows) {
         const QString name = QString::fromLatin1(row.sprite);
@@ -173,12 +183,20 @@ void paintShade(Sheet &sheet) {
         paintTitleKey(right, 29, 3, glyphs::unshade, Key::up, focused);
         paintTitleKey(right, 39, 3, glyphs::close, Key::up, focused);
     }
-    // The texts of the one-line form stand directly on these three pieces, as if on glass.
-    for (int y = 3; y <= 10; ++y) {
-        left.row(5, y, left.width() - 5, y == 3 ? ink : glass);
-        tile.row(0, y, tile.width(), y == 3 ? ink : glass);
-        for (const char *name : {"PLAYLIST_SHADE_BACKGROUND_RIGHT_SELECTED", "PLAYLIST_SHADE_BACKGROUND_RIGHT"})
-            sheet.sprite(name).row(0, y, 18, y == 3 ? ink : glass);
+    // The texts of the one-line form stand on glass that runs through all pieces.
+    const auto paintGlass = [](Canvas canvas, int from, int to) {
+        const int length = to - from;
+        canvas.fill({from, 3, length, 8}, glass);
+        canvas.row(from, 2, length, ink);
+        canvas.row(from, 11, length, mix(barBottom, light, 0.6));
+    };
+    paintGlass(tile, 0, tile.width());
+    paintGlass(left, 5, left.width());
+    left.column(4, 2, 9, ink);
+    for (const char *name : {"PLAYLIST_SHADE_BACKGROUND_RIGHT_SELECTED", "PLAYLIST_SHADE_BACKGROUND_RIGHT"}) {
+        Canvas right = sheet.sprite(name);
+        paintGlass(right, 0, 18);
+        right.column(18, 3, 9, mix(barBottom, light, 0.6));
     }
 }
 
@@ -196,8 +214,9 @@ Sheet playlistSheet() {
         const char *sprite;
         Stencil glyph;
     };
-    for (const Row &row : {Row{"PLAYLIST_CLOSE_SELECTED", glyphs::close}, Row{"PLAYLIST_COLLAPSE_SELECTED", glyphs::shade},
-                           Row{"PLAYLIST_EXPAND_SELECTED", glyphs::unshade}}) {
+    for (const Row &row :
+         {Row{"PLAYLIST_CLOSE_SELECTED", glyphs::close}, Row{"PLAYLIST_COLLAPSE_SELECTED", glyphs::shade},
+          Row{"PLAYLIST_EXPAND_SELECTED", glyphs::unshade}}) {
         Canvas key = sheet.sprite(row.sprite);
         paintTitleKey(key, 0, 0, row.glyph, Key::down);
     }

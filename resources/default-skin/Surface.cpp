@@ -181,7 +181,7 @@ void paintToggle(Canvas canvas, const Toggle &toggle) {
     const int width = font::width(toggle.label);
     const int x = (area.width() - width + 1) / 2;
     const int y = area.height() > 12 ? 3 : 2;
-    const QRect lamp(x, area.height() > 12 ? 10 : 8, width, 2);
+    const QRect lamp(x, (area.height() > 12 ? 10 : 8) + sink, width, 2);
     if (!toggle.down && !toggle.on)
         canvas.row(lamp.x(), lamp.bottom() + 1, lamp.width(), mix(keyBottom, light, 0.4));
     paintLamp(canvas, lamp, toggle.on);

@@ -9,8 +9,9 @@ namespace vantor::art {
 
 inline constexpr int titleHeight = 14;
 
-/// Brushed metal between two tones, 0 the lightest (a window's top) and 1 the darkest (its bottom). The grain runs
-/// along x without end, so tiles of any width join; metal of one tone has none, so tiles of any height do too.
+/// Brushed metal between two tones, 0 the lightest (a window's top) and 1 the darkest (its bottom). The grain
+/// runs along x without end, so tiles of any width join; metal of one tone has none, so tiles of any height
+/// do too.
 void paintBody(Canvas &canvas, const QRect &area, double topTone = 0, double bottomTone = 1);
 
 /// A whole window below its title bar: outline, lit and shaded edges, softened corners.
@@ -27,7 +28,8 @@ void paintFrame(Canvas &canvas, const Sides &sides);
 
 /// A title bar's metal, 14 rows, from the first to the last column of `canvas`.
 void paintBar(Canvas &canvas, bool focused);
-/// Staggered perforations in a title bar between two columns; they thin out towards `fadeLeft` or `fadeRight`.
+/// Staggered perforations in a title bar between two columns; they thin out towards `fadeLeft` or
+/// `fadeRight`.
 struct Grille {
     int from = 0;
     int to = 0;

@@ -21,8 +21,11 @@ Color heat(double coolness) {
         double at;
         Color color;
     };
-    constexpr Stop stops[] = {
-        {0, qRgb(255, 240, 208)}, {0.25, flame}, {0.5, qRgb(255, 150, 44)}, {0.78, qRgb(204, 88, 30)}, {1.0, ember}};
+    constexpr Stop stops[] = {{0, qRgb(255, 240, 208)},
+                              {0.25, flame},
+                              {0.5, qRgb(255, 150, 44)},
+                              {0.78, qRgb(204, 88, 30)},
+                              {1.0, ember}};
     const Stop *from = stops;
     for (const Stop &to : stops) {
         if (coolness <= to.at && to.at > from->at)
@@ -54,20 +57,21 @@ QByteArray regions() {
         const QByteArray h = QByteArray::number(height);
         const QByteArray w2 = QByteArray::number(width - 2);
         const QByteArray h2 = QByteArray::number(height - 2);
-        return QByteArray("[") + name + "]\r\nNumPoints=8\r\nPointList=2,0, " + w2 + ",0, " + w + ",2, " + w + ',' + h2 +
-               ", " + w2 + ',' + h + ", 2," + h + ", 0," + h2 + ", 0,2\r\n\r\n";
+        return QByteArray("[") + name + "]\r\nNumPoints=8\r\nPointList=2,0, " + w2 + ",0, " + w + ",2, " + w +
+               ',' + h2 + ", " + w2 + ',' + h + ", 2," + h + ", 0," + h2 + ", 0,2\r\n\r\n";
     };
     return section("Normal", 275, 116) + section("WindowShade", 275, 14) + section("Equalizer", 275, 116) +
            section("EqualizerWS", 275, 14);
 }
 
-constexpr const char *readme = "Meridian\r\n"
-                               "========\r\n"
-                               "The default skin of Vantor: indigo graphite, light from the top left, and one amber\r\n"
-                               "for everything that glows.\r\n"
-                               "\r\n"
-                               "Drawn in code by the Vantor project and free under the MIT licence: use it, change\r\n"
-                               "it, share it.\r\n";
+constexpr const char *readme =
+    "Meridian\r\n"
+    "========\r\n"
+    "The default skin of Vantor: indigo graphite, light from the top left, and one amber\r\n"
+    "for everything that glows.\r\n"
+    "\r\n"
+    "Drawn in code by the Vantor project and free under the MIT licence: use it, change\r\n"
+    "it, share it.\r\n";
 
 } // namespace
 

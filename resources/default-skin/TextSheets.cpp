@@ -1,7 +1,6 @@
 #include "Digits.h"
 #include "Font.h"
 #include "Sheet.h"
-
 #include "SkinKit/Sprites/SkinSprites.h"
 
 namespace vantor::art {

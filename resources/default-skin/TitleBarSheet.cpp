@@ -31,8 +31,9 @@ void paintMainTitle(Canvas canvas, std::string_view text, bool focused) {
 
 /// The one-line form has no sprites for its transport keys: they are part of the bar.
 void paintShadeTransport(Canvas &canvas, bool focused) {
-    constexpr Stencil symbols[] = {"#..#/#.##/####/#.##/#..#", "#.../###./####/###./#...", "##.##/##.##/##.##/##.##/##.##",
-                                   "####/####/####/####",      "#..#/##.#/####/##.#/#..#", ".##./####/..../####"};
+    constexpr Stencil symbols[] = {"#..#/#.##/####/#.##/#..#",      "#.../###./####/###./#...",
+                                   "##.##/##.##/##.##/##.##/##.##", "####/####/####/####",
+                                   "#..#/##.#/####/##.#/#..#",      ".##./####/..../####"};
     std::size_t i = 0;
     for (const places::ShadeKey &key : places::shadeTransport) {
         const QSize size = stencilSize(symbols[i]);
@@ -60,8 +61,8 @@ void paintShadePosition(Sheet &sheet) {
     for (int y = 0; y < back.height(); ++y)
         for (int x = 0; x < back.width(); ++x)
             back.set(x, y, bar.at(places::shadePosition.x() + x, places::shadePosition.y() + y));
-    for (const char *name : {"MAIN_SHADE_POSITION_THUMB", "MAIN_SHADE_POSITION_THUMB_LEFT",
-                             "MAIN_SHADE_POSITION_THUMB_RIGHT"}) {
+    for (const char *name :
+         {"MAIN_SHADE_POSITION_THUMB", "MAIN_SHADE_POSITION_THUMB_LEFT", "MAIN_SHADE_POSITION_THUMB_RIGHT"}) {
         Canvas thumb = sheet.sprite(name);
         thumb.gradient(thumb.bounds(), spark, amber);
         thumb.row(0, 6, 3, ember);
@@ -99,14 +100,18 @@ constexpr ClutterLetter clutterLetters[] = {
     {"MAIN_CLUTTER_BAR_BUTTON_A_SELECTED", ".##./#..#/####/#..#/#..#", 11},
     {"MAIN_CLUTTER_BAR_BUTTON_I_SELECTED", "###/.#./.#./.#./###", 18},
     {"MAIN_CLUTTER_BAR_BUTTON_D_SELECTED", "###./#..#/#..#/#..#/###.", 25},
-    {"MAIN_CLUTTER_BAR_BUTTON_V_SELECTED", "#..#/#..#/#..#/+##+/.##.", 33},
+    {"MAIN_CLUTTER_BAR_BUTTON_V_SELECTED", "#...#/#...#/.#.#./.#.#./..#..", 33},
 };
+
+int letterX(const ClutterLetter &letter) {
+    return (8 - stencilSize(letter.letter).width()) / 2;
+}
 
 void paintClutterBar(Canvas canvas, Color letters) {
     canvas.fill(canvas.bounds().adjusted(0, 1, 0, -1), mix(bodyTop, shade, 0.55));
     canvas.edges(canvas.bounds(), shade, mix(bodyTop, light, 0.25));
     for (const ClutterLetter &letter : clutterLetters)
-        canvas.stencil(2, letter.row + 1, letter.letter, letters);
+        canvas.stencil(letterX(letter), letter.row + 1, letter.letter, letters);
 }
 
 } // namespace
@@ -133,7 +138,7 @@ Sheet titleBarSheet(const QImage &window) {
         for (int y = 0; y < lit.height(); ++y)
             for (int x = 0; x < lit.width(); ++x)
                 lit.set(x, y, bar.at(x, letter.row + y));
-        lit.glowing(2, 1, letter.letter, flame, 0.12);
+        lit.glowing(letterX(letter), 1, letter.letter, flame, 0.12);
     }
     return sheet;
 }

@@ -14,7 +14,7 @@ build_packages=(
     # Libraries.
     qt6-base-dev qt6-base-dev-tools libgl1-mesa-dev
     libzip-dev libavformat-dev libavcodec-dev libavutil-dev libswresample-dev
-    libtag1-dev libpulse-dev libssl-dev libsqlite3-dev
+    libtag1-dev libpulse-dev
     # A font for dialogs and menus; the window system's plugin comes with Qt's library.
     fonts-dejavu-core
 )
@@ -35,8 +35,6 @@ apt-get was not found, so nothing is installed. Vantor needs, by whatever names 
   audio decoding          FFmpeg 5.1 or later (libavformat, libavcodec, libavutil, libswresample)
   tags and covers         TagLib
   sound output            the PulseAudio client library (libpulse)
-  digests                 OpenSSL (libcrypto)
-  skin index              SQLite 3 with FTS5
   tests, benchmarks       GoogleTest with GoogleMock, Google Benchmark, Xvfb, xdotool, PulseAudio, D-Bus
 Going on; CMake tells what it cannot find.
 TEXT

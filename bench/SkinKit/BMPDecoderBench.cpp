@@ -93,4 +93,3 @@ BENCHMARK(ours)->Apply(sheets);
 BENCHMARK(inflate)->Apply(sheets);
 BENCHMARK(qtReader)->Apply(sheets);
 BENCHMARK(qtReaderConverted)->Apply(sheets);
-

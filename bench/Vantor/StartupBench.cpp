@@ -1,8 +1,9 @@
-#include <benchmark/benchmark.h>
-
 #include <QProcess>
 
-// From starting a process to its end right after the first painted window. Needs a display (xvfb-run will do).
+#include <benchmark/benchmark.h>
+
+// From starting a process to its end right after the first painted window. Needs a display (xvfb-run will
+// do).
 static void start(benchmark::State &state, const char *program) {
     for (auto _ : state) {
         if (QProcess::execute(QString::fromLocal8Bit(program), {}) != 0)
@@ -12,4 +13,3 @@ static void start(benchmark::State &state, const char *program) {
 
 BENCHMARK_CAPTURE(start, bareQtWindow, BARE_WINDOW)->Unit(benchmark::kMillisecond)->UseRealTime()->MinTime(3);
 BENCHMARK_CAPTURE(start, player, PLAYER_WINDOW)->Unit(benchmark::kMillisecond)->UseRealTime()->MinTime(3);
-

@@ -69,7 +69,8 @@ class PlayerTest : public testing::Test {
 
     // Lets events and sound flow until something holds. The sound runs at twice the pace of the clock: time
     // passes quickly, and the decoder still has its time.
-    template <class Condition> bool pump(Condition condition) {
+    template <class Condition>
+    bool pump(Condition condition) {
         const Clock::time_point start = Clock::now();
         std::int64_t rendered = 0;
         while (!condition()) {

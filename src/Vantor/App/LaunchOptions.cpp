@@ -1,0 +1,96 @@
+#include "Vantor/App/LaunchOptions.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+#include <cmath>
+
+namespace vantor {
+
+namespace {
+
+constexpr double longestRun = 86400; // one day, in seconds
+
+QString usage() {
+    return QStringLiteral(
+        "usage: vantor [--skin FILE] [--seconds N] [--screenshot FILE] [--version] [--help] "
+        "[audio files, folders, .wsz …]");
+}
+
+QString help() {
+    return usage() +
+           QStringLiteral(
+               "\n\n"
+               "  --skin FILE        wear a skin: a .wsz archive or a skin folder\n"
+               "  --seconds N        stop after N seconds (without a display: 10)\n"
+               "  --screenshot FILE  write a picture of the window before stopping\n"
+               "                     (without a display: vantor.png)\n"
+               "  --version          print the version\n"
+               "  --help             print this\n\n"
+               "Audio is queued and played. Without audio the demo track plays. Without a display the\n"
+               "program plays all the same, prints what happens and exits.");
+}
+
+QUrl urlOf(const QString &argument) {
+    if (argument.startsWith(QLatin1String("file:")))
+        return QUrl(argument);
+    return QUrl::fromLocalFile(QDir::cleanPath(QFileInfo(argument).absoluteFilePath()));
+}
+
+std::optional<double> secondsOf(const QString &text) {
+    bool ok = false;
+    const double value = text.toDouble(&ok);
+    if (!ok || !std::isfinite(value) || value <= 0 || value > longestRun)
+        return std::nullopt;
+    return value;
+}
+
+LaunchOptions::Message usageError(const QString &text) {
+    return {text + QLatin1Char('\n') + usage(), 2};
+}
+
+} // namespace
+
+std::variant<LaunchOptions, LaunchOptions::Message> LaunchOptions::parse(const QStringList &arguments) {
+    LaunchOptions options;
+    std::optional<QUrl> skinAmongFiles;
+    bool optionsEnded = false;
+    for (qsizetype i = 0; i < arguments.size(); ++i) {
+        const QString &argument = arguments[i];
+        if (optionsEnded || !argument.startsWith(QLatin1Char('-')) || argument == QLatin1String("-")) {
+            if (argument.endsWith(QLatin1String(".wsz"), Qt::CaseInsensitive))
+                skinAmongFiles = urlOf(argument);
+            else
+                options.files.append(urlOf(argument));
+            continue;
+        }
+        if (argument == QLatin1String("--")) {
+            optionsEnded = true;
+        } else if (argument == QLatin1String("--help") || argument == QLatin1String("-h")) {
+            return Message{help(), 0};
+        } else if (argument == QLatin1String("--version")) {
+            return Message{QStringLiteral("Vantor " VANTOR_VERSION), 0};
+        } else if (argument == QLatin1String("--skin") || argument == QLatin1String("--seconds") ||
+                   argument == QLatin1String("--screenshot")) {
+            if (i + 1 == arguments.size())
+                return usageError(argument + QStringLiteral(" needs a value"));
+            const QString &value = arguments[++i];
+            if (argument == QLatin1String("--skin")) {
+                options.skin = urlOf(value);
+            } else if (argument == QLatin1String("--screenshot")) {
+                options.screenshot = value;
+            } else {
+                options.seconds = secondsOf(value);
+                if (!options.seconds)
+                    return usageError(QStringLiteral("--seconds needs a number above 0, at most 86400"));
+            }
+        } else {
+            return usageError(QStringLiteral("unknown option: ") + argument);
+        }
+    }
+    if (!options.skin)
+        options.skin = skinAmongFiles;
+    return options;
+}
+
+} // namespace vantor

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+#include <QStringList>
+#include <QUrl>
+
+#include <optional>
+#include <variant>
+
+namespace vantor {
+
+/// What the command line asks for.
+struct LaunchOptions {
+    std::optional<QUrl> skin;          ///< --skin, else the last .wsz among the arguments
+    QList<QUrl> files;                 ///< audio files and folders in the order given
+    std::optional<double> seconds;     ///< --seconds: how long to run
+    std::optional<QString> screenshot; ///< --screenshot: where the picture of the window goes
+
+    bool operator==(const LaunchOptions &) const = default;
+
+    /// A text to print instead of starting: to standard output with status 0, to standard error otherwise.
+    struct Message {
+        QString text;
+        int exitStatus = 0;
+
+        bool operator==(const Message &) const = default;
+    };
+
+    /// `arguments` without the program's name; relative paths are taken from the current folder.
+    [[nodiscard]] static std::variant<LaunchOptions, Message> parse(const QStringList &arguments);
+};
+
+} // namespace vantor

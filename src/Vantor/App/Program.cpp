@@ -1,0 +1,98 @@
+#include "Vantor/App/Program.h"
+
+#include "AudioCore/Output/SystemAudioOutput.h"
+#include "AudioCore/Playback/Player.h"
+#include "Platform/AppPaths.h"
+#include "Vantor/App/LaunchOptions.h"
+#include "Vantor/App/TimedRun.h"
+#include "Vantor/Model/PlayerModel.h"
+#include "Vantor/Windows/MainWindow.h"
+
+#include <QApplication>
+#include <QIcon>
+#include <QSettings>
+
+#include <cstdio>
+
+namespace vantor {
+
+namespace {
+
+constexpr double headlessSeconds = 10;
+
+bool hasDisplay() {
+    return !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+}
+
+// Classic windows place themselves, which X11 (and XWayland) allows and Wayland does not.
+void choosePlatform() {
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", hasDisplay() ? "xcb;wayland" : "offscreen");
+    QGuiApplication::setHighDpiScaleFactorRoundingPolicy(
+        Qt::HighDpiScaleFactorRoundingPolicy::RoundPreferFloor);
+}
+
+void setUpApplication() {
+    QApplication::setApplicationName(QStringLiteral("Vantor"));
+    QApplication::setApplicationVersion(QStringLiteral(VANTOR_VERSION));
+    QApplication::setDesktopFileName(QLatin1String(AppPaths::bundleIdentifier));
+    QIcon icon;
+    for (const int size : {16, 24, 32, 48, 64, 128, 256})
+        icon.addFile(QStringLiteral(":/icons/vantor-%1.png").arg(size));
+    QApplication::setWindowIcon(icon);
+}
+
+// The skin asked for, else the one worn last; and the files asked for, else the demo track.
+void openWhatWasAskedFor(PlayerModel &model, const LaunchOptions &options, const QSettings &settings) {
+    const QString lastSkin = settings.value(QStringLiteral("skin")).toString();
+    if (options.skin)
+        model.wear(*options.skin);
+    else if (!lastSkin.isEmpty())
+        model.wear(QUrl::fromLocalFile(lastSkin));
+
+    if (!options.files.isEmpty()) {
+        model.open(options.files);
+    } else if (const QString demo = AppPaths::sharedFile(QStringLiteral("demo.flac")); !demo.isEmpty()) {
+        model.open({QUrl::fromLocalFile(demo)});
+    }
+}
+
+int print(const LaunchOptions::Message &message) {
+    std::fprintf(message.exitStatus == 0 ? stdout : stderr, "%s\n", qUtf8Printable(message.text));
+    return message.exitStatus;
+}
+
+} // namespace
+
+int runProgram(int argc, char **argv) {
+    QStringList arguments;
+    for (int i = 1; i < argc; ++i)
+        arguments.append(QString::fromLocal8Bit(argv[i]));
+    const auto parsed = LaunchOptions::parse(arguments);
+    if (const auto *message = std::get_if<LaunchOptions::Message>(&parsed))
+        return print(*message);
+    LaunchOptions options = std::get<LaunchOptions>(parsed);
+    if (!hasDisplay()) {
+        options.seconds = options.seconds.value_or(headlessSeconds);
+        options.screenshot = options.screenshot.value_or(QStringLiteral("vantor.png"));
+    }
+
+    choosePlatform();
+    int qtArgc = 1; // the arguments are ours alone
+    QApplication application(qtArgc, argv);
+    setUpApplication();
+
+    QSettings settings(QLatin1String(AppPaths::bundleIdentifier), QStringLiteral("vantor"));
+    Player player(std::make_unique<FileTrackResolver>(), makeSystemAudioOutput);
+    PlayerModel model(player, settings);
+    MainWindow window(model);
+    if (options.seconds)
+        new TimedRun(model, window, *options.seconds,
+                     options.screenshot.value_or(QString())); // the window owns it
+    window.show();
+    QMetaObject::invokeMethod(
+        &model, [&] { openWhatWasAskedFor(model, options, settings); }, Qt::QueuedConnection);
+    return QApplication::exec();
+}
+
+} // namespace vantor

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "AudioCore/Playback/PlaybackState.h"
+
+#include <QString>
+
+#include <optional>
+
+namespace vantor {
+
+/// Chooses the marquee's text (what is being dragged, else a fresh notice, else the title) and moves it. Main
+/// thread.
+class MarqueeLine {
+  public:
+    void setTitle(const QString &title);
+    void setNotice(const StatusNotice &notice);
+    /// What a slider says while it is dragged; none when it is let go.
+    void setDragText(const std::optional<QString> &text) { m_dragText = text; }
+
+    [[nodiscard]] QString text(StatusNotice::Clock::time_point now) const;
+    [[nodiscard]] bool hasNotice(StatusNotice::Clock::time_point now) const;
+    /// Pixels that the text has moved to the left.
+    [[nodiscard]] int offset(StatusNotice::Clock::time_point now) const;
+    [[nodiscard]] bool scrolls(StatusNotice::Clock::time_point now) const;
+
+    /// Moves the title on by the time given in seconds, unless a hand holds it.
+    void advance(double elapsed);
+    void grab() { m_held = true; }
+    void dragBy(int pixels);
+    void release() { m_held = false; }
+
+  private:
+    void moveBy(double pixels);
+
+    QString m_title;
+    std::optional<StatusNotice> m_notice;
+    std::optional<QString> m_dragText;
+    double m_offset = 0;
+    double m_pause = 0; ///< seconds left before the title begins to move
+    bool m_held = false;
+};
+
+} // namespace vantor

@@ -1,0 +1,122 @@
+#pragma once
+
+#include "AudioCore/Analysis/VisBars.h"
+#include "AudioCore/Playback/Player.h"
+#include "SkinKit/Loading/Skin.h"
+#include "SkinKit/Rendering/MainWindowScene.h"
+#include "Vantor/Model/MarqueeLine.h"
+#include "Vantor/Model/SkinLoader.h"
+#include "Vantor/Model/TrackImporter.h"
+
+#include <QObject>
+
+#include <chrono>
+#include <optional>
+
+class QSettings;
+
+namespace vantor {
+
+/// What the main window's visualizer shows.
+enum class VisualizerMode { spectrum, oscilloscope, off };
+
+/// The one object that the skinned windows and menus talk to: the current skin, the state of the windows, and
+/// the commands, which it turns into calls on the player. Main thread. Borrows the player and the settings.
+class PlayerModel : public QObject {
+    Q_OBJECT
+
+  public:
+    PlayerModel(Player &player, QSettings &settings, QObject *parent = nullptr);
+
+    [[nodiscard]] Player &player() { return m_player; }
+    [[nodiscard]] const Skin &skin() const { return m_skin; }
+    /// Where the skin came from; empty for the default one.
+    [[nodiscard]] QUrl skinUrl() const { return m_skinUrl; }
+    /// What the main window shows now, but for what only the window knows (focus and the pressed control).
+    [[nodiscard]] MainWindowScene scene() const;
+
+    [[nodiscard]] bool isShaded() const { return m_shaded; }
+    [[nodiscard]] bool isDoubleSize() const { return m_doubleSize; }
+    [[nodiscard]] bool isAlwaysOnTop() const { return m_alwaysOnTop; }
+    [[nodiscard]] TimeMode timeMode() const { return m_timeMode; }
+    [[nodiscard]] VisualizerMode visualizerMode() const { return m_visualizerMode; }
+
+    /// How soon advance() wants to be called again for things that move; none while everything stands still.
+    [[nodiscard]] std::optional<std::chrono::milliseconds> frameInterval() const;
+    /// Moves the visualizer, the marquee and the blinking clock on by `elapsed` seconds.
+    void advance(double elapsed);
+
+    // Skins. A skin that is refused leaves the present one in place and says so in the marquee.
+    void wear(const QUrl &skin);
+    void wearDefaultSkin();
+
+    // Music. open() replaces the queue once its first track is known to be playable and plays it; enqueue()
+    // adds to the end and plays when nothing else does. Skins among the addresses are worn.
+    void open(const QList<QUrl> &urls);
+    void enqueue(const QList<QUrl> &urls);
+    [[nodiscard]] bool isImporting() const { return m_pendingImports > 0; }
+
+    void setShaded(bool shaded);
+    void setDoubleSize(bool doubled);
+    void setAlwaysOnTop(bool onTop);
+    void setTimeMode(TimeMode mode);
+    void setVisualizerMode(VisualizerMode mode);
+    void cycleVisualizer();
+    void toggleShuffle();
+    void toggleRepeat();
+    void changeVolume(double by);
+    void seekBy(double seconds);
+    void showNotice(const QString &text);
+
+    // Dragging a slider (volume, balance or position): the value follows at once, the position is sought when
+    // the slider is let go. `fraction` 0…1 of the slider's way.
+    void dragSlider(MainWindowControl slider, double fraction);
+    void releaseSlider();
+    void cancelSlider();
+    [[nodiscard]] MarqueeLine &marquee() { return m_marquee; }
+
+  Q_SIGNALS:
+    void sceneChanged();
+    void skinChanged();
+    void windowStateChanged(); ///< shade, size or always-on-top
+    /// A track that was not played or not even taken in: its name and the sentence that says why.
+    void trackRefused(const QString &name, const QString &message);
+    void skinRefused(const QString &name, const QString &message);
+    void importsFinished(); ///< nothing is left to import
+
+  private:
+    void handle(const PlayerEvent &event);
+    void handleFailure(const PlaybackFailure &failure);
+    void startImport(const QList<QUrl> &urls, bool replace);
+    void takeTracks(quint64 import, const std::vector<Track> &tracks);
+    void finishImport(int added, const std::vector<SkippedFile> &skipped);
+    void notify(const StatusNotice &notice);
+    void updateTitle();
+    void setSkin(const QUrl &url, const Skin &skin);
+    void advanceVisualizer(double elapsed);
+    void restoreSettings();
+    void store(const char *key, const QVariant &value);
+
+    Player &m_player;
+    QSettings &m_settings;
+    SkinLoader m_skinLoader;
+    TrackImporter m_importer;
+    Skin m_skin;
+    QUrl m_skinUrl;
+    MarqueeLine m_marquee;
+
+    bool m_shaded = false;
+    bool m_doubleSize = false;
+    bool m_alwaysOnTop = false;
+    TimeMode m_timeMode = TimeMode::elapsed;
+    VisualizerMode m_visualizerMode = VisualizerMode::spectrum;
+    std::optional<double> m_draggedPosition;
+
+    VisBars m_bars;
+    VisualizerPicture m_picture;
+    double m_blinkTime = 0;
+    int m_pendingImports = 0;
+    std::optional<quint64> m_replacingImport; ///< its first tracks replace the queue
+};
+
+} // namespace vantor

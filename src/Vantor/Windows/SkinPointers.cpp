@@ -1,0 +1,91 @@
+#include "Vantor/Windows/SkinPointers.h"
+
+#include <QPixmap>
+#include <QWidget>
+
+namespace vantor {
+
+namespace {
+
+// The names under which skins keep the pointers of the main window's parts.
+QString pointerName(MainWindowControl control, bool inTitleBar, bool shaded) {
+    switch (control) {
+    case MainWindowControl::close:
+        return QStringLiteral("CLOSE");
+    case MainWindowControl::minimize:
+        return QStringLiteral("MIN");
+    case MainWindowControl::shade:
+        return QStringLiteral("WINBUT");
+    case MainWindowControl::options:
+        return QStringLiteral("MAINMENU");
+    case MainWindowControl::volume:
+    case MainWindowControl::balance:
+        return QStringLiteral("VOLBAL");
+    case MainWindowControl::position:
+        return shaded ? QStringLiteral("WSPOSBAR") : QStringLiteral("POSBAR");
+    case MainWindowControl::marquee:
+        return QStringLiteral("SONGNAME");
+    default:
+        break;
+    }
+    if (shaded)
+        return QStringLiteral("WSNORMAL");
+    return inTitleBar ? QStringLiteral("TITLEBAR") : QStringLiteral("NORMAL");
+}
+
+} // namespace
+
+SkinPointers::SkinPointers(QWidget &window) : QObject(&window), m_window(window) {
+    m_timer.setSingleShot(true);
+    connect(&m_timer, &QTimer::timeout, this, [this] {
+        ++m_step;
+        showStep();
+    });
+}
+
+void SkinPointers::setCursors(const SkinCursors &cursors, int scale) {
+    m_pointers.clear();
+    for (auto it = cursors.cursors.cbegin(); it != cursors.cursors.cend(); ++it) {
+        Pointer pointer;
+        for (const SkinCursor::Frame &frame : it->frames) {
+            // Files may put the hot spot outside the picture, which the display refuses.
+            const QPoint inside(std::clamp(frame.hotSpot.x(), 0, frame.image.width() - 1),
+                                std::clamp(frame.hotSpot.y(), 0, frame.image.height() - 1));
+            const QPoint hot = inside * scale;
+            pointer.frames.append(QCursor(QPixmap::fromImage(frame.upscaled(scale)), hot.x(), hot.y()));
+        }
+        pointer.steps = it->steps;
+        m_pointers.insert(it.key(), pointer);
+    }
+    const QString shown = std::exchange(m_shown, QString());
+    show(shown);
+}
+
+void SkinPointers::showFor(MainWindowControl control, bool inTitleBar, bool shaded) {
+    show(pointerName(control, inTitleBar, shaded));
+}
+
+// A part without a pointer of its own takes the window's ordinary one.
+void SkinPointers::show(const QString &name) {
+    const QString found = m_pointers.contains(name) ? name : QStringLiteral("NORMAL");
+    if (found == m_shown)
+        return;
+    m_shown = found;
+    m_step = 0;
+    showStep();
+}
+
+void SkinPointers::showStep() {
+    m_timer.stop();
+    const auto pointer = m_pointers.constFind(m_shown);
+    if (pointer == m_pointers.constEnd()) {
+        m_window.unsetCursor();
+        return;
+    }
+    const SkinCursor::Step &step = pointer->steps[m_step % pointer->steps.size()];
+    m_window.setCursor(pointer->frames[step.frame]);
+    if (pointer->steps.size() > 1)
+        m_timer.start(std::chrono::duration_cast<std::chrono::milliseconds>(step.duration));
+}
+
+} // namespace vantor

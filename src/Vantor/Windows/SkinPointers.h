@@ -1,0 +1,42 @@
+#pragma once
+
+#include "SkinKit/Layout/MainWindowControl.h"
+#include "SkinKit/Loading/SkinCursors.h"
+
+#include <QCursor>
+#include <QHash>
+#include <QTimer>
+
+class QWidget;
+
+namespace vantor {
+
+/// Puts the skin's mouse pointers on a window, animated ones included. Main thread. Borrows the window.
+class SkinPointers : public QObject {
+    Q_OBJECT
+
+  public:
+    explicit SkinPointers(QWidget &window);
+
+    /// `scale`: whole factor of the window's pixels.
+    void setCursors(const SkinCursors &cursors, int scale);
+    /// Shows the pointer for what lies under the mouse.
+    void showFor(MainWindowControl control, bool inTitleBar, bool shaded);
+
+  private:
+    struct Pointer {
+        QList<QCursor> frames;
+        std::vector<SkinCursor::Step> steps;
+    };
+
+    void show(const QString &name);
+    void showStep();
+
+    QWidget &m_window;
+    QHash<QString, Pointer> m_pointers;
+    QString m_shown;
+    std::size_t m_step = 0;
+    QTimer m_timer;
+};
+
+} // namespace vantor

@@ -1,0 +1,109 @@
+#include "Vantor/Windows/MainWindow.h"
+
+#include "PlayerFixture.h"
+#include "SkinKit/Layout/MainSliders.h"
+#include "SkinKit/Layout/MainWindowLayout.h"
+
+#include <QDropEvent>
+#include <QMimeData>
+#include <QTest>
+
+using namespace vantor;
+
+namespace {
+
+class MainWindowTest : public PlayerFixture {
+  protected:
+    void SetUp() override {
+        m_window.show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(&m_window));
+    }
+    void press(QPoint at) { QTest::mousePress(&m_window, Qt::LeftButton, {}, at); }
+    void release(QPoint at) { QTest::mouseRelease(&m_window, Qt::LeftButton, {}, at); }
+    void click(QPoint at) { QTest::mouseClick(&m_window, Qt::LeftButton, {}, at); }
+
+    MainWindow m_window{m_model};
+};
+
+QPoint centre(MainWindowLayout::Transport button) {
+    return MainWindowLayout::rect(button).center();
+}
+
+} // namespace
+
+TEST_F(MainWindowTest, AButtonActsOnlyWhenItIsLetGoOnIt) {
+    const QPoint shuffle = MainSliders::frame(MainSliders::Toggle::shuffle).center();
+    press(shuffle);
+    EXPECT_FALSE(m_player.isShuffled());
+    const QImage pressed = m_window.picture();
+    QTest::mouseMove(&m_window, QPoint(5, 110));
+    EXPECT_NE(m_window.picture(), pressed);
+    release(QPoint(5, 110));
+    EXPECT_FALSE(m_player.isShuffled());
+    click(shuffle);
+    EXPECT_TRUE(m_player.isShuffled());
+}
+
+TEST_F(MainWindowTest, TransportButtonsDriveThePlayer) {
+    m_player.enqueue({Track::file(writeTone("a.wav", 60)), Track::file(writeTone("b.wav", 60))});
+    using Transport = MainWindowLayout::Transport;
+    const auto reaches = [&](PlaybackState state, int index) {
+        return waitFor([&] { return m_player.state() == state && m_player.queue().currentIndex() == index; });
+    };
+    click(centre(Transport::play));
+    EXPECT_TRUE(reaches(PlaybackState::playing, 0));
+    click(centre(Transport::next));
+    EXPECT_TRUE(reaches(PlaybackState::playing, 1));
+    click(centre(Transport::pause));
+    EXPECT_TRUE(reaches(PlaybackState::paused, 1));
+    click(centre(Transport::previous));
+    EXPECT_TRUE(reaches(PlaybackState::playing, 0));
+    click(centre(Transport::stop));
+    EXPECT_TRUE(reaches(PlaybackState::stopped, 0));
+}
+
+TEST_F(MainWindowTest, SlidersFollowThePointerAtDoubleSizeToo) {
+    for (const bool doubled : {false, true}) {
+        SCOPED_TRACE(doubled);
+        m_model.setDoubleSize(doubled);
+        const int zoom = doubled ? 2 : 1;
+        const MainSliders::Slider &slider = MainSliders::volume;
+        const int y = slider.origin.y() + 5;
+        press(QPoint(slider.origin.x() + 7, y) * zoom);
+        EXPECT_FLOAT_EQ(m_player.volume(), 0);
+        QTest::mouseMove(&m_window, QPoint(slider.origin.x() + 7 + slider.travel, y) * zoom);
+        EXPECT_FLOAT_EQ(m_player.volume(), 1);
+        release(QPoint(0, 0));
+        EXPECT_FLOAT_EQ(m_player.volume(), 1);
+    }
+}
+
+TEST_F(MainWindowTest, ShadeAndSizeChangeTheWindow) {
+    EXPECT_EQ(m_window.size(), QSize(275, 116));
+    QTest::keyClick(&m_window, Qt::Key_D, Qt::ControlModifier);
+    EXPECT_EQ(m_window.size(), QSize(550, 232));
+    QTest::keyClick(&m_window, Qt::Key_W, Qt::ControlModifier);
+    EXPECT_EQ(m_window.size(), QSize(550, 28));
+    QTest::mouseDClick(&m_window, Qt::LeftButton, {}, QPoint(120, 6));
+    EXPECT_EQ(m_window.size(), QSize(550, 232));
+}
+
+TEST_F(MainWindowTest, DroppedMusicPlaysAndShiftOnlyAddsIt) {
+    const auto drop = [&](const QUrl &url, Qt::KeyboardModifiers modifiers) {
+        QMimeData data;
+        data.setUrls({url});
+        QDragEnterEvent enter(QPoint(10, 10), Qt::CopyAction, &data, Qt::LeftButton, modifiers);
+        QCoreApplication::sendEvent(&m_window, &enter);
+        EXPECT_TRUE(enter.isAccepted());
+        QDropEvent event(QPointF(10, 10), Qt::CopyAction, &data, Qt::LeftButton, modifiers);
+        QCoreApplication::sendEvent(&m_window, &event);
+    };
+    drop(writeTone("a.wav", 30), {});
+    ASSERT_TRUE(waitFor([&] { return m_player.state() == PlaybackState::playing; }));
+    drop(writeTone("b.wav", 30), Qt::ShiftModifier);
+    ASSERT_TRUE(waitFor([&] { return m_player.queue().count() == 2; }));
+    EXPECT_EQ(m_player.queue().current()->title, QStringLiteral("a"));
+    drop(file("b.wav"), {});
+    ASSERT_TRUE(waitFor([&] { return m_player.queue().count() == 1; }));
+    EXPECT_EQ(m_player.queue().current()->title, QStringLiteral("b"));
+}

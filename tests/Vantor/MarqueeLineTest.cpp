@@ -1,0 +1,49 @@
+#include "Vantor/Model/MarqueeLine.h"
+
+#include "SkinKit/Rendering/SkinTextFont.h"
+
+#include <gtest/gtest.h>
+
+using namespace vantor;
+
+namespace {
+
+const QString longTitle = QStringLiteral("1. A Rather Long Name - An Even Longer Title Than That (3:45)");
+constexpr StatusNotice::Clock::time_point start{};
+
+} // namespace
+
+TEST(MarqueeLineTest, DragTextBeatsNoticeBeatsTitle) {
+    MarqueeLine line;
+    line.setTitle(longTitle);
+    line.setNotice(StatusNotice::skinFailed(QStringLiteral("x.wsz"), start));
+    line.setDragText(QStringLiteral("Volume: 5%"));
+    EXPECT_EQ(line.text(start), QStringLiteral("Volume: 5%"));
+    EXPECT_FALSE(line.scrolls(start));
+    line.setDragText(std::nullopt);
+    EXPECT_EQ(line.text(start), QStringLiteral("Could not load x.wsz"));
+    EXPECT_EQ(line.text(start + StatusNotice::duration), longTitle);
+    EXPECT_TRUE(line.scrolls(start + StatusNotice::duration));
+}
+
+TEST(MarqueeLineTest, StandsStillAtFirstThenMovesAndWraps) {
+    MarqueeLine line;
+    line.setTitle(longTitle);
+    line.advance(1);
+    EXPECT_EQ(line.offset(start), 0);
+    line.advance(2);
+    const int moved = line.offset(start);
+    EXPECT_GT(moved, 0);
+
+    const int period = Marquee::period(longTitle);
+    line.dragBy(moved + 1); // a pixel to the right of the start is the end of the picture before
+    EXPECT_EQ(line.offset(start), period - 1);
+
+    line.grab();
+    line.advance(5);
+    EXPECT_EQ(line.offset(start), period - 1);
+    line.release();
+    line.setTitle(QStringLiteral("Short"));
+    line.advance(5);
+    EXPECT_EQ(line.offset(start), 0);
+}

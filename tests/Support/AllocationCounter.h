@@ -4,7 +4,8 @@
 
 namespace vantor {
 
-/// How often this thread has called operator new so far. Programs that use it link AllocationCounter.cpp.
+/// How often this thread has taken memory with operator new so far. Programs that use it link
+/// AllocationCounter.cpp.
 [[nodiscard]] int64_t allocationCount();
 
 } // namespace vantor

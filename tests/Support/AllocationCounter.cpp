@@ -1,6 +1,7 @@
 #include "tests/Support/AllocationCounter.h"
 
-#include <cstddef>
+#include <cstdlib>
+#include <new>
 
 static thread_local int64_t allocations = 0;
 
@@ -8,38 +9,32 @@ int64_t vantor::allocationCount() {
     return allocations;
 }
 
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+#if defined(__has_feature)
+#if __has_feature(thread_sanitizer)
+#define VANTOR_THREAD_SANITIZER
+#endif
+#endif
 
-// The sanitizers bring their own malloc, and a hook to watch it.
+#ifdef VANTOR_THREAD_SANITIZER
+// The sanitizer brings an operator new of its own, and a hook beside it.
 #include <sanitizer/allocator_interface.h>
 
-static void noteAllocation(const volatile void *, std::size_t) {
-    ++allocations;
-}
-static void ignoreFree(const volatile void *) {}
-[[maybe_unused]] static const int installed =
-    __sanitizer_install_malloc_and_free_hooks(noteAllocation, ignoreFree);
-
+[[maybe_unused]] static const int hook = __sanitizer_install_malloc_and_free_hooks(
+    [](const volatile void *, size_t) { ++allocations; }, [](const volatile void *) {});
 #else
-
-// In front of the C library's, which keeps these names for the purpose. operator new comes through here too.
-extern "C" {
-void *__libc_malloc(std::size_t size);
-void *__libc_calloc(std::size_t count, std::size_t size);
-void *__libc_realloc(void *memory, std::size_t size);
-
-void *malloc(std::size_t size) {
+// All other forms of new end up in this one, but those of over-aligned types.
+void *operator new(std::size_t size) {
     ++allocations;
-    return __libc_malloc(size);
-}
-void *calloc(std::size_t count, std::size_t size) {
-    ++allocations;
-    return __libc_calloc(count, size);
-}
-void *realloc(void *memory, std::size_t size) {
-    ++allocations;
-    return __libc_realloc(memory, size);
-}
+    if (void *memory = std::malloc(size > 0 ? size : 1))
+        return memory;
+    throw std::bad_alloc();
 }
 
+void operator delete(void *memory) noexcept {
+    std::free(memory);
+}
+
+void operator delete(void *memory, std::size_t) noexcept {
+    std::free(memory);
+}
 #endif

@@ -1,4 +1,5 @@
 #include "tests/Support/BitmapBuilder.h"
+#include "tests/Support/ZipBuilder.h"
 
 #include <QBuffer>
 #include <QDir>
@@ -85,6 +86,28 @@ Seeds texts() {
              "[WindowShade]\nnumpoints=4\npointlist=0,0,275,0,275,14,0,14\n"}};
 }
 
+Seeds archives() {
+    const QByteArray main = solidBMP(3, 2, colors[1]);
+    const std::vector<ZipEntry> skin = {{"Skin/MAIN.BMP", main},
+                                        {"text.png", smallPNG()},
+                                        {"viscolor.txt", "1,2,3\n4,5,6\n"},
+                                        {"pledit.txt", "[Text]\nNormal=bad\n"},
+                                        {"region.txt", "[Normal]\nNumPoints=3\nPointList=0,0,9,0,0,9"},
+                                        {"readme.txt", "hello"},
+                                        {"normal.cur", solidCursor(colors[2])}};
+    std::vector<ZipEntry> stored = skin;
+    for (ZipEntry &entry : stored)
+        entry.stored = true;
+    return {{QStringLiteral("skin"), zipFile(skin)},
+            {QStringLiteral("stored"), zipFile(stored)},
+            {QStringLiteral("small"), zipFile({{"main.bmp", main}})},
+            {QStringLiteral("modern"), zipFile({{"skin.xml", "<x/>"}, {"main.bmp", main}})},
+            {QStringLiteral("lies"),
+             zipFile({{.name = "a/main.bmp", .data = main, .declaredSize = 7, .crc = 1},
+                      {.name = "main.bmp", .data = main, .unixMode = 0120777},
+                      {.name = "gen.bmp", .data = QByteArray(20'000, 'x'), .declaredSize = 1}})}};
+}
+
 bool write(const QString &folder, const Seeds &seeds) {
     if (!QDir().mkpath(folder))
         return false;
@@ -107,6 +130,7 @@ int main(int argc, char **argv) {
     const bool written = write(folder + QStringLiteral("BMPDecoder"), bitmaps()) &&
                          write(folder + QStringLiteral("CursorBitmap"), cursors()) &&
                          write(folder + QStringLiteral("AniParser"), animations()) &&
+                         write(folder + QStringLiteral("SkinArchive"), archives()) &&
                          write(folder + QStringLiteral("SkinTexts"), texts());
     return written ? 0 : 1;
 }

@@ -29,10 +29,9 @@ struct SpectrumAnalyzer::Transform {
 
     void run() { function(context, output, input, sizeof(float)); }
 
-    // The normalisation by (N / 2)² belongs to real FFTs that work on packed half-length complex data and
-    // return twice the plain sum. With the Hann window, whose mean is 1/2, a full-scale sine then has the
-    // magnitude 2 · N/2 · 1/2 = N/2 in its bin, which is 0 dB. With the plain sum it would read −6 dB.
-    static constexpr float scale = 2;
+    // The plain sum, without a factor: with the Hann window, whose mean is 1/2, a full-scale sine in one bin
+    // has the magnitude N/4 there, which the normalisation by (N / 2)² reads as −6 dB.
+    static constexpr float scale = 1;
 
     AVTXContext *context = nullptr;
     av_tx_fn function = nullptr;
@@ -50,7 +49,7 @@ std::unique_ptr<SpectrumAnalyzer> SpectrumAnalyzer::make(const Settings &setting
     if (!std::isfinite(settings.sampleRate) || settings.sampleRate <= 0 || !(settings.floorDB < 0))
         return nullptr;
     if (settings.columnCount < 1 || settings.columnCount > size || settings.scopeLength < 1 ||
-        settings.scopeStride < 1 || settings.scopeLength > size / settings.scopeStride)
+        settings.scopeStride < 1 || settings.scopeLength > largestSize || settings.scopeStride > largestSize)
         return nullptr;
     auto transform = std::make_unique<Transform>(size);
     if (!transform->context)
@@ -96,10 +95,11 @@ void SpectrumAnalyzer::analyze(std::span<const float> samples, std::span<float> 
         spectrum[column] = level > 0 ? std::min(level, 1.0F) : 0.0F; // also for NaN
     }
 
-    const auto stride = static_cast<size_t>(m_settings.scopeStride);
-    const size_t first = samples.size() - scope.size() * stride;
+    // What a short transform does not reach back to reads as silence.
+    const auto first = std::ssize(samples) - std::int64_t{m_settings.scopeLength} * m_settings.scopeStride;
     for (size_t k = 0; k < scope.size(); ++k) {
-        const float sample = samples[first + k * stride];
+        const std::int64_t index = first + static_cast<std::int64_t>(k) * m_settings.scopeStride;
+        const float sample = index < 0 ? 0.0F : samples[static_cast<size_t>(index)];
         scope[k] = std::isnan(sample) ? 0.0F : std::clamp(sample, -1.0F, 1.0F);
     }
 }

@@ -18,7 +18,8 @@ StatusNotice StatusNotice::skinFailed(const QString &name, Clock::time_point sho
 }
 
 StatusNotice StatusNotice::playbackFailed(const PlaybackFailure &failure, Clock::time_point shownAt) {
-    QString subject = failure.track ? failure.track->title : QStringLiteral("this track");
+    const bool named = failure.track && !failure.track->title.isEmpty();
+    QString subject = named ? failure.track->title : QStringLiteral("this track");
     if (!failure.skipped && failure.consecutiveFailures >= 2)
         subject = QStringLiteral("%1 tracks").arg(failure.consecutiveFailures);
     return {QStringLiteral("Could not play ") + subject, failure.message, shownAt};

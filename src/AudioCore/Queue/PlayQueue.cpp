@@ -25,12 +25,13 @@ void insertAtRandom(std::vector<int> &pass, int index, int first) {
     pass.insert(pass.begin() + places(*QRandomGenerator::global()), index);
 }
 
-/// Library items have no path; they sort by their title.
-QString sortText(const Track &track, PlaylistSortKey key) {
+/// In code points, because QString compares UTF-16 units, among which surrogates lie below the last of the
+/// basic plane. Library items have no path and come first.
+QList<uint> sortText(const Track &track, PlaylistSortKey key) {
     const QUrl *file = std::get_if<QUrl>(&track.source);
     if (!file)
-        return track.title;
-    return key == PlaylistSortKey::fileName ? file->fileName() : file->toLocalFile();
+        return {};
+    return (key == PlaylistSortKey::fileName ? file->fileName() : file->toLocalFile()).toUcs4();
 }
 
 } // namespace
@@ -135,15 +136,14 @@ bool PlayQueue::reorder(const std::vector<int> &order) {
 }
 
 bool PlayQueue::sort(PlaylistSortKey key) {
-    std::vector<QString> texts;
+    std::vector<QList<uint>> texts;
     texts.reserve(m_tracks.size());
     for (const Track &track : m_tracks)
         texts.push_back(sortText(track, key));
     std::vector<int> order = ascending(count());
-    std::ranges::sort(order, [&](int left, int right) {
-        const int byText =
-            texts[static_cast<size_t>(left)].compare(texts[static_cast<size_t>(right)], Qt::CaseInsensitive);
-        return byText != 0 ? byText < 0 : left < right;
+    std::ranges::stable_sort(order, [&](int left, int right) {
+        return std::ranges::lexicographical_compare(texts[static_cast<size_t>(left)],
+                                                    texts[static_cast<size_t>(right)]);
     });
     return reorder(order);
 }

@@ -196,14 +196,18 @@ TEST(PlayQueueTest, SortsStablyAndSaysWhetherAnythingChanged) {
     tracks[1].source = QUrl::fromLocalFile(QStringLiteral("/c/one"));
     tracks[2].source = QUrl::fromLocalFile(QStringLiteral("/a/one"));
     PlayQueue queue(tracks);
+    EXPECT_FALSE(queue.sort(PlaylistSortKey::fileName));
+    EXPECT_EQ(titles(queue), "xyz"); // by code points: capitals first
+    tracks[0].source = MediaID{MediaKind::track, QStringLiteral("1")};
+    queue = PlayQueue({tracks[1], tracks[0], tracks[2]});
     EXPECT_TRUE(queue.sort(PlaylistSortKey::fileName));
-    EXPECT_EQ(titles(queue), "yzx");
+    EXPECT_EQ(titles(queue), "xyz"); // what has no file comes first, equal names stay in their order
     EXPECT_FALSE(queue.sort(PlaylistSortKey::fileName));
     EXPECT_TRUE(queue.sort(PlaylistSortKey::path));
-    EXPECT_EQ(titles(queue), "zxy");
+    EXPECT_EQ(titles(queue), "xzy");
     for (const std::vector<int> &bad : {std::vector<int>{0, 1}, {0, 1, 1}, {0, 1, 3}, {-1, 0, 1}, {0, 1, 2}})
         EXPECT_FALSE(queue.reorder(bad));
-    EXPECT_EQ(titles(queue), "zxy");
+    EXPECT_EQ(titles(queue), "xzy");
 }
 
 // Any sequence of edits keeps the invariants; rearranging keeps the current track and the order in which both

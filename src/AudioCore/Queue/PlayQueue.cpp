@@ -141,9 +141,11 @@ bool PlayQueue::sort(PlaylistSortKey key) {
     for (const Track &track : m_tracks)
         texts.push_back(sortText(track, key));
     std::vector<int> order = ascending(count());
-    std::ranges::stable_sort(order, [&](int left, int right) {
-        return std::ranges::lexicographical_compare(texts[static_cast<size_t>(left)],
-                                                    texts[static_cast<size_t>(right)]);
+    std::ranges::sort(order, [&](int left, int right) {
+        const QList<uint> &leftText = texts[static_cast<size_t>(left)];
+        const QList<uint> &rightText = texts[static_cast<size_t>(right)];
+        return leftText == rightText ? left < right
+                                     : std::ranges::lexicographical_compare(leftText, rightText);
     });
     return reorder(order);
 }

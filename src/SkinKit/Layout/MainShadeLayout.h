@@ -3,25 +3,22 @@
 #include "SkinKit/Layout/MainWindowLayout.h"
 
 #include <QList>
-#include <QRect>
 
-#include <array>
-
-/// Where everything is in the one-line shade form of the main window, in skin pixels from the top left.
+/// Where everything of the 275 × 14 shade form is, in skin pixels from its top-left corner.
 namespace vantor::MainShadeLayout {
 
-/// The small clock is a picture of its own, 30 × 6.
 inline constexpr int miniTimeImageWidth = 30;
-/// Inside that picture: the sign's cell and the four digits'.
+/// Inside the mini time: the sign, then the four digits; the colon belongs to the background.
 inline constexpr std::array<int, 5> miniTimeCellX{1, 7, 12, 20, 25};
-inline constexpr QRect miniTimeHitArea{127, 4, 30, 6};
+inline constexpr QRect miniTimeHitArea{127, 4, miniTimeImageWidth, 6};
 inline constexpr QRect visualizerFrame{79, 5, 76, 5};
 
 [[nodiscard]] QRect frame(MainWindowLayout::Transport button);
 
 /// The title buttons and the small transport buttons.
 [[nodiscard]] const QList<QRect> &buttonRects();
-/// What must not start a drag of the window: the buttons, the position slider, the clock and the visualizer.
+/// Every place where a press does not start dragging the window: the buttons, the time, the visualizer and
+/// the position slider.
 [[nodiscard]] const QList<QRect> &dragExclusions();
 
 } // namespace vantor::MainShadeLayout

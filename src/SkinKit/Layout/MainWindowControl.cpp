@@ -4,91 +4,76 @@
 #include "SkinKit/Layout/MainSliders.h"
 #include "SkinKit/Layout/MainWindowLayout.h"
 
+#include <span>
 #include <vector>
 
 namespace vantor {
 
 namespace {
 
+using Control = MainWindowControl;
+using MainSliders::Slider;
+using MainSliders::Toggle;
+
 struct Place {
     QRect rect;
-    MainWindowControl control;
+    Control control;
 };
 
-constexpr std::array titleControls{MainWindowControl::options, MainWindowControl::minimize,
-                                   MainWindowControl::shade, MainWindowControl::close};
-constexpr std::array clutterControls{MainWindowControl::clutterMainMenu,
-                                     MainWindowControl::clutterAlwaysOnTop,
-                                     MainWindowControl::clutterFileInfo, MainWindowControl::clutterDoubleSize,
-                                     MainWindowControl::clutterVisualizer};
-constexpr std::array transportControls{MainWindowControl::previous, MainWindowControl::play,
-                                       MainWindowControl::pause,    MainWindowControl::stop,
-                                       MainWindowControl::next,     MainWindowControl::eject};
-constexpr std::array toggleControls{MainWindowControl::shuffle, MainWindowControl::repeat,
-                                    MainWindowControl::equalizer, MainWindowControl::playlist};
-
-void addTitleButtons(std::vector<Place> &places) {
-    for (std::size_t i = 0; i < titleControls.size(); ++i)
-        places.push_back({MainWindowLayout::rect(MainWindowLayout::titleButtons[i]), titleControls[i]});
+void append(std::vector<Place> &places, std::span<const MainWindowLayout::TitleButton> buttons) {
+    constexpr std::array controls{Control::options, Control::minimize, Control::shade, Control::close};
+    for (std::size_t i = 0; i < controls.size(); ++i)
+        places.push_back({MainWindowLayout::rect(buttons[i]), controls[i]});
 }
 
-void addSlider(std::vector<Place> &places, const MainSliders::Slider &slider, MainWindowControl control) {
-    places.push_back({QRect(slider.origin, slider.size), control});
-}
+constexpr std::array transportControls{Control::previous, Control::play, Control::pause,
+                                       Control::stop,     Control::next, Control::eject};
 
+/// Where two places share a pixel, the one drawn on top comes first.
 std::vector<Place> fullPlaces() {
     std::vector<Place> places;
-    addTitleButtons(places);
-    for (std::size_t i = 0; i < clutterControls.size(); ++i)
-        places.push_back({MainWindowLayout::rect(MainWindowLayout::clutterButtons[i]), clutterControls[i]});
+    append(places, MainWindowLayout::titleButtons);
+    constexpr std::array clutter{Control::clutterMainMenu, Control::clutterAlwaysOnTop,
+                                 Control::clutterFileInfo, Control::clutterDoubleSize,
+                                 Control::clutterVisualizer};
+    for (std::size_t i = 0; i < clutter.size(); ++i)
+        places.push_back({MainWindowLayout::rect(MainWindowLayout::clutterButtons[i]), clutter[i]});
     for (std::size_t i = 0; i < transportControls.size(); ++i)
-        places.push_back(
-            {MainWindowLayout::rect(MainWindowLayout::transportButtons[i]), transportControls[i]});
-    for (std::size_t i = 0; i < toggleControls.size(); ++i)
-        places.push_back({MainSliders::frame(MainSliders::toggles[i]), toggleControls[i]});
-    addSlider(places, MainSliders::volume, MainWindowControl::volume);
-    addSlider(places, MainSliders::balance, MainWindowControl::balance);
-    addSlider(places, MainSliders::position, MainWindowControl::position);
-    places.push_back({MainWindowLayout::timeHitArea, MainWindowControl::time});
-    places.push_back({MainWindowLayout::visualizer, MainWindowControl::visualizer});
-    places.push_back({MainWindowLayout::marqueeHitArea, MainWindowControl::marquee});
+        places.push_back({MainWindowLayout::rect(MainWindowLayout::transports[i]), transportControls[i]});
+    places.insert(places.end(), {{MainSliders::frame(Toggle::repeatAll), Control::repeat},
+                                 {MainSliders::frame(Toggle::shuffle), Control::shuffle},
+                                 {MainSliders::frame(Toggle::equalizer), Control::equalizer},
+                                 {MainSliders::frame(Toggle::playlist), Control::playlist},
+                                 {Slider::volume.rect(), Control::volume},
+                                 {Slider::balance.rect(), Control::balance},
+                                 {Slider::position.rect(), Control::position},
+                                 {MainWindowLayout::timeHitArea, Control::time},
+                                 {MainWindowLayout::visualizer, Control::visualizer},
+                                 {MainWindowLayout::marqueeHitArea, Control::marquee}});
     return places;
 }
 
 std::vector<Place> shadePlaces() {
     std::vector<Place> places;
-    addTitleButtons(places);
+    append(places, MainWindowLayout::titleButtons);
     for (std::size_t i = 0; i < transportControls.size(); ++i)
-        places.push_back(
-            {MainShadeLayout::frame(MainWindowLayout::transportButtons[i]), transportControls[i]});
-    addSlider(places, MainSliders::shadePosition, MainWindowControl::position);
-    places.push_back({MainShadeLayout::miniTimeHitArea, MainWindowControl::time});
-    places.push_back({MainShadeLayout::visualizerFrame, MainWindowControl::visualizer});
+        places.push_back({MainShadeLayout::frame(MainWindowLayout::transports[i]), transportControls[i]});
+    places.insert(places.end(), {{Slider::shadePosition.rect(), Control::position},
+                                 {MainShadeLayout::miniTimeHitArea, Control::time},
+                                 {MainShadeLayout::visualizerFrame, Control::visualizer}});
     return places;
-}
-
-const std::vector<Place> &places(bool shaded) {
-    static const std::vector<Place> full = fullPlaces();
-    static const std::vector<Place> shade = shadePlaces();
-    return shaded ? shade : full;
 }
 
 } // namespace
 
 MainWindowControl mainWindowControlAt(QPoint point, bool shaded) {
-    for (const Place &place : places(shaded)) {
+    static const std::vector<Place> full = fullPlaces();
+    static const std::vector<Place> shade = shadePlaces();
+    for (const Place &place : shaded ? shade : full) {
         if (place.rect.contains(point))
             return place.control;
     }
-    return MainWindowControl::none;
-}
-
-QRect mainWindowControlRect(MainWindowControl control, bool shaded) {
-    for (const Place &place : places(shaded)) {
-        if (place.control == control)
-            return place.rect;
-    }
-    return {};
+    return Control::none;
 }
 
 } // namespace vantor

@@ -7,7 +7,7 @@
 
 #include <array>
 
-/// Where everything is in the full main window, in skin pixels from the top left.
+/// Where everything of the full main window is, in skin pixels from its top-left corner.
 namespace vantor::MainWindowLayout {
 
 inline constexpr QSize size{275, 116};
@@ -28,25 +28,23 @@ inline constexpr QPoint khz{156, 43};
 inline constexpr QPoint mono{212, 41};
 inline constexpr QPoint stereo{239, 41};
 
+/// The same places in the full window and in the shade form.
 enum class TitleButton { options, minimize, shade, close };
 inline constexpr std::array titleButtons{TitleButton::options, TitleButton::minimize, TitleButton::shade,
                                          TitleButton::close};
 [[nodiscard]] QRect rect(TitleButton button);
 
-/// The letters at the left edge.
 enum class ClutterButton { mainMenu, alwaysOnTop, fileInfo, doubleSize, visualizer };
 inline constexpr std::array clutterButtons{ClutterButton::mainMenu, ClutterButton::alwaysOnTop,
                                            ClutterButton::fileInfo, ClutterButton::doubleSize,
                                            ClutterButton::visualizer};
 [[nodiscard]] QRect rect(ClutterButton button);
-/// Only the lit form of a letter is a sprite of its own.
+/// The lit letter; unlit ones are part of the clutter bar's background.
 [[nodiscard]] QString spriteName(ClutterButton button);
 
 enum class Transport { previous, play, pause, stop, next, eject };
-inline constexpr std::array transportButtons{Transport::previous, Transport::play, Transport::pause,
-                                             Transport::stop,     Transport::next, Transport::eject};
-/// The boxes are uneven, as skins draw them: four are 23 wide, the last two 22, and eject is lower and
-/// flatter.
+inline constexpr std::array transports{Transport::previous, Transport::play, Transport::pause,
+                                       Transport::stop,     Transport::next, Transport::eject};
 [[nodiscard]] QRect rect(Transport button);
 [[nodiscard]] QString spriteName(Transport button, bool pressed);
 

@@ -11,7 +11,7 @@ QString rawValue(TimeMode mode) {
 
 std::optional<TimeMode> timeModeFromRawValue(const QString &text) {
     for (const TimeMode mode : {TimeMode::elapsed, TimeMode::remaining}) {
-        if (rawValue(mode) == text)
+        if (text == rawValue(mode))
             return mode;
     }
     return std::nullopt;
@@ -20,9 +20,9 @@ std::optional<TimeMode> timeModeFromRawValue(const QString &text) {
 const TimeDigits TimeDigits::blank;
 
 TimeDigits::TimeDigits(double seconds) {
-    constexpr double most = 99 * 60 + 59;
+    constexpr double longest = 99 * 60 + 59;
     const int whole =
-        std::isfinite(seconds) ? static_cast<int>(std::clamp(std::floor(seconds), 0.0, most)) : 0;
+        std::isfinite(seconds) ? static_cast<int>(std::floor(std::clamp(seconds, 0.0, longest))) : 0;
     minutesTens = whole / 600;
     minutesOnes = whole / 60 % 10;
     secondsTens = whole % 60 / 10;
@@ -34,27 +34,24 @@ TimeDigits TimeDigits::shown(TimeMode mode, double elapsed, double duration) {
 }
 
 QString MediaInfoText::kbps(std::optional<int> value) {
-    constexpr int width = 3;
-    if (!value)
-        return QStringLiteral("  0");
-    const QString digits = QString::number(std::max(*value, 0));
-    QString text = digits;
-    if (*value >= 10000)
-        text = digits.left(1) + QLatin1Char('C'); // hundreds of hundreds
-    else if (*value >= 1000)
-        text = digits.left(2) + QLatin1Char('H'); // hundreds
-    return text.rightJustified(width);
+    const int rate = std::max(value.value_or(0), 0);
+    QString text = QString::number(rate);
+    if (rate >= 10000)
+        text = text.left(1) + QLatin1Char('C');
+    else if (rate >= 1000)
+        text = text.left(2) + QLatin1Char('H');
+    return text.rightJustified(3);
 }
 
 QString MediaInfoText::khz(std::optional<double> sampleRate) {
-    constexpr int width = 2;
-    constexpr double most = 1e15; // far beyond any rate, and safe to convert
     if (!sampleRate || !std::isfinite(*sampleRate))
         return QStringLiteral(" 0");
-    const auto rate = static_cast<qint64>(std::clamp(std::round(*sampleRate / 1000), 0.0, most));
-    const QString digits = QString::number(rate);
-    const QString text = rate >= 100 ? digits.mid(1, 2) : digits.left(rate <= 10 ? 1 : 2);
-    return text.rightJustified(width);
+    const double rate = std::max(0.0, std::round(*sampleRate / 1000));
+    const QString digits = QString::number(rate, 'f', 0);
+    // Two cells: the display keeps the first digit up to 10 kHz and drops it from 100 kHz on.
+    if (rate <= 10)
+        return digits.left(1).rightJustified(2);
+    return rate < 100 ? digits : digits.mid(1, 2);
 }
 
 bool MainWindowStatus::showsTime() const {
@@ -66,20 +63,19 @@ bool MainWindowStatus::blinksTime() const {
 }
 
 bool MainWindowStatus::showsMinus() const {
-    return transport != Transport::stopped && timeMode == TimeMode::remaining;
+    return showsTime() && timeMode == TimeMode::remaining;
 }
 
 TimeDigits MainWindowStatus::digits() const {
-    return transport == Transport::stopped ? TimeDigits::blank
-                                           : TimeDigits::shown(timeMode, elapsed, duration);
+    return showsTime() ? TimeDigits::shown(timeMode, elapsed, duration) : TimeDigits::blank;
 }
 
 std::optional<QString> MainWindowStatus::kbps() const {
-    return transport == Transport::stopped ? std::nullopt : std::optional(MediaInfoText::kbps(bitrateKbps));
+    return showsTime() ? std::optional(MediaInfoText::kbps(bitrateKbps)) : std::nullopt;
 }
 
 std::optional<QString> MainWindowStatus::khz() const {
-    return transport == Transport::stopped ? std::nullopt : std::optional(MediaInfoText::khz(sampleRate));
+    return showsTime() ? std::optional(MediaInfoText::khz(sampleRate)) : std::nullopt;
 }
 
 bool MainWindowStatus::stereoSelected() const {
@@ -94,12 +90,12 @@ std::optional<QString> MainWindowStatus::indicator() const {
     switch (transport) {
     case Transport::stopped:
         return QStringLiteral("MAIN_STOPPED_INDICATOR");
-    case Transport::loading:
-        return std::nullopt;
     case Transport::playing:
         return QStringLiteral("MAIN_PLAYING_INDICATOR");
     case Transport::paused:
         return QStringLiteral("MAIN_PAUSED_INDICATOR");
+    case Transport::loading:
+        break;
     }
     return std::nullopt;
 }
@@ -112,7 +108,7 @@ std::optional<QString> MainWindowStatus::workIndicator() const {
         return QStringLiteral("MAIN_NOT_WORKING_INDICATOR");
     case Transport::stopped:
     case Transport::paused:
-        return std::nullopt;
+        break;
     }
     return std::nullopt;
 }

@@ -5,52 +5,56 @@
 
 namespace vantor {
 
-std::optional<Skin::Location> Skin::resolve(const QString &sprite) const {
-    const auto locate = [this](const QString &name) -> std::optional<Location> {
-        const auto entry = SkinSprites::byName().constFind(name);
-        if (entry == SkinSprites::byName().constEnd() || !sheets.contains(entry->sheet))
-            return std::nullopt;
-        return Location{entry->sheet, entry->sprite.rect()};
-    };
-    // Extended digits win whenever a skin has them.
-    if (const auto twin = SkinSprites::digitTwins().constFind(sprite);
-        twin != SkinSprites::digitTwins().constEnd()) {
-        const auto extended = locate(*twin);
-        return extended ? extended : locate(sprite);
-    }
-    if (const auto own = locate(sprite))
-        return own;
-    const auto fallback = SkinSprites::fallbacks().constFind(sprite);
-    return fallback == SkinSprites::fallbacks().constEnd() ? std::nullopt : locate(*fallback);
+namespace {
+
+std::optional<Skin::Location> locate(const Skin &skin, const QString &sprite) {
+    const auto &catalogue = SkinSprites::byName();
+    const auto found = catalogue.constFind(sprite);
+    if (found == catalogue.cend() || !skin.sheets.contains(found->sheet))
+        return std::nullopt;
+    return Skin::Location{found->sheet, found->sprite.rect()};
 }
 
-static QImage cut(const Skin &skin, const std::optional<Skin::Location> &location, const QRect &part) {
-    if (!location)
-        return {};
-    const QImage sheet = skin.sheets.value(location->sheet);
-    const QRect visible = part.translated(location->rect.topLeft()) & location->rect & sheet.rect();
-    return visible.isEmpty() ? QImage() : sheet.copy(visible);
+QImage cut(const QImage &sheet, const QRect &rect) {
+    const QRect kept = rect & sheet.rect();
+    return kept.isEmpty() ? QImage() : sheet.copy(kept);
+}
+
+} // namespace
+
+std::optional<Skin::Location> Skin::resolve(const QString &sprite) const {
+    // Extended digits win over plain ones, so for the digits the twin comes first.
+    const QString twin = SkinSprites::digitTwins().value(sprite);
+    if (!twin.isEmpty()) {
+        if (auto location = locate(*this, twin))
+            return location;
+    }
+    if (auto location = locate(*this, sprite))
+        return location;
+    const QString fallback = SkinSprites::fallbacks().value(sprite);
+    return fallback.isEmpty() ? std::nullopt : locate(*this, fallback);
 }
 
 QImage Skin::image(const QString &sprite) const {
     const auto location = resolve(sprite);
-    return cut(*this, location, location ? QRect(QPoint(), location->rect.size()) : QRect());
+    return location ? cut(sheets.value(location->sheet), location->rect) : QImage();
 }
 
 QImage Skin::imageFrame(const QString &sprite, int frame) const {
     const auto location = resolve(sprite);
-    const QRect strip(QPoint(), location ? location->rect.size() : QSize());
-    return cut(*this, location, MainSliders::frameRect(strip, frame));
+    if (!location || frame < 0 || frame >= MainSliders::frameCount)
+        return {};
+    return cut(sheets.value(location->sheet), MainSliders::frameRect(location->rect, frame) & location->rect);
 }
 
 QImage Skin::imageBandFrame(const QString &sprite, int frame) const {
     constexpr int columns = 14;
-    constexpr QSize step(15, 65);
-    constexpr QSize size(14, 63);
-    if (frame < 0)
+    constexpr int rows = 2;
+    const auto location = resolve(sprite);
+    if (!location || frame < 0 || frame >= columns * rows)
         return {};
-    const QPoint at(frame % columns * step.width(), frame / columns * step.height());
-    return cut(*this, resolve(sprite), QRect(at, size));
+    const QPoint corner = location->rect.topLeft() + QPoint(frame % columns * 15, frame / columns * 65);
+    return cut(sheets.value(location->sheet), QRect(corner, QSize(14, 63)) & location->rect);
 }
 
 } // namespace vantor

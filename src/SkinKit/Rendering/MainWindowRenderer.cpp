@@ -1,191 +1,126 @@
 #include "SkinKit/Rendering/MainWindowRenderer.h"
 
-#include "SkinKit/Layout/MainShadeLayout.h"
-#include "SkinKit/Layout/MainSliders.h"
-#include "SkinKit/Rendering/MainWindowPainter_p.h"
-#include "SkinKit/Rendering/SkinTextFont.h"
+#include "SkinKit/Layout/MainWindowLayout.h"
+#include "SkinKit/Rendering/SceneElement_p.h"
+#include "SkinKit/Rendering/WindowOutline_p.h"
 
-#include <QPainter>
-#include <QPolygon>
-
+#include <algorithm>
 #include <cstring>
-#include <tuple>
 
 namespace vantor::MainWindowRenderer {
 
 namespace {
 
-/// A part of a Format_RGBX8888 picture, every pixel repeated `scale` times both ways, as Format_RGB32, which
-/// is what window surfaces take without conversion.
-QImage enlarged(const QImage &picture, const QRect &part, int scale) {
-    QImage result(part.size() * scale, QImage::Format_RGB32);
-    for (int y = 0; y < part.height(); ++y) {
-        const uchar *source = picture.constScanLine(part.y() + y) + part.x() * 4;
-        auto *target = reinterpret_cast<QRgb *>(result.scanLine(y * scale));
-        for (int x = 0; x < part.width(); ++x, source += 4, target += scale)
-            std::fill_n(target, scale, qRgb(source[0], source[1], source[2]));
-        for (int copy = 1; copy < scale; ++copy)
-            std::memcpy(result.scanLine(y * scale + copy), result.constScanLine(y * scale),
-                        static_cast<std::size_t>(result.bytesPerLine()));
-    }
-    return result;
-}
-
-/// The clip in skin pixels, grown to whole ones.
-QRect dirtyPart(const QPainter &painter, const QRect &window, int scale) {
-    if (!painter.hasClipping())
-        return window;
-    const QRectF clip = painter.clipBoundingRect();
-    const QRectF part(clip.topLeft() / scale, clip.size() / scale);
-    return part.toAlignedRect() & window;
+std::span<const SceneElement> elementsOf(bool shaded) {
+    return shaded ? mainShadeElements() : mainWindowElements();
 }
 
 QRect windowRect(bool shaded) {
-    return {QPoint(), shaded ? MainWindowLayout::shadeSize : MainWindowLayout::size};
+    return {{0, 0}, size(shaded, 1)};
 }
 
-/// Collects the rectangles of what differs between two scenes.
-class Difference {
-  public:
-    Difference(const MainWindowScene &before, const MainWindowScene &after)
-        : m_before(before), m_after(after) {}
+int floorDivided(int value, int divisor) {
+    return value >= 0 ? value / divisor : -((-value + divisor - 1) / divisor);
+}
 
-    QRegion region() {
-        if (m_before.shaded != m_after.shaded)
-            return windowRect(m_after.shaded);
-        comparePressed();
-        compareClock();
-        comparePosition();
-        if (m_before.focused != m_after.focused)
-            m_region += m_after.shaded ? windowRect(true) : MainWindowLayout::titleBar;
-        if (m_before.visualizer != m_after.visualizer)
-            m_region += m_after.shaded ? MainShadeLayout::visualizerFrame : MainWindowLayout::visualizer;
-        if (!m_after.shaded)
-            compareFullWindow();
-        return m_region & windowRect(m_after.shaded);
+/// The skin pixels that a rectangle of painter units touches.
+QRect skinPixels(const QRect &rect, int scale) {
+    return {QPoint(floorDivided(rect.left(), scale), floorDivided(rect.top(), scale)),
+            QPoint(floorDivided(rect.right(), scale), floorDivided(rect.bottom(), scale))};
+}
+
+/// What the painter's own clip leaves of the window; a clip of many rectangles counts as their hull.
+QRegion visiblePart(const QPainter &painter, const QRect &window, int scale) {
+    if (!painter.hasClipping())
+        return window;
+    constexpr int maxRects = 8;
+    const QRegion clip = painter.clipRegion();
+    if (clip.rectCount() > maxRects)
+        return skinPixels(clip.boundingRect(), scale) & window;
+    QRegion visible;
+    for (const QRect &rect : clip)
+        visible |= skinPixels(rect, scale) & window;
+    return visible;
+}
+
+/// The region at 1×, in an image that covers its bounding rectangle. Black where the skin has no pixels.
+QImage compose(const Skin &skin, const MainWindowScene &scene, const QRegion &region) {
+    const QRect bounds = region.boundingRect();
+    QImage picture(bounds.size(), QImage::Format_RGB32);
+    picture.fill(Qt::black);
+    QPainter painter(&picture);
+    painter.translate(-bounds.topLeft());
+    if (region.rectCount() > 1)
+        painter.setClipRegion(region);
+    const SkinCanvas canvas{skin, painter};
+    for (const SceneElement &element : elementsOf(scene.shaded)) {
+        if (region.intersects(element.area))
+            element.draw(canvas, scene);
     }
+    return picture;
+}
 
-  private:
-    template <class Look>
-    void compare(const QRect &rect, Look look) {
-        if (look(m_before) != look(m_after))
-            m_region += rect;
+/// Every pixel as a square of scale × scale.
+QImage enlarged(const QImage &picture, int scale) {
+    if (scale == 1)
+        return picture;
+    QImage large(picture.size() * scale, picture.format());
+    const auto lineBytes = static_cast<std::size_t>(large.width()) * sizeof(QRgb);
+    for (int y = 0; y < picture.height(); ++y) {
+        const auto *from = reinterpret_cast<const QRgb *>(picture.constScanLine(y));
+        auto *first = reinterpret_cast<QRgb *>(large.scanLine(y * scale));
+        auto *to = first;
+        for (int x = 0; x < picture.width(); ++x)
+            to = std::fill_n(to, scale, from[x]);
+        for (int copy = 1; copy < scale; ++copy)
+            std::memcpy(large.scanLine(y * scale + copy), first, lineBytes);
     }
-
-    void comparePressed() {
-        if (m_before.pressed == m_after.pressed)
-            return;
-        for (const MainWindowControl control : {m_before.pressed, m_after.pressed})
-            m_region += mainWindowControlRect(control, m_after.shaded);
-    }
-
-    void compareClock() {
-        // From the sign's cell to the last digit's edge.
-        const QRect clock = m_after.shaded ? MainShadeLayout::miniTimeHitArea
-                                           : QRect(QPoint(36, MainWindowLayout::digitY), QPoint(98, 38));
-        compare(clock, [](const MainWindowScene &scene) {
-            const bool lit = scene.status.showsTime() && scene.timeLit;
-            return std::pair(lit && scene.status.showsMinus(),
-                             lit ? std::optional(scene.status.digits()) : std::nullopt);
-        });
-    }
-
-    void comparePosition() {
-        const MainSliders::Slider &slider =
-            m_after.shaded ? MainSliders::shadePosition : MainSliders::position;
-        compare(QRect(slider.origin, slider.size), [&](const MainWindowScene &scene) {
-            const double place = scene.position.value_or(-1);
-            return std::tuple(scene.position.has_value(), slider.thumbX(place),
-                              m_after.shaded ? MainSliders::shadePositionThumbName(place) : QString());
-        });
-    }
-
-    void compareFullWindow() {
-        compare(MainWindowLayout::clutterBar,
-                [](const MainWindowScene &scene) { return std::pair(scene.alwaysOnTop, scene.doubleSize); });
-        compare(QRect(MainWindowLayout::workIndicator.topLeft(), QSize(11, 9)),
-                [](const MainWindowScene &scene) {
-                    return std::pair(scene.status.workIndicator(), scene.status.indicator());
-                });
-        compare(QRect(MainWindowLayout::kbps, QSize(15, 6)),
-                [](const MainWindowScene &scene) { return scene.status.kbps(); });
-        compare(QRect(MainWindowLayout::khz, QSize(10, 6)),
-                [](const MainWindowScene &scene) { return scene.status.khz(); });
-        compare(QRect(MainWindowLayout::mono, QSize(56, 12)), [](const MainWindowScene &scene) {
-            return std::pair(scene.status.monoSelected(), scene.status.stereoSelected());
-        });
-        compare(MainWindowLayout::marquee, [](const MainWindowScene &scene) {
-            return std::pair(scene.marquee, Marquee::scrolls(scene.marquee) ? scene.marqueeOffset : 0);
-        });
-        compare(QRect(MainSliders::volume.origin, MainSliders::volume.size),
-                [](const MainWindowScene &scene) {
-                    return std::pair(MainSliders::volumeFrame(static_cast<float>(scene.volume)),
-                                     MainSliders::volume.thumbX(scene.volume));
-                });
-        compare(
-            QRect(MainSliders::balance.origin, MainSliders::balance.size), [](const MainWindowScene &scene) {
-                return std::pair(MainSliders::balanceFrame(static_cast<float>(scene.balance)),
-                                 MainSliders::balance.thumbX(MainSliders::fractionForBalance(scene.balance)));
-            });
-        using Toggle = MainSliders::Toggle;
-        compare(MainSliders::frame(Toggle::shuffle), [](const auto &scene) { return scene.shuffle; });
-        compare(MainSliders::frame(Toggle::repeatAll), [](const auto &scene) { return scene.repeat; });
-        compare(MainSliders::frame(Toggle::equalizer), [](const auto &scene) { return scene.equalizerOpen; });
-        compare(MainSliders::frame(Toggle::playlist), [](const auto &scene) { return scene.playlistOpen; });
-    }
-
-    const MainWindowScene &m_before;
-    const MainWindowScene &m_after;
-    QRegion m_region;
-};
-
-QRegion polygonRegion(const QList<SkinRegion::Polygon> &polygons) {
-    // A file can hold more than any outline needs; what is left out of such a file no eye would miss.
-    constexpr qsizetype maxPoints = 65'536;
-    QRegion region;
-    qsizetype points = 0;
-    for (const SkinRegion::Polygon &polygon : polygons) {
-        points += polygon.size();
-        if (points > maxPoints)
-            break;
-        region += QRegion(QPolygon(polygon), Qt::WindingFill);
-    }
-    return region;
+    return large;
 }
 
 } // namespace
 
 QSize size(bool shaded, int scale) {
-    return windowRect(shaded).size() * scale;
+    return (shaded ? MainWindowLayout::shadeSize : MainWindowLayout::size) * scale;
 }
 
 void draw(QPainter &painter, const Skin &skin, const MainWindowScene &scene, int scale) {
-    const QRect dirty = dirtyPart(painter, windowRect(scene.shaded), scale);
-    if (dirty.isEmpty())
+    const QRegion region = visiblePart(painter, windowRect(scene.shaded), scale);
+    if (region.isEmpty())
         return;
-    const QImage picture = MainWindowPainter(skin, scene, dirty).paint();
-    painter.save();
+    // Composed at 1× and enlarged by copying, which costs a fraction of enlarging sprite by sprite.
+    const QImage picture = enlarged(compose(skin, scene, region), scale);
+    const bool smooth = painter.testRenderHint(QPainter::SmoothPixmapTransform);
     painter.setRenderHint(QPainter::SmoothPixmapTransform, false);
-    painter.drawImage(dirty.topLeft() * scale, enlarged(picture, dirty, scale));
-    painter.restore();
+    const QPoint corner = region.boundingRect().topLeft();
+    for (const QRect &rect : region) {
+        const QRect source((rect.topLeft() - corner) * scale, rect.size() * scale);
+        painter.drawImage(rect.topLeft() * scale, picture, source);
+    }
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, smooth);
 }
 
-QRegion changed(const MainWindowScene &before, const MainWindowScene &after) {
-    return Difference(before, after).region();
+QRegion changed(const Skin &, const MainWindowScene &before, const MainWindowScene &after) {
+    if (before.shaded != after.shaded)
+        return windowRect(after.shaded);
+    QRegion region;
+    for (const SceneElement &element : elementsOf(after.shaded)) {
+        if (element.differs(before, after))
+            region |= element.area;
+    }
+    return region;
 }
 
 QRegion mask(const Skin &skin, bool shaded, int scale) {
     const QRect window = windowRect(shaded);
     const auto polygons = shaded ? skin.region.windowShade() : skin.region.normal();
-    QRegion outline = polygons ? polygonRegion(*polygons) & window : QRegion();
+    const QRegion outline = polygons ? windowOutline(*polygons, window.size()) : QRegion();
     if (outline.isEmpty())
-        outline = window;
-    if (scale == 1)
-        return outline;
-    QRegion result;
+        return QRect(window.topLeft(), window.size() * scale);
+    QRegion region;
     for (const QRect &rect : outline)
-        result += QRect(rect.topLeft() * scale, rect.size() * scale);
-    return result;
+        region += QRect(rect.topLeft() * scale, rect.size() * scale);
+    return region;
 }
 
 } // namespace vantor::MainWindowRenderer

@@ -7,7 +7,7 @@
 #include <QHash>
 #include <QTextBoundaryFinder>
 
-#include <vector>
+#include <algorithm>
 
 namespace vantor {
 
@@ -15,90 +15,135 @@ namespace SkinTextFont {
 
 namespace {
 
-constexpr qsizetype maxCells = 4096; // a title longer than that is nobody's, and must not cost time
+/// Code units of a text that are looked at: over a minute of scrolling, and no hostile tag stalls a frame.
+constexpr qsizetype maxLength = 1024;
 
-const QHash<char32_t, QString> &fontSprites() {
-    static const QHash<char32_t, QString> sprites = [] {
-        const QString prefix = QStringLiteral("CHARACTER_");
-        QHash<char32_t, QString> map;
+using Names = QHash<char32_t, QString>;
+
+/// The catalogue's own characters. Letters are there in lower case, but for Å, Ä and Ö.
+const Names &fontNames() {
+    static const Names names = [] {
+        Names map;
         for (const Sprite &sprite : SkinSprites::sheets().value(QStringLiteral("TEXT")))
-            map.insert(sprite.name.mid(prefix.size()).toUInt(), sprite.name);
+            map.insert(sprite.name.mid(QStringLiteral("CHARACTER_").size()).toUInt(), sprite.name);
         return map;
     }();
-    return sprites;
+    return names;
 }
 
-// Characters whose nearest neighbour in the font is not their decomposition's first part.
-char32_t substitute(char32_t character) {
-    static const QHash<char32_t, char32_t> table{
-        {U'‘', U'\''}, {U'’', U'\''}, {U'‚', U','}, {U'‛', U'\''}, {U'“', U'"'},  {U'”', U'"'},  {U'„', U'"'},
-        {U'«', U'"'},  {U'»', U'"'},  {U'‹', U'<'}, {U'›', U'>'},  {U'`', U'\''}, {U'´', U'\''}, {U'‐', U'-'},
-        {U'‑', U'-'},  {U'–', U'-'},  {U'—', U'-'}, {U'―', U'-'},  {U'−', U'-'},  {U'•', U'*'},  {U'·', U'.'},
-        {U'×', U'*'},  {U'÷', U'/'},  {U'|', U'/'}, {U';', U':'},  {U'~', U'-'},  {U'¡', U'!'},  {U'¿', U'?'},
-        {U'ß', U's'},  {U'æ', U'a'},  {U'œ', U'o'}, {U'ø', U'o'},  {U'ð', U'd'},  {U'đ', U'd'},  {U'þ', U't'},
-        {U'ł', U'l'},  {U'ħ', U'h'},  {U'ı', U'i'}, {U'ŋ', U'n'},  {U'©', U'c'},  {U'®', U'r'},  {U'°', U'*'},
-        {U'€', U'e'},  {U'£', U'l'},  {U'¥', U'y'}, {U'¢', U'c'},
-    };
-    return table.value(character, character);
+/// Look-alikes for what has no decomposition.
+char32_t lookAlike(char32_t character) {
+    static const QHash<char32_t, char32_t> table = [] {
+        constexpr std::pair<char16_t, const char16_t *> groups[] = {
+            {u'\'', u"‘’‚‛′`´ʼʻ‹›"},
+            {u'"', u"“”„‟″«»"},
+            {u'-', u"‐‑‒–—―−~"},
+            {u'.', u"·•"},
+            {u'!', u"¡|¦"},
+            {u'?', u"¿"},
+            {u':', u";"},
+            {u'/', u"⁄∕"},
+            {u'a', u"æÆ"},
+            {u'd', u"đĐðÐ"},
+            {u'h', u"ħĦ"},
+            {u'i', u"ı"},
+            {u'k', u"ĸ"},
+            {u'l', u"łŁ"},
+            {u'n', u"ŋŊ"},
+            {u'o', u"øØœŒ"},
+            {u's', u"ßẞ"},
+            {u't', u"þÞŧŦ"},
+            {u'x', u"×"},
+        };
+        QHash<char32_t, char32_t> map;
+        for (const auto &[plain, characters] : groups) {
+            for (const char16_t *each = characters; *each != 0; ++each)
+                map.insert(*each, plain);
+        }
+        return map;
+    }();
+    return table.value(character);
 }
 
-// The font's three accented letters stand in it as capitals.
-char32_t folded(char32_t character) {
-    const char32_t lower = QChar::toLower(character);
-    const bool ownSprite = lower == U'å' || lower == U'ä' || lower == U'ö';
-    return ownSprite ? QChar::toUpper(lower) : lower;
+/// The first character of a decomposition; fractions would read as their numerator and count as lacking.
+char32_t decomposed(char32_t character) {
+    if (QChar::decompositionTag(character) == QChar::Fraction)
+        return 0;
+    const auto parts = QChar::decomposition(character).toUcs4();
+    return parts.isEmpty() ? 0 : parts.first();
 }
 
-char32_t firstOf(const QString &text) {
-    if (text.size() > 1 && text[0].isHighSurrogate() && text[1].isLowSurrogate())
-        return QChar::surrogateToUcs4(text[0], text[1]);
-    return text.isEmpty() ? U' ' : text[0].unicode();
-}
-
-/// The first code point of every user-perceived character.
-std::vector<char32_t> cells(const QString &text) {
-    std::vector<char32_t> result;
-    // Composed letters need no second look for combining marks.
-    if (std::ranges::all_of(text, [](QChar c) { return c.unicode() < 0x300; })) {
-        for (const QChar character : text.left(maxCells))
-            result.push_back(character.unicode());
-        return result;
+QString findName(char32_t character, const Names &names) {
+    constexpr int maxSteps = 4; // a letter with two marks decomposes twice
+    for (int step = 0; step < maxSteps && character != 0; ++step) {
+        for (const char32_t form : {character, QChar::toLower(character), QChar::toUpper(character)}) {
+            if (const auto found = names.constFind(form); found != names.cend())
+                return *found;
+        }
+        const char32_t similar = lookAlike(character);
+        character = similar != 0 ? similar : decomposed(character);
     }
-    const QString composed = text.left(4 * maxCells).normalized(QString::NormalizationForm_C);
-    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, composed);
-    for (qsizetype at = 0; at < composed.size() && std::ssize(result) < maxCells;) {
-        result.push_back(firstOf(composed.mid(at, 2)));
-        const qsizetype next = finder.toNextBoundary();
-        at = next > at ? next : composed.size();
+    return names.value(U' ');
+}
+
+/// Below the first combining mark every code unit is a character of its own, save the two of a line end.
+bool isSimple(QStringView text) {
+    return std::all_of(text.begin(), text.end(), [](QChar c) { return c.unicode() < 0x300 && c != u'\r'; });
+}
+
+char32_t firstCharacter(const QString &grapheme) {
+    const auto characters = grapheme.normalized(QString::NormalizationForm_C).toUcs4();
+    return characters.isEmpty() ? U' ' : characters.first();
+}
+
+/// Calls `visit(cell, character)` for the cells from `first` up to, not including, `last`; returns the number
+/// of cells of the whole text.
+template <typename Visit>
+int visitCells(const QString &whole, int first, int last, const Visit &visit) {
+    const QString text = whole.size() > maxLength ? whole.left(maxLength) : whole;
+    if (isSimple(text)) {
+        const int count = static_cast<int>(text.size());
+        for (int cell = std::max(first, 0); cell < std::min(last, count); ++cell)
+            visit(cell, text.at(cell).unicode());
+        return count;
     }
-    return result;
+    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
+    int cell = 0;
+    qsizetype start = 0;
+    for (qsizetype end = finder.toNextBoundary(); end > start; end = finder.toNextBoundary()) {
+        if (cell >= first && cell < last)
+            visit(cell, firstCharacter(text.mid(start, end - start)));
+        start = end;
+        ++cell;
+    }
+    return cell;
 }
 
 } // namespace
 
 QString spriteName(char32_t character) {
-    const QHash<char32_t, QString> &sprites = fontSprites();
-    const auto find = [&](char32_t candidate) { return sprites.value(substitute(folded(candidate))); };
-    if (const QString name = find(character); !name.isEmpty())
-        return name;
-    const char32_t base = firstOf(QString::fromUcs4(&character, 1).normalized(QString::NormalizationForm_KD));
-    const QString name = find(base);
-    return name.isEmpty() ? sprites.value(U' ') : name;
+    // Plain text asks for the same few names again and again.
+    static const auto common = [] {
+        std::array<QString, 256> table;
+        for (char32_t c = 0; c < table.size(); ++c)
+            table[c] = findName(c, fontNames());
+        return table;
+    }();
+    return character < common.size() ? common[character] : findName(character, fontNames());
 }
 
 int width(const QString &text) {
-    return characterWidth * static_cast<int>(cells(text).size());
+    return characterWidth * visitCells(text, 0, 0, [](int, char32_t) {});
 }
 
 void draw(const SpriteDrawer &drawer, const QString &text, QPoint at, int left, int right) {
-    int x = at.x();
-    for (const char32_t character : cells(text)) {
-        if (x >= right)
-            return;
-        if (x + characterWidth > left)
-            drawer.draw(spriteName(character), QPoint(x, at.y()));
-        x += characterWidth;
-    }
+    if (right <= left || right <= at.x())
+        return;
+    const int first = std::max(left - at.x(), 0) / characterWidth;
+    const int last = (right - at.x() + characterWidth - 1) / characterWidth;
+    visitCells(text, first, last, [&](int cell, char32_t character) {
+        drawer.draw(spriteName(character), at + QPoint(cell * characterWidth, 0));
+    });
 }
 
 } // namespace SkinTextFont
@@ -114,9 +159,8 @@ bool scrolls(const QString &text) {
 }
 
 int period(const QString &text) {
-    return scrolls(text) ? SkinTextFont::width(text + separator()) : 0;
+    return scrolls(text) ? SkinTextFont::width(text) + SkinTextFont::width(separator()) : 0;
 }
 
 } // namespace Marquee
-
 } // namespace vantor

@@ -1,33 +1,44 @@
 #include "SkinKit/Sprites/SpriteDrawer.h"
 
-#include "SkinKit/Layout/MainSliders.h"
 #include "SkinKit/Loading/Skin.h"
 
 #include <QPainter>
 
 namespace vantor {
 
+namespace {
+
+void drawUnsmoothed(QPainter &painter, QPoint at, const QImage &sheet, const QRect &source) {
+    const bool smooth = painter.testRenderHint(QPainter::SmoothPixmapTransform);
+    if (smooth)
+        painter.setRenderHint(QPainter::SmoothPixmapTransform, false);
+    painter.drawImage(at, sheet, source);
+    if (smooth)
+        painter.setRenderHint(QPainter::SmoothPixmapTransform, true);
+}
+
+} // namespace
+
 void SpriteDrawer::draw(const QString &sprite, QPoint at) const {
-    if (const auto location = m_skin.resolve(sprite))
-        drawResolved(*location, QRect(QPoint(), location->rect.size()), at);
+    const auto location = m_skin.resolve(sprite);
+    if (!location)
+        return;
+    const QImage &sheet = *m_skin.sheets.constFind(location->sheet);
+    const QRect source = location->rect & sheet.rect();
+    if (!source.isEmpty())
+        drawUnsmoothed(m_painter, at, sheet, source);
 }
 
 void SpriteDrawer::drawPart(const QString &sprite, const QRect &part, QPoint at) const {
-    if (const auto location = m_skin.resolve(sprite))
-        drawResolved(*location, part, at);
-}
-
-void SpriteDrawer::drawFrame(const QString &sprite, int frame, QPoint at) const {
-    if (const auto location = m_skin.resolve(sprite))
-        drawResolved(*location, MainSliders::frameRect(QRect(QPoint(), location->rect.size()), frame), at);
-}
-
-void SpriteDrawer::drawResolved(const Skin::Location &location, const QRect &part, QPoint at) const {
-    const auto sheet = m_skin.sheets.constFind(location.sheet);
-    const QRect wanted = part.translated(location.rect.topLeft());
-    const QRect visible = wanted & location.rect & sheet->rect();
-    if (!visible.isEmpty())
-        m_painter.drawImage(at + visible.topLeft() - wanted.topLeft(), *sheet, visible);
+    const auto location = m_skin.resolve(sprite);
+    if (!location)
+        return;
+    const QImage &sheet = *m_skin.sheets.constFind(location->sheet);
+    const QPoint corner = location->rect.topLeft();
+    const QRect wanted = part.translated(corner);
+    const QRect source = wanted & location->rect & sheet.rect();
+    if (!source.isEmpty())
+        drawUnsmoothed(m_painter, at + source.topLeft() - wanted.topLeft(), sheet, source);
 }
 
 } // namespace vantor

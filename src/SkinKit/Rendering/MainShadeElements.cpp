@@ -1,0 +1,137 @@
+#include "SkinKit/Layout/MainShadeLayout.h"
+#include "SkinKit/Layout/MainSliders.h"
+#include "SkinKit/Layout/MainWindowLayout.h"
+#include "SkinKit/Rendering/SceneElement_p.h"
+#include "SkinKit/Rendering/SkinTextFont.h"
+#include "SkinKit/Rendering/VisualizerPicture_p.h"
+
+#include <tuple>
+
+namespace vantor {
+
+namespace {
+
+using Scene = MainWindowScene;
+using MainSliders::Slider;
+
+// The small transport buttons are part of the background and have no pressed form.
+void drawTitle(const SkinCanvas &canvas, const Scene &scene) {
+    canvas.sprites.draw(scene.focused ? QStringLiteral("MAIN_SHADE_BACKGROUND_SELECTED")
+                                      : QStringLiteral("MAIN_SHADE_BACKGROUND"),
+                        {0, 0});
+    drawTitleButtons(canvas, scene);
+}
+
+using MiniTime = std::array<char16_t, 5>; // sign and digits, 0 for an empty cell
+
+MiniTime miniTime(const Scene &scene) {
+    MiniTime cells{};
+    if (scene.status.blinksTime() && !scene.timeLit)
+        return cells;
+    const TimeDigits digits = scene.status.digits();
+    const auto character = [](std::optional<int> digit) {
+        return digit ? static_cast<char16_t>(u'0' + *digit) : u'\0';
+    };
+    return {scene.status.showsMinus() ? u'-' : u'\0', character(digits.minutesTens),
+            character(digits.minutesOnes), character(digits.secondsTens), character(digits.secondsOnes)};
+}
+
+bool miniTimeDiffers(const Scene &before, const Scene &after) {
+    return miniTime(before) != miniTime(after);
+}
+
+void drawMiniTime(const SkinCanvas &canvas, const Scene &scene) {
+    const QPoint corner = MainShadeLayout::miniTimeHitArea.topLeft();
+    const MiniTime cells = miniTime(scene);
+    for (std::size_t i = 0; i < cells.size(); ++i) {
+        if (cells[i] != 0)
+            canvas.sprites.draw(SkinTextFont::spriteName(cells[i]),
+                                corner + QPoint(MainShadeLayout::miniTimeCellX[i], 0));
+    }
+}
+
+bool visualizerDiffers(const Scene &before, const Scene &after) {
+    return before.visualizer != after.visualizer;
+}
+
+void drawVisualizer(const SkinCanvas &canvas, const Scene &scene) {
+    const QRect area = MainShadeLayout::visualizerFrame;
+    const QImage picture = visualizerImage(scene.visualizer, canvas.skin.visColors, area.size());
+    if (!picture.isNull())
+        canvas.painter.drawImage(area.topLeft(), picture);
+}
+
+bool positionDiffers(const Scene &before, const Scene &after) {
+    const auto state = [](const Scene &scene) {
+        const double position = scene.position.value_or(0);
+        return std::tuple(scene.position.has_value(), Slider::shadePosition.thumbX(position),
+                          MainSliders::shadePositionThumbName(position));
+    };
+    return state(before) != state(after);
+}
+
+void drawPosition(const SkinCanvas &canvas, const Scene &scene) {
+    if (!scene.position)
+        return;
+    const Slider &slider = Slider::shadePosition;
+    canvas.sprites.draw(QStringLiteral("MAIN_SHADE_POSITION_BACKGROUND"), slider.origin);
+    canvas.sprites.draw(MainSliders::shadePositionThumbName(*scene.position),
+                        {slider.thumbX(*scene.position), slider.origin.y() + slider.thumbInsetY});
+}
+
+struct TitleButtonLook {
+    MainWindowControl control;
+    QString up;
+    QString down;
+};
+
+using TitleButtonLooks = std::array<TitleButtonLook, 4>;
+
+// In case order. The third one's look tells whether it rolls the window up or down again.
+const TitleButtonLooks &titleButtonLooks(bool shaded) {
+    const auto looks = [](const QString &shade) {
+        return TitleButtonLooks{{{MainWindowControl::options, QStringLiteral("MAIN_OPTIONS_BUTTON"),
+                                  QStringLiteral("MAIN_OPTIONS_BUTTON_DEPRESSED")},
+                                 {MainWindowControl::minimize, QStringLiteral("MAIN_MINIMIZE_BUTTON"),
+                                  QStringLiteral("MAIN_MINIMIZE_BUTTON_DEPRESSED")},
+                                 {MainWindowControl::shade, shade, shade + QStringLiteral("_DEPRESSED")},
+                                 {MainWindowControl::close, QStringLiteral("MAIN_CLOSE_BUTTON"),
+                                  QStringLiteral("MAIN_CLOSE_BUTTON_DEPRESSED")}}};
+    };
+    static const TitleButtonLooks full = looks(QStringLiteral("MAIN_SHADE_BUTTON"));
+    static const TitleButtonLooks shade = looks(QStringLiteral("MAIN_SHADE_BUTTON_SELECTED"));
+    return shaded ? shade : full;
+}
+
+MainWindowControl pressedTitleButton(const Scene &scene) {
+    for (const TitleButtonLook &look : titleButtonLooks(scene.shaded)) {
+        if (look.control == scene.pressed)
+            return scene.pressed;
+    }
+    return MainWindowControl::none;
+}
+
+} // namespace
+
+void drawTitleButtons(const SkinCanvas &canvas, const MainWindowScene &scene) {
+    const TitleButtonLooks &looks = titleButtonLooks(scene.shaded);
+    for (std::size_t i = 0; i < looks.size(); ++i)
+        canvas.sprites.draw(looks[i].control == scene.pressed ? looks[i].down : looks[i].up,
+                            MainWindowLayout::rect(MainWindowLayout::titleButtons[i]).topLeft());
+}
+
+bool titleDiffers(const MainWindowScene &before, const MainWindowScene &after) {
+    return before.focused != after.focused || pressedTitleButton(before) != pressedTitleButton(after);
+}
+
+std::span<const SceneElement> mainShadeElements() {
+    static const std::array elements{
+        SceneElement{QRect({0, 0}, MainWindowLayout::shadeSize), titleDiffers, drawTitle},
+        SceneElement{MainShadeLayout::miniTimeHitArea, miniTimeDiffers, drawMiniTime},
+        SceneElement{MainShadeLayout::visualizerFrame, visualizerDiffers, drawVisualizer},
+        SceneElement{Slider::shadePosition.rect(), positionDiffers, drawPosition},
+    };
+    return elements;
+}
+
+} // namespace vantor

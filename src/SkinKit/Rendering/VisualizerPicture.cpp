@@ -1,0 +1,111 @@
+#include "SkinKit/Rendering/VisualizerPicture_p.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+
+namespace vantor {
+
+namespace {
+
+constexpr int fullRows = 16;
+constexpr std::size_t dotColor = 1;
+constexpr std::size_t topBarColor = 2; // the bars' 16 colours, downwards
+constexpr std::size_t middleScopeColor = 18;
+constexpr int scopeColorCount = 5;
+constexpr std::size_t peakColor = 23;
+
+/// An image whose pixels are set by the index of a skin colour; whoever writes stays inside.
+class Plot {
+  public:
+    Plot(const VisColors &colors, QSize size) : m_image(size, QImage::Format_RGB32) {
+        for (std::size_t i = 0; i < colors.size(); ++i)
+            m_colors[i] = qRgb(colors[i].red, colors[i].green, colors[i].blue);
+        m_image.fill(m_colors[0]);
+        m_bits = m_image.bits();
+    }
+
+    [[nodiscard]] int columns() const { return m_image.width(); }
+    [[nodiscard]] int rows() const { return m_image.height(); }
+    [[nodiscard]] const QImage &image() const { return m_image; }
+
+    void set(int x, int y, std::size_t color) {
+        reinterpret_cast<QRgb *>(m_bits + y * m_image.bytesPerLine())[x] = m_colors[color];
+    }
+
+  private:
+    QImage m_image;
+    uchar *m_bits = nullptr;
+    std::array<QRgb, std::tuple_size_v<VisColors>> m_colors{};
+};
+
+void plotDots(Plot &plot) {
+    for (int y = 1; y < plot.rows(); y += 2) {
+        for (int x = 0; x < plot.columns(); x += 2)
+            plot.set(x, y, dotColor);
+    }
+}
+
+/// The columns come in fours, of which the last is the gap to the next bar.
+constexpr bool isGap(int column) {
+    return column % 4 == 3;
+}
+
+void plotBars(Plot &plot, const VisualizerBars &bars) {
+    const int rows = plot.rows();
+    const int columns = std::min(plot.columns(), static_cast<int>(bars.heights.size()));
+    for (int x = 0; x < columns; ++x) {
+        if (isGap(x))
+            continue;
+        const auto column = static_cast<std::size_t>(x);
+        const int height = (std::clamp(bars.heights[column], 0, fullRows) * rows + fullRows / 2) / fullRows;
+        for (int y = rows - height; y < rows; ++y)
+            plot.set(x, y, topBarColor + static_cast<std::size_t>(y * (fullRows - 1) / (rows - 1)));
+        // Rounded up, so that a peak never hides in a bar that it floats above.
+        const int peak = (std::clamp(bars.peaks[column], 0, fullRows) * rows + fullRows - 1) / fullRows;
+        if (peak > 0)
+            plot.set(x, rows - peak, peakColor);
+    }
+}
+
+int scopeRow(float sample, int rows) {
+    const float level = std::isfinite(sample) ? std::clamp(sample, -1.0F, 1.0F) : 0.0F;
+    return static_cast<int>(std::round((1 - level) / 2 * static_cast<float>(rows - 1)));
+}
+
+/// Brightest in the middle, in equal bands outwards.
+std::size_t scopeColor(int y, int rows) {
+    const int doubledDistance = std::abs(2 * y - (rows - 1));
+    return middleScopeColor + static_cast<std::size_t>(doubledDistance * scopeColorCount / (rows + 1));
+}
+
+void plotScope(Plot &plot, const VisualizerScope &scope) {
+    const int rows = plot.rows();
+    const int columns = std::min(plot.columns(), static_cast<int>(scope.samples.size()));
+    int previous = scopeRow(scope.samples[0], rows);
+    for (int x = 0; x < columns; ++x) {
+        const int row = scopeRow(scope.samples[static_cast<std::size_t>(x)], rows);
+        // Down or up to the row beside the neighbour's, so that the curve has no holes.
+        const int joint = previous < row ? previous + 1 : previous > row ? previous - 1 : row;
+        for (int y = std::min(row, joint); y <= std::max(row, joint); ++y)
+            plot.set(x, y, scopeColor(y, rows));
+        previous = row;
+    }
+}
+
+} // namespace
+
+QImage visualizerImage(const VisualizerPicture &picture, const VisColors &colors, QSize size) {
+    if (std::holds_alternative<std::monostate>(picture))
+        return {};
+    Plot plot(colors, size);
+    if (size.height() >= fullRows)
+        plotDots(plot);
+    if (const auto *bars = std::get_if<VisualizerBars>(&picture))
+        plotBars(plot, *bars);
+    else if (const auto *scope = std::get_if<VisualizerScope>(&picture))
+        plotScope(plot, *scope);
+    return plot.image();
+}
+
+} // namespace vantor

@@ -67,7 +67,7 @@ TEST_F(MainWindowTest, SlidersFollowThePointerAtDoubleSizeToo) {
         SCOPED_TRACE(doubled);
         m_model.setDoubleSize(doubled);
         const int zoom = doubled ? 2 : 1;
-        const MainSliders::Slider &slider = MainSliders::volume;
+        const MainSliders::Slider &slider = MainSliders::Slider::volume;
         const int y = slider.origin.y() + 5;
         press(QPoint(slider.origin.x() + 7, y) * zoom);
         EXPECT_FLOAT_EQ(m_player.volume(), 0);

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QPoint>
-#include <QRect>
 
 namespace vantor {
 
@@ -38,8 +37,5 @@ enum class MainWindowControl {
 /// The control under a point in skin pixels. In shade form the position slider, the small transport buttons,
 /// the title buttons, the time and the visualizer answer. `none` outside the window.
 [[nodiscard]] MainWindowControl mainWindowControlAt(QPoint point, bool shaded);
-
-/// Where a control answers; empty for `none` and for what the form does not have.
-[[nodiscard]] QRect mainWindowControlRect(MainWindowControl control, bool shaded);
 
 } // namespace vantor

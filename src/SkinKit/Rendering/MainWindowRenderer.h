@@ -24,7 +24,7 @@ void draw(QPainter &painter, const Skin &skin, const MainWindowScene &scene, int
 
 /// What differs between the pictures of two scenes in the same skin, in skin pixels; a superset is allowed.
 /// Empty when nothing changed.
-[[nodiscard]] QRegion changed(const MainWindowScene &before, const MainWindowScene &after);
+[[nodiscard]] QRegion changed(const Skin &skin, const MainWindowScene &before, const MainWindowScene &after);
 
 /// The outline of the window, in pixels at `scale`; the full rectangle when the skin gives none or an empty
 /// one.

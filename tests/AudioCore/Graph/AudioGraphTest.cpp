@@ -9,7 +9,7 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
-#include <cmath>
+#include <functional>
 
 using namespace vantor;
 
@@ -55,20 +55,6 @@ TEST(AudioGraphTest, VolumeIsLinearAndBalanceAttenuatesTheOtherSide) {
     }
 }
 
-TEST(AudioGraphTest, ChangesRampInsteadOfJumping) {
-    ConstantGraph constant;
-    constant.render(1000);
-    constant.graph.setVolume(0);
-    constant.graph.setBalance(1);
-    StereoFrame last{1, 1};
-    for (const StereoFrame &frame : constant.render(2000)) {
-        ASSERT_NEAR(frame.left, last.left, 0.003);
-        ASSERT_NEAR(frame.right, last.right, 0.003);
-        last = frame;
-    }
-    EXPECT_EQ(last, StereoFrame{});
-}
-
 TEST(AudioGraphTest, PeakIsTheLoudestSinceLastAsked) {
     ConstantGraph constant(-1.5F);
     EXPECT_EQ(constant.graph.takePeak(), 0.0F);
@@ -102,37 +88,35 @@ TEST(AudioGraphTest, RenderingNeverAllocates) {
     AudioGraph graph(rate, &tap);
     const std::vector<StereoFrame> second(rate, StereoFrame{0.5F, 0.5F});
     std::vector<float> out(2 * 2048);
-    const auto allocationsOf = [&](const auto &prepare) {
-        prepare();
-        const std::int64_t before = allocationCount();
-        graph.render(out.data(), 2048);
-        return allocationCount() - before;
-    };
     PlayerNode &node = *graph.node();
-    std::size_t written = 0;
-    EXPECT_EQ(allocationsOf([] {}), 0) << "silence";
-    EXPECT_EQ(allocationsOf([&] {
-                  node.discardBefore(1);
-                  ASSERT_TRUE(node.beginSegment(1, 0));
-                  written = node.write(second);
-                  node.play();
-              }),
-              0)
-        << "a segment's start";
-    EXPECT_EQ(written, second.size());
-    EXPECT_EQ(allocationsOf([&] { graph.setVolume(0.3F); }), 0) << "a parameter";
-    EXPECT_EQ(allocationsOf([&] { node.pause(); }), 0) << "pause";
-    EXPECT_EQ(allocationsOf([&] {
-                  node.play();
-                  node.discardBefore(2);
-                  ASSERT_TRUE(node.beginSegment(2, 500));
-                  written = node.write(second);
-              }),
-              0)
-        << "a seek";
-    for (int block = 0; block < 30; ++block)
-        EXPECT_EQ(allocationsOf([] {}), 0) << "running dry";
-    EXPECT_EQ(node.underruns(), 1);
+    const auto start = [&](std::uint32_t generation, std::int64_t frame) {
+        node.discardBefore(generation);
+        EXPECT_TRUE(node.beginSegment(generation, frame));
+        EXPECT_EQ(node.write(second), second.size());
+        node.play();
+    };
+    const struct {
+        const char *name;
+        std::function<void()> command;
+    } rows[] = {{"silence", [] {}},
+                {"a start", [&] { start(1, 0); }},
+                {"a parameter", [&] { graph.setVolume(0.3F); }},
+                {"a pause", [&] { node.pause(); }},
+                {"a seek", [&] { start(2, 500); }},
+                {"playing on", [] {}},
+                {"running dry", [&] {
+                     for (int block = 0; block < 30; ++block)
+                         graph.render(out.data(), 2048);
+                     EXPECT_EQ(node.underruns(), 1);
+                 }}};
+    for (const auto &row : rows) {
+        SCOPED_TRACE(row.name);
+        row.command();
+        const std::int64_t before = allocationCount();
+        for (int block = 0; block < 5; ++block)
+            graph.render(out.data(), 2048);
+        EXPECT_EQ(allocationCount() - before, 0);
+    }
 
     const std::int64_t before = allocationCount();
     void *volatile memory = malloc(3); // what the counter must see
@@ -140,7 +124,7 @@ TEST(AudioGraphTest, RenderingNeverAllocates) {
     EXPECT_EQ(allocationCount() - before, 1);
 }
 
-#if !__has_feature(address_sanitizer) && !__has_feature(thread_sanitizer) // which make calls of their own
+#ifndef VANTOR_HAS_SANITIZER_ALLOCATOR // sanitizers make system calls of their own
 namespace {
 
 // Ends with 0 when rendering got by with no system call at all: in this mode any is deadly but exit.

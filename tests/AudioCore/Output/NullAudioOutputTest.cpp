@@ -34,10 +34,4 @@ TEST(NullAudioOutputTest, KeepsThePaceOfTheClockAndRestsWhenTold) {
         std::this_thread::yield();
     EXPECT_GT(frames, before);
     output.stop();
-    const int stopped = frames;
-    output.stop();
-    output.start([&frames](float *, int count) { frames += count; }, nullptr);
-    while (frames == stopped && Clock::now() - began < std::chrono::seconds(5))
-        std::this_thread::yield();
-    EXPECT_GT(frames, stopped);
 }

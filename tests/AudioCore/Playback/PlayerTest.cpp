@@ -130,35 +130,11 @@ TEST_F(PlayerTest, PlaysAQueueToItsEndInOrder) {
     const auto loud = std::count_if(m_output.heard.begin(), m_output.heard.end(),
                                     [](const StereoFrame &frame) { return frame.left != 0; });
     EXPECT_NEAR(static_cast<double>(loud), 0.6 * 44100, 20) << "every sample once; a sine has some zeros";
-    m_player.play();
-    ASSERT_TRUE(pumpUntil(PlaybackState::playing));
-    EXPECT_THAT(takeEvents(), ElementsAre("loading", "playing")) << "the same entry is not announced again";
-}
-
-TEST_F(PlayerTest, RepeatOneStartsTheSameTrackAgainWithoutAnnouncingIt) {
-    m_player.enqueue({track("a", 0.2), track("b")});
     m_player.setRepeatMode(RepeatMode::one);
     m_player.play();
-    ASSERT_TRUE(pump([&] { return std::count(m_events.begin(), m_events.end(), "playing") == 3; }));
-    EXPECT_THAT(takeEvents(),
-                ElementsAre("track a", "loading", "playing", "loading", "playing", "loading", "playing"));
-}
-
-TEST_F(PlayerTest, PauseKeepsThePlaceAndTheDeviceRests) {
-    m_player.enqueue({track("a", 5)});
-    m_player.play();
-    ASSERT_TRUE(pumpUntilHeard(0.3));
-    m_player.togglePause();
-    const double place = m_player.currentTime();
-    const std::size_t heard = m_output.heard.size();
-    ASSERT_TRUE(pump([&] { return m_output.heard.size() > heard + 2000; }));
-    EXPECT_EQ(m_player.currentTime(), place);
-    EXPECT_EQ(m_output.heard.back(), StereoFrame{});
-    m_player.togglePlayPause();
-    EXPECT_EQ(m_player.state(), PlaybackState::playing);
-    ASSERT_TRUE(pumpUntilHeard(place + 0.2));
-    EXPECT_THAT(takeEvents(), ElementsAre("track a", "loading", "playing", "paused", "playing"));
-    EXPECT_EQ(m_player.currentFormat(), (PlaybackFormat{44100, 2, QStringLiteral("PCM"), 16}));
+    ASSERT_TRUE(pump([&] { return std::count(m_events.begin(), m_events.end(), "playing") == 2; }));
+    EXPECT_THAT(takeEvents(), ElementsAre("loading", "playing", "loading", "playing"))
+        << "the same entry is not announced again";
 }
 
 TEST_F(PlayerTest, NoCommandEverClicks) {
@@ -220,9 +196,13 @@ TEST_F(PlayerTest, ASeekWhileLoadingIsRemembered) {
     m_player.seek(2);
     m_player.pause();
     ASSERT_TRUE(pumpUntil(PlaybackState::paused));
-    EXPECT_EQ(m_player.currentTime(), 2);
-    m_player.play();
+    const std::size_t heard = m_output.heard.size();
+    ASSERT_TRUE(pump([&] { return m_output.heard.size() > heard + 2000; }));
+    EXPECT_EQ(m_player.currentTime(), 2) << "time stands still in a pause";
+    EXPECT_EQ(m_output.heard.back(), StereoFrame{});
+    m_player.togglePlayPause();
     ASSERT_TRUE(pumpUntilHeard(2.2));
+    EXPECT_EQ(m_player.currentFormat(), (PlaybackFormat{44100, 2, QStringLiteral("PCM"), 16}));
     EXPECT_THAT(takeEvents(), ElementsAre("track a", "loading", "seeked 2", "paused", "playing"));
 }
 
@@ -260,16 +240,11 @@ TEST_F(PlayerTest, FailuresSkipAndStopByTheRule) {
         std::vector<std::string> expected;
     } rows[] = {
         {"one", {missing("x")}, RepeatMode::off, {"track x", "loading", "stopped", "failed x 1"}},
-        {"one, for ever", {missing("x")}, RepeatMode::all, {"track x", "loading", "stopped", "failed x 1"}},
         {"three, for ever",
          {missing("x"), missing("y"), missing("z")},
          RepeatMode::all,
          {"track x", "loading", "failed x 1 skipped", "track y", "failed y 2 skipped", "track z", "stopped",
           "failed z 3"}},
-        {"the last of two",
-         {missing("x"), track("good", 0.1)},
-         RepeatMode::off,
-         {"track x", "loading", "failed x 1 skipped", "track good", "playing", "stopped"}},
         {"the same again",
          {missing("x"), track("good", 0.1)},
          RepeatMode::one,
@@ -371,32 +346,21 @@ TEST_F(PlayerTest, StepsAndRowsMoveTheQueue) {
 }
 
 TEST_F(PlayerTest, RemovingTheCurrentTrackMovesPlaybackToItsSuccessor) {
-    m_player.enqueue({track("a"), track("b"), track("c")});
+    m_player.restoreQueue({track("x"), track("a"), track("b"), track("c")}, 1, RepeatMode::off, false);
+    EXPECT_EQ(m_output.made, 0) << "a restored queue waits";
     m_player.play();
     ASSERT_TRUE(pumpUntil(PlaybackState::playing));
     m_player.reverseQueue();
     m_player.reverseQueue();
-    m_player.removeTracks({0, 1});
+    m_player.removeTracks({1, 2});
     ASSERT_TRUE(pumpUntil(PlaybackState::playing));
     EXPECT_THAT(takeEvents(), ElementsAre("track a", "loading", "playing", "track c", "loading", "playing"));
     m_player.pause();
     m_player.enqueue({track("d")});
-    m_player.removeTrack(0);
+    m_player.removeTrack(1);
     ASSERT_TRUE(pumpUntil(PlaybackState::paused)) << "what was paused stays silent";
     m_player.clearQueue();
     EXPECT_THAT(takeEvents(), ElementsAre("paused", "track d", "loading", "paused", "stopped", "track none"));
-}
-
-TEST_F(PlayerTest, ARestoredQueueWaitsForPlay) {
-    const std::vector<Track> tracks{track("a"), track("b"), track("c")};
-    m_player.restoreQueue(tracks, 1, RepeatMode::all, true);
-    EXPECT_THAT(takeEvents(), ElementsAre("track b"));
-    EXPECT_EQ(m_player.queue().shufflePosition(), 0);
-    EXPECT_EQ(m_player.repeatMode(), RepeatMode::all);
-    EXPECT_EQ(m_output.made, 0);
-    m_player.play();
-    ASSERT_TRUE(pumpUntil(PlaybackState::playing));
-    EXPECT_THAT(takeEvents(), ElementsAre("loading", "playing"));
 }
 
 TEST_F(PlayerTest, VolumeAndBalanceAreClampedAndWaitForTheGraph) {

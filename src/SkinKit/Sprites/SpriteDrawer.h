@@ -18,10 +18,9 @@ class SpriteDrawer {
     SpriteDrawer(const Skin &skin, QPainter &painter) : m_skin(skin), m_painter(painter) {}
 
     void draw(const QString &sprite, QPoint at) const;
-    /// Draws `part`, given relative to the sprite's top-left corner, clipped to the sprite.
+    /// Draws `part`, given relative to the sprite's top-left corner, clipped to the sprite; its top-left
+    /// corner comes to lie at `at`.
     void drawPart(const QString &sprite, const QRect &part, QPoint at) const;
-    /// One frame of a volume or balance background.
-    void drawFrame(const QString &sprite, int frame, QPoint at) const;
 
   private:
     const Skin &m_skin;

@@ -10,8 +10,8 @@ constexpr std::int64_t chunkBytes = 16'384;
 // The declared size is a hint and may lie: no more than this is reserved on its word.
 constexpr std::int64_t maxReservedBytes = 1'048'576;
 // Thousands of entries may point at one and the same bomb, each dropped after its eight megabytes. Far above
-// what a sound archive wastes, this ends such a walk within seconds.
-constexpr std::int64_t maxDiscardedBytes = 536'870'912;
+// what a sound archive wastes, this ends such a walk within a second or two.
+constexpr std::int64_t maxDiscardedBytes = 268'435'456;
 
 QString extensionOf(const QString &key) {
     const qsizetype dot = key.lastIndexOf(QLatin1Char('.'));

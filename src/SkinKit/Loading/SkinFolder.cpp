@@ -14,7 +14,7 @@ namespace {
 namespace fs = std::filesystem;
 
 // Somebody's home folder must not be read for minutes because it was named by mistake.
-constexpr int maxVisited = 20'000;
+constexpr int maxVisited = 5'000;
 
 SkinError unlistable(const std::error_code &error) {
     return SkinError::unreadableArchive(QString::fromLocal8Bit(error.message().c_str()));

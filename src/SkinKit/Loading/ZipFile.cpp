@@ -27,6 +27,12 @@ struct ErrorText {
 zip_t *openSource(zip_source_t *source, ErrorText &error) {
     if (!source)
         throw error.asSkinError();
+    zip_stat_t stat;
+    if (zip_source_stat(source, &stat) == 0 && (stat.valid & ZIP_STAT_SIZE) && stat.size == 0) {
+        zip_source_free(source);
+        zip_error_set(&error.error, ZIP_ER_NOZIP, 0); // libzip takes nothing at all for an empty archive
+        throw error.asSkinError();
+    }
     zip_t *archive = zip_open_from_source(source, ZIP_RDONLY, &error.error);
     if (!archive) {
         zip_source_free(source); // still ours when opening fails

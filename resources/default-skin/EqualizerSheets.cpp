@@ -72,9 +72,9 @@ void paintLabels(Canvas &canvas) {
         x += places::bandSpacing;
     }
     centred(places::preamp.x() + slitColumn, 105, "PREAMP");
-    font::drawSmall(canvas, 47, 40, "+12 DB", print);
-    font::drawSmall(canvas, 47, 66, "0 DB", print);
-    font::drawSmall(canvas, 47, 94, "-12 DB", print);
+    font::drawSmall(canvas, 47, 40, "+12 dB", print);
+    font::drawSmall(canvas, 47, 66, "0 dB", print);
+    font::drawSmall(canvas, 47, 94, "-12 dB", print);
 }
 
 void paintTitleBar(Canvas canvas, bool focused) {

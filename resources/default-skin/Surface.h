@@ -66,7 +66,7 @@ void paintTitleKey(Canvas &canvas, QPoint at, Stencil symbol, Key state, bool fo
 
 namespace glyphs {
 inline constexpr Stencil menu = "#####//#####//#####";
-inline constexpr Stencil minimize = "////#####";
+inline constexpr Stencil minimize = "///#####/#####";
 inline constexpr Stencil shade = "#####/#####";
 inline constexpr Stencil unshade = "#####/#####/#...#/#...#/#####";
 inline constexpr Stencil close = "#...#/.#.#./..#../.#.#./#...#";

@@ -61,7 +61,7 @@ void paintShade(Canvas canvas, bool focused) {
     paintWell(canvas, display.adjusted(-2, -1, 2, 1));
     const int colon = display.right() + 1 - MainShadeLayout::miniTimeImageWidth + 18;
     for (const int y : {display.top() + 1, display.top() + 3})
-        canvas.set(colon, y, flame);
+        canvas.set(colon, y, mix(glass, amber, 0.6));
     paintRecess(canvas, Slider::shadePosition.rect().adjusted(0, 1, 0, -1));
     paintShadeTransport(canvas, focused);
     paintKeys(canvas, focused, glyphs::unshade);

@@ -43,7 +43,9 @@ void paintRecesses(Canvas &canvas) {
     using enum MainSliders::Toggle;
     using enum layout::Transport;
     paintRecess(canvas, MainSliders::Slider::position.rect().adjusted(0, 2, 0, -2));
-    paintRecess(canvas, layout::rect(previous) | layout::rect(next));
+    // One column more than the keys need: the last sprite has it, and its sheet gives that column to the next
+    // key.
+    paintRecess(canvas, (layout::rect(previous) | layout::rect(next)).adjusted(0, 0, 1, 0));
     paintRecess(canvas, layout::rect(eject));
     paintRecess(canvas, frame(shuffle) | frame(repeatAll));
     paintRecess(canvas, frame(equalizer) | frame(playlist));

@@ -1,6 +1,6 @@
 #include "Font.h"
-#include "Places.h"
 #include "Sheet.h"
+#include "SkinKit/Layout/MainWindowLayout.h"
 #include "Surface.h"
 
 #include <string_view>
@@ -39,29 +39,19 @@ void paintSymbolKey(Canvas canvas, const QRect &area, Stencil symbol, Key state)
 }
 
 Sheet transportSheet(const QImage &window) {
-    struct Row {
-        const char *sprite;
-        int x;
-        int width; ///< of the cap; one sprite is wider than its place
-        Stencil symbol;
-    };
+    constexpr Stencil symbols[] = {previousGlyph, playGlyph, pauseGlyph, stopGlyph, nextGlyph, ejectGlyph};
     Sheet sheet("CBUTTONS");
-    for (const Row &row :
-         {Row{"MAIN_PREVIOUS_BUTTON", 0, 23, previousGlyph}, Row{"MAIN_PLAY_BUTTON", 23, 23, playGlyph},
-          Row{"MAIN_PAUSE_BUTTON", 46, 23, pauseGlyph}, Row{"MAIN_STOP_BUTTON", 69, 23, stopGlyph},
-          Row{"MAIN_NEXT_BUTTON", 92, 22, nextGlyph}}) {
-        const QPoint at = places::transport + QPoint(row.x, 0);
-        const QRect area(0, 0, row.width, 18);
-        const QString name = QString::fromLatin1(row.sprite);
-        paintSymbolKey(sheet.sprite(row.sprite, window, at), area, row.symbol, Key::up);
-        Canvas down = sheet.sprite(name + QStringLiteral("_ACTIVE"));
-        down.copy(window, at);
-        paintSymbolKey(down, area, row.symbol, Key::down);
+    std::size_t i = 0;
+    for (const auto button : MainWindowLayout::transports) {
+        const QRect place = MainWindowLayout::rect(button);
+        for (const bool pressed : {false, true}) {
+            // The cap is as large as its place; one sprite is a column wider.
+            Canvas canvas = sheet.sprite(MainWindowLayout::spriteName(button, pressed));
+            canvas.copy(window, place.topLeft());
+            paintSymbolKey(canvas, {QPoint(0, 0), place.size()}, symbols[i], pressed ? Key::down : Key::up);
+        }
+        ++i;
     }
-    const QRect area(0, 0, 22, 16);
-    paintSymbolKey(sheet.sprite("MAIN_EJECT_BUTTON", window, places::eject), area, ejectGlyph, Key::up);
-    paintSymbolKey(sheet.sprite("MAIN_EJECT_BUTTON_ACTIVE", window, places::eject), area, ejectGlyph,
-                   Key::down);
     return sheet;
 }
 
@@ -95,10 +85,10 @@ Sheet channelSheet(const QImage &window) {
         bool on;
     };
     Sheet sheet("MONOSTER");
-    for (const Row &row : {Row{"MAIN_MONO", "MONO", places::mono, false},
-                           Row{"MAIN_MONO_SELECTED", "MONO", places::mono, true},
-                           Row{"MAIN_STEREO", "STEREO", places::stereo, false},
-                           Row{"MAIN_STEREO_SELECTED", "STEREO", places::stereo, true}}) {
+    for (const Row &row : {Row{"MAIN_MONO", "MONO", MainWindowLayout::mono, false},
+                           Row{"MAIN_MONO_SELECTED", "MONO", MainWindowLayout::mono, true},
+                           Row{"MAIN_STEREO", "STEREO", MainWindowLayout::stereo, false},
+                           Row{"MAIN_STEREO_SELECTED", "STEREO", MainWindowLayout::stereo, true}}) {
         Canvas canvas = sheet.sprite(row.sprite, window, row.at);
         const int x = (canvas.width() - font::smallWidth(row.label)) / 2;
         font::drawSmall(canvas, x, 2, row.label, row.on ? flame : mix(glass, printDim, 0.42));

@@ -1,6 +1,7 @@
+#include "EqualizerPlaces.h"
 #include "Font.h"
-#include "Places.h"
 #include "Sheet.h"
+#include "SkinKit/Layout/MainSliders.h"
 #include "Surface.h"
 
 #include <string_view>
@@ -71,9 +72,9 @@ void paintLabels(Canvas &canvas) {
         x += places::bandSpacing;
     }
     centred(places::preamp.x() + slitColumn, 105, "PREAMP");
-    font::drawSmall(canvas, 47, 40, "+12 DB", print);
-    font::drawSmall(canvas, 47, 66, "0 DB", print);
-    font::drawSmall(canvas, 47, 94, "-12 DB", print);
+    font::drawSmall(canvas, 47, 40, "+12 dB", print);
+    font::drawSmall(canvas, 47, 66, "0 dB", print);
+    font::drawSmall(canvas, 47, 94, "-12 dB", print);
 }
 
 void paintTitleBar(Canvas canvas, bool focused) {
@@ -84,8 +85,8 @@ void paintTitleBar(Canvas canvas, bool focused) {
     paintGrille(canvas, {.from = 8, .to = x - 8, .fadeRight = true}, focused);
     paintGrille(canvas, {.from = x + titleWidth(text) + 6, .to = 248, .fadeLeft = true}, focused);
     paintTitle(canvas, x, text, focused);
-    paintTitleKey(canvas, places::shadeX, places::titleKeyRow, glyphs::shade, Key::up, focused);
-    paintTitleKey(canvas, places::closeX, places::titleKeyRow, glyphs::close, Key::up, focused);
+    paintTitleKey(canvas, places::shadeKey, glyphs::shade, Key::up, focused);
+    paintTitleKey(canvas, places::closeKey, glyphs::close, Key::up, focused);
 }
 
 void paintShade(Canvas canvas, bool focused) {
@@ -94,10 +95,10 @@ void paintShade(Canvas canvas, bool focused) {
     paintLamp(canvas, {6, 5, 3, 4}, focused);
     font::draw(canvas, 12, 5, "EQUALIZER", ink);
     font::draw(canvas, 12, 4, "EQUALIZER", focused ? glyph : printDim);
-    paintRecess(canvas, {places::shadeVolume.x(), 6, places::shadeVolume.width(), 3});
-    paintRecess(canvas, {places::shadeBalance.x(), 6, places::shadeBalance.width(), 3});
-    paintTitleKey(canvas, places::shadeX, places::titleKeyRow, glyphs::unshade, Key::up, focused);
-    paintTitleKey(canvas, places::closeX, places::titleKeyRow, glyphs::close, Key::up, focused);
+    for (const auto &slider : {MainSliders::Slider::eqShadeVolume, MainSliders::Slider::eqShadeBalance})
+        paintRecess(canvas, slider.rect().adjusted(0, 2, 0, -1));
+    paintTitleKey(canvas, places::shadeKey, glyphs::unshade, Key::up, focused);
+    paintTitleKey(canvas, places::closeKey, glyphs::close, Key::up, focused);
 }
 
 void paintGraph(Sheet &sheet) {
@@ -132,8 +133,8 @@ void paintButtons(Sheet &sheet) {
     paintTextKey(sheet.sprite("EQ_PRESETS_BUTTON_SELECTED"), "PRESETS", {}, Key::down);
     Canvas close = sheet.sprite("EQ_CLOSE_BUTTON");
     Canvas closeDown = sheet.sprite("EQ_CLOSE_BUTTON_ACTIVE");
-    paintTitleKey(close, 0, 0, glyphs::close, Key::up);
-    paintTitleKey(closeDown, 0, 0, glyphs::close, Key::down);
+    paintTitleKey(close, {0, 0}, glyphs::close, Key::up);
+    paintTitleKey(closeDown, {0, 0}, glyphs::close, Key::down);
 }
 
 Canvas bandFrame(Canvas grid, int frame) {
@@ -185,17 +186,17 @@ Sheet extraSheet() {
                            Row{"EQ_SHADE_CLOSE_BUTTON", glyphs::close, Key::up},
                            Row{"EQ_SHADE_CLOSE_BUTTON_ACTIVE", glyphs::close, Key::down}}) {
         Canvas canvas = sheet.sprite(row.sprite);
-        paintTitleKey(canvas, 0, 0, row.glyph, row.state);
+        paintTitleKey(canvas, {0, 0}, row.glyph, row.state);
     }
     return sheet;
 }
 
 /// The window without its sliders.
 QImage bareWindow() {
-    QImage image(places::windowWidth, places::windowHeight, QImage::Format_RGB32);
+    QImage image(places::equalizer, QImage::Format_RGB32);
     Canvas canvas(image);
     paintWindow(canvas);
-    canvas.row(2, titleHeight, places::windowWidth - 4, mix(bodyTop, light, 0.5));
+    canvas.row(2, titleHeight, canvas.width() - 4, mix(bodyTop, light, 0.5));
     paintWell(canvas, places::graph);
     paintRecess(canvas, {places::equalizerOn, QSize(58, 12)});
     paintRecess(canvas, {places::presets, QSize(44, 12)});

@@ -7,7 +7,7 @@
 /// The two faces of the skin, both with capitals of five rows.
 namespace vantor::art::font {
 
-/// The marquee's face: cells of 5 × 6 pixels, glyphs at most 4 wide but for a few symbols, row 6 for tails.
+/// The marquee's face: cells of 5 × 6 pixels, glyphs 4 wide but for M, V and W, the last row for tails.
 /// Capitals only; a null stencil for what the face lacks.
 [[nodiscard]] Stencil cell(char32_t character);
 

@@ -62,7 +62,7 @@ Sheet generalSheet() {
         paintTop(piece("GEN_TOP_LEFT_RIGHT_FILL"), focused, middle, true);
         Canvas right = piece("GEN_TOP_RIGHT");
         paintTop(right, focused, {.left = false, .bottom = false}, false);
-        paintTitleKey(right, 14, 3, glyphs::close, Key::up, focused);
+        paintTitleKey(right, {14, 3}, glyphs::close, Key::up, focused);
     }
     paintSide(sheet.sprite("GEN_MIDDLE_LEFT"), true, false);
     paintSide(sheet.sprite("GEN_MIDDLE_LEFT_BOTTOM"), true, true);
@@ -72,7 +72,7 @@ Sheet generalSheet() {
     paintBottom(sheet.sprite("GEN_BOTTOM_FILL"), {.left = false, .top = false, .right = false});
     paintBottom(sheet.sprite("GEN_BOTTOM_RIGHT"), {.left = false, .top = false});
     Canvas close = sheet.sprite("GEN_CLOSE_SELECTED");
-    paintTitleKey(close, 0, 0, glyphs::close, Key::down);
+    paintTitleKey(close, {0, 0}, glyphs::close, Key::down);
     return sheet;
 }
 

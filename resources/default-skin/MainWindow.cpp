@@ -1,7 +1,8 @@
 #include "Digits.h"
 #include "Font.h"
-#include "Places.h"
 #include "Sheet.h"
+#include "SkinKit/Layout/MainSliders.h"
+#include "SkinKit/Layout/MainWindowLayout.h"
 #include "Surface.h"
 
 namespace vantor::art {
@@ -9,16 +10,17 @@ namespace vantor::art {
 namespace {
 
 using namespace palette;
+namespace layout = MainWindowLayout;
 
 void paintClockDisplay(Canvas &canvas) {
     paintWell(canvas, {21, 23, 82, 42});
-    for (const int x : places::digitX)
-        digits::draw(canvas.part({x, places::digitRow, digits::cellWidth, digits::cellHeight}), digits::dark);
+    for (const int x : layout::digitXs)
+        digits::draw(canvas.part({x, layout::digitY, digits::cellWidth, digits::cellHeight}), digits::dark);
     // Minutes and seconds are parted by two beads that stay as they are, dim enough for a blank clock.
-    for (const int y : {places::digitRow + 2, places::digitRow + 7})
+    for (const int y : {layout::digitY + 2, layout::digitY + 7})
         canvas.stencil(72, y, "##/##", mix(glass, amber, 0.5));
     // A scale under the spectrum, long marks at both ends and in the middle.
-    const QRect area = places::visualizer;
+    const QRect area = layout::visualizer;
     for (int i = 0; i <= 75; i += 5) {
         const bool major = i % 25 == 0;
         canvas.column(area.left() + i, area.bottom() + 2, major ? 3 : 1,
@@ -27,12 +29,26 @@ void paintClockDisplay(Canvas &canvas) {
 }
 
 void paintInformation(Canvas &canvas) {
-    paintWell(canvas, {109, 24, 158, 12});
-    paintWell(canvas, {109, 41, 19, 9});
-    font::drawSmall(canvas, 132, 43, "kbps", print);
-    paintWell(canvas, {154, 41, 14, 9});
-    font::drawSmall(canvas, 172, 43, "kHz", print);
-    paintWell(canvas, {213, 41, 54, 9});
+    paintWell(canvas, layout::marquee.adjusted(-2, -3, 2, 3));
+    paintWell(canvas, QRect(layout::kbps, QSize(15, 6)).adjusted(-2, -2, 2, 1));
+    font::drawSmall(canvas, layout::kbps.x() + 21, layout::kbps.y(), "kbps", print);
+    paintWell(canvas, QRect(layout::khz, QSize(10, 6)).adjusted(-2, -2, 2, 1));
+    font::drawSmall(canvas, layout::khz.x() + 16, layout::khz.y(), "kHz", print);
+    paintWell(canvas, {layout::mono + QPoint(1, 0), QSize(54, 9)});
+}
+
+/// The keys of a group stand side by side in one recess.
+void paintRecesses(Canvas &canvas) {
+    using MainSliders::frame;
+    using enum MainSliders::Toggle;
+    using enum layout::Transport;
+    paintRecess(canvas, MainSliders::Slider::position.rect().adjusted(0, 2, 0, -2));
+    // One column more than the keys need: the last sprite has it, and its sheet gives that column to the next
+    // key.
+    paintRecess(canvas, (layout::rect(previous) | layout::rect(next)).adjusted(0, 0, 1, 0));
+    paintRecess(canvas, layout::rect(eject));
+    paintRecess(canvas, frame(shuffle) | frame(repeatAll));
+    paintRecess(canvas, frame(equalizer) | frame(playlist));
 }
 
 /// The mark of the house: the bars of a spectrum hang down and leave a V.
@@ -52,17 +68,13 @@ void paintMark(Canvas &canvas) {
 } // namespace
 
 QImage mainWindow() {
-    QImage image(places::windowWidth, places::windowHeight, QImage::Format_RGB32);
+    QImage image(layout::size, QImage::Format_RGB32);
     Canvas canvas(image);
     paintWindow(canvas);
-    canvas.row(2, titleHeight, places::windowWidth - 4, mix(bodyTop, light, 0.5));
+    canvas.row(2, titleHeight, canvas.width() - 4, mix(bodyTop, light, 0.5));
     paintClockDisplay(canvas);
     paintInformation(canvas);
-    paintRecess(canvas, places::position.adjusted(0, 2, 0, -2));
-    paintRecess(canvas, {16, 88, 114, 18});
-    paintRecess(canvas, {136, 89, 22, 16});
-    paintRecess(canvas, {164, 89, 74, 15});
-    paintRecess(canvas, {219, 58, 46, 12});
+    paintRecesses(canvas);
     paintMark(canvas);
     return image;
 }

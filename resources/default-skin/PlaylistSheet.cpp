@@ -36,8 +36,8 @@ void paintTopPieces(Sheet &sheet, bool focused) {
     paintTitle(title, (title.width() - titleWidth("PLAYLIST")) / 2 - 1, "PLAYLIST", focused);
     Canvas right = sheet.sprite(QStringLiteral("PLAYLIST_TOP_RIGHT_CORNER") + ending);
     paintTop(right, focused, {.left = false, .bottom = false});
-    paintTitleKey(right, 4, 3, glyphs::shade, Key::up, focused);
-    paintTitleKey(right, 14, 3, glyphs::close, Key::up, focused);
+    paintTitleKey(right, {4, 3}, glyphs::shade, Key::up, focused);
+    paintTitleKey(right, {14, 3}, glyphs::close, Key::up, focused);
 }
 
 void paintSides(Sheet &sheet) {
@@ -180,8 +180,8 @@ void paintShade(Sheet &sheet) {
         paintBar(right, true);
         paintFrame(right, {.left = false});
         paintLamp(right, {22, 5, 3, 4}, focused);
-        paintTitleKey(right, 29, 3, glyphs::unshade, Key::up, focused);
-        paintTitleKey(right, 39, 3, glyphs::close, Key::up, focused);
+        paintTitleKey(right, {29, 3}, glyphs::unshade, Key::up, focused);
+        paintTitleKey(right, {39, 3}, glyphs::close, Key::up, focused);
     }
     // The texts of the one-line form stand on glass that runs through all pieces.
     const auto paintGlass = [](Canvas canvas, int from, int to) {
@@ -218,7 +218,7 @@ Sheet playlistSheet() {
          {Row{"PLAYLIST_CLOSE_SELECTED", glyphs::close}, Row{"PLAYLIST_COLLAPSE_SELECTED", glyphs::shade},
           Row{"PLAYLIST_EXPAND_SELECTED", glyphs::unshade}}) {
         Canvas key = sheet.sprite(row.sprite);
-        paintTitleKey(key, 0, 0, row.glyph, Key::down);
+        paintTitleKey(key, {0, 0}, row.glyph, Key::down);
     }
     return sheet;
 }

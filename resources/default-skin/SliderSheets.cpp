@@ -1,5 +1,5 @@
-#include "Places.h"
 #include "Sheet.h"
+#include "SkinKit/Layout/MainSliders.h"
 #include "Surface.h"
 
 #include <cmath>
@@ -10,9 +10,8 @@ namespace {
 
 using namespace palette;
 
-constexpr int frames = 28;
-constexpr int framePitch = 15;
-constexpr int frameRows = 13;
+using MainSliders::frameCount;
+using MainSliders::Slider;
 
 /// A slit of light, three rows high, between two columns of a dark slot.
 void paintLight(Canvas &canvas, int from, int to, int row, double heat) {
@@ -38,17 +37,17 @@ void paintThumb(Canvas canvas, bool held) {
 }
 
 Canvas frameOf(Canvas strip, int frame, const QImage &window, QPoint at) {
-    Canvas canvas = strip.part({0, frame * framePitch, strip.width(), framePitch});
+    Canvas canvas = strip.part(MainSliders::frameRect(strip.bounds(), frame));
     canvas.copy(window, at);
-    return canvas.part({0, 0, strip.width(), frameRows});
+    return canvas;
 }
 
 Sheet volumeSheet(const QImage &window) {
     Sheet sheet("VOLUME");
-    for (int i = 0; i < frames; ++i) {
-        Canvas canvas = frameOf(sheet.sprite("MAIN_VOLUME_BACKGROUND"), i, window, places::volume);
+    for (int i = 0; i < frameCount; ++i) {
+        Canvas canvas = frameOf(sheet.sprite("MAIN_VOLUME_BACKGROUND"), i, window, Slider::volume.origin);
         paintRecess(canvas, {3, 5, canvas.width() - 6, 3});
-        const double level = i / (frames - 1.0);
+        const double level = i / (frameCount - 1.0);
         const int last = 4 + static_cast<int>(std::lround(level * (canvas.width() - 9)));
         if (i > 0)
             paintLight(canvas, 4, last, 6, 0.35 + 0.65 * level);
@@ -61,10 +60,10 @@ Sheet volumeSheet(const QImage &window) {
 /// One strip serves both sides, so the light grows from the middle to both ends.
 Sheet balanceSheet(const QImage &window) {
     Sheet sheet("BALANCE");
-    for (int i = 0; i < frames; ++i) {
-        Canvas canvas = frameOf(sheet.sprite("MAIN_BALANCE_BACKGROUND"), i, window, places::balance);
+    for (int i = 0; i < frameCount; ++i) {
+        Canvas canvas = frameOf(sheet.sprite("MAIN_BALANCE_BACKGROUND"), i, window, Slider::balance.origin);
         paintRecess(canvas, {3, 5, canvas.width() - 6, 3});
-        const double offset = i / (frames - 1.0);
+        const double offset = i / (frameCount - 1.0);
         const int middle = canvas.width() / 2;
         const int reach = static_cast<int>(std::lround(offset * (middle - 5)));
         paintLight(canvas, middle - 1 - reach, middle + reach, 6, 0.35 + 0.65 * offset);
@@ -78,7 +77,7 @@ Sheet balanceSheet(const QImage &window) {
 
 Sheet positionSheet(const QImage &window) {
     Sheet sheet("POSBAR");
-    Canvas back = sheet.sprite("MAIN_POSITION_SLIDER_BACKGROUND", window, places::position.topLeft());
+    Canvas back = sheet.sprite("MAIN_POSITION_SLIDER_BACKGROUND", window, Slider::position.origin);
     for (int i = 0; i <= 20; ++i) {
         const int x = 14 + i * 11;
         back.column(x, 4, 2, mix(ink, amber, i % 5 == 0 ? 0.6 : 0.28));

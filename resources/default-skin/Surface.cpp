@@ -203,12 +203,12 @@ void paintTextKey(Canvas canvas, std::string_view first, std::string_view second
     }
 }
 
-void paintTitleKey(Canvas &canvas, int x, int y, Stencil symbol, Key state, bool focused) {
-    paintKey(canvas, {x, y, 9, 9}, state);
+void paintTitleKey(Canvas &canvas, QPoint at, Stencil symbol, Key state, bool focused) {
+    paintKey(canvas, {at, QSize(9, 9)}, state);
     if (state == Key::down)
-        canvas.glowing(x + 2, y + 2, symbol, flame, 0.15);
+        canvas.glowing(at.x() + 2, at.y() + 2, symbol, flame, 0.15);
     else
-        canvas.stencil(x + 2, y + 2, symbol, focused ? glyph : print);
+        canvas.stencil(at.x() + 2, at.y() + 2, symbol, focused ? glyph : print);
 }
 
 } // namespace vantor::art

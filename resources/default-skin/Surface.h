@@ -62,11 +62,11 @@ void paintToggle(Canvas canvas, const Toggle &toggle);
 /// A key that fills the canvas with one or two lines of small type; the second line may be empty.
 void paintTextKey(Canvas canvas, std::string_view first, std::string_view second, Key state);
 /// The 9 × 9 keys of title bars.
-void paintTitleKey(Canvas &canvas, int x, int y, Stencil symbol, Key state, bool focused = true);
+void paintTitleKey(Canvas &canvas, QPoint at, Stencil symbol, Key state, bool focused = true);
 
 namespace glyphs {
 inline constexpr Stencil menu = "#####//#####//#####";
-inline constexpr Stencil minimize = "////#####";
+inline constexpr Stencil minimize = "///#####/#####";
 inline constexpr Stencil shade = "#####/#####";
 inline constexpr Stencil unshade = "#####/#####/#...#/#...#/#####";
 inline constexpr Stencil close = "#...#/.#.#./..#../.#.#./#...#";

@@ -1,6 +1,7 @@
 #include "Font.h"
-#include "Places.h"
 #include "Sheet.h"
+#include "SkinKit/Layout/MainShadeLayout.h"
+#include "SkinKit/Layout/MainSliders.h"
 #include "Surface.h"
 
 #include <string_view>
@@ -10,13 +11,18 @@ namespace vantor::art {
 namespace {
 
 using namespace palette;
-using places::titleKeyRow;
+namespace layout = MainWindowLayout;
+using MainSliders::Slider;
 
 void paintKeys(Canvas &canvas, bool focused, Stencil shadeGlyph) {
-    paintTitleKey(canvas, places::optionsX, titleKeyRow, glyphs::menu, Key::up, focused);
-    paintTitleKey(canvas, places::minimizeX, titleKeyRow, glyphs::minimize, Key::up, focused);
-    paintTitleKey(canvas, places::shadeX, titleKeyRow, shadeGlyph, Key::up, focused);
-    paintTitleKey(canvas, places::closeX, titleKeyRow, glyphs::close, Key::up, focused);
+    using enum layout::TitleButton;
+    const auto key = [&](layout::TitleButton button, Stencil symbol) {
+        paintTitleKey(canvas, layout::rect(button).topLeft(), symbol, Key::up, focused);
+    };
+    key(options, glyphs::menu);
+    key(minimize, glyphs::minimize);
+    key(shade, shadeGlyph);
+    key(close, glyphs::close);
 }
 
 void paintMainTitle(Canvas canvas, std::string_view text, bool focused) {
@@ -35,10 +41,11 @@ void paintShadeTransport(Canvas &canvas, bool focused) {
                                    "##.##/##.##/##.##/##.##/##.##", "####/####/####/####",
                                    "#..#/##.#/####/##.#/#..#",      ".##./####/..../####"};
     std::size_t i = 0;
-    for (const places::ShadeKey &key : places::shadeTransport) {
+    for (const auto button : layout::transports) {
+        const QRect place = MainShadeLayout::frame(button);
         const QSize size = stencilSize(symbols[i]);
-        const int x = key.x + (key.width - size.width() + 1) / 2;
-        const int y = 7 - size.height() / 2;
+        const int x = place.x() + (place.width() - size.width() + 1) / 2;
+        const int y = place.center().y() + 1 - size.height() / 2;
         canvas.stencil(x, y + 1, symbols[i], ink);
         canvas.stencil(x, y, symbols[i], focused ? glyph : printDim);
         ++i;
@@ -49,8 +56,13 @@ void paintShade(Canvas canvas, bool focused) {
     paintBar(canvas, focused);
     paintFrame(canvas, {});
     paintTitle(canvas, 22, "VANTOR", focused);
-    paintWell(canvas, {77, 3, 81, 8});
-    paintRecess(canvas, places::shadePosition.adjusted(0, 1, 0, -1));
+    // One display for the spectrum and the time; the renderer leaves out the colon.
+    const QRect display = MainShadeLayout::visualizerFrame | MainShadeLayout::miniTimeHitArea;
+    paintWell(canvas, display.adjusted(-2, -1, 2, 1));
+    const int colon = display.right() + 1 - MainShadeLayout::miniTimeImageWidth + 18;
+    for (const int y : {display.top() + 1, display.top() + 3})
+        canvas.set(colon, y, mix(glass, amber, 0.6));
+    paintRecess(canvas, Slider::shadePosition.rect().adjusted(0, 1, 0, -1));
     paintShadeTransport(canvas, focused);
     paintKeys(canvas, focused, glyphs::unshade);
 }
@@ -58,9 +70,10 @@ void paintShade(Canvas canvas, bool focused) {
 void paintShadePosition(Sheet &sheet) {
     Canvas back = sheet.sprite("MAIN_SHADE_POSITION_BACKGROUND");
     Canvas bar = sheet.sprite("MAIN_SHADE_BACKGROUND_SELECTED");
+    const QPoint origin = Slider::shadePosition.origin;
     for (int y = 0; y < back.height(); ++y)
         for (int x = 0; x < back.width(); ++x)
-            back.set(x, y, bar.at(places::shadePosition.x() + x, places::shadePosition.y() + y));
+            back.set(x, y, bar.at(origin.x() + x, origin.y() + y));
     for (const char *name :
          {"MAIN_SHADE_POSITION_THUMB", "MAIN_SHADE_POSITION_THUMB_LEFT", "MAIN_SHADE_POSITION_THUMB_RIGHT"}) {
         Canvas thumb = sheet.sprite(name);
@@ -86,32 +99,43 @@ void paintTitleKeys(Sheet &sheet) {
                            Row{"MAIN_CLOSE_BUTTON", glyphs::close, Key::up},
                            Row{"MAIN_CLOSE_BUTTON_DEPRESSED", glyphs::close, Key::down}}) {
         Canvas canvas = sheet.sprite(row.sprite);
-        paintTitleKey(canvas, 0, 0, row.glyph, row.state);
+        paintTitleKey(canvas, {0, 0}, row.glyph, row.state);
     }
 }
 
-struct ClutterLetter {
-    const char *sprite;
-    Stencil letter;
-    int row; ///< of the letter's cell in the bar
-};
-constexpr ClutterLetter clutterLetters[] = {
-    {"MAIN_CLUTTER_BAR_BUTTON_O_SELECTED", ".##./#..#/#..#/#..#/.##.", 3},
-    {"MAIN_CLUTTER_BAR_BUTTON_A_SELECTED", ".##./#..#/####/#..#/#..#", 11},
-    {"MAIN_CLUTTER_BAR_BUTTON_I_SELECTED", "###/.#./.#./.#./###", 18},
-    {"MAIN_CLUTTER_BAR_BUTTON_D_SELECTED", "###./#..#/#..#/#..#/###.", 25},
-    {"MAIN_CLUTTER_BAR_BUTTON_V_SELECTED", "#...#/#...#/.#.#./.#.#./..#..", 33},
-};
+// In the order of the bar's buttons.
+constexpr Stencil clutterLetters[] = {".##./#..#/#..#/#..#/.##.", ".##./#..#/####/#..#/#..#",
+                                      "###/.#./.#./.#./###", "###./#..#/#..#/#..#/###.",
+                                      "#...#/#...#/.#.#./.#.#./..#.."};
 
-int letterX(const ClutterLetter &letter) {
-    return (8 - stencilSize(letter.letter).width()) / 2;
+int letterX(Stencil letter) {
+    return (layout::clutterBar.width() - stencilSize(letter).width()) / 2;
 }
 
-void paintClutterBar(Canvas canvas, Color letters) {
-    canvas.fill(canvas.bounds().adjusted(0, 1, 0, -1), mix(bodyTop, shade, 0.55));
+void paintClutterBar(Canvas canvas, Color color) {
+    canvas.fill(canvas.bounds(), mix(bodyTop, shade, 0.55));
     canvas.edges(canvas.bounds(), shade, mix(bodyTop, light, 0.25));
-    for (const ClutterLetter &letter : clutterLetters)
-        canvas.stencil(letterX(letter), letter.row + 1, letter.letter, letters);
+    std::size_t i = 0;
+    for (const auto button : layout::clutterButtons) {
+        const Stencil letter = clutterLetters[i++];
+        const int row = layout::rect(button).y() - layout::clutterBar.y();
+        canvas.stencil(letterX(letter), row + 1, letter, color);
+    }
+}
+
+/// The lit letters are cut from the bar, each with its surroundings.
+void paintLitLetters(Sheet &sheet) {
+    Canvas bar = sheet.sprite("MAIN_CLUTTER_BAR_BACKGROUND");
+    std::size_t i = 0;
+    for (const auto button : layout::clutterButtons) {
+        const int row = layout::rect(button).y() - layout::clutterBar.y();
+        Canvas lit = sheet.sprite(layout::spriteName(button));
+        for (int y = 0; y < lit.height(); ++y)
+            for (int x = 0; x < lit.width(); ++x)
+                lit.set(x, y, bar.at(x, row + y));
+        const Stencil letter = clutterLetters[i++];
+        lit.glowing(letterX(letter), 1, letter, flame, 0.12);
+    }
 }
 
 } // namespace
@@ -129,17 +153,11 @@ Sheet titleBarSheet(const QImage &window) {
     }
     paintShadePosition(sheet);
     paintTitleKeys(sheet);
-    paintClutterBar(sheet.sprite("MAIN_CLUTTER_BAR_BACKGROUND", window, places::clutterBar), print);
-    paintClutterBar(sheet.sprite("MAIN_CLUTTER_BAR_BACKGROUND_DISABLED", window, places::clutterBar),
-                    mix(bodyTop, print, 0.25));
-    for (const ClutterLetter &letter : clutterLetters) {
-        Canvas bar = sheet.sprite("MAIN_CLUTTER_BAR_BACKGROUND");
-        Canvas lit = sheet.sprite(letter.sprite);
-        for (int y = 0; y < lit.height(); ++y)
-            for (int x = 0; x < lit.width(); ++x)
-                lit.set(x, y, bar.at(x, letter.row + y));
-        lit.glowing(letterX(letter), 1, letter.letter, flame, 0.12);
-    }
+    paintClutterBar(sheet.sprite("MAIN_CLUTTER_BAR_BACKGROUND", window, layout::clutterBar.topLeft()), print);
+    paintClutterBar(
+        sheet.sprite("MAIN_CLUTTER_BAR_BACKGROUND_DISABLED", window, layout::clutterBar.topLeft()),
+        mix(bodyTop, print, 0.25));
+    paintLitLetters(sheet);
     return sheet;
 }
 

@@ -11,7 +11,7 @@ inline constexpr int miniTimeImageWidth = 30;
 /// Inside the mini time: the sign, then the four digits; the colon belongs to the background.
 inline constexpr std::array<int, 5> miniTimeCellX{1, 7, 12, 20, 25};
 inline constexpr QRect miniTimeHitArea{127, 4, miniTimeImageWidth, 6};
-inline constexpr QRect visualizerFrame{79, 5, 76, 5};
+inline constexpr QRect visualizerFrame{79, 5, 76, 5}; ///< overlaps the mini time, which lies on top
 
 [[nodiscard]] QRect frame(MainWindowLayout::Transport button);
 

@@ -50,15 +50,19 @@ void drawMiniTime(const SkinCanvas &canvas, const Scene &scene) {
     }
 }
 
+// The right half of the frame belongs to the mini time, so the whole picture is drawn at half its width.
+constexpr QRect visualizerArea{
+    MainShadeLayout::visualizerFrame.topLeft(),
+    QSize{MainShadeLayout::visualizerFrame.width() / 2, MainShadeLayout::visualizerFrame.height()}};
+
 bool visualizerDiffers(const Scene &before, const Scene &after) {
     return before.visualizer != after.visualizer;
 }
 
 void drawVisualizer(const SkinCanvas &canvas, const Scene &scene) {
-    const QRect area = MainShadeLayout::visualizerFrame;
-    const QImage picture = visualizerImage(scene.visualizer, canvas.skin.visColors, area.size());
+    const QImage picture = visualizerImage(scene.visualizer, canvas.skin.visColors, visualizerArea.size());
     if (!picture.isNull())
-        canvas.painter.drawImage(area.topLeft(), picture);
+        canvas.painter.drawImage(visualizerArea.topLeft(), picture);
 }
 
 bool positionDiffers(const Scene &before, const Scene &after) {
@@ -128,7 +132,7 @@ std::span<const SceneElement> mainShadeElements() {
     static const std::array elements{
         SceneElement{QRect({0, 0}, MainWindowLayout::shadeSize), titleDiffers, drawTitle},
         SceneElement{MainShadeLayout::miniTimeHitArea, miniTimeDiffers, drawMiniTime},
-        SceneElement{MainShadeLayout::visualizerFrame, visualizerDiffers, drawVisualizer},
+        SceneElement{visualizerArea, visualizerDiffers, drawVisualizer},
         SceneElement{Slider::shadePosition.rect(), positionDiffers, drawPosition},
     };
     return elements;

@@ -52,7 +52,7 @@ struct MainWindowScene {
     QString marquee;
     int marqueeOffset = 0; ///< pixels that the text has moved to the left; only used when it scrolls
 
-    VisualizerPicture visualizer;
+    VisualizerPicture visualizer; ///< always in full size; the shade form reduces it
 
     bool operator==(const MainWindowScene &) const = default;
 };

@@ -8,7 +8,9 @@ namespace vantor {
 
 namespace {
 
+constexpr int fullColumns = 76;
 constexpr int fullRows = 16;
+constexpr int barColumns = 4; // the last of them is the gap to the next bar
 constexpr std::size_t dotColor = 1;
 constexpr std::size_t topBarColor = 2; // the bars' 16 colours, downwards
 constexpr std::size_t middleScopeColor = 18;
@@ -46,18 +48,19 @@ void plotDots(Plot &plot) {
     }
 }
 
-/// The columns come in fours, of which the last is the gap to the next bar.
-constexpr bool isGap(int column) {
-    return column % 4 == 3;
+/// How many of the picture's columns one column of the plot stands for.
+int columnStep(const Plot &plot) {
+    return fullColumns / plot.columns();
 }
 
 void plotBars(Plot &plot, const VisualizerBars &bars) {
     const int rows = plot.rows();
-    const int columns = std::min(plot.columns(), static_cast<int>(bars.heights.size()));
-    for (int x = 0; x < columns; ++x) {
-        if (isGap(x))
+    const int step = columnStep(plot);
+    for (int x = 0; x < plot.columns(); ++x) {
+        const auto column = static_cast<std::size_t>(x * step);
+        const bool isGap = x * step % barColumns + step >= barColumns;
+        if (isGap || column >= bars.heights.size())
             continue;
-        const auto column = static_cast<std::size_t>(x);
         const int height = (std::clamp(bars.heights[column], 0, fullRows) * rows + fullRows / 2) / fullRows;
         for (int y = rows - height; y < rows; ++y)
             plot.set(x, y, topBarColor + static_cast<std::size_t>(y * (fullRows - 1) / (rows - 1)));
@@ -81,10 +84,10 @@ std::size_t scopeColor(int y, int rows) {
 
 void plotScope(Plot &plot, const VisualizerScope &scope) {
     const int rows = plot.rows();
-    const int columns = std::min(plot.columns(), static_cast<int>(scope.samples.size()));
+    const int step = columnStep(plot);
     int previous = scopeRow(scope.samples[0], rows);
-    for (int x = 0; x < columns; ++x) {
-        const int row = scopeRow(scope.samples[static_cast<std::size_t>(x)], rows);
+    for (int x = 0; x < plot.columns(); ++x) {
+        const int row = scopeRow(scope.samples.at(static_cast<std::size_t>(x * step)), rows);
         // Down or up to the row beside the neighbour's, so that the curve has no holes.
         const int joint = previous < row ? previous + 1 : previous > row ? previous - 1 : row;
         for (int y = std::min(row, joint); y <= std::max(row, joint); ++y)

@@ -7,8 +7,8 @@
 
 namespace vantor {
 
-/// The visualizer in the skin's colours, 76 columns wide: 16 rows over a field of dots, or any smaller number
-/// of rows, to which bars and curve are scaled down. A null image when the visualizer is off.
+/// The visualizer in the skin's colours: 76 × 16 over a field of dots, or 38 columns wide or with fewer rows,
+/// to which bars and curve are reduced. A null image when the visualizer is off.
 [[nodiscard]] QImage visualizerImage(const VisualizerPicture &picture, const VisColors &colors, QSize size);
 
 } // namespace vantor

@@ -245,6 +245,8 @@ TEST(MainWindowRendererTest, VisualizerUsesTheSkinsColours) {
     scene.shaded = true;
     EXPECT_EQ(at(79, 9), "vis 17");
     EXPECT_EQ(at(79, 5), "vis 23");
+    EXPECT_EQ(at(80, 9), "vis 0");
+    EXPECT_EQ(at(115, 9), "vis 17"); // the last bar, clear of the time
     scene.shaded = false;
     VisualizerScope scope;
     scope.samples = {1, -1};

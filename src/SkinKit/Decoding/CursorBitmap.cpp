@@ -55,9 +55,10 @@ bool applyOwnAlpha(QByteArrayView rows, QImage &image) {
         alphaSeen |= source[pixel * 4 + 3];
     if (alphaSeen == 0)
         return false;
+    const int width = image.width();
     for (int y = image.height() - 1; y >= 0; --y) {
         uchar *line = image.scanLine(y);
-        for (int x = 0; x < image.width(); ++x, source += 4)
+        for (int x = 0; x < width; ++x, source += 4)
             line[x * 4 + 3] = source[3];
     }
     return true;

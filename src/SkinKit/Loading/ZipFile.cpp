@@ -1,5 +1,6 @@
 #include "SkinKit/Loading/SkinError.h"
 #include "SkinKit/Loading/SkinFileGatherer_p.h"
+#include "SkinKit/Loading/ZipEntryReader_p.h"
 #include "SkinKit/Loading/ZipFile_p.h"
 
 #include <QFile>
@@ -56,16 +57,6 @@ bool isRegularFile(zip_t *archive, zip_uint64_t index, const QString &path) {
     return (attributes & dosDirectory) == 0;
 }
 
-// libzip cannot be told to leave the checksum out, but it compares checksum and size only after it has
-// delivered every byte, so that the complaint can be passed over. A stream that broke off early also ends in
-// a wrong checksum; its length gives it away.
-bool isSoundButMislabelled(zip_file_t *file, const zip_stat_t &stat, zip_uint64_t delivered) {
-    const int code = zip_error_code_zip(zip_file_get_error(file));
-    const bool stored = stat.comp_method == ZIP_CM_STORE;
-    return code == ZIP_ER_INCONS ||
-           (code == ZIP_ER_CRC && delivered == (stored ? stat.comp_size : stat.size));
-}
-
 } // namespace
 
 void ZipFile::Discard::operator()(zip *archive) const {
@@ -86,38 +77,28 @@ ZipFile ZipFile::view(const QByteArray &data) {
 }
 
 void ZipFile::gather(SkinFileGatherer &gatherer) const {
+    ZipEntryReader reader;
     const zip_int64_t count = zip_get_num_entries(m_archive.get(), 0);
     for (zip_int64_t index = 0; index < count && !gatherer.isFull(); ++index)
-        gatherEntry(static_cast<zip_uint64_t>(index), gatherer);
+        gatherEntry(static_cast<zip_uint64_t>(index), reader, gatherer);
 }
 
-void ZipFile::gatherEntry(std::uint64_t index, SkinFileGatherer &gatherer) const {
-    zip_t *archive = m_archive.get();
+void ZipFile::gatherEntry(std::uint64_t index, ZipEntryReader &reader, SkinFileGatherer &gatherer) const {
     zip_stat_t stat;
-    if (zip_stat_index(archive, index, 0, &stat) != 0 || !(stat.valid & ZIP_STAT_NAME))
+    if (zip_stat_index(m_archive.get(), index, 0, &stat) != 0 || !(stat.valid & ZIP_STAT_NAME))
         return;
     const QString path = QString::fromUtf8(stat.name);
-    if (!isRegularFile(archive, index, path))
+    if (!isRegularFile(m_archive.get(), index, path))
         return;
-    // The two methods that packers of skins use; others can demand gigabytes for a dictionary.
-    if (stat.comp_method != ZIP_CM_STORE && stat.comp_method != ZIP_CM_DEFLATE)
+    // The two methods that packers of skins use.
+    const bool deflated = stat.comp_method == ZIP_CM_DEFLATE;
+    if (!deflated && stat.comp_method != ZIP_CM_STORE)
         return;
     const auto declared = static_cast<std::int64_t>(std::min<zip_uint64_t>(stat.size, INT64_MAX));
     const QString key = gatherer.wantedKey(path, declared);
-    if (key.isEmpty())
+    if (key.isEmpty() || !reader.open(m_archive.get(), index, deflated))
         return;
-    const std::unique_ptr<zip_file_t, int (*)(zip_file_t *)> file(zip_fopen_index(archive, index, 0),
-                                                                  zip_fclose);
-    if (!file) // encrypted, or its header is broken
-        return;
-    zip_uint64_t delivered = 0;
-    gatherer.take(key, declared, [&](char *buffer, std::int64_t size) {
-        const zip_int64_t count = zip_fread(file.get(), buffer, static_cast<zip_uint64_t>(size));
-        if (count < 0 && isSoundButMislabelled(file.get(), stat, delivered))
-            return zip_int64_t{0};
-        delivered += static_cast<zip_uint64_t>(std::max<zip_int64_t>(count, 0));
-        return count;
-    });
+    gatherer.take(key, declared, [&](char *buffer, std::int64_t size) { return reader.read(buffer, size); });
 }
 
 } // namespace vantor

@@ -10,6 +10,7 @@ struct zip;
 namespace vantor {
 
 class SkinFileGatherer;
+class ZipEntryReader;
 
 /// A ZIP file opened for reading. Opening throws SkinError::unreadableArchive.
 class ZipFile {
@@ -28,7 +29,7 @@ class ZipFile {
 
     explicit ZipFile(zip *archive) : m_archive(archive) {}
 
-    void gatherEntry(std::uint64_t index, SkinFileGatherer &gatherer) const;
+    void gatherEntry(std::uint64_t index, ZipEntryReader &reader, SkinFileGatherer &gatherer) const;
 
     std::unique_ptr<zip, Discard> m_archive;
 };

@@ -30,7 +30,7 @@ class PlayerNode {
   public:
     static constexpr double fadeSeconds = 0.006;
     /// A segment starts to sound, and sounds again after running dry, with this much at hand.
-    static constexpr double prebufferSeconds = 0.12;
+    static constexpr double prebufferSeconds = 0.2;
     /// How much the ring holds: the sound that is decoded ahead, and as much of discarded sound before it.
     static constexpr double ringSeconds = 5;
 

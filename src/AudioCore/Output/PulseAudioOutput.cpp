@@ -11,7 +11,7 @@ namespace vantor {
 // A server on this machine answers in milliseconds; one that hangs must not hang the player.
 static constexpr pa_usec_t answerTimeout = 1 * PA_USEC_PER_SEC;
 // Short enough that pause, seek and volume feel immediate, long enough to outlast a busy moment.
-static constexpr pa_usec_t targetLatency = 60 * PA_USEC_PER_MSEC;
+static constexpr pa_usec_t targetLatency = 80 * PA_USEC_PER_MSEC;
 static constexpr int fallbackRate = 48000;
 static constexpr std::size_t frameBytes = 2 * sizeof(float);
 

@@ -35,6 +35,40 @@ bool pump(Condition condition, std::chrono::milliseconds atMost = std::chrono::s
     return condition();
 }
 
+// Of the sine that is played, at half of full level. No block of samples holds a whole number of its periods.
+constexpr double sineHertz = 997;
+constexpr double largestSineStep = 0.5 * 2 * std::numbers::pi * sineHertz / 48000 * 1.1;
+
+struct Measured {
+    double decibels = -99; ///< against the source
+    double hertz = 0;
+    double largestStep = 0;
+
+    [[nodiscard]] bool isRight() const {
+        return std::abs(decibels) < 0.1 && std::abs(hertz - sineHertz) < 1 && largestStep < largestSineStep;
+    }
+};
+
+Measured measure(const std::vector<float> &sound) {
+    Measured measured;
+    double squares = 0;
+    std::vector<double> crossings; // upwards, between samples
+    for (std::size_t i = 1; i < sound.size(); ++i) {
+        const double last = sound[i - 1];
+        const double next = sound[i];
+        squares += next * next;
+        measured.largestStep = std::max(measured.largestStep, std::abs(next - last));
+        if (last < 0 && next >= 0)
+            crossings.push_back(static_cast<double>(i) - next / (next - last));
+    }
+    if (crossings.size() < 2)
+        return measured;
+    measured.decibels = 10 * std::log10(squares / static_cast<double>(sound.size()) / (0.5 * 0.5 / 2));
+    measured.hertz =
+        48000.0 * static_cast<double>(crossings.size() - 1) / (crossings.back() - crossings.front());
+    return measured;
+}
+
 // Not QProcess, whose way to start a program the thread sanitizer does not survive.
 pid_t spawn(const std::vector<std::string> &words) {
     std::vector<char *> arguments;
@@ -89,23 +123,28 @@ class PulseAudioOutputTest : public testing::Test {
         ASSERT_TRUE(pump([&] { return m_recording.size() > 0; }));
         ASSERT_TRUE(m_recording.open(QIODevice::ReadOnly | QIODevice::Unbuffered));
     }
-    // The recording from the first sound on.
-    std::vector<float> sound(std::size_t samples) {
-        std::vector<float> recording;
+    // The next second of the recording, counted from the first sound.
+    std::vector<float> nextSecond() {
+        std::vector<float> second;
         pump([&] {
-            std::array<float, 4096> block{};
-            while (const qint64 size = m_recording.read(reinterpret_cast<char *>(block.data()), sizeof block))
-                recording.insert(recording.end(), block.begin(), block.begin() + size / 4);
-            if (recording.empty() || recording.front() == 0)
-                recording.erase(recording.begin(), std::find_if(recording.begin(), recording.end(),
-                                                                [](float sample) { return sample != 0; }));
-            return recording.size() >= samples;
+            std::array<float, 1000> block{};
+            while (second.size() < 48000) {
+                if (m_recording.bytesAvailable() < qint64{sizeof block})
+                    return false;
+                m_recording.read(reinterpret_cast<char *>(block.data()), sizeof block);
+                second.insert(second.end(), block.begin(), block.end());
+                if (m_isSilent)
+                    second.erase(second.begin(), std::find_if(second.begin(), second.end(),
+                                                              [](float sample) { return sample != 0; }));
+                m_isSilent = m_isSilent && second.empty();
+            }
+            return true;
         });
-        return recording;
+        return second;
     }
     Track sine() const {
         const QString path = m_folder.filePath(QStringLiteral("sine.flac"));
-        writeAudioFile(path, {.frequency = 1000, .seconds = 20});
+        writeAudioFile(path, {.frequency = sineHertz, .seconds = 20});
         Track track;
         track.id = QUuid::createUuid();
         track.source = QUrl::fromLocalFile(path);
@@ -114,6 +153,7 @@ class PulseAudioOutputTest : public testing::Test {
 
     QTemporaryDir m_folder;
     QFile m_recording{m_folder.filePath(QStringLiteral("recording"))};
+    bool m_isSilent = true;
     pid_t m_server = 0;
     pid_t m_recorder = 0;
 };
@@ -125,31 +165,16 @@ TEST_F(PulseAudioOutputTest, PlaysTheVerySoundPausesAndOutlivesItsServer) {
     Player player(std::make_unique<FileTrackResolver>(), makeSystemAudioOutput);
     player.enqueue({sine()});
     player.play();
-    const std::vector<float> recording = sound(48000);
-    ASSERT_GE(recording.size(), 48000U);
+    // A busy machine may starve a second of them of time; a fault of ours would spoil all three.
+    Measured measured;
+    for (int attempt = 0; attempt < 3 && !measured.isRight(); ++attempt)
+        measured = measure(nextSecond());
     EXPECT_EQ(player.outputName(), QStringLiteral("PulseAudio"));
-
-    double squares = 0;
-    double largestStep = 0;
-    std::vector<double> crossings; // upwards, between samples
-    for (std::size_t i = 1; i < recording.size(); ++i) {
-        const double last = recording[i - 1];
-        const double next = recording[i];
-        squares += next * next;
-        largestStep = std::max(largestStep, std::abs(next - last));
-        if (last < 0 && next >= 0)
-            crossings.push_back(static_cast<double>(i) - next / (next - last));
-    }
-    const double decibels =
-        10 * std::log10(squares / static_cast<double>(recording.size()) / (0.5 * 0.5 / 2));
-    EXPECT_NEAR(decibels, 0, 0.1);
-    ASSERT_GT(crossings.size(), 500U);
-    const double frequency =
-        48000.0 * static_cast<double>(crossings.size() - 1) / (crossings.back() - crossings.front());
-    EXPECT_NEAR(frequency, 1000, 1);
-    EXPECT_LT(largestStep, 0.5 * 2 * std::numbers::pi * 1000 / 48000 * 1.1) << "a gap or a click";
-    RecordProperty("decibels", std::to_string(decibels));
-    RecordProperty("hertz", std::to_string(frequency));
+    EXPECT_NEAR(measured.decibels, 0, 0.1);
+    EXPECT_NEAR(measured.hertz, sineHertz, 1);
+    EXPECT_LT(measured.largestStep, largestSineStep) << "a gap or a click";
+    RecordProperty("decibels", std::to_string(measured.decibels));
+    RecordProperty("hertz", std::to_string(measured.hertz));
 
     end(m_server);
     const double place = player.currentTime();

@@ -28,10 +28,10 @@ struct SkintoolOptions {
     };
 
     bool verbose = false;
-    std::optional<QString> png;
-    std::optional<State> state;
+    std::optional<QString> png = std::nullopt;
+    std::optional<State> state = std::nullopt;
     int scale = 1; ///< at least 1
-    std::optional<QString> compare;
+    std::optional<QString> compare = std::nullopt;
     bool noRegion = false;
     QString input;
 

@@ -56,7 +56,7 @@ class TestOutput final : public AudioOutput {
     const int m_sampleRate;
     Render m_render;
     std::function<void(const QString &)> m_onLost;
-    bool m_suspended = false;
+    bool m_suspended = true;
 };
 
 } // namespace vantor

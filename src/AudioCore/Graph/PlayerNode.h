@@ -62,6 +62,10 @@ class PlayerNode {
     [[nodiscard]] bool endSegment();
     /// Frames of the last begun segment that wait to be played.
     [[nodiscard]] std::int64_t framesAhead() const;
+    /// Whether the last begun segment could sound now.
+    [[nodiscard]] bool hasEnoughToStart() const {
+        return framesAhead() >= static_cast<std::int64_t>(m_prebufferFrames);
+    }
 
     // Audio thread: no allocation, lock or system call.
     /// Fills the frames with sound, or with silence where there is none.

@@ -14,13 +14,14 @@ class AudioOutput {
 
     virtual ~AudioOutput() = default;
 
-    /// Begins to call `render`. `onLost` is called once, on the main thread, if the output breaks later; the
-    /// output is then stopped. Throws AudioCoreError::engineStart.
+    /// Gets ready to call `render`, suspended at first. `onLost` is called once, on the main thread, if the
+    /// output breaks later; the output is then stopped. Throws AudioCoreError::engineStart.
     virtual void start(Render render, std::function<void(const QString &reason)> onLost) = 0;
     /// After it returns `render` is not called any more. Harmless when not started.
     virtual void stop() = 0;
-    /// While nothing plays for long: no more calls of `render`, so that the machine can rest, until it is
-    /// taken back. What was rendered before the rest and not yet heard may be dropped.
+    /// While suspended `render` is not needed, so that the machine can rest, and what it gives may be
+    /// dropped, like what was rendered before and not yet heard. Taken back, what is rendered from then on is
+    /// heard at once.
     virtual void setSuspended(bool suspended) = 0;
 
     /// Hz; fixed for the object's life.

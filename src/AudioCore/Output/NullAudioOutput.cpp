@@ -14,7 +14,7 @@ void NullAudioOutput::start(Render render, std::function<void(const QString &rea
     {
         const MutexLock lock(m_mutex);
         m_stopping = false;
-        m_suspended = false;
+        m_suspended = true;
     }
     m_thread = std::thread([this, render = std::move(render)] { run(render); });
 }

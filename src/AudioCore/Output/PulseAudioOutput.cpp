@@ -167,8 +167,9 @@ void PulseAudioOutput::start(Render render, std::function<void(const QString &re
                                 .prebuf = serverChooses,
                                 .minreq = serverChooses,
                                 .fragsize = serverChooses};
-    const auto flags = static_cast<pa_stream_flags_t>(
-        PA_STREAM_ADJUST_LATENCY | PA_STREAM_AUTO_TIMING_UPDATE | PA_STREAM_INTERPOLATE_TIMING);
+    const auto flags =
+        static_cast<pa_stream_flags_t>(PA_STREAM_START_CORKED | PA_STREAM_ADJUST_LATENCY |
+                                       PA_STREAM_AUTO_TIMING_UPDATE | PA_STREAM_INTERPOLATE_TIMING);
     const auto state = [this] { return pa_stream_get_state(m_stream); };
     if (pa_stream_connect_playback(m_stream, nullptr, &buffer, flags, nullptr, nullptr) == 0)
         waitUntil([&state] { return state() != PA_STREAM_CREATING; });

@@ -3,6 +3,8 @@
 
 #include <QLoggingCategory>
 
+#include <thread>
+
 namespace vantor {
 
 Q_LOGGING_CATEGORY(lcPlayer, "co.kelvane.vantor.Player")
@@ -16,6 +18,7 @@ static constexpr std::chrono::milliseconds endWatchPeriod{5};
 static constexpr double endWatchSeconds = 0.2;
 // Short pauses keep the device running, so that the sound is back at once.
 static constexpr std::chrono::milliseconds idleBeforeSuspend{5000};
+static constexpr double longestFarewell = 0.3; // seconds
 static constexpr int analyzerWindow = 1024;
 static constexpr int analyzerRing = 32768;
 
@@ -33,6 +36,15 @@ Player::Private::Private(Player &player, std::unique_ptr<TrackResolver> trackRes
         if (output)
             output->setSuspended(true);
     });
+}
+
+// The sound fades out instead of breaking off, which takes as long as it is on its way to the ear.
+Player::Private::~Private() {
+    if (state != PlaybackState::playing || !output)
+        return;
+    graph->node()->pause();
+    const auto onItsWay = std::chrono::duration<double>(std::min(output->latency(), longestFarewell));
+    std::this_thread::sleep_for(onItsWay + std::chrono::duration<double>(2 * PlayerNode::fadeSeconds));
 }
 
 void Player::Private::ensureOutput() {
@@ -61,9 +73,8 @@ void Player::Private::ensureOutput() {
 }
 
 void Player::Private::wakeOutput() {
-    if (!idleTimer.isActive() && output)
-        output->setSuspended(false);
     idleTimer.stop();
+    output->setSuspended(false);
 }
 
 void Player::Private::requestFrom(double seconds) {
@@ -93,8 +104,11 @@ void Player::Private::startCurrentTrack(bool autoplay) {
     path.clear();
     timeUpdates.stop();
     try {
+        // Awake, so that the node lets go of what it still holds; a new output has nothing yet, and wakes
+        // with the first sound.
+        if (output)
+            wakeOutput();
         ensureOutput();
-        wakeOutput();
         graph->node()->pause();
         graph->node()->discardBefore(generation);
         path = resolver->resolve(*track).toLocalFile();
@@ -135,8 +149,9 @@ void Player::Private::streamerReported(const TrackStreamer::Report &report) {
 
 void Player::Private::resume() {
     autoplayAfterLoad = true;
-    wakeOutput();
+    // The node first: an output that wakes asks for sound at once.
     graph->node()->play();
+    wakeOutput();
     timeUpdates.start(timeUpdatePeriod);
     setState(PlaybackState::playing);
 }
@@ -252,10 +267,10 @@ void Player::Private::outputLost(const QString &reason) {
         return;
     }
     requestFrom(position);
-    if (state == PlaybackState::playing)
+    if (state == PlaybackState::playing) {
         graph->node()->play();
-    else
-        idleTimer.start();
+        wakeOutput();
+    }
 }
 
 } // namespace vantor

@@ -15,6 +15,7 @@ namespace vantor {
 class Player::Private {
   public:
     Private(Player &player, std::unique_ptr<TrackResolver> trackResolver, AudioOutputFactory outputFactory);
+    ~Private();
 
     // Telling the observers.
     void emitEvent(const PlayerEvent &event);

@@ -69,6 +69,7 @@ TrackStreamer::Wait TrackStreamer::work() {
 void TrackStreamer::begin() {
     m_block = {};
     m_hasBegun = false;
+    m_isReported = false;
     m_atEnd = false;
     const bool isOpen = m_decoder && m_decoderPath == m_request.path && m_decoderRate == m_request.sampleRate;
     if (!m_request.node || !isOpen || m_request.start <= 0)
@@ -100,17 +101,24 @@ TrackStreamer::Wait TrackStreamer::fill() {
         if (!node.beginSegment(m_request.generation, startFrame))
             return Wait::shortly;
         m_hasBegun = true;
-        report({.generation = m_request.generation,
-                .format = m_decoder->format(),
-                .duration = m_decoder->duration(),
-                .error = std::nullopt});
     }
     m_block = m_block.subspan(node.write(m_block));
+    if (!m_isReported && (m_atEnd || node.hasEnoughToStart()))
+        reportBegin();
     if (!m_block.empty())
         return Wait::shortly;
     if (!m_atEnd)
         return Wait::none;
     return node.endSegment() ? Wait::forRequest : Wait::shortly;
+}
+
+// Not before the node would sound: an output that wakes to silence may rest for a while before it asks again.
+void TrackStreamer::reportBegin() {
+    m_isReported = true;
+    report({.generation = m_request.generation,
+            .format = m_decoder->format(),
+            .duration = m_decoder->duration(),
+            .error = std::nullopt});
 }
 
 void TrackStreamer::reportFailure(const AudioCoreError &error) {

@@ -58,6 +58,7 @@ class TrackStreamer : public QObject {
     void begin();
     [[nodiscard]] Wait fill();
     void report(Report report);
+    void reportBegin();
     void reportFailure(const AudioCoreError &error);
     void deliverReports();
 
@@ -71,6 +72,7 @@ class TrackStreamer : public QObject {
     // Decode thread's.
     Request m_request;
     bool m_isNew = false;
+    bool m_isReported = false;
     bool m_hasBegun = false;
     bool m_atEnd = false;
     std::unique_ptr<AudioFileDecoder> m_decoder;

@@ -189,6 +189,7 @@ TEST_F(PulseAudioOutputTest, LatencyIsShortAndSoundIsBackSoonAfterARest) {
     EXPECT_EQ(output.sampleRate(), 48000);
     std::atomic<int> frames{0};
     output.start([&](float *, int count) { frames += count; }, [](const QString &) {});
+    output.setSuspended(false);
     ASSERT_TRUE(pump([&] { return frames > 24000; }));
     EXPECT_GT(output.latency(), 0.0);
     EXPECT_LT(output.latency(), 0.15);

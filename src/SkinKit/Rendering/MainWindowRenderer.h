@@ -19,7 +19,9 @@ namespace MainWindowRenderer {
 [[nodiscard]] QSize size(bool shaded, int scale);
 
 /// Draws the whole window with its top-left corner at the painter's origin, one skin pixel being `scale`
-/// painter units, nearest neighbour. What lies outside the painter's clip is skipped where that saves work.
+/// painter units (1 or more), nearest neighbour. Every pixel is opaque, black where the skin has none. What
+/// lies outside the painter's clip is not even composed: in a paint event set the event's region as the clip,
+/// because the painter does not tell the system's own.
 void draw(QPainter &painter, const Skin &skin, const MainWindowScene &scene, int scale);
 
 /// What differs between the pictures of two scenes in the same skin, in skin pixels; a superset is allowed.

@@ -3,7 +3,6 @@
 #include "SkinKit/Loading/Skin.h"
 #include "SkinKit/Rendering/MainWindowRenderer.h"
 
-#include <QElapsedTimer>
 #include <QPainter>
 
 #include <gtest/gtest.h>
@@ -33,6 +32,8 @@ TEST(SkinTextFontTest, EveryPerceivedCharacterTakesOneCell) {
                                             {QStringLiteral("漢\r\n"), 10}};
     for (const auto &[text, width] : rows)
         EXPECT_EQ(SkinTextFont::width(text), width) << text.toStdString();
+    // A hostile tag is cut, lest every frame walk through it.
+    EXPECT_LE(SkinTextFont::width(QStringLiteral("e\u0301漢").repeated(100000)), 10000);
 }
 
 TEST(MarqueeTest, OnlyWideTextsScrollAndTheyRepeat) {
@@ -66,12 +67,4 @@ TEST(MarqueeTest, OnlyWideTextsScrollAndTheyRepeat) {
     EXPECT_EQ(redColumns(36), QList<int>{}); // the next one is still beyond the right edge
     EXPECT_EQ(redColumns(190), QList<int>{111});
     EXPECT_EQ(redColumns(-10), QList<int>{121});
-}
-
-TEST(MarqueeTest, HugeTitleStaysCheap) {
-    const QString huge = QStringLiteral("e\u0301漢").repeated(100000);
-    QElapsedTimer timer;
-    timer.start();
-    EXPECT_LE(Marquee::period(huge), 10000);
-    EXPECT_LT(timer.elapsed(), 1000);
 }

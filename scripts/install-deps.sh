@@ -20,7 +20,7 @@ build_packages=(
 )
 # The sanitizer run-times, the formatter, a display, its mouse and keyboard, a sound server and a message bus.
 test_packages=(
-    clang-format-19 libclang-rt-19-dev
+    clang-format-19 libclang-rt-19-dev llvm-19
     libgtest-dev libgmock-dev libbenchmark-dev
     xvfb xauth xdotool x11-utils
     pulseaudio pulseaudio-utils dbus

@@ -96,7 +96,7 @@ endfunction()
 # vantor_bench(SkinKit SOURCES … LINK …): the benchmark program <name>Bench.
 function(vantor_bench name)
     cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
-    vantor_program(${name}Bench SOURCES ${ARG_SOURCES} LINK ${ARG_LINK} benchmark::benchmark)
+    vantor_program(${name}Bench SOURCES ${ARG_SOURCES} LINK ${ARG_LINK} benchmark::benchmark_main)
 endfunction()
 
 # vantor_fuzz(BMPDecoder LINK …): the libFuzzer program fuzz-<name> from fuzz/Fuzz<name>.cpp.

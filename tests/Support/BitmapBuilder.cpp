@@ -23,7 +23,8 @@ QByteArray BitmapBuilder::dib() const {
         bytes += le16(width) + le16(height) + le16(1) + le16(depth);
     } else {
         bytes += le32(width) + le32(height) + le16(1) + le16(depth) + le32(compression);
-        bytes += le32(pixels.size()) + le32(0) + le32(0) + le32(colorsUsed) + le32(0) + masks;
+        bytes += le32(pixels.size()) + le32(0) + le32(0) +
+                 le32(colorsUsed.value_or(static_cast<std::uint32_t>(palette.size()))) + le32(0) + masks;
         if (bytes.size() < headerSize)
             bytes.append(headerSize - bytes.size(), '\0');
     }

@@ -21,13 +21,13 @@ struct BitmapBuilder {
     int width = 0;
     int height = 0; ///< negative for top-down
     int depth = 24;
-    QByteArray pixels; ///< rows as they lie in the file, or a run-length stream
-    std::vector<RGBColor> palette;
+    QByteArray pixels = {}; ///< rows as they lie in the file, or a run-length stream
+    std::vector<RGBColor> palette = {};
     int compression = 0;
-    QByteArray masks; ///< 12 bytes in bit-field data
-    std::uint32_t colorsUsed = 0;
-    int headerSize = 40; ///< 12 makes a core header
-    std::optional<std::int64_t> pixelOffset;
+    QByteArray masks = {}; ///< 12 bytes in bit-field data
+    int headerSize = 40;   ///< 12 makes a core header
+    std::optional<std::int64_t> pixelOffset = {};
+    std::optional<std::uint32_t> colorsUsed = {}; ///< the palette's length unless set
 
     /// Without the file header, as in cursors.
     [[nodiscard]] QByteArray dib() const;
@@ -45,7 +45,7 @@ struct DirectoryEntry {
     int height = 32;
     int first = 0;  ///< hot spot x, or planes
     int second = 0; ///< hot spot y, or bit count
-    QByteArray data;
+    QByteArray data = {};
 };
 
 /// An icon (type 1) or cursor (type 2) file.

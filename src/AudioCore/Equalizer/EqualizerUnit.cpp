@@ -100,7 +100,8 @@ void EqualizerUnit::startGlide(const Levels &target) {
 
 void EqualizerUnit::glide(float *interleaved, int frames) {
     m_glideLeft -= frames;
-    const float rest = static_cast<float>(m_glideLeft) / static_cast<float>(m_glideFrames);
+    const float time = static_cast<float>(m_glideLeft) / static_cast<float>(m_glideFrames);
+    const float rest = time * time * (3 - 2 * time); // no kink where it begins and ends
     for (std::size_t index = 0; index < m_now.size(); ++index)
         m_now[index] = m_target[index] + (m_start[index] - m_target[index]) * rest;
     m_bank.processTowards(parametersAt(m_now), interleaved, frames);

@@ -1,7 +1,6 @@
 #include "tests/Support/AllocationCounter.h"
 
-#include <cstdlib>
-#include <new>
+#include <cstddef>
 
 static thread_local int64_t allocations = 0;
 
@@ -9,32 +8,38 @@ int64_t vantor::allocationCount() {
     return allocations;
 }
 
-#if defined(__has_feature)
-#if __has_feature(thread_sanitizer)
-#define VANTOR_THREAD_SANITIZER
-#endif
-#endif
+#ifdef VANTOR_HAS_SANITIZER_ALLOCATOR
 
-#ifdef VANTOR_THREAD_SANITIZER
-// The sanitizer brings an operator new of its own, and a hook beside it.
+// The sanitizers bring their own malloc, and a hook to watch it.
 #include <sanitizer/allocator_interface.h>
 
-[[maybe_unused]] static const int hook = __sanitizer_install_malloc_and_free_hooks(
-    [](const volatile void *, size_t) { ++allocations; }, [](const volatile void *) {});
-#else
-// All other forms of new end up in this one, but those of over-aligned types.
-void *operator new(std::size_t size) {
+static void noteAllocation(const volatile void *, std::size_t) {
     ++allocations;
-    if (void *memory = std::malloc(size > 0 ? size : 1))
-        return memory;
-    throw std::bad_alloc();
+}
+static void ignoreFree(const volatile void *) {}
+[[maybe_unused]] static const int installed =
+    __sanitizer_install_malloc_and_free_hooks(noteAllocation, ignoreFree);
+
+#else
+
+// In front of the C library's, which keeps these names for the purpose. operator new comes through here too.
+extern "C" {
+void *__libc_malloc(std::size_t size);
+void *__libc_calloc(std::size_t count, std::size_t size);
+void *__libc_realloc(void *memory, std::size_t size);
+
+void *malloc(std::size_t size) {
+    ++allocations;
+    return __libc_malloc(size);
+}
+void *calloc(std::size_t count, std::size_t size) {
+    ++allocations;
+    return __libc_calloc(count, size);
+}
+void *realloc(void *memory, std::size_t size) {
+    ++allocations;
+    return __libc_realloc(memory, size);
+}
 }
 
-void operator delete(void *memory) noexcept {
-    std::free(memory);
-}
-
-void operator delete(void *memory, std::size_t) noexcept {
-    std::free(memory);
-}
 #endif

@@ -13,7 +13,9 @@ static constexpr int blockFrames = 512;
 
 AudioGraph::AudioGraph(int sampleRate, AnalyzerTap *tap)
     : m_sampleRate(sampleRate), m_rampFrames(static_cast<int>(sampleRate * rampSeconds)),
-      m_node(std::make_shared<PlayerNode>(sampleRate)), m_tap(tap) {}
+      m_node(std::make_shared<PlayerNode>(sampleRate)), m_tap(tap) {
+    m_equalizer.prepare(sampleRate);
+}
 
 void AudioGraph::render(float *interleaved, int frames) {
     // A StereoFrame is two floats, left and right, which is how an interleaved buffer is laid out.
@@ -29,6 +31,7 @@ void AudioGraph::render(float *interleaved, int frames) {
 
 void AudioGraph::renderBlock(std::span<StereoFrame> frames) {
     m_node->render(frames);
+    m_equalizer.process(&frames.front().left, static_cast<int>(frames.size()));
     if (m_tap)
         m_tap->write(&frames.front().left, static_cast<int>(frames.size()));
 

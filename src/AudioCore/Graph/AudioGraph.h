@@ -1,5 +1,6 @@
 #pragma once
 
+#include "AudioCore/Equalizer/EqualizerUnit.h"
 #include "AudioCore/Graph/PlayerNode.h"
 #include "AudioCore/Graph/Ramp.h"
 
@@ -10,7 +11,8 @@ namespace vantor {
 
 class AnalyzerTap;
 
-/// Everything between decoded sound and the output: the player node, then the mixer's volume and balance.
+/// Everything between decoded sound and the output: the player node, the equalizer, then the mixer's volume and
+/// balance.
 /// The analyser listens before the mixer, so that its picture does not shrink with the volume.
 class AudioGraph {
   public:
@@ -21,6 +23,8 @@ class AudioGraph {
     /// Shared with the decode thread, which may still hold it when the graph is gone.
     [[nodiscard]] const std::shared_ptr<PlayerNode> &node() const { return m_node; }
 
+    /// Main thread; changes glide.
+    void setEqualizer(const EQState &state) { m_equalizer.apply(state); }
     /// The mixer's linear output volume, 0…1. Any thread; changes ramp.
     void setVolume(float volume) { m_volume.store(volume, std::memory_order_relaxed); }
     /// −1…1: attenuates the other side. Any thread; changes ramp.
@@ -37,6 +41,7 @@ class AudioGraph {
     const int m_sampleRate;
     const int m_rampFrames;
     std::shared_ptr<PlayerNode> m_node;
+    EqualizerUnit m_equalizer;
     AnalyzerTap *m_tap;
     std::atomic<float> m_volume{1};
     std::atomic<float> m_balance{0};

@@ -56,6 +56,10 @@ float Player::balance() const {
     return d->balance;
 }
 
+const EQState &Player::eq() const {
+    return d->eq;
+}
+
 RepeatMode Player::repeatMode() const {
     return d->queue.repeatMode();
 }
@@ -216,6 +220,13 @@ void Player::setBalance(float balance) {
     if (d->graph)
         d->graph->setBalance(d->balance);
     Q_EMIT balanceChanged();
+}
+
+void Player::setEq(const EQState &eq) {
+    d->eq = eq;
+    if (d->graph)
+        d->graph->setEqualizer(eq);
+    Q_EMIT eqChanged();
 }
 
 void Player::setRepeatMode(RepeatMode mode) {

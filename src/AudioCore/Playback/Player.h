@@ -2,6 +2,7 @@
 
 #include "AudioCore/Analysis/AnalyzerTap.h"
 #include "AudioCore/AudioCoreError.h"
+#include "AudioCore/Equalizer/EQState.h"
 #include "AudioCore/Output/AudioOutput.h"
 #include "AudioCore/Playback/PlaybackState.h"
 #include "AudioCore/PlaybackFormat.h"
@@ -49,6 +50,7 @@ class Player : public QObject {
     [[nodiscard]] std::optional<QString> errorMessage() const;
     [[nodiscard]] float volume() const;  ///< 0…1
     [[nodiscard]] float balance() const; ///< −1…1
+    [[nodiscard]] const EQState &eq() const;
     [[nodiscard]] RepeatMode repeatMode() const;
     [[nodiscard]] bool isShuffled() const;
     [[nodiscard]] AnalyzerTap &analyzer();
@@ -80,6 +82,7 @@ class Player : public QObject {
 
     void setVolume(float volume);
     void setBalance(float balance);
+    void setEq(const EQState &eq);
     void setRepeatMode(RepeatMode mode);
     void setShuffled(bool on);
 
@@ -93,6 +96,7 @@ class Player : public QObject {
     void formatChanged();
     void volumeChanged();
     void balanceChanged();
+    void eqChanged();
 
   private:
     class Private;

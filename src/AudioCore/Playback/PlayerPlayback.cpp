@@ -56,6 +56,7 @@ void Player::Private::ensureOutput() {
     graph = std::make_unique<AudioGraph>(made->sampleRate(), &analyzer);
     graph->setVolume(volume);
     graph->setBalance(balance);
+    graph->setEqualizer(eq);
     analyzer.prepare(graph->sampleRate());
     AudioGraph *const rendered = graph.get();
     AudioOutput *const started = made.get();

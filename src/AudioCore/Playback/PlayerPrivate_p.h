@@ -62,6 +62,7 @@ class Player::Private {
     std::optional<QString> errorMessage;
     float volume = 1;
     float balance = 0;
+    EQState eq;
     int consecutiveFailures = 0;
     std::optional<QUuid> lastEmittedTrackID;
     bool autoplayAfterLoad = false; ///< whether sound is wanted: what a start that follows by itself inherits

@@ -25,12 +25,16 @@ QUrl localFile(const QDir &folder, const QString &path) {
 
 /// A path as written, else what a writer on another system or one fond of addresses meant by it.
 QUrl resolvedPath(const QDir &folder, const QString &path) {
-    if (QFileInfo::exists(folder.absoluteFilePath(path)))
+    const auto exists = [&](const QString &other) {
+        return QFileInfo::exists(folder.absoluteFilePath(other));
+    };
+    const bool hasBackslash = path.contains(QLatin1Char('\\'));
+    if ((!hasBackslash && !path.contains(QLatin1Char('%'))) || exists(path))
         return localFile(folder, path);
-    if (path.contains(QLatin1Char('\\')))
+    if (hasBackslash)
         return resolvedPath(folder, QString(path).replace(QLatin1Char('\\'), QLatin1Char('/')));
     const QString decoded = QUrl::fromPercentEncoding(path.toUtf8());
-    return localFile(folder, QFileInfo::exists(folder.absoluteFilePath(decoded)) ? decoded : path);
+    return localFile(folder, exists(decoded) ? decoded : path);
 }
 
 QUrl resolved(const QDir &folder, const PlaylistParser::Line &line) {
@@ -76,11 +80,12 @@ class Reader {
     void take(const QUrl &list, const QFileInfo &info, const QByteArray &bytes) {
         const auto format = PlaylistParser::formatOf(bytes, info.suffix().toLower());
         const auto parsed = PlaylistParser::parse(bytes, format, maxEntries - m_taken);
+        const QDir folder = info.absoluteDir();
         bool isCut = parsed.isCut;
         for (const PlaylistParser::Line &line : parsed.lines) {
             isCut = isCut || m_taken >= maxEntries; // lists inside this one take room as well
             if (m_taken < maxEntries)
-                takeLine(info.absoluteDir(), line);
+                takeLine(folder, line);
         }
         if (isCut)
             skip(list, tooMany);
@@ -115,7 +120,8 @@ const QStringList &patterns() {
 }
 
 bool isPlaylist(const QUrl &url) {
-    return url.isLocalFile() && QDir::match(patterns(), url.fileName());
+    const QString extension = QFileInfo(url.fileName()).suffix().toLower();
+    return url.isLocalFile() && patterns().contains(QStringLiteral("*.") + extension);
 }
 
 Contents read(const QUrl &list) {

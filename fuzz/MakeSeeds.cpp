@@ -108,6 +108,24 @@ Seeds archives() {
                       {.name = "gen.bmp", .data = QByteArray(20'000, 'x'), .declaredSize = 1}})}};
 }
 
+Seeds playlists() {
+    return {{QStringLiteral("m3u"), "0#EXTM3U\n#EXTINF:12 a=\"b,c\",A - B\nx.mp3\r\nsub/y.m3u\n"},
+            {QStringLiteral("pls"), "1[playlist]\nFile1=a\nTitle1=b\nLength1=3\nNumberOfEntries=1\n"},
+            {QStringLiteral("xspf"),
+             "2<?xml version=\"1.0\"?><playlist><trackList><track><location>a</location>"
+             "<creator>b</creator><title>c</title></track></trackList></playlist>"},
+            {QStringLiteral("cue"), "3PERFORMER \"p\"\nFILE \"a.wav\" WAVE\n TRACK 01 AUDIO\n  TITLE t\n"}};
+}
+
+Seeds queues() {
+    return {{QStringLiteral("queue"),
+             R"({"currentIndex":1,"items":[
+{"artist":"a","album":"b","bitrate":320,"channels":2,"duration":0.5,"id":"00010000-0001-0002-0304-05060708090a",
+"sampleRate":44100,"source":{"kind":"file","path":"/a"},"title":"t"},
+{"id":"00010001-0001-0002-0304-05060708090a","mediaID":{"kind":"album","rawValue":"5"},"title":"u"}],
+"repeat":"one","shuffle":true,"version":1})"}};
+}
+
 bool write(const QString &folder, const Seeds &seeds) {
     if (!QDir().mkpath(folder))
         return false;
@@ -130,6 +148,8 @@ int main(int argc, char **argv) {
     const bool written = write(folder + QStringLiteral("BMPDecoder"), bitmaps()) &&
                          write(folder + QStringLiteral("CursorBitmap"), cursors()) &&
                          write(folder + QStringLiteral("AniParser"), animations()) &&
+                         write(folder + QStringLiteral("PlaylistFile"), playlists()) &&
+                         write(folder + QStringLiteral("QueueFile"), queues()) &&
                          write(folder + QStringLiteral("SkinArchive"), archives()) &&
                          write(folder + QStringLiteral("SkinTexts"), texts());
     return written ? 0 : 1;

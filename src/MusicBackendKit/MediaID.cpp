@@ -32,6 +32,18 @@ QString MediaID::description() const {
     return vantor::rawValue(kind) + QLatin1Char(':') + rawValue;
 }
 
+QJsonObject MediaID::toJson() const {
+    return {{QStringLiteral("kind"), vantor::rawValue(kind)}, {QStringLiteral("rawValue"), rawValue}};
+}
+
+std::optional<MediaID> MediaID::fromJson(const QJsonObject &object) {
+    const auto kind = mediaKindFromRawValue(object.value(QLatin1String("kind")).toString());
+    const QJsonValue rawValue = object.value(QLatin1String("rawValue"));
+    if (!kind || !rawValue.isString())
+        return std::nullopt;
+    return MediaID{*kind, rawValue.toString()};
+}
+
 size_t qHash(const MediaID &id, size_t seed) noexcept {
     return qHashMulti(seed, static_cast<int>(id.kind), id.rawValue);
 }

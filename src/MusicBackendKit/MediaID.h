@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QJsonObject>
 #include <QString>
 
 #include <array>
@@ -24,6 +25,11 @@ struct MediaID {
 
     /// "album:123".
     [[nodiscard]] QString description() const;
+
+    /// The keys "kind" and "rawValue".
+    [[nodiscard]] QJsonObject toJson() const;
+    /// None unless both keys hold a text and the kind is a known one.
+    [[nodiscard]] static std::optional<MediaID> fromJson(const QJsonObject &object);
 
     bool operator==(const MediaID &) const = default;
 };

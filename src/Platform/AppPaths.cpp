@@ -6,16 +6,16 @@
 
 namespace vantor::AppPaths {
 
-static QString below(QStandardPaths::StandardLocation location) {
-    return QStandardPaths::writableLocation(location) + QLatin1Char('/') + QLatin1String(bundleIdentifier);
+static QString below(QStandardPaths::StandardLocation location, const QString &identifier) {
+    return QStandardPaths::writableLocation(location) + QLatin1Char('/') + identifier;
 }
 
-QString dataFolder() {
-    return below(QStandardPaths::GenericDataLocation);
+QString dataFolder(const QString &identifier) {
+    return below(QStandardPaths::GenericDataLocation, identifier);
 }
 
 QString cacheFolder() {
-    return below(QStandardPaths::GenericCacheLocation);
+    return below(QStandardPaths::GenericCacheLocation, QLatin1String(bundleIdentifier));
 }
 
 QString sharedFile(const QString &name) {

@@ -1,7 +1,8 @@
 #include "SkinKit/Loading/SkinPreviewPage.h"
 
+#include "Platform/TextDecoding.h"
+#include "Platform/Windows1252.h"
 #include "SkinKit/Loading/SkinArchive.h"
-#include "SkinKit/Texts/SkinText.h"
 
 namespace vantor::SkinPreviewPage {
 
@@ -37,9 +38,9 @@ std::optional<QString> readme(const SkinArchive &archive) {
     const auto named = std::ranges::find_if(
         keys, [](const QString &key) { return key.startsWith(QStringLiteral("readme")); });
     const QByteArray bytes = archive.files().value(named != keys.end() ? *named : keys.first());
-    std::optional<QString> text = SkinText::utf8(bytes);
+    std::optional<QString> text = TextDecoding::utf8(bytes);
     if (!text)
-        text = SkinText::windows1252(bytes);
+        text = Windows1252::decode(bytes);
     if (!text)
         return std::nullopt;
     return shortened(*text);

@@ -1,6 +1,6 @@
 #include "SkinKit/Texts/IniParser.h"
 
-#include "SkinKit/Texts/TextLines_p.h"
+#include "Platform/TextLines.h"
 
 namespace vantor::IniParser {
 

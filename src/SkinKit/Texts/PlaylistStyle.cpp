@@ -1,7 +1,7 @@
 #include "SkinKit/Texts/PlaylistStyle.h"
 
+#include "Platform/TextDecoding.h"
 #include "SkinKit/Texts/IniParser.h"
-#include "SkinKit/Texts/SkinText.h"
 
 #include <algorithm>
 
@@ -61,7 +61,7 @@ Result parse(const QString &text) {
 }
 
 Result parse(QByteArrayView bytes) {
-    return parse(SkinText::lenient(bytes));
+    return parse(TextDecoding::lenient(bytes));
 }
 
 } // namespace PlaylistStyleParser

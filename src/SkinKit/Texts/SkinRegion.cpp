@@ -1,7 +1,7 @@
 #include "SkinKit/Texts/SkinRegion.h"
 
+#include "Platform/TextDecoding.h"
 #include "SkinKit/Texts/IniParser.h"
-#include "SkinKit/Texts/SkinText.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -96,7 +96,7 @@ SkinRegion parse(const QString &text) {
 }
 
 SkinRegion parse(QByteArrayView bytes) {
-    return parse(SkinText::lenient(bytes));
+    return parse(TextDecoding::lenient(bytes));
 }
 
 } // namespace RegionParser

@@ -1,7 +1,7 @@
 #include "SkinKit/Texts/VisColors.h"
 
-#include "SkinKit/Texts/SkinText.h"
-#include "SkinKit/Texts/TextLines_p.h"
+#include "Platform/TextDecoding.h"
+#include "Platform/TextLines.h"
 
 #include <algorithm>
 #include <optional>
@@ -76,7 +76,7 @@ std::optional<RGBColor> parseLine(QStringView line) {
 
 Result parseCounted(QByteArrayView bytes) {
     Result result;
-    const QString text = SkinText::lenient(bytes);
+    const QString text = TextDecoding::lenient(bytes);
     std::size_t count = 0;
     forEachLine(text, [&](QStringView line) {
         if (const auto color = parseLine(line))

@@ -14,7 +14,7 @@ constexpr double longestRun = 86400; // one day, in seconds
 QString usage() {
     return QStringLiteral(
         "usage: vantor [--skin FILE] [--seconds N] [--screenshot FILE] [--version] [--help] "
-        "[audio files, folders, .wsz …]");
+        "[audio files, folders, playlists, .wsz …]");
 }
 
 QString help() {
@@ -27,8 +27,9 @@ QString help() {
                "                     (without a display: vantor.png)\n"
                "  --version          print the version\n"
                "  --help             print this\n\n"
-               "Audio is queued and played. Without audio the demo track plays. Without a display the\n"
-               "program plays all the same, prints what happens and exits.");
+               "Audio is queued and played. Without audio the last queue comes back; the first time, and in\n"
+               "a run of N seconds, the demo track plays. Without a display the program plays all the\n"
+               "same, prints what happens and exits.");
 }
 
 QUrl urlOf(const QString &argument) {

@@ -13,7 +13,7 @@ namespace vantor {
 /// What the command line asks for.
 struct LaunchOptions {
     std::optional<QUrl> skin;          ///< --skin, else the last .wsz among the arguments
-    QList<QUrl> files;                 ///< audio files and folders in the order given
+    QList<QUrl> files;                 ///< audio files, folders and playlists in the order given
     std::optional<double> seconds;     ///< --seconds: how long to run
     std::optional<QString> screenshot; ///< --screenshot: where the picture of the window goes
 

@@ -2,6 +2,7 @@
 
 #include "AudioCore/Output/SystemAudioOutput.h"
 #include "AudioCore/Playback/Player.h"
+#include "LocalPlayback/Queue/QueueAutosaver.h"
 #include "Platform/AppPaths.h"
 #include "Vantor/App/LaunchOptions.h"
 #include "Vantor/App/TimedRun.h"
@@ -9,6 +10,7 @@
 #include "Vantor/Windows/MainWindow.h"
 
 #include <QApplication>
+#include <QFileInfo>
 #include <QIcon>
 #include <QSettings>
 
@@ -19,6 +21,7 @@ namespace vantor {
 namespace {
 
 constexpr double headlessSeconds = 10;
+constexpr std::chrono::seconds autosaveDelay{1};
 
 bool hasDisplay() {
     return !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
@@ -42,8 +45,31 @@ void setUpApplication() {
     QApplication::setWindowIcon(icon);
 }
 
-// The skin asked for, else the one worn last; and the files asked for, else the demo track.
-void openWhatWasAskedFor(PlayerModel &model, const LaunchOptions &options, const QSettings &settings) {
+/// The queue of the last run, kept from now on. A timed run neither takes it nor touches it.
+class SavedQueue {
+  public:
+    explicit SavedQueue(Player &player)
+        : m_store(QueueStore::defaultURL()), m_isNew(!QFileInfo::exists(m_store.fileURL().toLocalFile())),
+          m_autosaver(player, m_store, autosaveDelay) {
+        if (const std::optional<QueueSnapshot> saved = m_store.load())
+            player.restoreQueue(saved->items, saved->currentIndex, saved->repeatMode, saved->isShuffled);
+        m_autosaver.start();
+    }
+    ~SavedQueue() { m_autosaver.flush(); }
+
+    /// No queue was ever saved.
+    [[nodiscard]] bool isNew() const { return m_isNew; }
+
+  private:
+    QueueStore m_store;
+    bool m_isNew;
+    QueueAutosaver m_autosaver;
+};
+
+// The skin asked for, else the one worn last; and the files asked for, else the demo track if there is no
+// saved queue that could be played.
+void openWhatWasAskedFor(PlayerModel &model, const LaunchOptions &options, const QSettings &settings,
+                         bool withDemo) {
     const QString lastSkin = settings.value(QStringLiteral("skin")).toString();
     if (options.skin)
         model.wear(*options.skin);
@@ -52,7 +78,8 @@ void openWhatWasAskedFor(PlayerModel &model, const LaunchOptions &options, const
 
     if (!options.files.isEmpty()) {
         model.open(options.files);
-    } else if (const QString demo = AppPaths::sharedFile(QStringLiteral("demo.flac")); !demo.isEmpty()) {
+    } else if (const QString demo = AppPaths::sharedFile(QStringLiteral("demo.flac"));
+               withDemo && !demo.isEmpty()) {
         model.open({QUrl::fromLocalFile(demo)});
     }
 }
@@ -85,13 +112,17 @@ int runProgram(int argc, char **argv) {
     QSettings settings(QLatin1String(AppPaths::bundleIdentifier), QStringLiteral("vantor"));
     Player player(std::make_unique<FileTrackResolver>(), makeSystemAudioOutput);
     PlayerModel model(player, settings);
+    std::optional<SavedQueue> savedQueue;
+    if (!options.seconds)
+        savedQueue.emplace(player);
     MainWindow window(model);
     if (options.seconds)
         new TimedRun(model, window, *options.seconds,
                      options.screenshot.value_or(QString())); // the window owns it
     window.show();
+    const bool withDemo = !savedQueue || savedQueue->isNew();
     QMetaObject::invokeMethod(
-        &model, [&] { openWhatWasAskedFor(model, options, settings); }, Qt::QueuedConnection);
+        &model, [&] { openWhatWasAskedFor(model, options, settings, withDemo); }, Qt::QueuedConnection);
     return QApplication::exec();
 }
 

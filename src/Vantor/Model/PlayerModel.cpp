@@ -225,7 +225,7 @@ void PlayerModel::takeTracks(quint64 import, const std::vector<Track> &tracks) {
 
 void PlayerModel::finishImport(int added, const std::vector<SkippedFile> &skipped) {
     for (const SkippedFile &file : skipped) {
-        const QString name = QFileInfo(file.url.toLocalFile()).fileName();
+        const QString name = file.url.isLocalFile() ? file.url.fileName() : file.url.toDisplayString();
         qCWarning(playerModelLog, "could not play %s: %s", qUtf8Printable(name), qUtf8Printable(file.reason));
         Q_EMIT trackRefused(name, file.reason);
     }

@@ -12,9 +12,8 @@
 
 namespace vantor {
 
-/// Turns files and folders into tracks on a worker thread. Main thread; imports run one after another in the
-/// order in which they were asked for. Folders are walked in name order and give the files whose extension is
-/// an audio one; files that are named themselves are tried whatever they are called.
+/// Turns files, folders and playlists into tracks on a worker thread (see TrackLoader). Main thread; imports
+/// run one after another in the order in which they were asked for.
 class TrackImporter : public QObject {
     Q_OBJECT
 
@@ -24,9 +23,6 @@ class TrackImporter : public QObject {
 
     /// The import's number, by which its signals name it.
     quint64 import(const QList<QUrl> &urls);
-
-    /// Glob patterns of the audio files that folders give and the file dialog offers ("*.flac" …).
-    [[nodiscard]] static const QStringList &patterns();
 
   Q_SIGNALS:
     /// The next tracks of an import, a few at a time so that the first can play at once.

@@ -1,5 +1,7 @@
 #include "Vantor/Windows/Commands.h"
 
+#include "LocalPlayback/Loading/TrackLoader.h"
+#include "LocalPlayback/Playlists/PlaylistFile.h"
 #include "Vantor/Windows/FileInfoDialog.h"
 
 #include <QActionGroup>
@@ -162,7 +164,8 @@ void Commands::openFiles() {
     auto *dialog = new QFileDialog(&m_window, tr("Open Files"));
     dialog->setFileMode(QFileDialog::ExistingFiles);
     dialog->setNameFilters(
-        {tr("Audio and skins (%1 *.wsz)").arg(TrackImporter::patterns().join(QLatin1Char(' '))),
+        {tr("Audio, playlists and skins (%1 *.wsz)")
+             .arg((TrackLoader::audioPatterns() + PlaylistFile::patterns()).join(QLatin1Char(' '))),
          tr("All files (*)")});
     connect(dialog, &QFileDialog::filesSelected, this,
             [this, dialog] { m_model.open(dialog->selectedUrls()); });

@@ -1,14 +1,15 @@
+#include "Platform/TextDecoding.h"
+#include "Platform/Windows1252.h"
 #include "SkinKit/Texts/IniParser.h"
 #include "SkinKit/Texts/PlaylistStyle.h"
 #include "SkinKit/Texts/SkinRegion.h"
-#include "SkinKit/Texts/SkinText.h"
 #include "SkinKit/Texts/VisColors.h"
 
 #include <gtest/gtest.h>
 
 using namespace vantor;
 
-TEST(SkinTextTest, FallsBackFromUtf8ToWindowsToLatin) {
+TEST(TextDecodingTest, FallsBackFromUtf8ToWindowsToLatin) {
     const struct {
         const char *name;
         QByteArray bytes;
@@ -25,9 +26,9 @@ TEST(SkinTextTest, FallsBackFromUtf8ToWindowsToLatin) {
     };
     for (const auto &row : rows) {
         SCOPED_TRACE(row.name);
-        EXPECT_EQ(SkinText::utf8(row.bytes), row.utf8);
-        EXPECT_EQ(SkinText::windows1252(row.bytes), row.windows);
-        EXPECT_EQ(SkinText::lenient(row.bytes), row.lenient);
+        EXPECT_EQ(TextDecoding::utf8(row.bytes), row.utf8);
+        EXPECT_EQ(Windows1252::decode(row.bytes), row.windows);
+        EXPECT_EQ(TextDecoding::lenient(row.bytes), row.lenient);
     }
 }
 

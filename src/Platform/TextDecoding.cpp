@@ -1,10 +1,10 @@
-#include "SkinKit/Texts/SkinText.h"
+#include "Platform/TextDecoding.h"
 
 #include "Platform/Windows1252.h"
 
 #include <QUtf8StringView>
 
-namespace vantor::SkinText {
+namespace vantor::TextDecoding {
 
 std::optional<QString> utf8(QByteArrayView bytes) {
     if (!QUtf8StringView(bytes.data(), bytes.size()).isValidUtf8())
@@ -12,16 +12,12 @@ std::optional<QString> utf8(QByteArrayView bytes) {
     return QString::fromUtf8(bytes);
 }
 
-std::optional<QString> windows1252(QByteArrayView bytes) {
-    return Windows1252::decode(bytes);
-}
-
 QString lenient(QByteArrayView bytes) {
     if (auto text = utf8(bytes))
         return *text;
-    if (auto text = windows1252(bytes))
+    if (auto text = Windows1252::decode(bytes))
         return *text;
     return QString::fromLatin1(bytes);
 }
 
-} // namespace vantor::SkinText
+} // namespace vantor::TextDecoding

@@ -1,0 +1,105 @@
+#include "LocalPlayback/Loading/TrackLoader.h"
+
+#include "AudioCore/AudioCoreError.h"
+#include "LocalPlayback/Playlists/PlaylistFile.h"
+
+#include <QDirIterator>
+#include <QElapsedTimer>
+#include <QFileInfo>
+
+namespace vantor::TrackLoader {
+
+namespace {
+
+constexpr qint64 batchInterval = 100; // ms between deliveries once the first track is out
+constexpr qsizetype maxFiles = 1'000'000;
+
+bool hasOwnTitle(const Track &track, const QUrl &url) {
+    return !track.artist.isEmpty() || track.title != QFileInfo(url.fileName()).completeBaseName();
+}
+
+class Loader {
+  public:
+    Loader(const std::atomic_bool &cancelled, const std::function<void(Batch)> &deliver)
+        : m_cancelled(cancelled), m_deliver(deliver) {}
+
+    void takeAny(const QUrl &url) {
+        if (QFileInfo(url.toLocalFile()).isDir())
+            takeFolder(url.toLocalFile());
+        else if (PlaylistFile::isPlaylist(url))
+            takePlaylist(url);
+        else
+            takeFile(url, {});
+    }
+
+    void deliver() {
+        if (!isCancelled())
+            m_deliver(std::exchange(m_batch, {}));
+        m_sinceDelivery.start();
+    }
+
+  private:
+    [[nodiscard]] bool isCancelled() const { return m_cancelled.load(std::memory_order_relaxed); }
+
+    void takeFile(const QUrl &url, const QString &listedTitle) {
+        if (isCancelled())
+            return;
+        try {
+            Track track = Track::file(url);
+            if (!listedTitle.isEmpty() && !hasOwnTitle(track, url))
+                track.title = listedTitle;
+            m_batch.tracks.push_back(std::move(track));
+        } catch (const AudioCoreError &error) {
+            m_batch.skipped.push_back({url, error.description()});
+        }
+        if (!m_sinceDelivery.isValid() || m_sinceDelivery.elapsed() >= batchInterval)
+            deliver();
+    }
+
+    void takeFolder(const QString &folder) {
+        QStringList files;
+        QDirIterator walk(folder, audioPatterns(), QDir::Files | QDir::Readable,
+                          QDirIterator::Subdirectories);
+        while (walk.hasNext() && files.size() < maxFiles && !isCancelled())
+            files.append(walk.next());
+        files.sort(Qt::CaseInsensitive);
+        for (const QString &file : files)
+            takeFile(QUrl::fromLocalFile(file), {});
+    }
+
+    void takePlaylist(const QUrl &list) {
+        PlaylistFile::Contents contents = PlaylistFile::read(list);
+        for (const PlaylistEntry &entry : contents.entries)
+            takeFile(entry.url, entry.title);
+        m_batch.skipped.insert(m_batch.skipped.end(), contents.skipped.begin(), contents.skipped.end());
+    }
+
+    const std::atomic_bool &m_cancelled;
+    const std::function<void(Batch)> &m_deliver;
+    Batch m_batch;
+    QElapsedTimer m_sinceDelivery;
+};
+
+} // namespace
+
+const QStringList &audioPatterns() {
+    static const QStringList value = [] {
+        QStringList patterns;
+        for (const char *extension : {"flac", "mp3", "m4a", "aac", "ogg", "oga", "opus", "wav", "aif", "aiff",
+                                      "aifc", "wma", "ape", "wv",  "mpc", "tta", "mka",  "mp2", "mp4", "m4b",
+                                      "ac3",  "dts", "spx", "au",  "caf", "w64", "alac", "dsf", "dff"})
+            patterns.append(QLatin1String("*.") + QLatin1String(extension));
+        return patterns;
+    }();
+    return value;
+}
+
+void load(const QList<QUrl> &urls, const std::atomic_bool &cancelled,
+          const std::function<void(Batch)> &deliver) {
+    Loader loader(cancelled, deliver);
+    for (const QUrl &url : urls)
+        loader.takeAny(url);
+    loader.deliver();
+}
+
+} // namespace vantor::TrackLoader

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "AudioCore/Queue/SkippedFile.h"
+#include "AudioCore/Queue/Track.h"
+
+#include <QStringList>
+
+#include <atomic>
+#include <functional>
+#include <vector>
+
+/// Expands files, folders and playlists into tracks. Worker threads.
+namespace vantor::TrackLoader {
+
+struct Batch {
+    std::vector<Track> tracks;
+    std::vector<SkippedFile> skipped;
+};
+
+/// Glob patterns of the audio files that folders give ("*.flac" …).
+[[nodiscard]] const QStringList &audioPatterns();
+
+/// Folders are walked in name order and give the files whose extension is an audio one; playlists give what
+/// they name, and their titles to files that have none; other files are tried whatever they are called.
+/// Delivers the first track at once and the others several at a time, on the calling thread, and ends with a
+/// delivery that may be empty. Once cancelled it returns soon and delivers no more.
+void load(const QList<QUrl> &urls, const std::atomic_bool &cancelled,
+          const std::function<void(Batch)> &deliver);
+
+} // namespace vantor::TrackLoader

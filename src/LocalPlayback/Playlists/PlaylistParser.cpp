@@ -1,0 +1,260 @@
+#include "LocalPlayback/Playlists/PlaylistParser.h"
+
+#include "Platform/TextDecoding.h"
+#include "Platform/TextLines.h"
+
+#include <QXmlStreamReader>
+
+#include <map>
+#include <optional>
+
+namespace vantor::PlaylistParser {
+
+namespace {
+
+constexpr qsizetype longestTitle = 1024; // as of a tag; the rest is dropped
+
+QString tidy(QStringView text) {
+    return text.left(longestTitle).toString().simplified();
+}
+
+QString joined(const QString &artist, const QString &title) {
+    return artist.isEmpty() || title.isEmpty() ? title : artist + QStringLiteral(" - ") + title;
+}
+
+/// Adds a line unless the list is full. Whether to go on.
+bool add(Result &result, Line line, size_t maxLines) {
+    result.isCut = result.lines.size() >= maxLines;
+    if (!result.isCut)
+        result.lines.push_back(std::move(line));
+    return !result.isCut;
+}
+
+/// The text after "#EXTINF:seconds attributes,". Attributes are name="value", and commas may stand in them.
+QString titleOfExtInf(QStringView text) {
+    bool quoted = false;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        if (text[i] == u'"')
+            quoted = !quoted;
+        else if (text[i] == u',' && !quoted)
+            return tidy(text.sliced(i + 1));
+    }
+    const qsizetype comma = text.indexOf(u',');
+    return comma < 0 ? QString() : tidy(text.sliced(comma + 1));
+}
+
+Result parseM3U(const QString &text, size_t maxLines) {
+    Result result;
+    QString title;
+    forEachLine(text, [&](QStringView line) {
+        const QStringView trimmed = line.trimmed();
+        if (trimmed.startsWith(u"#EXTINF:", Qt::CaseInsensitive))
+            title = titleOfExtInf(trimmed.sliced(8));
+        if (trimmed.isEmpty() || trimmed.startsWith(u'#'))
+            return true;
+        return add(result, {.location = trimmed.toString(), .title = std::exchange(title, {})}, maxLines);
+    });
+    return result;
+}
+
+Result parsePLS(const QString &text, size_t maxLines) {
+    std::map<int, Line> numbered; // File2 may come before File1, Title1 before both
+    Result result;
+    forEachLine(text, [&](QStringView line) {
+        const qsizetype equals = line.indexOf(u'=');
+        if (equals < 0)
+            return true;
+        const QStringView key = line.first(equals).trimmed();
+        const QStringView value = line.sliced(equals + 1).trimmed();
+        const bool isFile = key.startsWith(u"file", Qt::CaseInsensitive);
+        if (!isFile && !key.startsWith(u"title", Qt::CaseInsensitive))
+            return true;
+        bool ok = false;
+        const int number = key.sliced(isFile ? 4 : 5).toInt(&ok);
+        if (!ok)
+            return true;
+        if (numbered.size() >= maxLines && !numbered.contains(number))
+            result.isCut = true;
+        else if (isFile)
+            numbered[number].location = value.toString();
+        else
+            numbered[number].title = tidy(value);
+        return true;
+    });
+    for (auto &[number, line] : numbered) {
+        if (!line.location.isEmpty())
+            result.lines.push_back(std::move(line));
+    }
+    return result;
+}
+
+// QXmlStreamReader::skipCurrentElement() follows any depth, at a price in memory for each level.
+void skipElement(QXmlStreamReader &xml) {
+    constexpr int maxXMLDepth = 64;
+    int depth = 1;
+    while (depth > 0 && !xml.atEnd()) {
+        xml.readNext();
+        if (xml.isStartElement())
+            ++depth;
+        else if (xml.isEndElement())
+            --depth;
+        if (depth > maxXMLDepth)
+            xml.raiseError();
+    }
+}
+
+Line xspfTrack(QXmlStreamReader &xml) {
+    Line line;
+    line.isURI = true;
+    QString artist;
+    QString title;
+    while (xml.readNextStartElement()) {
+        if (xml.name() == u"location" && line.location.isEmpty()) // others are the same music elsewhere
+            line.location = xml.readElementText().trimmed();
+        else if (xml.name() == u"title")
+            title = tidy(xml.readElementText());
+        else if (xml.name() == u"creator")
+            artist = tidy(xml.readElementText());
+        else
+            skipElement(xml);
+    }
+    line.title = joined(artist, title);
+    return line;
+}
+
+Result parseXSPF(const QByteArray &bytes, size_t maxLines) {
+    Result result;
+    QXmlStreamReader xml(bytes);
+    if (!xml.readNextStartElement() || xml.name() != u"playlist") {
+        result.isDamaged = true;
+        return result;
+    }
+    while (!result.isCut && xml.readNextStartElement()) {
+        if (xml.name() != u"trackList") {
+            skipElement(xml);
+            continue;
+        }
+        while (!result.isCut && xml.readNextStartElement()) {
+            if (xml.name() != u"track") {
+                skipElement(xml);
+                continue;
+            }
+            Line line = xspfTrack(xml);
+            if (!line.location.isEmpty() && !xml.hasError())
+                add(result, std::move(line), maxLines);
+        }
+    }
+    result.isDamaged = xml.hasError();
+    return result;
+}
+
+/// The rest of a cue line behind the command: without its quotes, or of a FILE line without the type.
+QString cueValue(QStringView rest, bool hasType) {
+    rest = rest.trimmed();
+    const qsizetype end = rest.startsWith(u'"') ? rest.indexOf(u'"', 1) : -1;
+    if (end > 0)
+        return rest.sliced(1, end - 1).toString();
+    const qsizetype blank = hasType ? rest.lastIndexOf(u' ') : -1;
+    return (blank < 0 ? rest : rest.first(blank)).trimmed().toString();
+}
+
+// A sheet lists the tracks inside each file. A queue entry is a whole file, so each file comes once: under
+// the title of its track when it has only one, under the album's otherwise.
+class CueReader {
+  public:
+    explicit CueReader(size_t maxLines) : m_maxLines(maxLines) {}
+
+    /// Whether to go on.
+    bool take(QStringView line) {
+        line = line.trimmed();
+        const QStringView command = line.first(std::max<qsizetype>(line.indexOf(u' '), 0));
+        const QStringView rest = line.sliced(command.size());
+        const auto is = [&](QStringView name) { return command.compare(name, Qt::CaseInsensitive) == 0; };
+        if (is(u"FILE")) {
+            const bool room = endFile();
+            m_file = cueValue(rest, true);
+            return room;
+        }
+        if (is(u"TRACK")) {
+            ++m_tracks;
+            m_track = m_album;
+            m_track.title.clear();
+        } else if (is(u"TITLE")) {
+            (m_tracks > 0 ? m_track : m_album).title = tidy(cueValue(rest, false));
+        } else if (is(u"PERFORMER")) {
+            (m_tracks > 0 ? m_track : m_album).artist = tidy(cueValue(rest, false));
+        }
+        return true;
+    }
+
+    Result finish() {
+        endFile();
+        return std::move(m_result);
+    }
+
+  private:
+    struct Names {
+        QString artist;
+        QString title;
+    };
+
+    bool endFile() {
+        const Names &names = m_tracks == 1 && !m_track.title.isEmpty() ? m_track : m_album;
+        m_tracks = 0;
+        const QString file = std::exchange(m_file, {});
+        if (file.isEmpty())
+            return true;
+        return add(m_result, {.location = file, .title = joined(names.artist, names.title)}, m_maxLines);
+    }
+
+    Result m_result;
+    size_t m_maxLines;
+    QString m_file;
+    int m_tracks = 0; ///< of this file
+    Names m_album;
+    Names m_track;
+};
+
+Result parseCue(const QString &text, size_t maxLines) {
+    CueReader reader(maxLines);
+    forEachLine(text, [&](QStringView line) { return reader.take(line); });
+    return reader.finish();
+}
+
+} // namespace
+
+Format formatOf(const QByteArray &bytes, const QString &extension) {
+    const QByteArray start = bytes.first(std::min<qsizetype>(bytes.size(), 64)).trimmed().toLower();
+    const QByteArrayView word = start.startsWith("\xEF\xBB\xBF") ? QByteArrayView(start).sliced(3) : start;
+    if (word.startsWith("#extm3u"))
+        return Format::m3u;
+    if (word.startsWith("[playlist]"))
+        return Format::pls;
+    if (word.startsWith("<?xml") || word.startsWith("<playlist"))
+        return Format::xspf;
+    if (extension == QLatin1String("pls"))
+        return Format::pls;
+    if (extension == QLatin1String("xspf"))
+        return Format::xspf;
+    return extension == QLatin1String("cue") ? Format::cue : Format::m3u;
+}
+
+Result parse(const QByteArray &bytes, Format format, size_t maxLines) {
+    if (format == Format::xspf)
+        return parseXSPF(bytes, maxLines);
+    if (bytes.contains('\0')) // no text: a picture or music under a list's name
+        return {.lines = {}, .isDamaged = true};
+    const QString text = TextDecoding::lenient(bytes);
+    switch (format) {
+    case Format::pls:
+        return parsePLS(text, maxLines);
+    case Format::cue:
+        return parseCue(text, maxLines);
+    case Format::m3u:
+    case Format::xspf:
+        break;
+    }
+    return parseM3U(text, maxLines);
+}
+
+} // namespace vantor::PlaylistParser

@@ -1,0 +1,106 @@
+#include "LocalPlayback/Playlists/PlaylistFile.h"
+
+#include "LocalPlayback/LocalPlaybackError.h"
+#include "tests/LocalPlayback/FolderFixture.h"
+
+using namespace vantor;
+
+using PlaylistFileTest = test::FolderFixture;
+
+namespace {
+
+/// File names of the entries and, behind "!", of what was skipped.
+QString summary(const PlaylistFile::Contents &contents) {
+    QStringList names;
+    for (const PlaylistEntry &entry : contents.entries)
+        names << entry.url.fileName();
+    for (const SkippedFile &file : contents.skipped)
+        names << u'!' + file.url.fileName() + u' ' + file.reason;
+    return names.join(u' ');
+}
+
+} // namespace
+
+TEST_F(PlaylistFileTest, FindsWhatTheLineMeans) {
+    makeFolder(u"sub"_qs);
+    for (const QString &name : {u"a b.mp3"_qs, u"100%41.mp3"_qs, u"sub/c.mp3"_qs, u"back\\slash.mp3"_qs})
+        write(name, "");
+    const std::pair<QByteArray, QUrl> rows[] = {
+        {"a%20b.mp3", url(u"a b.mp3"_qs)},
+        {"100%41.mp3", url(u"100%41.mp3"_qs)},
+        {"gone%20.mp3", url(u"gone%20.mp3"_qs)},
+        {"sub\\c.mp3", url(u"sub/c.mp3"_qs)},
+        {"back\\slash.mp3", url(u"back\\slash.mp3"_qs)},
+        {"/etc/x.mp3", QUrl::fromLocalFile(u"/etc/x.mp3"_qs)},
+        {"file:///m/%C3%BC.mp3", QUrl::fromLocalFile(u"/m/ü.mp3"_qs)},
+        {"HTTP://radio.example/a?b=c", QUrl(u"http://radio.example/a?b=c"_qs)},
+        {"<playlist><trackList><track><location>sub/c%2emp3</location></track></trackList></playlist>",
+         url(u"sub/c.mp3"_qs)},
+    };
+    for (const auto &[line, expected] : rows)
+        EXPECT_EQ(PlaylistFile::read(write(u"list.m3u"_qs, line)),
+                  (PlaylistFile::Contents{.entries = {{expected, {}}}, .skipped = {}}))
+            << line.toStdString();
+}
+
+TEST_F(PlaylistFileTest, FollowsListsWithinBoundsAndSaysWhatWasLeftOut) {
+    makeFolder(u"sub"_qs);
+    for (int depth = 0; depth <= 5; ++depth)
+        write(u"deep%1.m3u"_qs.arg(depth),
+              QStringLiteral("d%1\ndeep%2.m3u").arg(depth).arg(depth + 1).toUtf8());
+    write(u"one.m3u"_qs, "x");
+    write(u"sub/other.m3u"_qs, "w\n../circle.m3u");
+    write(u"full.m3u"_qs, QByteArray("a\n").repeated(100'000));
+    const struct {
+        QString name;
+        QByteArray bytes;
+        QString expected;
+    } rows[] = {
+        {u"deep.m3u8"_qs, "deep1.m3u",
+         u"d1 d2 d3 d4 !deep5.m3u This playlist lies too deep inside other playlists."_qs},
+        {u"twice.pls"_qs, "File1=one.m3u\nFile2=one.m3u", u"x x"_qs},
+        {u"circle.m3u"_qs, "y\nsub/other.m3u\nz", u"y w z !circle.m3u This playlist contains itself."_qs},
+        {u"gap.m3u"_qs, "gone.m3u\nx", u"x !gone.m3u This playlist could not be read."_qs},
+        {u"large.m3u"_qs, QByteArray((16 << 20) + 1, '#'), u"!large.m3u This playlist file is too large."_qs},
+        {u"old.m3u"_qs, "mms://a/b\nc", u"c !b This kind of address is not supported."_qs},
+        {u"picture.m3u"_qs, QByteArray(9, '\0'), u"!picture.m3u This playlist file is damaged."_qs},
+        {u"long.m3u"_qs, "a\nfull.m3u\nb",
+         QStringList(100'000, u"a"_qs).join(u' ') +
+             u" !full.m3u This playlist is too long; its end was left out. "
+             "!long.m3u This playlist is too long; its end was left out."_qs},
+        {u"fan.m3u"_qs, "y\n" + QByteArray("one.m3u\n").repeated(1'000),
+         u"y "_qs + QStringList(999, u"x"_qs).join(u' ') +
+             u" !one.m3u Too many playlists are inside each other."_qs},
+    };
+    for (const auto &row : rows)
+        EXPECT_TRUE(summary(PlaylistFile::read(write(row.name, row.bytes))) == row.expected)
+            << row.name.toStdString();
+}
+
+TEST_F(PlaylistFileTest, WhatIsWrittenIsReadBack) {
+    std::vector<Track> tracks;
+    std::vector<PlaylistEntry> expected;
+    for (const QUrl &file :
+         {url(u"plain.mp3"_qs), url(u"sub/ü €.mp3"_qs), QUrl::fromLocalFile(u"/elsewhere/x"_qs),
+          url(u"#hash.mp3"_qs), url(u" blank.mp3 "_qs), url(u"line\nbreak.mp3"_qs), url(u"50%25.mp3"_qs),
+          QUrl(u"https://radio.example/a%20b"_qs)}) {
+        Track track;
+        track.title = u"New\nline"_qs;
+        track.artist = tracks.empty() ? QString() : u"Artist"_qs;
+        track.duration = 61.6;
+        track.source = file;
+        expected.push_back({file, tracks.empty() ? u"New line"_qs : u"Artist - New line"_qs});
+        tracks.push_back(track);
+    }
+    tracks.push_back(tracks.back());
+    tracks.back().source = MediaID{MediaKind::track, u"7"_qs}; // has no address
+    for (const QString &name : {u"list.m3u8"_qs, u"list.PLS"_qs}) {
+        PlaylistFile::write(url(name), tracks);
+        EXPECT_EQ(PlaylistFile::read(url(name)), (PlaylistFile::Contents{expected, {}}))
+            << name.toStdString();
+    }
+    EXPECT_TRUE(read(u"list.m3u8"_qs)
+                    .startsWith("#EXTM3U\n#EXTINF:62,New line\nplain.mp3\n"
+                                "#EXTINF:62,Artist - New line\nsub/\xC3\xBC \xE2\x82\xAC.mp3\n"));
+    EXPECT_THROW(PlaylistFile::write(url(u"no/folder/x.pls"_qs), tracks), LocalPlaybackError);
+}

@@ -28,6 +28,8 @@ void AnalyzerTap::prepare(double sampleRate) {
 
 void AnalyzerTap::resetCursor() {
     m_cursor.position.reset();
+    m_cursor.lastWriteCount.reset();
+    m_cursor.stalledSeconds = 0;
     m_cursor.carry = 0;
 }
 

@@ -24,7 +24,7 @@ class AnalyzerTap {
 
     /// Rebuilds the analyser for a rate in Hz; 0 or less leaves none.
     void prepare(double sampleRate);
-    /// Forgets the place in the sound, for example after a seek.
+    /// Forgets the place in the sound, for example after a seek or a time without pictures.
     void resetCursor();
     /// The picture for this display refresh, `elapsed` seconds after the last; none without enough sound.
     [[nodiscard]] std::optional<VisFrame> frame(double elapsed);

@@ -28,7 +28,7 @@ class SpectrumAnalyzer {
     ~SpectrumAnalyzer();
 
     /// `samples`: exactly fftSize, the newest last; `spectrum`: columnCount levels 0…1; `scope`: scopeLength
-    /// samples −1…1. A full-scale sine in the middle of a bin reads 1. What is not a number reads 0.
+    /// samples −1…1. A full-scale sine in the middle of a bin reads −6 dB. What is not a number reads 0.
     void analyze(std::span<const float> samples, std::span<float> spectrum, std::span<float> scope);
 
     [[nodiscard]] const SpectrumColumnMap &columnMap() const { return m_columnMap; }

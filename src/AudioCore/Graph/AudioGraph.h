@@ -11,9 +11,8 @@ namespace vantor {
 
 class AnalyzerTap;
 
-/// Everything between decoded sound and the output: the player node, the equalizer, then the mixer's volume and
-/// balance.
-/// The analyser listens before the mixer, so that its picture does not shrink with the volume.
+/// Everything between decoded sound and the output: the player node, the equalizer, then the mixer's volume
+/// and balance. The analyser listens before the mixer, so that its picture does not shrink with the volume.
 class AudioGraph {
   public:
     /// Hz; the tap outlives the graph and may be null.

@@ -18,7 +18,8 @@ namespace vantor {
 /// `render` runs on the client library's thread.
 class PulseAudioOutput final : public AudioOutput {
   public:
-    /// Connects, which takes a second at most; throws AudioCoreError::engineStart when no server answers.
+    /// Connects, which takes milliseconds, or two seconds at most with a server that hangs; throws
+    /// AudioCoreError::engineStart when no server answers.
     PulseAudioOutput();
     ~PulseAudioOutput() override;
 

@@ -40,7 +40,7 @@ std::vector<TrackInfo::Row> TrackInfo::rows() const {
     add("Title", title);
     add("Artist", artist);
     add("Album", album.value_or(QString()));
-    if (duration)
+    if (duration && *duration > 0)
         add("Duration", durationText(*duration));
     if (format)
         add("Format", formatText(*format));

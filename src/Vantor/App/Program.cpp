@@ -45,25 +45,36 @@ void setUpApplication() {
     QApplication::setWindowIcon(icon);
 }
 
+QUrl demoTrack() {
+    const QString path = AppPaths::sharedFile(QStringLiteral("demo.flac"));
+    return path.isEmpty() ? QUrl() : QUrl::fromLocalFile(path);
+}
+
+bool isOnlyTheDemo(const std::vector<Track> &tracks) {
+    return tracks.size() == 1 && tracks.front().source == Track::Source(demoTrack());
+}
+
 /// The queue of the last run, kept from now on. A timed run neither takes it nor touches it.
 class SavedQueue {
   public:
     explicit SavedQueue(Player &player)
-        : m_store(QueueStore::defaultURL()), m_isNew(!QFileInfo::exists(m_store.fileURL().toLocalFile())),
-          m_autosaver(player, m_store, autosaveDelay) {
-        if (const std::optional<QueueSnapshot> saved = m_store.load())
+        : m_store(QueueStore::defaultURL()), m_autosaver(player, m_store, autosaveDelay) {
+        if (const std::optional<QueueSnapshot> saved = m_store.load();
+            saved && !isOnlyTheDemo(saved->items)) {
             player.restoreQueue(saved->items, saved->currentIndex, saved->repeatMode, saved->isShuffled);
+            m_hasTracks = !saved->items.empty();
+        }
         m_autosaver.start();
     }
     ~SavedQueue() { m_autosaver.flush(); }
 
-    /// No queue was ever saved.
-    [[nodiscard]] bool isNew() const { return m_isNew; }
+    /// There was something of the user's own in it.
+    [[nodiscard]] bool hasTracks() const { return m_hasTracks; }
 
   private:
     QueueStore m_store;
-    bool m_isNew;
     QueueAutosaver m_autosaver;
+    bool m_hasTracks = false;
 };
 
 // The skin asked for, else the one worn last; and the files asked for, else the demo track if there is no
@@ -73,15 +84,14 @@ void openWhatWasAskedFor(PlayerModel &model, const LaunchOptions &options, const
     const QString lastSkin = settings.value(QStringLiteral("skin")).toString();
     if (options.skin)
         model.wear(*options.skin);
-    else if (!lastSkin.isEmpty())
+    else if (QFileInfo::exists(lastSkin))
         model.wear(QUrl::fromLocalFile(lastSkin));
 
-    if (!options.files.isEmpty()) {
+    if (!options.files.isEmpty())
         model.open(options.files);
-    } else if (const QString demo = AppPaths::sharedFile(QStringLiteral("demo.flac"));
-               withDemo && !demo.isEmpty()) {
-        model.open({QUrl::fromLocalFile(demo)});
-    }
+    const bool nothingToPlay = !model.isImporting() && model.player().queue().count() == 0;
+    if (nothingToPlay && withDemo && demoTrack().isValid())
+        model.open({demoTrack()});
 }
 
 int print(const LaunchOptions::Message &message) {
@@ -116,14 +126,23 @@ int runProgram(int argc, char **argv) {
     if (!options.seconds)
         savedQueue.emplace(player);
     MainWindow window(model);
+    std::optional<TimedRun> timedRun;
     if (options.seconds)
-        new TimedRun(model, window, *options.seconds,
-                     options.screenshot.value_or(QString())); // the window owns it
+        timedRun.emplace(model, window, *options.seconds, options.screenshot.value_or(QString()));
     window.show();
-    const bool withDemo = !savedQueue || savedQueue->isNew();
+    const bool withDemo = !savedQueue || !savedQueue->hasTracks();
     QMetaObject::invokeMethod(
-        &model, [&] { openWhatWasAskedFor(model, options, settings, withDemo); }, Qt::QueuedConnection);
-    return QApplication::exec();
+        &model,
+        [&] {
+            openWhatWasAskedFor(model, options, settings, withDemo);
+            if (timedRun)
+                timedRun->begin();
+        },
+        Qt::QueuedConnection);
+    const int status = QApplication::exec();
+    if (!timedRun && options.screenshot && !window.savePicture(*options.screenshot))
+        return print({QStringLiteral("Could not write ") + *options.screenshot, 1});
+    return status;
 }
 
 } // namespace vantor

@@ -27,6 +27,8 @@ QString nameOf(PlaybackState state) {
     return {};
 }
 
+constexpr std::chrono::seconds longestWait{60}; // for the first sound
+
 QString decibels(float peak) {
     return peak > 0 ? QStringLiteral("%1 dB").arg(20 * std::log10(peak), 0, 'f', 1)
                     : QStringLiteral("silent");
@@ -35,8 +37,7 @@ QString decibels(float peak) {
 } // namespace
 
 TimedRun::TimedRun(PlayerModel &model, MainWindow &window, double seconds, QString screenshot)
-    : QObject(&window), m_model(model), m_window(window), m_seconds(seconds),
-      m_screenshot(std::move(screenshot)) {
+    : m_model(model), m_window(window), m_seconds(seconds), m_screenshot(std::move(screenshot)) {
     m_clock.start();
     m_reports.setInterval(1000);
     m_reports.setTimerType(Qt::PreciseTimer);
@@ -48,7 +49,21 @@ TimedRun::TimedRun(PlayerModel &model, MainWindow &window, double seconds, QStri
         refuse(tr("Could not load %1: %2").arg(name, message));
     });
     connect(&model, &PlayerModel::importsFinished, this, &TimedRun::finishIfNothingPlays);
-    model.player().addEventObserver([this](const PlayerEvent &event) { handle(event); });
+    m_observer = model.player().addEventObserver([this](const PlayerEvent &event) { handle(event); });
+}
+
+TimedRun::~TimedRun() {
+    m_model.player().removeEventObserver(m_observer);
+}
+
+void TimedRun::begin() {
+    finishIfNothingPlays();
+    QTimer::singleShot(longestWait, this, [this] {
+        if (m_started)
+            return;
+        refuse(tr("Nothing began to play"));
+        finish();
+    });
 }
 
 void TimedRun::print(const char *kind, const QString &text) const {
@@ -81,6 +96,7 @@ void TimedRun::handle(const PlayerEvent &event) {
 }
 
 void TimedRun::report() {
+    m_reportedAt = static_cast<double>(m_clock.elapsed()) / 1000;
     Player &player = m_model.player();
     print("time", QStringLiteral("%1  peak %2")
                       .arg(MarqueeText::time(player.currentTime()), decibels(player.takePeak())));
@@ -100,10 +116,13 @@ void TimedRun::finish() {
     if (std::exchange(m_finished, true))
         return;
     m_reports.stop();
-    if (m_started)
+    // A level needs some sound to be measured over.
+    if (m_started && static_cast<double>(m_clock.elapsed()) / 1000 - m_reportedAt > 0.5)
         report();
+    if (!m_started && !m_refused)
+        refuse(tr("There is nothing to play"));
     if (!m_screenshot.isEmpty()) {
-        if (m_window.picture().save(m_screenshot))
+        if (m_window.savePicture(m_screenshot))
             print("image", m_screenshot);
         else
             refuse(tr("Could not write %1").arg(m_screenshot));

@@ -20,6 +20,10 @@ class TimedRun : public QObject {
 
   public:
     TimedRun(PlayerModel &model, MainWindow &window, double seconds, QString screenshot);
+    ~TimedRun() override;
+
+    /// To be called once everything that was asked for is under way.
+    void begin();
 
   private:
     void print(const char *kind, const QString &text) const;
@@ -30,11 +34,13 @@ class TimedRun : public QObject {
     void finish();
 
     PlayerModel &m_model;
+    PlayerEventToken m_observer;
     MainWindow &m_window;
     double m_seconds;
     QString m_screenshot; ///< empty: no picture
     QElapsedTimer m_clock;
-    QTimer m_reports; ///< a line about time and level every second
+    QTimer m_reports;        ///< a line about time and level every second
+    double m_reportedAt = 0; ///< seconds
     bool m_started = false;
     bool m_refused = false;
     bool m_finished = false;

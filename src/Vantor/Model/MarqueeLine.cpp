@@ -10,6 +10,9 @@ namespace {
 
 constexpr double speed = 30;          // pixels a second: readable, and whole pixels at 60 and 30 Hz
 constexpr double pauseAtTheStart = 2; // seconds in which a new title stands still
+// A notice is gone after three seconds, and should have been read.
+constexpr double noticeSpeed = 75;
+constexpr double noticePause = 0.6;
 
 } // namespace
 
@@ -23,6 +26,7 @@ void MarqueeLine::setTitle(const QString &title) {
 
 void MarqueeLine::setNotice(const StatusNotice &notice) {
     m_notice = notice;
+    m_noticeAge = 0;
 }
 
 bool MarqueeLine::hasNotice(StatusNotice::Clock::time_point now) const {
@@ -39,14 +43,18 @@ QString MarqueeLine::text(StatusNotice::Clock::time_point now) const {
 }
 
 bool MarqueeLine::scrolls(StatusNotice::Clock::time_point now) const {
-    return !m_dragText && !hasNotice(now) && Marquee::scrolls(m_title);
+    return !m_dragText && Marquee::scrolls(text(now));
 }
 
 int MarqueeLine::offset(StatusNotice::Clock::time_point now) const {
-    return scrolls(now) ? static_cast<int>(m_offset) : 0;
+    if (!scrolls(now))
+        return 0;
+    return static_cast<int>(hasNotice(now) ? std::max(0.0, m_noticeAge - noticePause) * noticeSpeed
+                                           : m_offset);
 }
 
 void MarqueeLine::advance(double elapsed) {
+    m_noticeAge += elapsed;
     if (m_held)
         return;
     m_pause -= elapsed;

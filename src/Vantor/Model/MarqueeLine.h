@@ -36,7 +36,8 @@ class MarqueeLine {
     std::optional<StatusNotice> m_notice;
     std::optional<QString> m_dragText;
     double m_offset = 0;
-    double m_pause = 0; ///< seconds left before the title begins to move
+    double m_pause = 0;     ///< seconds left before the title begins to move
+    double m_noticeAge = 0; ///< seconds for which the notice has been moving or about to
     bool m_held = false;
 };
 

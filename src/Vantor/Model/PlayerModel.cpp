@@ -60,7 +60,7 @@ PlayerModel::PlayerModel(Player &player, QSettings &settings, QObject *parent)
     restoreSettings();
     updateTitle();
 
-    player.addEventObserver([this](const PlayerEvent &event) { handle(event); });
+    m_observer = player.addEventObserver([this](const PlayerEvent &event) { handle(event); });
     connect(&player, &Player::queueChanged, this, [this] {
         updateTitle();
         Q_EMIT sceneChanged();
@@ -71,7 +71,7 @@ PlayerModel::PlayerModel(Player &player, QSettings &settings, QObject *parent)
 
     connect(&m_skinLoader, &SkinLoader::loaded, this, &PlayerModel::setSkin);
     connect(&m_skinLoader, &SkinLoader::refused, this, [this](const QUrl &url, const QString &message) {
-        const QString name = QFileInfo(url.toLocalFile()).fileName();
+        const QString name = url.fileName();
         qCWarning(playerModelLog, "could not load skin %s: %s", qUtf8Printable(name),
                   qUtf8Printable(message));
         notify(StatusNotice::skinFailed(name, StatusNotice::Clock::now()));
@@ -82,6 +82,10 @@ PlayerModel::PlayerModel(Player &player, QSettings &settings, QObject *parent)
             [this](quint64, int added, const std::vector<SkippedFile> &skipped) {
                 finishImport(added, skipped);
             });
+}
+
+PlayerModel::~PlayerModel() {
+    m_player.removeEventObserver(m_observer);
 }
 
 MainWindowScene PlayerModel::scene() const {
@@ -151,7 +155,7 @@ void PlayerModel::advanceVisualizer(double elapsed) {
         return;
     }
     const std::optional<VisFrame> frame =
-        state == PlaybackState::playing ? m_player.analyzer().frame(elapsed) : std::nullopt;
+        state == PlaybackState::playing ? nextPicture(elapsed) : std::nullopt;
     if (m_visualizerMode == VisualizerMode::oscilloscope) {
         if (frame)
             m_picture = VisualizerScope{frame->scope};
@@ -167,6 +171,16 @@ void PlayerModel::advanceVisualizer(double elapsed) {
         m_picture = std::monostate();
 }
 
+// After a time without pictures (a pause, a hidden window) the analyser must not take the sound that went by
+// for one enormous delivery.
+std::optional<VisFrame> PlayerModel::nextPicture(double elapsed) {
+    constexpr qint64 longestGap = 250; // ms
+    if (!m_sincePicture.isValid() || m_sincePicture.elapsed() > longestGap)
+        m_player.analyzer().resetCursor();
+    m_sincePicture.start();
+    return m_player.analyzer().frame(elapsed);
+}
+
 // Skins
 
 void PlayerModel::wear(const QUrl &skin) {
@@ -174,6 +188,7 @@ void PlayerModel::wear(const QUrl &skin) {
 }
 
 void PlayerModel::wearDefaultSkin() {
+    m_skinLoader.cancel();
     setSkin({}, SkinLoader::defaultSkin());
 }
 
@@ -204,6 +219,8 @@ void PlayerModel::startImport(const QList<QUrl> &urls, bool replace) {
     }
     if (music.isEmpty())
         return;
+    if (replace)
+        m_importer.cancel();
     ++m_pendingImports;
     const quint64 import = m_importer.import(music);
     if (replace)
@@ -232,22 +249,29 @@ void PlayerModel::finishImport(int added, const std::vector<SkippedFile> &skippe
     if (const auto notice =
             StatusNotice::skipped(static_cast<int>(skipped.size()), added, StatusNotice::Clock::now()))
         notify(*notice);
+    else if (added == 0)
+        showNotice(tr("No audio files found"));
     if (--m_pendingImports == 0)
         Q_EMIT importsFinished();
 }
 
 void PlayerModel::handle(const PlayerEvent &event) {
-    if (const auto *failed = std::get_if<PlayerEvents::Failed>(&event))
+    if (const auto *failed = std::get_if<PlayerEvents::Failed>(&event)) {
         handleFailure(failed->failure);
-    else if (std::holds_alternative<PlayerEvents::TrackChanged>(event))
+    } else if (std::holds_alternative<PlayerEvents::TrackChanged>(event)) {
         updateTitle();
-    else if (std::holds_alternative<PlayerEvents::Seeked>(event))
-        m_player.analyzer().resetCursor();
+        if (m_draggedPosition)
+            cancelSlider(); // it was a place in the track before
+    } else if (const auto *changed = std::get_if<PlayerEvents::StateChanged>(&event)) {
+        if (changed->state == PlaybackState::stopped && m_draggedPosition)
+            cancelSlider();
+    }
     Q_EMIT sceneChanged();
 }
 
 void PlayerModel::handleFailure(const PlaybackFailure &failure) {
-    const QString name = failure.track ? failure.track->title : QStringLiteral("this track");
+    const bool named = failure.track && !failure.track->title.isEmpty();
+    const QString name = named ? failure.track->title : QStringLiteral("this track");
     qCWarning(playerModelLog, "could not play %s: %s", qUtf8Printable(name), qUtf8Printable(failure.message));
     notify(StatusNotice::playbackFailed(failure, StatusNotice::Clock::now()));
     Q_EMIT trackRefused(name, failure.message);
@@ -265,7 +289,9 @@ void PlayerModel::updateTitle() {
 
 void PlayerModel::notify(const StatusNotice &notice) {
     m_marquee.setNotice(notice);
-    QTimer::singleShot(StatusNotice::duration, this, &PlayerModel::sceneChanged);
+    // Not a moment too early, or the notice would be painted once more and then stay.
+    constexpr std::chrono::milliseconds margin{20};
+    QTimer::singleShot(StatusNotice::duration + margin, Qt::PreciseTimer, this, &PlayerModel::sceneChanged);
     Q_EMIT sceneChanged();
 }
 
@@ -369,14 +395,15 @@ void PlayerModel::dragSlider(MainWindowControl slider, double fraction) {
 void PlayerModel::releaseSlider() {
     if (m_draggedPosition)
         m_player.seek(*m_draggedPosition * m_player.duration());
-    store("volume", static_cast<double>(m_player.volume()));
-    store("balance", static_cast<double>(m_player.balance()));
     cancelSlider();
 }
 
 void PlayerModel::cancelSlider() {
+    store("volume", static_cast<double>(m_player.volume()));
+    store("balance", static_cast<double>(m_player.balance()));
     m_draggedPosition.reset();
     m_marquee.setDragText(std::nullopt);
+    Q_EMIT sliderCancelled();
     Q_EMIT sceneChanged();
 }
 
@@ -398,7 +425,7 @@ void PlayerModel::restoreSettings() {
     m_timeMode = timeModeFromRawValue(m_settings.value(QStringLiteral("timeMode")).toString())
                      .value_or(TimeMode::elapsed);
     m_visualizerMode =
-        static_cast<VisualizerMode>(std::clamp(static_cast<int>(number("visualizer", 0)), 0, 2));
+        static_cast<VisualizerMode>(static_cast<int>(std::clamp(number("visualizer", 0), 0.0, 2.0)));
 }
 
 void PlayerModel::store(const char *key, const QVariant &value) {

@@ -8,6 +8,7 @@
 #include "Vantor/Model/SkinLoader.h"
 #include "Vantor/Model/TrackImporter.h"
 
+#include <QElapsedTimer>
 #include <QObject>
 
 #include <chrono>
@@ -27,6 +28,7 @@ class PlayerModel : public QObject {
 
   public:
     PlayerModel(Player &player, QSettings &settings, QObject *parent = nullptr);
+    ~PlayerModel() override;
 
     [[nodiscard]] Player &player() { return m_player; }
     [[nodiscard]] const Skin &skin() const { return m_skin; }
@@ -83,6 +85,7 @@ class PlayerModel : public QObject {
     void trackRefused(const QString &name, const QString &message);
     void skinRefused(const QString &name, const QString &message);
     void importsFinished(); ///< nothing is left to import
+    void sliderCancelled(); ///< what was dragged does not follow the pointer any more
 
   private:
     void handle(const PlayerEvent &event);
@@ -94,10 +97,12 @@ class PlayerModel : public QObject {
     void updateTitle();
     void setSkin(const QUrl &url, const Skin &skin);
     void advanceVisualizer(double elapsed);
+    [[nodiscard]] std::optional<VisFrame> nextPicture(double elapsed);
     void restoreSettings();
     void store(const char *key, const QVariant &value);
 
     Player &m_player;
+    PlayerEventToken m_observer;
     QSettings &m_settings;
     SkinLoader m_skinLoader;
     TrackImporter m_importer;
@@ -114,6 +119,7 @@ class PlayerModel : public QObject {
 
     VisBars m_bars;
     VisualizerPicture m_picture;
+    QElapsedTimer m_sincePicture; ///< of sound; invalid before the first
     double m_blinkTime = 0;
     int m_pendingImports = 0;
     std::optional<quint64> m_replacingImport; ///< its first tracks replace the queue

@@ -20,6 +20,8 @@ Outcome parse(const QUrl &url) {
         return SkinParser::parse(url);
     } catch (const SkinError &error) {
         return error.description();
+    } catch (const std::bad_alloc &) {
+        return SkinError::unreadableArchive(QStringLiteral("not enough memory")).description();
     }
 }
 

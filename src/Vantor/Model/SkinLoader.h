@@ -18,6 +18,8 @@ class SkinLoader : public QObject {
     [[nodiscard]] static Skin defaultSkin();
 
     void load(const QUrl &url);
+    /// What is still loading is not reported.
+    void cancel() { ++m_newest; }
 
   Q_SIGNALS:
     void loaded(const QUrl &url, const vantor::Skin &skin);

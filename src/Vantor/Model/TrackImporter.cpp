@@ -26,6 +26,11 @@ TrackImporter::~TrackImporter() {
     m_cancelled->store(true);
 }
 
+void TrackImporter::cancel() {
+    m_cancelled->store(true);
+    m_cancelled = std::make_shared<std::atomic_bool>(false);
+}
+
 quint64 TrackImporter::import(const QList<QUrl> &urls) {
     struct Totals {
         int added = 0;

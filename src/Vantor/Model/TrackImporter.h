@@ -23,6 +23,8 @@ class TrackImporter : public QObject {
 
     /// The import's number, by which its signals name it.
     quint64 import(const QList<QUrl> &urls);
+    /// The imports under way and waiting end with what they have.
+    void cancel();
 
   Q_SIGNALS:
     /// The next tracks of an import, a few at a time so that the first can play at once.

@@ -37,6 +37,7 @@ void Commands::add(Id id, const QString &text, const QList<QKeySequence> &shortc
                    const std::function<void()> &run) {
     auto *action = new QAction(text, this);
     action->setShortcuts(shortcuts);
+    action->setAutoRepeat(false);
     connect(action, &QAction::triggered, this, run);
     m_window.addAction(action);
     m_actions.emplace(id, action);
@@ -60,6 +61,8 @@ void Commands::addPlayback() {
     add(Id::volumeDown, tr("Volume Down"), {Qt::Key_Down}, [this] { m_model.changeVolume(-volumeStep); });
     add(Id::seekBack, tr("Back 5 Seconds"), {Qt::Key_Left}, [this] { m_model.seekBy(-seekStep); });
     add(Id::seekForward, tr("Forward 5 Seconds"), {Qt::Key_Right}, [this] { m_model.seekBy(seekStep); });
+    for (const Id id : {Id::volumeUp, Id::volumeDown, Id::seekBack, Id::seekForward})
+        action(id).setAutoRepeat(true);
     add(Id::shuffle, tr("Shuffle"), {Qt::Key_S}, [this] { m_model.toggleShuffle(); });
     add(Id::repeat, tr("Repeat"), {Qt::Key_R}, [this] { m_model.toggleRepeat(); });
 }
@@ -91,9 +94,9 @@ void Commands::addWindows() {
     add(Id::alwaysOnTop, tr("Always on Top"), {Qt::CTRL | Qt::Key_A},
         [this] { m_model.setAlwaysOnTop(!m_model.isAlwaysOnTop()); });
     add(Id::equalizer, tr("Equalizer"), {Qt::ALT | Qt::Key_G},
-        [this] { m_model.showNotice(tr("The equalizer window is not there yet")); });
+        [this] { m_model.showNotice(tr("No equalizer window yet")); });
     add(Id::playlist, tr("Playlist"), {Qt::ALT | Qt::Key_E},
-        [this] { m_model.showNotice(tr("The playlist window is not there yet")); });
+        [this] { m_model.showNotice(tr("No playlist window yet")); });
     add(Id::minimize, tr("Minimise"), {Qt::CTRL | Qt::Key_M}, [this] { m_window.showMinimized(); });
     add(Id::about, tr("About Vantor"), {}, [this] { showAbout(); });
     add(Id::quit, tr("Quit"), {Qt::CTRL | Qt::Key_Q, Qt::ALT | Qt::Key_F4}, [] { QApplication::quit(); });

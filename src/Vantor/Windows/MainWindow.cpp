@@ -6,6 +6,8 @@
 
 #include <QApplication>
 #include <QDragEnterEvent>
+#include <QFileInfo>
+#include <QImageWriter>
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QPainter>
@@ -58,6 +60,10 @@ MainWindow::MainWindow(PlayerModel &model)
     connect(&model, &PlayerModel::sceneChanged, this, &MainWindow::refresh);
     connect(&model, &PlayerModel::skinChanged, this, &MainWindow::takeSkin);
     connect(&model, &PlayerModel::windowStateChanged, this, &MainWindow::applyWindowState);
+    connect(&model, &PlayerModel::sliderCancelled, this, [this] {
+        if (isSlider(m_grabbed))
+            m_grabbed = MainWindowControl::none;
+    });
     takeSkin();
 }
 
@@ -93,6 +99,12 @@ QImage MainWindow::picture() const {
     painter.setClipRegion(MainWindowRenderer::mask(m_model.skin(), m_scene.shaded, zoom()));
     MainWindowRenderer::draw(painter, m_model.skin(), composeScene(), zoom());
     return image;
+}
+
+bool MainWindow::savePicture(const QString &path) const {
+    const QByteArray format = QFileInfo(path).suffix().toLower().toLatin1();
+    const bool known = QImageWriter::supportedImageFormats().contains(format);
+    return picture().save(path, known ? nullptr : "PNG");
 }
 
 void MainWindow::takeSkin() {
@@ -180,7 +192,21 @@ void MainWindow::dragSliderTo(QPoint at) {
     m_model.dragSlider(m_grabbed, sliderOf(m_grabbed, m_model.isShaded()).fraction(at.x()));
 }
 
+void MainWindow::cancelGrab() {
+    const MainWindowControl held = std::exchange(m_grabbed, MainWindowControl::none);
+    m_pointerOnGrabbed = false;
+    m_dragStart.reset();
+    if (isSlider(held))
+        m_model.cancelSlider();
+    else if (held == MainWindowControl::marquee)
+        m_model.marquee().release();
+    refresh();
+}
+
 void MainWindow::mouseMoveEvent(QMouseEvent *event) {
+    // A menu, a dialog or a window made anew may have taken the release.
+    if (!event->buttons().testFlag(Qt::LeftButton) && (m_dragStart || m_grabbed != MainWindowControl::none))
+        cancelGrab();
     const QPoint at = skinPoint(event->position());
     const MainWindowControl under = mainWindowControlAt(at, m_model.isShaded());
     if (m_dragStart) {
@@ -267,16 +293,20 @@ void MainWindow::wheelEvent(QWheelEvent *event) {
 }
 
 void MainWindow::contextMenuEvent(QContextMenuEvent *event) {
+    cancelGrab();
     m_commands.popUpMainMenu(event->globalPos());
 }
 
 void MainWindow::dragEnterEvent(QDragEnterEvent *event) {
-    if (event->mimeData()->hasUrls())
-        event->acceptProposedAction();
+    if (!event->mimeData()->hasUrls())
+        return;
+    event->setDropAction(Qt::CopyAction); // whatever the keys propose: nothing is moved away from its owner
+    event->accept();
 }
 
 void MainWindow::dropEvent(QDropEvent *event) {
-    event->acceptProposedAction();
+    event->setDropAction(Qt::CopyAction);
+    event->accept();
     if (event->modifiers().testFlag(Qt::ShiftModifier))
         m_model.enqueue(event->mimeData()->urls());
     else
@@ -298,7 +328,18 @@ void MainWindow::showEvent(QShowEvent *event) {
 
 void MainWindow::hideEvent(QHideEvent *event) {
     QWidget::hideEvent(event);
-    scheduleTick();
+    cancelGrab();
+}
+
+void MainWindow::leaveEvent(QEvent *event) {
+    QWidget::leaveEvent(event);
+    m_pointers.rest();
+}
+
+bool MainWindow::event(QEvent *event) {
+    if (event->type() == QEvent::WindowBlocked)
+        cancelGrab();
+    return QWidget::event(event);
 }
 
 void MainWindow::closeEvent(QCloseEvent *event) {

@@ -22,6 +22,8 @@ class MainWindow : public QWidget {
 
     /// The window as it looks now, at one image pixel per window pixel; outside its outline transparent.
     [[nodiscard]] QImage picture() const;
+    /// Writes picture() in the format that the name's ending says, else as PNG.
+    [[nodiscard]] bool savePicture(const QString &path) const;
 
   protected:
     void paintEvent(QPaintEvent *event) override;
@@ -37,6 +39,8 @@ class MainWindow : public QWidget {
     void showEvent(QShowEvent *event) override;
     void hideEvent(QHideEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
+    void leaveEvent(QEvent *event) override;
+    bool event(QEvent *event) override;
 
   private:
     [[nodiscard]] int zoom() const { return m_model.isDoubleSize() ? 2 : 1; }
@@ -49,6 +53,8 @@ class MainWindow : public QWidget {
     void tick();
     void scheduleTick();
     void grab(MainWindowControl control, QPoint at, QPoint global);
+    /// Lets go of whatever the pointer held without acting on it.
+    void cancelGrab();
     void click(MainWindowControl control);
     void dragSliderTo(QPoint at);
 

@@ -65,6 +65,11 @@ void SkinPointers::showFor(MainWindowControl control, bool inTitleBar, bool shad
     show(pointerName(control, inTitleBar, shaded));
 }
 
+void SkinPointers::rest() {
+    m_timer.stop();
+    m_shown.clear();
+}
+
 // A part without a pointer of its own takes the window's ordinary one.
 void SkinPointers::show(const QString &name) {
     const QString found = m_pointers.contains(name) ? name : QStringLiteral("NORMAL");

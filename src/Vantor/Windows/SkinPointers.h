@@ -22,6 +22,8 @@ class SkinPointers : public QObject {
     void setCursors(const SkinCursors &cursors, int scale);
     /// Shows the pointer for what lies under the mouse.
     void showFor(MainWindowControl control, bool inTitleBar, bool shaded);
+    /// Stops an animation until the next showFor(): the mouse has left.
+    void rest();
 
   private:
     struct Pointer {

@@ -3,6 +3,8 @@
 #include <QPixmap>
 #include <QWidget>
 
+#include <cmath>
+
 namespace vantor {
 
 namespace {
@@ -45,14 +47,16 @@ SkinPointers::SkinPointers(QWidget &window) : QObject(&window), m_window(window)
 
 void SkinPointers::setCursors(const SkinCursors &cursors, int scale) {
     m_pointers.clear();
+    // In the screen's own pixels: the display takes pictures of pointers as they are.
+    const int pixels = scale * std::max(1, static_cast<int>(std::lround(m_window.devicePixelRatioF())));
     for (auto it = cursors.cursors.cbegin(); it != cursors.cursors.cend(); ++it) {
         Pointer pointer;
         for (const SkinCursor::Frame &frame : it->frames) {
             // Files may put the hot spot outside the picture, which the display refuses.
             const QPoint inside(std::clamp(frame.hotSpot.x(), 0, frame.image.width() - 1),
                                 std::clamp(frame.hotSpot.y(), 0, frame.image.height() - 1));
-            const QPoint hot = inside * scale;
-            pointer.frames.append(QCursor(QPixmap::fromImage(frame.upscaled(scale)), hot.x(), hot.y()));
+            const QPoint hot = inside * pixels;
+            pointer.frames.append(QCursor(QPixmap::fromImage(frame.upscaled(pixels)), hot.x(), hot.y()));
         }
         pointer.steps = it->steps;
         m_pointers.insert(it.key(), pointer);

@@ -18,7 +18,7 @@ class SkinPointers : public QObject {
   public:
     explicit SkinPointers(QWidget &window);
 
-    /// `scale`: whole factor of the window's pixels.
+    /// `scale`: whole factor of the window's units; the screen's own comes on top.
     void setCursors(const SkinCursors &cursors, int scale);
     /// Shows the pointer for what lies under the mouse.
     void showFor(MainWindowControl control, bool inTitleBar, bool shaded);

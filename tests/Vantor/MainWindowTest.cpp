@@ -78,6 +78,18 @@ TEST_F(MainWindowTest, SlidersFollowThePointerAtDoubleSizeToo) {
     }
 }
 
+// A menu or a dialog can take the release away.
+TEST_F(MainWindowTest, ASliderLetsGoWhenTheReleaseWasLost) {
+    m_player.setVolume(1);
+    press(MainSliders::Slider::volume.rect().center());
+    const float held = m_player.volume();
+    const QPointF elsewhere(MainSliders::Slider::volume.origin);
+    QMouseEvent move(QEvent::MouseMove, elsewhere, elsewhere, Qt::NoButton, Qt::NoButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(&m_window, &move);
+    EXPECT_EQ(m_player.volume(), held);
+    EXPECT_EQ(m_model.scene().marquee, QStringLiteral("Vantor"));
+}
+
 TEST_F(MainWindowTest, ShadeAndSizeChangeTheWindow) {
     EXPECT_EQ(m_window.size(), QSize(275, 116));
     QTest::keyClick(&m_window, Qt::Key_D, Qt::ControlModifier);

@@ -52,6 +52,18 @@ TEST_F(PlayerModelTest, ThePositionIsSoughtWhenTheSliderIsLetGo) {
     EXPECT_EQ(m_model.scene().marquee, QStringLiteral("1. tone (1:00)"));
 }
 
+TEST_F(PlayerModelTest, APlaceInATrackIsNotSoughtInTheNext) {
+    m_player.enqueue({Track::file(writeTone("a.wav", 60)), Track::file(writeTone("b.wav", 60))});
+    m_player.play(0);
+    ASSERT_TRUE(waitFor([&] { return m_player.state() == PlaybackState::playing; }));
+    m_model.dragSlider(MainWindowControl::position, 0.9);
+    m_player.next();
+    m_model.releaseSlider();
+    ASSERT_TRUE(waitFor([&] { return m_player.state() == PlaybackState::playing; }));
+    EXPECT_LT(m_player.currentTime(), 5);
+    EXPECT_EQ(m_model.scene().marquee, QStringLiteral("2. b (1:00)"));
+}
+
 TEST_F(PlayerModelTest, SlidersClampSnapAndAreRemembered) {
     m_model.dragSlider(MainWindowControl::balance, 0.6);
     EXPECT_EQ(m_model.scene().marquee, QStringLiteral("Balance: Center"));

@@ -36,7 +36,6 @@ class AudioFileDecoder::Private {
   public:
     Private(const QString &path, int sampleRate)
         : m_path(path), m_resampler(sampleRate), m_packet(av_packet_alloc()), m_frame(av_frame_alloc()) {
-        av_log_set_level(AV_LOG_QUIET); // broken files are ordinary input
         open();
     }
 

@@ -8,6 +8,7 @@
 #include <string_view>
 
 extern "C" {
+#include <libavutil/log.h>
 #include <libavutil/mem.h>
 }
 
@@ -66,6 +67,7 @@ std::int64_t FileInput::seekData(void *opaque, std::int64_t offset, int whence) 
 }
 
 FileInput::FileInput(const QString &path) : m_file(path) {
+    av_log_set_level(AV_LOG_QUIET); // broken files are ordinary input
     // Not a pipe or device either: opening one may wait for ever.
     if (!QFileInfo(path).isFile() || !m_file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
         throw AudioCoreError::openFailure();

@@ -1,6 +1,7 @@
 #include "AudioCore/Queue/FileMetadata.h"
 
 #include "AudioCore/AudioCoreError.h"
+#include "AudioCore/Decoding/FileInput.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -17,9 +18,7 @@ namespace vantor {
 
 namespace {
 
-constexpr qsizetype longestText = 1024;         ///< of a tag; the rest is dropped
-constexpr int64_t probeBytes = 1 << 20;         ///< read at most to find the streams
-constexpr int64_t probeTime = 5 * AV_TIME_BASE; ///< of sound looked at, at most
+constexpr qsizetype longestText = 1024; ///< of a tag; the rest is dropped
 
 QString tidy(const QString &text) {
     return text.left(longestText).simplified();
@@ -55,35 +54,12 @@ void readTags(const QString &path, FileMetadata &metadata) {
     }
 }
 
-struct CloseInput {
-    void operator()(AVFormatContext *context) const { avformat_close_input(&context); }
-};
-using Input = std::unique_ptr<AVFormatContext, CloseInput>;
-
-/// Null for what the decoder's library does not know.
-Input openInput(const QString &path) {
-    AVFormatContext *context = avformat_alloc_context();
-    if (!context)
-        return nullptr;
-    context->probesize = probeBytes;
-    context->max_analyze_duration = probeTime;
-    // Nothing but files: a text that lists addresses must not send the program onto the network.
-    AVDictionary *options = nullptr;
-    av_dict_set(&options, "protocol_whitelist", "file", 0);
-    const int result = avformat_open_input(&context, "file:" + QFile::encodeName(path), nullptr, &options);
-    av_dict_free(&options);
-    Input input(context);
-    if (result < 0 || avformat_find_stream_info(context, nullptr) < 0)
-        return nullptr;
-    return input;
-}
-
-/// Fills in what `metadata` lacks. False when there is no sound that could be decoded.
+/// Fills in what `metadata` lacks. False when there is no sound that could be decoded. Throws
+/// AudioCoreError::openFailure for what the decoder's library does not know.
 bool readStreams(const QString &path, FileMetadata &metadata) {
-    const Input input = openInput(path);
-    if (!input)
-        return false;
-    const int index = av_find_best_stream(input.get(), AVMEDIA_TYPE_AUDIO, -1, -1, nullptr, 0);
+    const FileInput file(path);
+    AVFormatContext *const input = &file.format();
+    const int index = av_find_best_stream(input, AVMEDIA_TYPE_AUDIO, -1, -1, nullptr, 0);
     if (index < 0)
         return false;
     const AVStream *stream = input->streams[index];
@@ -131,8 +107,13 @@ FileMetadata FileMetadata::read(const QString &path) {
     // An untagged file may hold texts of an older kind (those of AIFF, say) that only the decoder reads.
     if (isKnown && !metadata.title.isEmpty())
         return metadata;
-    if (!readStreams(path, metadata) && !isKnown)
-        throw AudioCoreError::openFailure();
+    try {
+        if (!readStreams(path, metadata) && !isKnown)
+            throw AudioCoreError::openFailure();
+    } catch (const AudioCoreError &) {
+        if (!isKnown)
+            throw;
+    }
     return metadata;
 }
 

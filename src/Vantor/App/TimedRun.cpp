@@ -86,8 +86,8 @@ void TimedRun::handle(const PlayerEvent &event) {
         if (playing && !m_started) {
             m_started = true;
             m_reports.start();
-            QTimer::singleShot(std::chrono::milliseconds(std::llround(m_seconds * 1000)), Qt::PreciseTimer, this,
-                               &TimedRun::finish);
+            QTimer::singleShot(std::chrono::milliseconds(std::llround(m_seconds * 1000)), Qt::PreciseTimer,
+                               this, &TimedRun::finish);
         }
         QTimer::singleShot(0, this, &TimedRun::finishIfNothingPlays);
     } else if (const auto *seeked = std::get_if<PlayerEvents::Seeked>(&event)) {

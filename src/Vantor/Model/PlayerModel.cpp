@@ -195,8 +195,8 @@ void PlayerModel::wearDefaultSkin() {
 void PlayerModel::setSkin(const QUrl &url, const Skin &skin) {
     m_skin = skin;
     m_skinUrl = url;
-    store("skin", url.toLocalFile());
     Q_EMIT skinChanged();
+    store("skin", url.toLocalFile()); // once it is on the window
 }
 
 // Music

@@ -127,9 +127,10 @@ void MainWindow::applyShape() {
 
 void MainWindow::applyWindowState() {
     if (m_model.isAlwaysOnTop() != windowFlags().testFlag(Qt::WindowStaysOnTopHint)) {
-        const bool visible = isVisible();
-        setWindowFlag(Qt::WindowStaysOnTopHint, m_model.isAlwaysOnTop()); // hides the window
-        setVisible(visible);
+        // Through the window's handle: the widget's own way makes the window anew, which loses the focus.
+        overrideWindowFlags(windowFlags() ^ Qt::WindowStaysOnTopHint);
+        if (QWindow *const handle = windowHandle())
+            handle->setFlags(windowFlags());
     }
     takeSkin();
 }
@@ -165,6 +166,8 @@ QPoint MainWindow::skinPoint(QPointF at) const {
 }
 
 void MainWindow::mousePressEvent(QMouseEvent *event) {
+    if (!isActiveWindow())
+        activateWindow(); // where there is no window manager to do it
     if (event->button() != Qt::LeftButton)
         return;
     const QPoint at = skinPoint(event->position());

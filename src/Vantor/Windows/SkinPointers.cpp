@@ -1,5 +1,6 @@
 #include "Vantor/Windows/SkinPointers.h"
 
+#include <QCursor>
 #include <QPixmap>
 #include <QWidget>
 
@@ -35,6 +36,14 @@ QString pointerName(MainWindowControl control, bool inTitleBar, bool shaded) {
     return inTitleBar ? QStringLiteral("TITLEBAR") : QStringLiteral("NORMAL");
 }
 
+QCursor cursor(const SkinCursor::Frame &frame, int pixels) {
+    // Files may put the hot spot outside the picture, which the display refuses.
+    const QPoint inside(std::clamp(frame.hotSpot.x(), 0, frame.image.width() - 1),
+                        std::clamp(frame.hotSpot.y(), 0, frame.image.height() - 1));
+    const QPoint hot = inside * pixels;
+    return QCursor(QPixmap::fromImage(frame.upscaled(pixels)), hot.x(), hot.y());
+}
+
 } // namespace
 
 SkinPointers::SkinPointers(QWidget &window) : QObject(&window), m_window(window) {
@@ -46,21 +55,9 @@ SkinPointers::SkinPointers(QWidget &window) : QObject(&window), m_window(window)
 }
 
 void SkinPointers::setCursors(const SkinCursors &cursors, int scale) {
-    m_pointers.clear();
+    m_cursors = cursors;
     // In the screen's own pixels: the display takes pictures of pointers as they are.
-    const int pixels = scale * std::max(1, static_cast<int>(std::lround(m_window.devicePixelRatioF())));
-    for (auto it = cursors.cursors.cbegin(); it != cursors.cursors.cend(); ++it) {
-        Pointer pointer;
-        for (const SkinCursor::Frame &frame : it->frames) {
-            // Files may put the hot spot outside the picture, which the display refuses.
-            const QPoint inside(std::clamp(frame.hotSpot.x(), 0, frame.image.width() - 1),
-                                std::clamp(frame.hotSpot.y(), 0, frame.image.height() - 1));
-            const QPoint hot = inside * pixels;
-            pointer.frames.append(QCursor(QPixmap::fromImage(frame.upscaled(pixels)), hot.x(), hot.y()));
-        }
-        pointer.steps = it->steps;
-        m_pointers.insert(it.key(), pointer);
-    }
+    m_pixels = scale * std::max(1, static_cast<int>(std::lround(m_window.devicePixelRatioF())));
     const QString shown = std::exchange(m_shown, QString());
     show(shown);
 }
@@ -76,7 +73,7 @@ void SkinPointers::rest() {
 
 // A part without a pointer of its own takes the window's ordinary one.
 void SkinPointers::show(const QString &name) {
-    const QString found = m_pointers.contains(name) ? name : QStringLiteral("NORMAL");
+    const QString found = m_cursors.cursors.contains(name) ? name : QStringLiteral("NORMAL");
     if (found == m_shown)
         return;
     m_shown = found;
@@ -86,15 +83,17 @@ void SkinPointers::show(const QString &name) {
 
 void SkinPointers::showStep() {
     m_timer.stop();
-    const auto pointer = m_pointers.constFind(m_shown);
-    if (pointer == m_pointers.constEnd()) {
+    const auto pointer = m_cursors.cursors.constFind(m_shown);
+    if (pointer == m_cursors.cursors.constEnd()) {
         m_window.unsetCursor();
         return;
     }
     const SkinCursor::Step &step = pointer->steps[m_step % pointer->steps.size()];
-    m_window.setCursor(pointer->frames[step.frame]);
+    m_window.setCursor(cursor(pointer->frames[static_cast<std::size_t>(step.frame)], m_pixels));
+    constexpr Jiffies longest = std::chrono::hours(1); // a file may ask for years, which no timer holds
     if (pointer->steps.size() > 1)
-        m_timer.start(std::chrono::duration_cast<std::chrono::milliseconds>(step.duration));
+        m_timer.start(
+            std::chrono::duration_cast<std::chrono::milliseconds>(std::min(step.duration, longest)));
 }
 
 } // namespace vantor

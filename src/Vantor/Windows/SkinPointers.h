@@ -3,15 +3,14 @@
 #include "SkinKit/Layout/MainWindowControl.h"
 #include "SkinKit/Loading/SkinCursors.h"
 
-#include <QCursor>
-#include <QHash>
 #include <QTimer>
 
 class QWidget;
 
 namespace vantor {
 
-/// Puts the skin's mouse pointers on a window, animated ones included. Main thread. Borrows the window.
+/// Puts the skin's mouse pointers on a window, animated ones included; only the one that shows is made. Main
+/// thread. Borrows the window.
 class SkinPointers : public QObject {
     Q_OBJECT
 
@@ -26,16 +25,12 @@ class SkinPointers : public QObject {
     void rest();
 
   private:
-    struct Pointer {
-        QList<QCursor> frames;
-        std::vector<SkinCursor::Step> steps;
-    };
-
     void show(const QString &name);
     void showStep();
 
     QWidget &m_window;
-    QHash<QString, Pointer> m_pointers;
+    SkinCursors m_cursors;
+    int m_pixels = 1; ///< of the screen for one of the skin
     QString m_shown;
     std::size_t m_step = 0;
     QTimer m_timer;

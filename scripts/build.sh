@@ -20,7 +20,7 @@ targets=()
 [ $# -eq 0 ] || targets=(--target "$@")
 if [ -t 1 ] || [ -n "${CI:-}" ]; then
     cmake --build --preset "$preset" "${targets[@]}"
-elif ! cmake --build --preset "$preset" "${targets[@]}" >"$log" 2>&1; then
+elif echo "Building the $preset preset …" && ! cmake --build --preset "$preset" "${targets[@]}" >"$log" 2>&1; then
     cat "$log" >&2
     exit 1
 fi

@@ -30,5 +30,9 @@ TEST(NullAudioOutputTest, KeepsThePaceOfTheClockAndRestsWhenTold) {
     const int before = frames;
     std::this_thread::sleep_for(std::chrono::milliseconds(30));
     EXPECT_EQ(frames, before);
+    output.setSuspended(false);
+    while (frames == before && Clock::now() - began < std::chrono::seconds(5))
+        std::this_thread::yield();
+    EXPECT_GT(frames, before);
     output.stop();
 }

@@ -89,7 +89,7 @@ TEST(BMPDecoderTest, RunLengthStreams) {
         {"a literal longer than the data", 8, "0004 010203", "none"},
         {"a delta cut off", 8, "0002 01", "none"},
         {"nibbles alternate from the high one", 4, "0312 0103 0000 0441 0001", "WRWR|RGRK"},
-        {"nibble literals of odd byte length", 4, "0005 123410 00 0001", "KKKK|RGBW"},
+        {"nibble literals of odd byte length", 4, "0005 123400 01 0000 0411 0001", "RRRR|RGBW"},
     };
     for (const auto &row : rows) {
         SCOPED_TRACE(row.name);

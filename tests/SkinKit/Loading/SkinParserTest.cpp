@@ -83,7 +83,10 @@ TEST(SkinParserTest, ReportsWhatChangesInACompleteSkin) {
          {},
          "Missing numbers.bmp and nums_ex.bmp;numbers.bmp missing; generated base"},
         {"numbers.bmp", {}, ";numbers.bmp missing; digits use nums_ex.bmp"},
-        {"nums_ex.bmp", {}, ";nums_ex.bmp missing; digits use numbers.bmp"},
+        {"balance.bmp eq_ex.bmp gen.bmp nums_ex.bmp",
+         {},
+         ";balance.bmp missing; balance slider uses volume.bmp|nums_ex.bmp missing; digits use numbers.bmp|"
+         "eq_ex.bmp missing; EQ maximize button uses eqmain.bmp|gen.bmp missing (not used in v1)"},
         {"nums_ex.bmp",
          {{line("numbers.bmp"), "x"}},
          "Undecodable numbers.bmp;numbers.bmp undecodable; generated base|"

@@ -210,7 +210,7 @@ TEST(MainWindowRendererTest, OnlyWideTitlesScrollAndTheyRepeat) {
     // Where the "a" begins: it leaves on the left, cut off at the window, and comes back on the right.
     using Columns = QList<int>;
     const std::pair<int, Columns> rows[] = {
-        {0, {111}}, {1, {111}}, {5, {}}, {36, {}}, {37, {111 + 190 - 37}}, {190, {111}}, {-10, {121}}};
+        {0, {111}}, {1, {111}}, {5, {}}, {36, {}}, {37, {111 + 190 - 37}}, {190, {111}}};
     for (const auto &[offset, expected] : rows) {
         scene.marqueeOffset = offset;
         const QImage image = picture(coded.skin, scene);
@@ -220,6 +220,11 @@ TEST(MainWindowRendererTest, OnlyWideTitlesScrollAndTheyRepeat) {
                 columns.append(x);
         EXPECT_EQ(columns, expected) << offset;
     }
+    const auto dragged = [&](int offset) {
+        scene.marqueeOffset = offset;
+        return picture(coded.skin, scene);
+    };
+    EXPECT_EQ(dragged(-10), dragged(180));
 }
 
 TEST(MainWindowRendererTest, RepaintingWhatChangedGivesTheNewPicture) {

@@ -1,5 +1,8 @@
 #include "SkinKit/Loading/Skin.h"
 #include "SkinKit/Sprites/SkinSprites.h"
+#include "SkinKit/Sprites/SpriteDrawer.h"
+
+#include <QPainter>
 
 #include <gtest/gtest.h>
 
@@ -93,5 +96,26 @@ TEST(SkinResolveTest, CutsAreClippedToSpriteAndSheet) {
         if (!row.image.isNull())
             EXPECT_EQ(row.image.pixel(0, 0),
                       qRgb(row.corner.x(), row.corner.y() % 256, row.corner.y() / 256));
+    }
+}
+
+TEST(SpriteDrawerTest, PartsKeepTheirPlaceAndThePainterItsState) {
+    Skin skin = skinWith({QStringLiteral("CBUTTONS")}); // play: 23, 0, 23 × 18
+    QImage canvas(60, 60, QImage::Format_RGB32);
+    canvas.fill(Qt::white);
+    QPainter painter(&canvas);
+    painter.scale(2, 2);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    SpriteDrawer(skin, painter).drawPart(QStringLiteral("MAIN_PLAY_BUTTON"), {-2, 1, 6, 100}, {3, 4});
+    EXPECT_TRUE(painter.testRenderHint(QPainter::SmoothPixmapTransform));
+    painter.end();
+
+    // The sprite's own columns 0–3 and rows 1–17 land at 5…8 and 4…20, each pixel doubled.
+    for (int y = 0; y < 60; ++y) {
+        for (int x = 0; x < 60; ++x) {
+            const bool inside = QRect(5, 4, 4, 17).contains(x / 2, y / 2);
+            ASSERT_EQ(canvas.pixel(x, y), inside ? qRgb(23 + x / 2 - 5, y / 2 - 3, 0) : qRgb(255, 255, 255))
+                << x << ", " << y;
+        }
     }
 }

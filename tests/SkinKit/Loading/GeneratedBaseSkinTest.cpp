@@ -4,8 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <thread>
-
 using namespace vantor;
 
 static QImage picture(const Sprite &sprite, const QString &sheet) {
@@ -47,15 +45,4 @@ TEST(GeneratedBaseSkinTest, StatesAndCharactersCanBeToldApart) {
     const QImage volume = GeneratedBaseSkin::sheet(QStringLiteral("VOLUME"));
     for (int frame = 1; frame < 28; ++frame)
         EXPECT_NE(volume.copy(0, frame * 15, 68, 13), volume.copy(0, (frame - 1) * 15, 68, 13)) << frame;
-}
-
-TEST(GeneratedBaseSkinTest, ThreadsShareOneDrawing) {
-    QList<qint64> keys(4);
-    {
-        std::vector<std::jthread> threads;
-        for (qint64 &key : keys)
-            threads.emplace_back(
-                [&key] { key = GeneratedBaseSkin::sheet(QStringLiteral("PLEDIT")).cacheKey(); });
-    }
-    EXPECT_EQ(keys, QList<qint64>(4, keys.at(0)));
 }

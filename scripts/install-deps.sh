@@ -23,7 +23,7 @@ test_packages=(
     clang-format-19 libclang-rt-19-dev llvm-19
     libgtest-dev libgmock-dev libbenchmark-dev
     xvfb xauth xdotool x11-utils
-    pulseaudio pulseaudio-utils dbus
+    pulseaudio pulseaudio-utils dbus ffmpeg
 )
 
 name_libraries() {
@@ -35,7 +35,7 @@ apt-get was not found, so nothing is installed. Vantor needs, by whatever names 
   audio decoding          FFmpeg 5.1 or later (libavformat, libavcodec, libavutil, libswresample)
   tags and covers         TagLib
   sound output            the PulseAudio client library (libpulse)
-  tests, benchmarks       GoogleTest with GoogleMock, Google Benchmark, Xvfb, xdotool, PulseAudio, D-Bus
+  tests, benchmarks       GoogleTest with GoogleMock, Google Benchmark, Xvfb, xdotool, PulseAudio, D-Bus, ffmpeg
 Going on; CMake tells what it cannot find.
 TEXT
 }

@@ -8,14 +8,10 @@ using namespace vantor;
 
 TEST(MarqueeTextTest, Sentences) {
     constexpr double nan = std::numeric_limits<double>::quiet_NaN();
-    const struct {
-        QString shown;
-        const char *expected;
-    } rows[] = {
-        {MarqueeText::track(QStringLiteral("Ann"), QStringLiteral("Song"), 245.9, 12),
-         "12. Ann - Song (4:05)"},
-        {MarqueeText::track({}, QStringLiteral("Song"), 0, std::nullopt), "Song"},
-        {MarqueeText::track({}, QStringLiteral("Song"), nan, 1), "1. Song"},
+    const std::pair<QString, const char *> rows[] = {
+        {MarqueeText::track(u"Ann"_qs, u"Song"_qs, 245.9, 12), "12. Ann - Song (4:05)"},
+        {MarqueeText::track({}, u"Song"_qs, 0, std::nullopt), "Song"},
+        {MarqueeText::track({}, u"Song"_qs, nan, 1), "1. Song"},
         {MarqueeText::time(3605), "60:05"},
         {MarqueeText::time(-1), "0:00"},
         {MarqueeText::time(nan), "0:00"},
@@ -29,6 +25,6 @@ TEST(MarqueeTextTest, Sentences) {
         {MarqueeText::seek(0.999, 200), "Seek to: 3:19/3:20 (99%)"},
         {MarqueeText::seek(-1, 61), "Seek to: 0:00/1:01 (0%)"},
     };
-    for (const auto &row : rows)
-        EXPECT_EQ(row.shown.toStdString(), row.expected);
+    for (const auto &[shown, expected] : rows)
+        EXPECT_EQ(shown.toStdString(), expected);
 }

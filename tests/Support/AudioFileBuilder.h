@@ -3,6 +3,11 @@
 #include <QMap>
 #include <QString>
 
+#include <sys/types.h>
+
+#include <string>
+#include <vector>
+
 namespace vantor {
 
 /// The sound and the tags of a made audio file.
@@ -15,8 +20,11 @@ struct AudioFileContent {
     QMap<QString, QString> tags = {}; ///< under FFmpeg's names: "title", "artist", "album" …
 };
 
-/// Writes an audio file for a test; the name's extension (wav, aiff, flac, mp3, ogg, opus, m4a, mka) chooses
-/// format and codec. Throws std::runtime_error.
+/// Writes an audio file with the ffmpeg program; the name's extension (wav, aiff, flac, mp3, ogg, opus, m4a,
+/// mka) chooses format and codec. Throws std::runtime_error.
 void writeAudioFile(const QString &path, const AudioFileContent &content = {});
+
+/// Starts a program, whose complaints go nowhere. Throws std::runtime_error.
+[[nodiscard]] pid_t spawn(const std::vector<std::string> &words);
 
 } // namespace vantor

@@ -1,5 +1,7 @@
 #include "tests/Support/BitmapBuilder.h"
 
+#include <QBuffer>
+#include <QImage>
 #include <QtEndian>
 
 #include <cstdlib>
@@ -53,6 +55,16 @@ QByteArray solidBMP(int width, int height, RGBColor color) {
     }
     row.append((4 - row.size() % 4) % 4, '\0');
     return BitmapBuilder{.width = width, .height = height, .pixels = row.repeated(std::abs(height))}.bmp();
+}
+
+QByteArray solidPNG(QSize size, QRgb color) {
+    QImage image(size, QImage::Format_ARGB32);
+    image.fill(color);
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    image.save(&buffer, "PNG");
+    return bytes;
 }
 
 QByteArray solidCursorDib(int side, RGBColor color) {

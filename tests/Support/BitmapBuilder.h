@@ -4,6 +4,8 @@
 
 #include <QByteArray>
 #include <QPoint>
+#include <QRgb>
+#include <QSize>
 
 #include <cstdint>
 #include <optional>
@@ -36,6 +38,8 @@ struct BitmapBuilder {
 
 /// A whole 24-bit bitmap file of one colour.
 [[nodiscard]] QByteArray solidBMP(int width, int height, RGBColor color);
+
+[[nodiscard]] QByteArray solidPNG(QSize size, QRgb color);
 
 /// A headerless 32-bit bitmap of one opaque colour for a directory entry, with an all-zero mask.
 [[nodiscard]] QByteArray solidCursorDib(int side, RGBColor color);

@@ -6,69 +6,42 @@
 
 using namespace vantor;
 
-namespace {
-
-QUrl inCurrentFolder(const char *name) {
-    return QUrl::fromLocalFile(QDir::current().filePath(QLatin1String(name)));
+static LaunchOptions options(const char *skin, const QStringList &files) {
+    const auto here = [](const QString &name) { return QUrl::fromLocalFile(QDir::current().filePath(name)); };
+    LaunchOptions options;
+    options.skin = here(QLatin1String(skin));
+    for (const QString &file : files)
+        options.files.append(here(file));
+    return options;
 }
 
-} // namespace
-
 TEST(LaunchOptionsTest, ReadsOptionsFilesAndSkinsInAnyOrder) {
-    LaunchOptions all;
-    all.skin = inCurrentFolder("named.zip");
-    all.files = {inCurrentFolder("a.flac"), inCurrentFolder("-odd.mp3")};
+    LaunchOptions all = options("named.zip", {u"a.flac"_qs, u"-odd.mp3"_qs});
     all.seconds = 2.5;
-    all.screenshot = QStringLiteral("out.png");
-
-    LaunchOptions skinAmongFiles;
-    skinAmongFiles.skin = inCurrentFolder("B.WSZ");
-    skinAmongFiles.files = {inCurrentFolder("x.ogg")};
-
-    const struct {
-        QStringList arguments;
-        LaunchOptions expected;
-    } rows[] = {
-        {{}, {}},
-        {{QStringLiteral("a.flac"), QStringLiteral("--seconds"), QStringLiteral("2.5"),
-          QStringLiteral("worn.wsz"), QStringLiteral("--skin"), QStringLiteral("named.zip"),
-          QStringLiteral("--screenshot"), QStringLiteral("out.png"), QStringLiteral("--"),
-          QStringLiteral("-odd.mp3")},
-         all},
-        {{QStringLiteral("a.wsz"), QStringLiteral("x.ogg"), QStringLiteral("B.WSZ")}, skinAmongFiles},
+    all.screenshot = u"out.png"_qs;
+    const std::pair<const char *, LaunchOptions> rows[] = {
+        {"a.flac --seconds 2.5 worn.wsz --skin named.zip --screenshot out.png -- -odd.mp3", all},
+        {"a.wsz x.ogg B.WSZ", options("B.WSZ", {u"x.ogg"_qs})},
     };
-    for (const auto &row : rows) {
-        SCOPED_TRACE(row.arguments.join(QLatin1Char(' ')).toStdString());
-        const auto parsed = LaunchOptions::parse(row.arguments);
-        ASSERT_TRUE(std::holds_alternative<LaunchOptions>(parsed));
-        EXPECT_EQ(std::get<LaunchOptions>(parsed), row.expected);
+    for (const auto &[line, expected] : rows) {
+        const auto parsed = LaunchOptions::parse(QString::fromLatin1(line).split(u' '));
+        ASSERT_TRUE(std::holds_alternative<LaunchOptions>(parsed)) << line;
+        EXPECT_EQ(std::get<LaunchOptions>(parsed), expected) << line;
     }
+    EXPECT_EQ(std::get<LaunchOptions>(LaunchOptions::parse({})), LaunchOptions());
 }
 
 TEST(LaunchOptionsTest, SaysWhatIsWrong) {
-    const struct {
-        QStringList arguments;
-        const char *firstLine;
-        int status;
-    } rows[] = {
-        {{QStringLiteral("--bogus")}, "unknown option: --bogus", 2},
-        {{QStringLiteral("--skin")}, "--skin needs a value", 2},
-        {{QStringLiteral("--seconds"), QStringLiteral("0")},
-         "--seconds needs a number above 0, at most 86400",
-         2},
-        {{QStringLiteral("--seconds"), QStringLiteral("nan")},
-         "--seconds needs a number above 0, at most 86400",
-         2},
-        {{QStringLiteral("--seconds"), QStringLiteral("1e9")},
-         "--seconds needs a number above 0, at most 86400",
-         2},
-    };
-    for (const auto &row : rows) {
-        SCOPED_TRACE(row.arguments.join(QLatin1Char(' ')).toStdString());
-        const auto parsed = LaunchOptions::parse(row.arguments);
-        ASSERT_TRUE(std::holds_alternative<LaunchOptions::Message>(parsed));
+    const char *const badSeconds = "--seconds needs a number above 0, at most 86400";
+    for (const auto &[line, firstLine] : {std::pair("--bogus", "unknown option: --bogus"),
+                                          {"--skin", "--skin needs a value"},
+                                          {"--seconds 0", badSeconds},
+                                          {"--seconds nan", badSeconds},
+                                          {"--seconds 1e9", badSeconds}}) {
+        const auto parsed = LaunchOptions::parse(QString::fromLatin1(line).split(u' '));
+        ASSERT_TRUE(std::holds_alternative<LaunchOptions::Message>(parsed)) << line;
         const auto &message = std::get<LaunchOptions::Message>(parsed);
-        EXPECT_EQ(message.text.section(QLatin1Char('\n'), 0, 0).toStdString(), row.firstLine);
-        EXPECT_EQ(message.exitStatus, row.status);
+        EXPECT_EQ(message.text.section(u'\n', 0, 0).toStdString(), firstLine);
+        EXPECT_EQ(message.exitStatus, 2);
     }
 }

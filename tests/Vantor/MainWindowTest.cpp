@@ -25,10 +25,6 @@ class MainWindowTest : public PlayerFixture {
     MainWindow m_window{m_model};
 };
 
-QPoint centre(MainWindowLayout::Transport button) {
-    return MainWindowLayout::rect(button).center();
-}
-
 } // namespace
 
 TEST_F(MainWindowTest, AButtonActsOnlyWhenItIsLetGoOnIt) {
@@ -46,20 +42,16 @@ TEST_F(MainWindowTest, AButtonActsOnlyWhenItIsLetGoOnIt) {
 
 TEST_F(MainWindowTest, TransportButtonsDriveThePlayer) {
     m_player.enqueue({Track::file(writeTone("a.wav", 60)), Track::file(writeTone("b.wav", 60))});
-    using Transport = MainWindowLayout::Transport;
-    const auto reaches = [&](PlaybackState state, int index) {
-        return waitFor([&] { return m_player.state() == state && m_player.queue().currentIndex() == index; });
-    };
-    click(centre(Transport::play));
-    EXPECT_TRUE(reaches(PlaybackState::playing, 0));
-    click(centre(Transport::next));
-    EXPECT_TRUE(reaches(PlaybackState::playing, 1));
-    click(centre(Transport::pause));
-    EXPECT_TRUE(reaches(PlaybackState::paused, 1));
-    click(centre(Transport::previous));
-    EXPECT_TRUE(reaches(PlaybackState::playing, 0));
-    click(centre(Transport::stop));
-    EXPECT_TRUE(reaches(PlaybackState::stopped, 0));
+    using enum MainWindowLayout::Transport;
+    for (const auto &[button, state, index] : {std::tuple(play, PlaybackState::playing, 0),
+                                               {next, PlaybackState::playing, 1},
+                                               {pause, PlaybackState::paused, 1},
+                                               {previous, PlaybackState::playing, 0},
+                                               {stop, PlaybackState::stopped, 0}}) {
+        click(MainWindowLayout::rect(button).center());
+        EXPECT_TRUE(
+            waitFor([&] { return m_player.state() == state && m_player.queue().currentIndex() == index; }));
+    }
 }
 
 TEST_F(MainWindowTest, SlidersFollowThePointerAtDoubleSizeToo) {

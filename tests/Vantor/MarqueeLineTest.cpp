@@ -6,12 +6,8 @@
 
 using namespace vantor;
 
-namespace {
-
-const QString longTitle = QStringLiteral("1. A Rather Long Name - An Even Longer Title Than That (3:45)");
-constexpr StatusNotice::Clock::time_point start{};
-
-} // namespace
+static const QString longTitle = QStringLiteral("1. A Rather Long Name - An Even Longer Title (3:45)");
+static constexpr StatusNotice::Clock::time_point start{};
 
 TEST(MarqueeLineTest, DragTextBeatsNoticeBeatsTitle) {
     MarqueeLine line;

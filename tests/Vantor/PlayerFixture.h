@@ -3,11 +3,12 @@
 #include "AudioCore/Output/NullAudioOutput.h"
 #include "AudioCore/Playback/Player.h"
 #include "Vantor/Model/PlayerModel.h"
+#include "tests/Support/AudioFileBuilder.h"
+#include "tests/Support/TestFolder.h"
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QSettings>
-#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -28,19 +29,17 @@ class PlayerFixture : public testing::Test {
         return true;
     }
 
-    [[nodiscard]] QUrl file(const char *name) const {
-        return QUrl::fromLocalFile(m_folder.filePath(QLatin1String(name)));
-    }
+    [[nodiscard]] QUrl file(const char *name) const { return QUrl::fromLocalFile(m_folder.path(name)); }
     QUrl writeFile(const char *name, const QByteArray &bytes) const {
-        QFile target(file(name).toLocalFile());
-        EXPECT_TRUE(target.open(QIODevice::WriteOnly) && target.write(bytes) == bytes.size());
+        return QUrl::fromLocalFile(m_folder.write(name, bytes));
+    }
+    QUrl writeTone(const char *name, double seconds) const {
+        writeAudioFile(m_folder.path(name), {.seconds = seconds, .sampleRate = 8000, .channels = 1});
         return file(name);
     }
-    /// A quiet 16-bit mono WAV file of that many seconds.
-    QUrl writeTone(const char *name, int seconds) const;
 
-    QTemporaryDir m_folder;
-    QSettings m_settings{m_folder.filePath(QStringLiteral("settings.ini")), QSettings::IniFormat};
+    TestFolder m_folder;
+    QSettings m_settings{m_folder.path("settings.ini"), QSettings::IniFormat};
     Player m_player{std::make_unique<FileTrackResolver>(),
                     [] { return std::make_unique<NullAudioOutput>(); }};
     PlayerModel m_model{m_player, m_settings};

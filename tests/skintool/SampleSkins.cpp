@@ -4,17 +4,13 @@
 #include "tests/Support/BitmapBuilder.h"
 #include "tests/Support/ZipBuilder.h"
 
-#include <QBuffer>
-
 namespace vantor::test {
 
 namespace {
 
 using Files = QMap<QByteArray, QByteArray>;
 
-constexpr int bare = 10;          ///< warnings of a skin that has main.bmp only, without the digits' line
-constexpr int bareFallbacks = 16; ///< its fallbacks
-constexpr int refused = 1;
+constexpr QRgb pictureColor = qRgba(90, 120, 160, 200);
 
 QSize sheetSize(const QString &sheet) {
     QRect bounds;
@@ -25,31 +21,19 @@ QSize sheetSize(const QString &sheet) {
 
 BitmapBuilder gradient(QSize size, int depth) {
     BitmapBuilder bitmap{.width = size.width(), .height = size.height(), .depth = depth};
-    if (depth <= 8) {
-        for (int i = 0; i < 1 << depth; ++i) {
-            const auto level = static_cast<std::uint8_t>(i * 255 / ((1 << depth) - 1));
-            bitmap.palette.push_back({level, static_cast<std::uint8_t>(level / 2), 90});
-        }
-    }
+    for (int i = 0; depth <= 8 && i < 1 << depth; ++i)
+        bitmap.palette.push_back({static_cast<std::uint8_t>(i * 255 / ((1 << depth) - 1)), 60, 90});
     const qsizetype stride = (qsizetype{size.width()} * depth + 31) / 32 * 4;
     for (qsizetype i = 0; i < stride * size.height(); ++i)
         bitmap.pixels += static_cast<char>(i % stride * 200 / stride + i / stride / 4);
     return bitmap;
 }
 
-/// Rows of runs, each as long as a run may be.
+/// 116 rows of a run of 255 pixels and one of 20.
 BitmapBuilder runs(QSize size, int depth) {
     BitmapBuilder bitmap = gradient(size, depth);
     bitmap.compression = depth == 8 ? 1 : 2;
-    bitmap.pixels.clear();
-    for (int y = 0; y < size.height(); ++y) {
-        for (int x = 0; x < size.width(); x += 255) {
-            bitmap.pixels += static_cast<char>(std::min(255, size.width() - x));
-            bitmap.pixels += static_cast<char>(y);
-        }
-        bitmap.pixels += QByteArray(2, '\0');
-    }
-    bitmap.pixels += QByteArray("\0\1", 2);
+    bitmap.pixels = QByteArray::fromHex("ff0714120000").repeated(size.height()) + QByteArray::fromHex("0001");
     return bitmap;
 }
 
@@ -62,16 +46,6 @@ Files complete(int depth = 24) {
     return files;
 }
 
-QByteArray picture(QSize size, const char *format) {
-    QImage image(size, QImage::Format_ARGB32);
-    image.fill(qRgba(90, 120, 160, 200));
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    image.save(&buffer, format);
-    return bytes;
-}
-
 QByteArray packed(const Files &files, const QByteArray &folder = {}) {
     std::vector<ZipEntry> entries;
     for (auto it = files.cbegin(); it != files.cend(); ++it)
@@ -81,29 +55,27 @@ QByteArray packed(const Files &files, const QByteArray &folder = {}) {
 
 class Collection {
   public:
-    void add(const char *name, const QByteArray &bytes, int exitCode, int warnings, int fallbacks) {
-        const QString file = QStringLiteral("%1-%2.wsz")
-                                 .arg(m_skins.size() + 1, 2, 10, QLatin1Char('0'))
-                                 .arg(QLatin1StringView(name));
+    void add(const char *name, const QByteArray &bytes, int warnings, int fallbacks, int exitCode = 0) {
+        const QString file = QStringLiteral("%1-%2.wsz").arg(m_skins.size() + 1).arg(QLatin1String(name));
         m_skins.push_back({file, bytes, exitCode, warnings, fallbacks});
     }
-    void addChanged(const char *name, const Files &changes, int warnings, int fallbacks) {
+    void addChanged(const char *name, const Files &changes, int fallbacks, int warnings = 0) {
         Files files = complete();
         files.insert(changes);
-        add(name, packed(files), 0, warnings, fallbacks);
+        add(name, packed(files), warnings, fallbacks);
     }
-    void addWithout(const char *name, std::initializer_list<const char *> removed, int warnings,
-                    int fallbacks) {
+    void addWithout(std::initializer_list<const char *> removed, int warnings, int fallbacks) {
         Files files = complete();
         for (const char *file : removed)
             files.remove(file);
-        add(name, packed(files), 0, warnings, fallbacks);
+        add(*removed.begin(), packed(files), warnings, fallbacks);
     }
     /// A skin that has this main window and nothing else.
-    void addMain(const char *name, const QByteArray &main) {
-        add(name, packed({{"main.bmp", main}}), 0, bare + 1, bareFallbacks);
+    void addMain(const char *name, const BitmapBuilder &main) {
+        addBare(name, packed({{"main.bmp", main.bmp()}}));
     }
-    void addRefused(const char *name, const QByteArray &bytes) { add(name, bytes, refused, 0, 0); }
+    void addBare(const char *name, const QByteArray &bytes) { add(name, bytes, 11, 16); }
+    void addRefused(const char *name, const QByteArray &bytes) { add(name, bytes, 0, 0, 1); }
 
     [[nodiscard]] std::vector<SampleSkin> take() { return std::move(m_skins); }
 
@@ -115,46 +87,44 @@ void addBitmaps(Collection &skins) {
     const QSize size(275, 116);
     for (const int depth : {1, 4, 8, 16, 24, 32}) {
         const QByteArray name = "depth-" + QByteArray::number(depth);
-        skins.add(name.constData(), packed(complete(depth)), 0, 0, 0);
+        skins.add(name.constData(), packed(complete(depth)), 0, 0);
         BitmapBuilder upsideDown = gradient(size, depth);
         upsideDown.height = -size.height();
-        skins.addMain((name + "-top-down").constData(), upsideDown.bmp());
-    }
-    for (const int depth : {16, 32}) {
+        skins.addMain((name + "-top-down").constData(), upsideDown);
+        if (depth < 16)
+            continue;
         BitmapBuilder fields = gradient(size, depth);
-        fields.compression = 3;
-        fields.masks = le32(0xF800) + le32(0x07E0) + le32(0x001F);
-        skins.addMain(depth == 16 ? "fields-16" : "fields-32", fields.bmp());
+        fields.compression = depth == 24 ? 0 : 3;
+        fields.masks = depth == 24 ? QByteArray() : le32(0xF800) + le32(0x07E0) + le32(0x001F);
+        fields.headerSize = depth == 24 ? 124 : 40;
+        skins.addMain((name + "-fields").constData(), fields);
     }
-    skins.addMain("runs-8", runs(size, 8).bmp());
-    skins.addMain("runs-4", runs(size, 4).bmp());
+    skins.addMain("runs-8", runs(size, 8));
+    skins.addMain("runs-4", runs(size, 4));
     BitmapBuilder core = gradient(size, 24);
     core.headerSize = 12;
-    skins.addMain("core-header", core.bmp());
-    BitmapBuilder late = gradient(size, 24);
-    late.headerSize = 124;
-    skins.addMain("late-header", late.bmp());
-    skins.addMain("tiny-main", solidBMP(1, 1, {200, 10, 10}));
-    skins.addMain("large-main", solidBMP(1200, 900, {10, 200, 10}));
-    skins.addMain("png-named-bmp", picture(size, "PNG"));
+    skins.addMain("core-header", core);
+    skins.addMain("tiny-main", gradient({1, 1}, 24));
+    skins.addMain("large-main", gradient({1200, 900}, 24));
+    skins.addBare("png-named-bmp", packed({{"main.bmp", solidPNG(size, pictureColor)}}));
 }
 
 void addGaps(Collection &skins) {
-    skins.addWithout("no-main", {"MAIN.BMP"}, 1, 1);
-    skins.addWithout("no-balance", {"BALANCE.BMP"}, 0, 1);
-    skins.addWithout("no-volume-no-balance", {"VOLUME.BMP", "BALANCE.BMP"}, 1, 2);
-    skins.addWithout("no-numbers", {"NUMBERS.BMP"}, 0, 1);
-    skins.addWithout("no-nums-ex", {"NUMS_EX.BMP"}, 0, 1);
-    skins.addWithout("no-digits", {"NUMBERS.BMP", "NUMS_EX.BMP"}, 1, 1);
-    skins.addWithout("no-eq-ex-no-gen", {"EQ_EX.BMP", "GEN.BMP"}, 0, 2);
-    skins.addWithout("no-texts", {"VISCOLOR.TXT", "PLEDIT.TXT"}, 0, 2);
+    skins.addWithout({"MAIN.BMP"}, 1, 1);
+    skins.addWithout({"BALANCE.BMP"}, 0, 1);
+    skins.addWithout({"VOLUME.BMP", "BALANCE.BMP"}, 1, 2);
+    skins.addWithout({"NUMBERS.BMP"}, 0, 1);
+    skins.addWithout({"NUMS_EX.BMP"}, 0, 1);
+    skins.addWithout({"NUMBERS.BMP", "NUMS_EX.BMP"}, 1, 1);
+    skins.addWithout({"EQ_EX.BMP", "GEN.BMP"}, 0, 2);
+    skins.addWithout({"VISCOLOR.TXT", "PLEDIT.TXT"}, 0, 2);
     skins.addChanged("broken-text-sheet", {{"TEXT.BMP", "BM broken"}}, 1, 1);
-    skins.addChanged("short-viscolor", {{"VISCOLOR.TXT", "1,2,3\n4,5,6\n"}}, 0, 1);
-    skins.addChanged("bad-pledit", {{"PLEDIT.TXT", "[Text]\nNormal=green\nCurrent=\x1B[31mred\n"}}, 0, 2);
+    skins.addChanged("short-viscolor", {{"VISCOLOR.TXT", "1,2,3\n4,5,6\n"}}, 1);
+    skins.addChanged("bad-pledit", {{"PLEDIT.TXT", "[Text]\nNormal=green\nCurrent=\x1B[31mred\n"}}, 2);
     Files png{{"PLEDIT.TXT", "[Text]"}, {"VISCOLOR.TXT", QByteArray("1 2 3\r").repeated(30)}};
     for (const QString &sheet : SkinSprites::sheets().keys())
-        png.insert(sheet.toLower().toLatin1() + ".png", picture(sheetSize(sheet), "PNG"));
-    skins.add("png-sheets", packed(png), 0, 0, 0);
+        png.insert(sheet.toLower().toLatin1() + ".png", solidPNG(sheetSize(sheet), pictureColor));
+    skins.add("png-sheets", packed(png), 0, 0);
 }
 
 void addExtras(Collection &skins) {
@@ -162,34 +132,27 @@ void addExtras(Collection &skins) {
         "region",
         {{"region.txt", "[Normal]\nNumPoints=4,3\nPointList=10,0,265,0,275,116,0,116 0,0,9,0,0,9\n"
                         "[WindowShade]\nNumPoints=4\nPointList=0,0,275,0,275,14,0,14"}},
-        0, 0);
-    skins.addChanged("empty-region", {{"region.txt", "[Normal]\nNumPoints=0\nPointList="}}, 0, 0);
-    const QByteArray frames = riffList("fram", riffChunk("icon", solidCursor({255, 0, 0})) +
-                                                   riffChunk("icon", solidCursor({0, 0, 255})));
+        0);
+    skins.addChanged("empty-region", {{"region.txt", "[Normal]\nNumPoints=0\nPointList="}}, 0);
+    const QByteArray frame = riffChunk("icon", solidCursor({255, 0, 0}));
     skins.addChanged("cursors",
                      {{"normal.cur", solidCursor({250, 250, 250}, {1, 1})},
-                      {"titlebar.cur", aniFile(aniHeader(10) + frames)},
+                      {"titlebar.cur", aniFile(aniHeader(10) + riffList("fram", frame + frame))},
                       {"close.cur", "broken"}},
-                     0, 0);
-    skins.addChanged("read-me",
-                     {{"readme.txt", "Gr\xFC\xDF"
-                                     "e \x1B]0;title\x07\r\nsecond line"}},
-                     0, 0);
-    skins.add("nested", packed(complete(), "Some Skin/deep/"), 0, 0, 0);
-    skins.add("backslashes", packed(complete(), "Some Skin\\"), 0, 0, 0);
+                     0);
+    skins.addChanged("read-me", {{"readme.txt", "Gr\xFC\xDF \x1B]0;title\x07\r\nsecond line"}}, 0);
+    skins.add("nested", packed(complete(), "Some Skin/deep/"), 0, 0);
+    skins.add("backslashes", packed(complete(), "Some Skin\\"), 0, 0);
     Files tagged = complete();
     for (QByteArray &file : tagged)
         file += "trailing bytes";
-    skins.add("trailing-bytes", packed(tagged), 0, 0, 0);
+    skins.add("trailing-bytes", packed(tagged), 0, 0);
     const QByteArray main = solidBMP(275, 116, {90, 90, 90});
-    skins.add("duplicates", zipFile({{"a/main.bmp", main}, {"main.bmp", "BM"}, {"MAIN.BMP", "BM"}}), 0,
-              bare + 1, bareFallbacks);
-    skins.add("wrong-checksum", zipFile({{.name = "main.bmp", .data = main, .crc = 1}}), 0, bare + 1,
-              bareFallbacks);
-    skins.add("lying-size",
-              zipFile({{.name = "main.bmp", .data = main, .declaredSize = 5},
-                       {.name = "text.bmp", .data = QByteArray(9 << 20, '\0'), .declaredSize = 9}}),
-              0, bare + 1, bareFallbacks);
+    skins.addBare("duplicates", zipFile({{"a/main.bmp", main}, {"main.bmp", "BM"}, {"MAIN.BMP", "BM"}}));
+    skins.addBare("wrong-checksum", zipFile({{.name = "main.bmp", .data = main, .crc = 1}}));
+    skins.addBare("lying-size",
+                  zipFile({{.name = "main.bmp", .data = main, .declaredSize = 5},
+                           {.name = "text.bmp", .data = QByteArray(9 << 20, '\0'), .declaredSize = 9}}));
 }
 
 void addRefused(Collection &skins) {

@@ -20,14 +20,7 @@ TEST(VisSampleRingTest, CopiesWhatItStillHolds) {
     ring.write(samples.data(), 700);
     ring.write(samples.data() + 700, 4300); // more than it can hold
     ASSERT_EQ(ring.writeCount(), 5000);
-    struct Row {
-        const char *name;
-        int count;
-        int64_t end;
-        bool copies;
-    };
-    const Row rows[] = {
-        {"newest", 100, 5000, true},
+    const std::tuple<const char *, int, int64_t, bool> rows[] = {
         {"older", 100, 4500, true},
         {"all that is safe", 896, 5000, true},
         {"one more", 897, 5000, false},
@@ -38,13 +31,12 @@ TEST(VisSampleRingTest, CopiesWhatItStillHolds) {
         {"negative", -1, 5000, false},
         {"larger than the buffer", 1001, 5000, false},
     };
-    for (const Row &row : rows) {
-        SCOPED_TRACE(row.name);
+    for (const auto &[name, count, end, copies] : rows) {
         std::vector<float> copied(1000);
-        EXPECT_EQ(ring.copy(row.count, row.end, copied), row.copies);
-        if (row.copies)
-            EXPECT_TRUE(std::equal(copied.begin(), copied.begin() + row.count,
-                                   samples.begin() + row.end - row.count));
+        EXPECT_EQ(ring.copy(count, end, copied), copies) << name;
+        if (copies)
+            EXPECT_TRUE(std::equal(copied.begin(), copied.begin() + count, samples.begin() + end - count))
+                << name;
     }
     std::vector<float> newest(3);
     EXPECT_TRUE(ring.copyLatest(3, newest));

@@ -49,23 +49,18 @@ TEST(SpectrumColumnMapTest, CoversTheBinsWithoutGaps) {
 }
 
 TEST(SpectrumAnalyzerTest, ReadsTheLevelOfASine) {
-    struct Row {
-        const char *name;
-        double cycles, decibels; ///< per transform; of full scale
-        size_t column;
-        double expected;
-    };
     // The window halves the amplitude: 6.02 dB. A column of several bins also holds the window's two side
     // bins: a quarter of the power each, 1.76 dB.
-    for (const Row &row : {Row{"full scale in a single bin", 5, 0, 22, 1 - 6.02 / 60},
-                           {"-30 dB", 5, -30, 22, 0.5 - 6.02 / 60},
-                           {"-30 dB in many bins", 360, -30, 74, 0.5 + (1.76 - 6.02) / 60},
-                           {"below the floor", 360, -70, 74, 0},
-                           {"clipped above", 360, 6, 74, 1},
-                           {"elsewhere", 360, 0, 40, 0}}) {
-        SCOPED_TRACE(row.name);
-        EXPECT_NEAR(analyze(sine(row.cycles, row.decibels)).spectrum[row.column], row.expected, 1e-3);
-    }
+    const std::tuple<double, double, size_t, double> rows[] = {// cycles per transform, dB of full scale
+                                                               {5, 0, 22, 1 - 6.02 / 60},
+                                                               {5, -30, 22, 0.5 - 6.02 / 60},
+                                                               {360, -30, 74, 0.5 + (1.76 - 6.02) / 60},
+                                                               {360, -70, 74, 0},
+                                                               {360, 6, 74, 1},
+                                                               {360, 0, 40, 0}};
+    for (const auto &[cycles, decibels, column, level] : rows)
+        EXPECT_NEAR(analyze(sine(cycles, decibels)).spectrum[column], level, 1e-3)
+            << cycles << ' ' << decibels;
 }
 
 TEST(SpectrumAnalyzerTest, ShowsTheNewestSamplesInTheScope) {
@@ -73,28 +68,20 @@ TEST(SpectrumAnalyzerTest, ShowsTheNewestSamplesInTheScope) {
     for (size_t i = 0; i < samples.size(); ++i)
         samples[i] = (static_cast<float>(i) - 720) / 256; // −1 … 1 between the samples 464 and 976
     samples.back() = 9;
-    const VisFrame frame = analyze(samples);
+    VisFrame frame = analyze(samples);
     EXPECT_EQ(frame.scope.front(), -1.0F); // sample 416
     EXPECT_EQ(frame.scope[38], 0.0F);      // sample 720
     EXPECT_EQ(frame.scope[69], 248.0F / 256);
     EXPECT_EQ(frame.scope.back(), 1.0F);
-}
 
-TEST(SpectrumAnalyzerTest, AScopeLongerThanTheTransformBeginsWithSilence) {
-    const auto analyzer = SpectrumAnalyzer::make({.fftSize = 512, .sampleRate = rate});
-    ASSERT_TRUE(analyzer);
-    VisFrame frame;
-    analyzer->analyze(std::vector<float>(512, 0.5F), frame.spectrum, frame.scope);
-    EXPECT_EQ(frame.scope[11], 0.0F); // sample −8
+    const auto shorter = SpectrumAnalyzer::make({.fftSize = 512, .sampleRate = rate});
+    shorter->analyze(std::vector<float>(512, 0.5F), frame.spectrum, frame.scope);
+    EXPECT_EQ(frame.scope[11], 0.0F); // silence before the transform: sample −8
     EXPECT_EQ(frame.scope[12], 0.5F);
 }
 
-TEST(SpectrumAnalyzerTest, SilenceAndBrokenSamplesReadNothing) {
-    EXPECT_EQ(analyze(std::vector<float>(size)), VisFrame());
+TEST(SpectrumAnalyzerTest, BrokenSamplesReadNothingAndImpossibleSettingsMakeNone) {
     EXPECT_EQ(analyze(std::vector<float>(size, NAN)), VisFrame());
-}
-
-TEST(SpectrumAnalyzerTest, IsNotMadeFromImpossibleSettings) {
     for (const int fftSize : {-64, 0, 32, 1000, 1 << 20})
         EXPECT_FALSE(SpectrumAnalyzer::make({.fftSize = fftSize, .sampleRate = rate, .scopeStride = 1}));
     for (const double sampleRate : {0.0, -1.0, static_cast<double>(NAN), static_cast<double>(INFINITY)})

@@ -16,6 +16,10 @@ std::vector<StereoFrame> ramp(int first, int frames) {
     return sound;
 }
 
+struct StartedNode : PlayerNode {
+    explicit StartedNode(int sampleRate = rate) : PlayerNode(sampleRate) { discardBefore(1); }
+};
+
 void feed(PlayerNode &node, std::uint32_t generation, std::int64_t start,
           const std::vector<StereoFrame> &sound) {
     ASSERT_TRUE(node.beginSegment(generation, start));
@@ -31,8 +35,7 @@ std::vector<StereoFrame> render(PlayerNode &node, int frames) {
 } // namespace
 
 TEST(PlayerNodeTest, SegmentsPlayBackToBackWithoutAnyChange) {
-    PlayerNode node(rate);
-    node.discardBefore(1);
+    StartedNode node;
     feed(node, 1, 0, ramp(1, 1000));
     ASSERT_TRUE(node.endSegment());
     feed(node, 1, 0, ramp(1001, 500));
@@ -47,8 +50,7 @@ TEST(PlayerNodeTest, SegmentsPlayBackToBackWithoutAnyChange) {
 }
 
 TEST(PlayerNodeTest, DiscardedSoundVanishesAlsoWhilePaused) {
-    PlayerNode node(rate);
-    node.discardBefore(1);
+    StartedNode node;
     feed(node, 1, 0, ramp(1, rate));
     node.play();
     render(node, 100);
@@ -64,8 +66,7 @@ TEST(PlayerNodeTest, DiscardedSoundVanishesAlsoWhilePaused) {
 }
 
 TEST(PlayerNodeTest, SoundWaitsForALittleReserve) {
-    PlayerNode node(rate);
-    node.discardBefore(1);
+    StartedNode node;
     node.play();
     feed(node, 1, 0, ramp(1, 100));
     EXPECT_EQ(render(node, 50), std::vector<StereoFrame>(50)) << "a single small block would run dry at once";
@@ -75,7 +76,7 @@ TEST(PlayerNodeTest, SoundWaitsForALittleReserve) {
 }
 
 TEST(PlayerNodeTest, RunningDryFadesIsCountedAndFadesInAgain) {
-    PlayerNode node(rate);
+    StartedNode node;
     node.discardBefore(7);
     node.play();
     feed(node, 7, 100'000'000'000, std::vector<StereoFrame>(10'000, StereoFrame{1, 1}));
@@ -93,10 +94,9 @@ TEST(PlayerNodeTest, RunningDryFadesIsCountedAndFadesInAgain) {
 // One thread writes segments, one renders, one seeks: every sample that is heard belongs to the segment that
 // progress() names, and the whole is clean under the thread sanitizer.
 TEST(PlayerNodeTest, ThreadsNeverMixSegments) {
-    PlayerNode node(8000);
+    StartedNode node(8000);
     std::atomic<std::uint32_t> wanted{1};
     std::atomic<bool> done{false};
-    node.discardBefore(1);
     node.play();
     std::thread writer([&] {
         std::uint32_t current = 0;

@@ -11,12 +11,9 @@
 #include <QStandardPaths>
 #include <QTemporaryDir>
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
-#include <spawn.h>
 #include <sys/wait.h>
-#include <unistd.h>
 
 #include <cmath>
 #include <numbers>
@@ -42,11 +39,7 @@ constexpr double largestSineStep = 0.5 * 2 * std::numbers::pi * sineHertz / 4800
 struct Measured {
     double decibels = -99; ///< against the source
     double hertz = 0;
-    double largestStep = 0;
-
-    [[nodiscard]] bool isRight() const {
-        return std::abs(decibels) < 0.1 && std::abs(hertz - sineHertz) < 1 && largestStep < largestSineStep;
-    }
+    double largestStep = 0; ///< more than the sine's is a gap or a click
 };
 
 Measured measure(const std::vector<float> &sound) {
@@ -67,21 +60,6 @@ Measured measure(const std::vector<float> &sound) {
     measured.hertz =
         48000.0 * static_cast<double>(crossings.size() - 1) / (crossings.back() - crossings.front());
     return measured;
-}
-
-// Not QProcess, whose way to start a program the thread sanitizer does not survive.
-pid_t spawn(const std::vector<std::string> &words) {
-    std::vector<char *> arguments;
-    for (const std::string &word : words)
-        arguments.push_back(const_cast<char *>(word.c_str()));
-    arguments.push_back(nullptr);
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
-    pid_t process = 0;
-    EXPECT_EQ(posix_spawnp(&process, arguments[0], &actions, nullptr, arguments.data(), environ), 0);
-    posix_spawn_file_actions_destroy(&actions);
-    return process;
 }
 
 void end(pid_t &process) {
@@ -166,15 +144,16 @@ TEST_F(PulseAudioOutputTest, PlaysTheVerySoundPausesAndOutlivesItsServer) {
     player.enqueue({sine()});
     player.play();
     // A busy machine may starve a second of them of time; a fault of ours would spoil all three.
-    Measured measured;
-    for (int attempt = 0; attempt < 3 && !measured.isRight(); ++attempt)
-        measured = measure(nextSecond());
+    bool isRight = false;
+    for (int attempt = 0; attempt < 3 && !isRight; ++attempt) {
+        const Measured measured = measure(nextSecond());
+        isRight = std::abs(measured.decibels) < 0.1 && std::abs(measured.hertz - sineHertz) < 1 &&
+                  measured.largestStep < largestSineStep;
+        std::cout << measured.decibels << " dB, " << measured.hertz << " Hz, step " << measured.largestStep
+                  << '\n';
+    }
+    EXPECT_TRUE(isRight);
     EXPECT_EQ(player.outputName(), QStringLiteral("PulseAudio"));
-    EXPECT_NEAR(measured.decibels, 0, 0.1);
-    EXPECT_NEAR(measured.hertz, sineHertz, 1);
-    EXPECT_LT(measured.largestStep, largestSineStep) << "a gap or a click";
-    RecordProperty("decibels", std::to_string(measured.decibels));
-    RecordProperty("hertz", std::to_string(measured.hertz));
 
     end(m_server);
     const double place = player.currentTime();

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <numeric>
 #include <random>
 
@@ -64,30 +65,23 @@ void expectInvariants(const PlayQueue &queue) {
 } // namespace
 
 TEST(PlayQueueTest, StepsThroughAnOrderedQueue) {
-    struct Row {
-        const char *name;
-        std::optional<int> current;
-        RepeatMode repeat;
-        const char *next, *previous, *afterEnd;
+    const std::tuple<std::optional<int>, RepeatMode, const char *> rows[] = {
+        // next, previous, after the end
+        {std::nullopt, RepeatMode::all, "a--"},
+        {0, RepeatMode::off, "b-b"},
+        {0, RepeatMode::all, "bcb"},
+        {2, RepeatMode::off, "-b-"},
+        {2, RepeatMode::all, "aba"},
+        {2, RepeatMode::one, "-bc"},
     };
-    const Row rows[] = {
-        {"nothing current", {}, RepeatMode::all, "a", "-", "-"},
-        {"first", 0, RepeatMode::off, "b", "-", "b"},
-        {"first, wrapping", 0, RepeatMode::all, "b", "c", "b"},
-        {"last", 2, RepeatMode::off, "-", "b", "-"},
-        {"last, wrapping", 2, RepeatMode::all, "a", "b", "a"},
-        {"repeating itself", 2, RepeatMode::one, "-", "b", "c"},
-    };
-    for (const Row &row : rows) {
-        SCOPED_TRACE(row.name);
-        PlayQueue queue = makeQueue("abc", row.current);
-        queue.setRepeatMode(row.repeat);
+    for (const auto &[current, repeat, expected] : rows) {
+        SCOPED_TRACE(expected);
+        PlayQueue queue = makeQueue("abc", current);
+        queue.setRepeatMode(repeat);
         PlayQueue forward = queue, back = queue, ended = queue;
-        EXPECT_EQ(title(forward.next()), row.next);
-        EXPECT_EQ(title(back.previous()), row.previous);
-        EXPECT_EQ(title(ended.advanceAfterTrackEnd()), row.afterEnd);
-        EXPECT_EQ(queue.indexAfterCurrentEnds(),
-                  row.afterEnd == std::string("-") ? std::nullopt : ended.currentIndex());
+        EXPECT_EQ(title(forward.next()) + title(back.previous()) + title(ended.advanceAfterTrackEnd()),
+                  expected);
+        EXPECT_EQ(queue.indexAfterCurrentEnds(), expected[2] == '-' ? std::nullopt : ended.currentIndex());
         EXPECT_EQ(queue.hasForwardTarget(), forward != queue);
     }
     EXPECT_EQ(PlayQueue().next(), std::nullopt);
@@ -146,20 +140,16 @@ TEST(PlayQueueTest, AppendedTracksComeAnywhereAfterWhatHasPlayed) {
 }
 
 TEST(PlayQueueTest, RemovingTheCurrentTrackGoesToItsFollower) {
-    struct Row {
-        std::optional<int> current;
-        IndexSet removed;
-        const char *titles, *playing;
+    const std::tuple<std::optional<int>, IndexSet, const char *> rows[] = {
+        // the titles, then the current one
+        {2, {0}, "bcdc"},      {1, {3}, "abcb"},       {1, {1}, "acdc"},
+        {3, {3}, "abcc"},      {1, {1, 2}, "add"},     {2, {2, 3}, "abb"},
+        {1, {-1, 4}, "abcdb"}, {1, {0, 1, 2, 3}, "-"}, {{}, {0}, "bcd-"},
     };
-    const Row rows[] = {
-        {2, {0}, "bcd", "c"},      {1, {3}, "abc", "b"},       {1, {1}, "acd", "c"},
-        {3, {3}, "abc", "c"},      {1, {1, 2}, "ad", "d"},     {2, {2, 3}, "ab", "b"},
-        {1, {-1, 4}, "abcd", "b"}, {1, {0, 1, 2, 3}, "", "-"}, {{}, {0}, "bcd", "-"},
-    };
-    for (const Row &row : rows) {
-        PlayQueue queue = makeQueue("abcd", row.current);
-        queue.remove(row.removed);
-        EXPECT_EQ(titles(queue) + title(queue.current()), std::string(row.titles) + row.playing);
+    for (const auto &[current, removed, expected] : rows) {
+        PlayQueue queue = makeQueue("abcd", current);
+        queue.remove(removed);
+        EXPECT_EQ(titles(queue) + title(queue.current()), expected);
     }
     PlayQueue shuffled = makeQueue("abcd", 1);
     shuffled.setShuffle(true);
@@ -176,17 +166,13 @@ TEST(PlayQueueTest, RemovingTheCurrentTrackGoesToItsFollower) {
 }
 
 TEST(PlayQueueTest, MovesRowsAndKeepsTheirDistances) {
-    struct Row {
-        IndexSet rows;
-        int offset;
-        const char *expected;
-    };
-    for (const Row &row : {Row{{1}, 2, "acdbe"}, Row{{3, 4}, -1, "abdec"}, Row{{1, 3}, 100, "acbed"},
-                           Row{{1, 3}, std::numeric_limits<int>::min(), "badce"}, Row{{-3, 9}, 1, "abcde"},
-                           Row{{-3, 0, 9}, 1, "bacde"}}) {
+    const std::tuple<IndexSet, int, const char *> cases[] = {
+        {{1}, 2, "acdbe"},          {{3, 4}, -1, "abdec"}, {{1, 3}, 100, "acbed"},
+        {{1, 3}, INT_MIN, "badce"}, {{-3, 9}, 1, "abcde"}, {{-3, 0, 9}, 1, "bacde"}};
+    for (const auto &[rows, offset, expected] : cases) {
         PlayQueue queue = makeQueue("abcde", 2);
-        queue.move(row.rows, row.offset);
-        EXPECT_EQ(titles(queue) + title(queue.current()), row.expected + std::string("c"));
+        queue.move(rows, offset);
+        EXPECT_EQ(titles(queue), expected);
     }
 }
 
@@ -235,14 +221,14 @@ TEST(PlayQueueTest, KeepsItsInvariantsUnderRandomEdits) {
                 queue.crop(rows);
         },
     };
+    const auto moveSome = [&] {
+        const PlayQueue before = queue;
+        queue.move(rows, draw(-3, 3));
+        return queue != before;
+    };
     const std::function<bool()> rearrangements[] = {[&] { return queue.sort(PlaylistSortKey::path); },
                                                     [&] { return queue.reverse(); },
-                                                    [&] { return queue.randomize(); },
-                                                    [&] {
-                                                        const PlayQueue before = queue;
-                                                        queue.move(rows, draw(-3, 3));
-                                                        return queue != before;
-                                                    }};
+                                                    [&] { return queue.randomize(); }, moveSome};
     for (int round = 0; round < 4000 && !testing::Test::HasFailure(); ++round) {
         SCOPED_TRACE(round);
         rows = {draw(-1, queue.count()), draw(-1, queue.count()), draw(-1, queue.count())};

@@ -2,9 +2,7 @@
 #include "AudioCore/Queue/PlaylistSelection.h"
 #include "AudioCore/Queue/TrackInfo.h"
 #include "tests/Support/AudioFileBuilder.h"
-
-#include <QFile>
-#include <QTemporaryDir>
+#include "tests/Support/TestFolder.h"
 
 #include <gtest/gtest.h>
 #include <taglib/fileref.h>
@@ -15,10 +13,6 @@
 using namespace vantor;
 
 namespace {
-
-QString utf8(const char *text) {
-    return QString::fromUtf8(text);
-}
 
 TEST(TrackTest, ReadsWhatFilesSayOfThemselves) {
     struct Row {
@@ -36,92 +30,79 @@ TEST(TrackTest, ReadsWhatFilesSayOfThemselves) {
                            {"m4a", 44100, 2, 0.05},
                            {"mka", 48000, 2, 0.02}}) {
         SCOPED_TRACE(row.extension);
-        const QString path = folder.filePath(utf8("Über 夜.v2.")) + QLatin1String(row.extension);
+        const QString path = folder.filePath(u"Über 夜.v2."_qs) + QLatin1String(row.extension);
+        const QUrl url = QUrl::fromLocalFile(path);
         AudioFileContent content{.seconds = 1.5, .sampleRate = row.sampleRate, .channels = row.channels};
         writeAudioFile(path, content);
-        const Track untagged = Track::file(QUrl::fromLocalFile(path));
-        EXPECT_EQ(untagged.title, utf8("Über 夜.v2"));
-        EXPECT_EQ(untagged.artist, QString());
-        EXPECT_EQ(untagged.album, std::nullopt);
-        EXPECT_NEAR(untagged.duration, content.seconds, row.tolerance);
-        EXPECT_EQ(untagged.sampleRate, row.sampleRate);
-        EXPECT_EQ(untagged.channels, row.channels);
-        EXPECT_GT(untagged.bitrate.value_or(0), 1);
-        EXPECT_LT(untagged.bitrate.value_or(0), 3100);
-
-        content.tags = {{utf8("title"), utf8("Żółw\n")},
-                        {utf8("artist"), utf8("Ana & 夜")},
-                        {utf8("album"), utf8("Dusk")}};
+        Track expected = Track::file(url);
+        EXPECT_NEAR(expected.duration, content.seconds, row.tolerance);
+        EXPECT_GT(expected.bitrate.value_or(0), 1);
+        EXPECT_LT(expected.bitrate.value_or(0), 3100);
+        EXPECT_EQ(std::tie(expected.title, expected.artist, expected.album, expected.source),
+                  std::tuple(u"Über 夜.v2"_qs, QString(), std::nullopt, Track::Source(url)));
+        EXPECT_EQ(std::tie(expected.sampleRate, expected.channels), std::tie(row.sampleRate, row.channels));
+        content.tags = {
+            {u"title"_qs, u"Żółw\n"_qs}, {u"artist"_qs, u"Ana & 夜"_qs}, {u"album"_qs, u"Dusk"_qs}};
         writeAudioFile(path, content);
-        const Track tagged = Track::file(QUrl::fromLocalFile(path));
-        EXPECT_NE(tagged.id, untagged.id);
-        EXPECT_EQ(tagged.source, untagged.source);
-        EXPECT_EQ(tagged.title, utf8("Żółw"));
-        EXPECT_EQ(tagged.artist, utf8("Ana & 夜"));
-        EXPECT_EQ(tagged.album, utf8("Dusk"));
+        const Track tagged = Track::file(url);
+        EXPECT_NE(tagged.id, expected.id);
+        EXPECT_EQ(std::tie(tagged.title, tagged.artist, tagged.album, tagged.sampleRate),
+                  std::tuple(u"Żółw"_qs, u"Ana & 夜"_qs, u"Dusk"_qs, expected.sampleRate));
     }
 }
 
 TEST(TrackTest, JoinsSeveralArtists) {
     const QTemporaryDir folder;
     for (const char *name : {"a.flac", "a.mp3", "a.m4a"}) {
-        const QString path = folder.filePath(utf8(name));
+        const QString path = folder.filePath(QLatin1String(name));
         writeAudioFile(path, {.seconds = 0.1});
         TagLib::FileRef file(path.toUtf8().constData());
         TagLib::PropertyMap tags;
         tags["ARTIST"] = TagLib::StringList("Ana").append("Bo").append("Ana");
         file.file()->setProperties(tags);
         ASSERT_TRUE(file.save());
-        EXPECT_EQ(Track::file(QUrl::fromLocalFile(path)).artist, utf8("Ana, Bo")) << name;
+        EXPECT_EQ(Track::file(QUrl::fromLocalFile(path)).artist, u"Ana, Bo"_qs) << name;
     }
 }
 
 TEST(TrackTest, RefusesWhatIsNoAudioFile) {
-    const QTemporaryDir folder;
-    const auto failureOf = [](const QUrl &url) -> std::optional<AudioCoreError> {
+    const TestFolder folder;
+    folder.write("empty.mp3", {});
+    folder.write("text.flac", QByteArray("not sound at all\n").repeated(500));
+    folder.write("zeros.wav", QByteArray(9000, '\0'));
+    const QString file = QUrl::fromLocalFile(folder.path()).toString() + QLatin1Char('/');
+    const std::pair<QString, AudioCoreError> rows[] = {
+        {file + u"empty.mp3"_qs, AudioCoreError::openFailure()},
+        {file + u"text.flac"_qs, AudioCoreError::openFailure()},
+        {file + u"zeros.wav"_qs, AudioCoreError::openFailure()},
+        {file, AudioCoreError::openFailure()},
+        {file + u"none.mp3"_qs, AudioCoreError::readFailure()},
+        {u"http://127.0.0.1:9/a.mp3"_qs, AudioCoreError::unresolvableSource()}};
+    for (const auto &[url, expected] : rows) {
         try {
-            (void)Track::file(url);
+            (void)Track::file(QUrl(url));
+            ADD_FAILURE() << url.toStdString();
         } catch (const AudioCoreError &error) {
-            return error;
+            EXPECT_EQ(error, expected) << url.toStdString();
         }
-        return std::nullopt;
-    };
-    const auto write = [&](const char *name, const QByteArray &bytes) {
-        QFile file(folder.filePath(utf8(name)));
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
-        return QUrl::fromLocalFile(file.fileName());
-    };
-    EXPECT_EQ(failureOf(write("empty.mp3", {})), AudioCoreError::openFailure());
-    EXPECT_EQ(failureOf(write("text.flac", QByteArray("not sound at all\n").repeated(500))),
-              AudioCoreError::openFailure());
-    EXPECT_EQ(failureOf(write("zeros.wav", QByteArray(9000, '\0'))), AudioCoreError::openFailure());
-    EXPECT_EQ(failureOf(QUrl::fromLocalFile(folder.path())), AudioCoreError::openFailure());
-    EXPECT_EQ(failureOf(QUrl::fromLocalFile(folder.filePath(utf8("none.mp3")))),
-              AudioCoreError::readFailure());
-    EXPECT_EQ(failureOf(QUrl(utf8("http://127.0.0.1:9/a.mp3"))), AudioCoreError::unresolvableSource());
+    }
 }
 
 TEST(TrackTest, DamagedFilesGiveATrackOrAnError) {
     std::mt19937 random(3);
-    const QTemporaryDir folder;
-    for (const char *extension : {"wav", "aiff", "flac", "mp3", "ogg", "opus", "m4a", "mka"}) {
-        SCOPED_TRACE(extension);
-        QFile file(folder.filePath(utf8("a.")) + utf8(extension));
-        writeAudioFile(file.fileName(),
-                       {.seconds = 0.2, .sampleRate = 48000, .tags = {{utf8("title"), utf8("Dusk")}}});
-        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-        const QByteArray sound = file.readAll();
+    const TestFolder folder;
+    for (const char *name : {"a.wav", "a.aiff", "a.flac", "a.mp3", "a.ogg", "a.opus", "a.m4a", "a.mka"}) {
+        SCOPED_TRACE(name);
+        const QString path = folder.path(name);
+        writeAudioFile(path, {.seconds = 0.2, .sampleRate = 48000, .tags = {{u"title"_qs, u"Dusk"_qs}}});
+        const QByteArray sound = folder.read(path);
         for (int round = 0; round < 20; ++round) {
-            QByteArray damaged =
-                sound.left(round % 2 ? sound.size() : std::min<qsizetype>(round * 20, sound.size()));
+            QByteArray damaged = round % 2 ? sound : sound.left(round * 20);
             for (int hit = 0; hit < round && !damaged.isEmpty(); ++hit)
                 damaged[std::min<qsizetype>(random() % 1024, damaged.size() - 1)] =
                     static_cast<char>(random());
-            file.close();
-            ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(damaged) == damaged.size());
-            file.close();
             try {
-                const Track track = Track::file(QUrl::fromLocalFile(file.fileName()));
+                const Track track = Track::file(QUrl::fromLocalFile(folder.write(name, damaged)));
                 EXPECT_TRUE(std::isfinite(track.duration) && track.duration >= 0);
                 EXPECT_FALSE(track.title.isEmpty());
             } catch (const AudioCoreError &error) {
@@ -131,40 +112,28 @@ TEST(TrackTest, DamagedFilesGiveATrackOrAnError) {
     }
 }
 
-TEST(TrackInfoTest, WritesTimesAndRates) {
+TEST(TrackInfoTest, ListsWhatIsKnown) {
+    using Text = std::pair<double, const char *>;
     for (const auto &[seconds, text] :
-         std::initializer_list<std::pair<double, const char *>>{{-5, "0:00"},
-                                                                {59.99, "0:59"},
-                                                                {3599.9, "59:59"},
-                                                                {3600, "1:00:00"},
-                                                                {36061, "10:01:01"},
-                                                                {NAN, "0:00"}})
+         {Text{-5, "0:00"}, {59.99, "0:59"}, {3599.9, "59:59"}, {36061, "10:01:01"}, {NAN, "0:00"}})
         EXPECT_EQ(TrackInfo::durationText(seconds), QLatin1String(text)) << seconds;
     for (const auto &[rate, text] :
-         std::initializer_list<std::pair<double, const char *>>{{44100, "44.1 kHz"},
-                                                                {48000, "48 kHz"},
-                                                                {47960, "48 kHz"},
-                                                                {11025, "11 kHz"},
-                                                                {INFINITY, "0 kHz"}})
+         {Text{44100, "44.1 kHz"}, {47960, "48 kHz"}, {11025, "11 kHz"}, {INFINITY, "0 kHz"}})
         EXPECT_EQ(TrackInfo::rateText(rate), QLatin1String(text)) << rate;
-}
 
-TEST(TrackInfoTest, ListsWhatIsKnown) {
+    const auto rows = [](const Track &track, std::optional<PlaybackFormat> format) {
+        QStringList lines;
+        for (const TrackInfo::Row &row : TrackInfo::fromTrack(track, format).rows())
+            lines.append(row.label + u": "_qs + row.value);
+        return lines.join(u", "_qs);
+    };
     Track track;
-    track.title = utf8("Dusk");
-    EXPECT_EQ(TrackInfo::fromTrack(track, {}).rows(),
-              (std::vector<TrackInfo::Row>{{utf8("Title"), utf8("Dusk")}}));
-    track.artist = utf8("Ana");
-    track.album = utf8("Night");
-    track.duration = 61;
-    track.bitrate = 900;
-    track.channels = 1;
-    const std::vector<TrackInfo::Row> rows{
-        {utf8("Title"), utf8("Dusk")},          {utf8("Artist"), utf8("Ana")},
-        {utf8("Album"), utf8("Night")},         {utf8("Duration"), utf8("1:01")},
-        {utf8("Format"), utf8("FLAC, 24-bit")}, {utf8("Bitrate"), utf8("900 kbps")},
-        {utf8("Sample rate"), utf8("96 kHz")},  {utf8("Channels"), utf8("Mono")}};
-    EXPECT_EQ(TrackInfo::fromTrack(track, PlaybackFormat{96000, 2, utf8("FLAC"), 24}).rows(), rows);
+    track.title = u"Dusk"_qs;
+    EXPECT_EQ(rows(track, {}), u"Title: Dusk"_qs);
+    track = {{}, u"Dusk"_qs, u"Ana"_qs, u"Night"_qs, 61, 900, {}, 1, {}};
+    EXPECT_EQ(rows(track, PlaybackFormat{96000, 2, u"FLAC"_qs, 24}),
+              u"Title: Dusk, Artist: Ana, Album: Night, Duration: 1:01, Format: FLAC, 24-bit, "
+              "Bitrate: 900 kbps, Sample rate: 96 kHz, Channels: Mono"_qs);
 }
 
 TEST(PlaylistSelectionTest, FollowsClicks) {
@@ -182,11 +151,10 @@ TEST(PlaylistSelectionTest, FollowsClicks) {
     selection.commandClick(0, tracks);
     selection.commandClick(4, tracks);
     expect({1, 4});
-    for (const int outside : {-1, 5}) {
-        selection.click(outside, tracks);
-        selection.commandClick(outside, tracks);
-        selection.shiftClick(outside, tracks);
-    }
+    for (const auto click :
+         {&PlaylistSelection::click, &PlaylistSelection::commandClick, &PlaylistSelection::shiftClick})
+        for (const int outside : {-1, 5})
+            (selection.*click)(outside, tracks);
     expect({1, 4});
     selection.invert(tracks);
     expect({0, 2, 3});

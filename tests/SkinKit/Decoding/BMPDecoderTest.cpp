@@ -48,24 +48,16 @@ TEST(BMPDecoderTest, EveryLayoutYieldsItsPixels) {
     } rows[] = {
         {"24 bits, bottom-up", {2, 2, 24, rgb + bw}, "WK|RG"},
         {"24 bits, top-down", {2, -2, 24, rgb + bw}, "RG|WK"},
-        {"24 bits, core header", {2, 1, 24, rgb, {}, 0, {}, 12}, "RG"},
         {"1 bit", {9, 1, 1, hex("a0800000"), {colors[1], colors[4]}}, "WRWRRRRRW"},
         {"4 bits, odd width", {3, 1, 4, hex("12400000"), colors}, "RGW"},
-        {"4 bits, core palette",
-         {2, 1, 4, hex("34000000"), std::vector<RGBColor>(16, colors[3]), 0, {}, 12},
-         "BB"},
+        {"core header and palette", {2, 1, 4, hex("34000000"), {16, colors[3]}, 0, {}, 12}, "BB"},
         {"8 bits, index beyond the palette", {4, 1, 8, hex("0104ff02"), colors}, "RWKG"},
-        {"8 bits, colour count beyond 256",
-         {1, 1, 8, hex("ff000000"), std::vector<RGBColor>(256, colors[2]), 0, {}, 40, {}, 300},
-         "G"},
+        {"300 colours are 256", {1, 1, 8, hex("ff000000"), {256, colors[2]}, 0, {}, 40, {}, 300}, "G"},
         {"16 bits are 5-5-5", {4, 1, 16, hex("ff7f 007c e003 1f00")}, "WRGB"},
-        {"16 bits, 5-6-5", {4, 1, 16, hex("ffff 00f8 e007 1f00"), {}, 3, masks565}, "WRGB"},
         {"32 bits, fourth byte ignored", {2, 1, 32, hex("0000ff00 00ff007f")}, "RG"},
         {"32 bits, 10-bit and absent masks", {2, 1, 32, hex("0000f03f 00fc0f00"), {}, 3, masksWide}, "RG"},
         {"masks inside a later header", {2, 1, 16, hex("00f8 e007"), {}, 3, masks565, 56}, "RG"},
-        {"a mask with gaps is capped",
-         {1, 1, 32, hex("ff000000"), {}, 3, le32(0x81) + le32(0) + le32(0)},
-         "R"},
+        {"a mask with gaps", {1, 1, 32, hex("ff000000"), {}, 3, le32(0x81) + le32(0) + le32(0)}, "R"},
         {"offset into the palette", {1, 1, 8, hex("01000000"), colors, 0, {}, 40, 60}, "R"},
         {"offset behind the data", {1, 1, 8, hex("01000000"), colors, 0, {}, 40, 78}, "R"},
         {"offset over a gap", {1, 1, 24, hex("ffffffff 0000ff00"), {}, 0, {}, 40, 58}, "R"},
@@ -92,14 +84,12 @@ TEST(BMPDecoderTest, RunLengthStreams) {
         {"a delta skips over pixels", 8, "0101 0002 0101 0103 0001", "KKBK|RKKK"},
         {"a run is cut at the width", 8, "0601 0102 0000 0103 0001", "BKKK|RRRR"},
         {"reaching the height needs no end code", 8, "0401 0000 0402 0000", "GGGG|RRRR"},
-        {"a delta beyond the height", 8, "0401 0002 0002", "KKKK|RRRR"},
         {"deltas beyond the width", 8, "0002 ff00 0002 ff00 0101 0001", "KKKK|KKKK"},
         {"no end code", 8, "0401 0000 0402", "none"},
         {"a literal longer than the data", 8, "0004 010203", "none"},
         {"a delta cut off", 8, "0002 01", "none"},
         {"nibbles alternate from the high one", 4, "0312 0103 0000 0441 0001", "WRWR|RGRK"},
-        {"nibble literals with padding", 4, "0003 1230 0000 0001", "KKKK|RGBK"},
-        {"nibble literals of odd byte length", 4, "0005 123410 00 0001", "KKKK|RGBW"},
+        {"nibble literals of odd byte length", 4, "0005 123400 01 0000 0411 0001", "RRRR|RGBW"},
     };
     for (const auto &row : rows) {
         SCOPED_TRACE(row.name);
@@ -118,14 +108,11 @@ TEST(BMPDecoderTest, LyingFieldsAndCaps) {
     } rows[] = {
         {"as many pixels as allowed", {4096, 2048, 1, row.repeated(2048), two}, true},
         {"a row more", {4096, 2049, 1, row.repeated(2049), two}, false},
-        {"the sides pass but not the pixels", {4096, 4096, 1, row.repeated(4096), two}, false},
         {"too wide", {4097, 1, 1, row.repeated(2), two}, false},
         {"too high", {1, 4097, 1, QByteArray(4 * 4097, '\0'), two}, false},
         {"top-down at the limit", {1, -4096, 1, QByteArray(4 * 4096, '\0'), two}, true},
-        {"top-down above it", {1, -4097, 1, QByteArray(4 * 4097, '\0'), two}, false},
         {"the least height", {1, INT_MIN, 1, row, two}, false},
         {"no width", {0, 1, 24, row}, false},
-        {"negative width", {-1, 1, 24, row}, false},
         {"no height", {1, 0, 24, row}, false},
         {"no such depth", {1, 1, 2, row, two}, false},
         {"no such header", {1, 1, 24, row, {}, 0, {}, 64}, false},
@@ -152,10 +139,8 @@ TEST(BMPDecoderTest, EveryWidthIsExact) {
         const QByteArray padded = row + QByteArray((4 - row.size() % 4) % 4, '\xEE');
         const QImage image = BMPDecoder::decode(BitmapBuilder{width, 1, 24, padded}.bmp());
         ASSERT_EQ(image.size(), QSize(width, 1));
-        for (int x = 0; x < width; ++x) {
-            const QRgb expected = qRgb(static_cast<uchar>(row[x * 3 + 2]), static_cast<uchar>(row[x * 3 + 1]),
-                                       static_cast<uchar>(row[x * 3]));
-            ASSERT_EQ(image.pixel(x, 0), expected) << x << " of " << width;
-        }
+        const auto level = [](int index) { return index * 7 % 256; };
+        for (int x = 0; x < width; ++x)
+            ASSERT_EQ(image.pixel(x, 0), qRgb(level(x * 3 + 2), level(x * 3 + 1), level(x * 3))) << width;
     }
 }

@@ -4,8 +4,6 @@
 #include "SkinKit/Decoding/CursorBitmap.h"
 #include "tests/Support/BitmapBuilder.h"
 
-#include <QBuffer>
-
 #include <gtest/gtest.h>
 
 using namespace vantor;
@@ -15,20 +13,6 @@ namespace {
 
 constexpr RGBColor red{255, 0, 0};
 constexpr RGBColor blue{0, 0, 255};
-
-QByteArray png(const QImage &image) {
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    EXPECT_TRUE(image.save(&buffer, "PNG"));
-    return bytes;
-}
-
-QByteArray solidPNG(int width, int height, QRgb color) {
-    QImage image(width, height, QImage::Format_ARGB32);
-    image.fill(color);
-    return png(image);
-}
 
 DirectoryEntry entry(int side, RGBColor color, int bitCount = 0) {
     return {side % 256, side % 256, 3, bitCount, solidCursorDib(side, color)};
@@ -40,16 +24,15 @@ std::string summary(const std::optional<SkinCursor::Frame> &frame) {
         return "none";
     EXPECT_EQ(frame->image.format(), QImage::Format_RGBA8888_Premultiplied);
     const QByteArray pixel(reinterpret_cast<const char *>(frame->image.constBits()), 4);
-    return QString::asprintf("%dx%d @%d,%d ", frame->image.width(), frame->image.height(), frame->hotSpot.x(),
-                             frame->hotSpot.y())
-               .toStdString() +
-           pixel.toHex().toStdString();
+    return QString::asprintf("%dx%d @%d,%d %s", frame->image.width(), frame->image.height(),
+                             frame->hotSpot.x(), frame->hotSpot.y(), pixel.toHex().constData())
+        .toStdString();
 }
 
 } // namespace
 
 TEST(CursorBitmapTest, ChoosesTheEntryThatFitsBest) {
-    const QByteArray halfRed = solidPNG(48, 48, qRgba(255, 0, 0, 128));
+    const QByteArray halfRed = solidPNG({48, 48}, qRgba(255, 0, 0, 128));
     const BitmapBuilder shallow{32, 64, 24, QByteArray(32 * 96 + 128, '\x80')};
     const struct {
         const char *name;
@@ -59,20 +42,12 @@ TEST(CursorBitmapTest, ChoosesTheEntryThatFitsBest) {
     } rows[] = {
         {"closest to 32", 2, {entry(16, blue), entry(32, red, 4), entry(48, blue)}, "32x32 @3,4 ff0000ff"},
         {"an icon has no hot spot", 1, {entry(32, red, 4)}, "32x32 @0,0 ff0000ff"},
-        {"deeper first, by its own header",
-         2,
-         {{32, 32, 0, 99, shallow.dib()}, entry(32, red)},
-         "32x32 @3,0 ff0000ff"},
+        {"deeper first", 2, {{32, 32, 0, 99, shallow.dib()}, entry(32, red)}, "32x32 @3,0 ff0000ff"},
         {"a tie goes to the earlier", 2, {entry(16, red), entry(48, blue)}, "16x16 @3,0 ff0000ff"},
-        {"the next when the best is broken",
-         2,
-         {{32, 32, 0, 0, "no picture"}, entry(16, red)},
-         "16x16 @3,0 ff0000ff"},
+        {"the best is broken", 2, {{32, 32, 0, 0, "none"}, entry(16, red)}, "16x16 @3,0 ff0000ff"},
         {"zero means 256", 2, {entry(256, red)}, "256x256 @3,0 ff0000ff"},
         {"a PNG, premultiplied", 2, {{48, 48, 1, 2, halfRed}}, "48x48 @1,2 80000080"},
-        {"a PNG that is too wide", 2, {{32, 32, 0, 0, solidPNG(257, 1, 0)}}, "none"},
-        {"a whole bitmap file", 2, {{32, 32, 0, 0, solidBMP(32, 32, red)}}, "none"},
-        {"no entries", 2, {}, "none"},
+        {"a PNG that is too wide", 2, {{32, 32, 0, 0, solidPNG({257, 1}, 0)}}, "none"},
         {"64 entries", 2, std::vector(64, entry(1, red)), "1x1 @3,0 ff0000ff"},
         {"65 entries", 2, std::vector(65, entry(1, red)), "none"},
         {"another type", 3, {entry(32, red)}, "none"},
@@ -91,36 +66,25 @@ TEST(CursorBitmapTest, ChoosesTheEntryThatFitsBest) {
 TEST(CursorBitmapTest, AlphaAndMask) {
     const QByteArray black = le32(0);
     const QByteArray masked = QByteArray::fromHex("80000000");
-    const QByteArray unmasked = le32(0);
+    const QByteArray unmasked = le32(0), clear = QByteArray::fromHex("0000ff00");
     const QByteArray standard = le32(0xFF0000) + le32(0xFF00) + le32(0xFF);
     const struct {
         const char *name;
         BitmapBuilder bitmap;
         const char *expected;
     } rows[] = {
-        {"own alpha scales the colour, its mask is ignored",
-         {1, 2, 32, QByteArray::fromHex("0000ff80") + masked},
-         "80000080"},
+        {"own alpha, mask ignored", {1, 2, 32, QByteArray::fromHex("0000ff80") + masked}, "80000080"},
         {"own alpha needs no mask", {1, 2, 32, QByteArray::fromHex("0000ffff")}, "ff0000ff"},
-        {"no alpha seen: opaque", {1, 2, 32, QByteArray::fromHex("0000ff00") + unmasked}, "ff0000ff"},
-        {"no alpha seen: masked", {1, 2, 32, QByteArray::fromHex("0000ff00") + masked}, "00000000"},
-        {"no alpha seen: mask missing",
-         {1, 2, 32, QByteArray::fromHex("0000ff00") + masked.first(3)},
-         "none"},
+        {"no alpha seen: opaque", {1, 2, 32, clear + unmasked}, "ff0000ff"},
+        {"no alpha seen: masked", {1, 2, 32, clear + masked}, "00000000"},
+        {"no alpha seen: mask missing", {1, 2, 32, clear + masked.first(3)}, "none"},
         {"24 bits, masked", {1, 2, 24, black + masked}, "00000000"},
         {"1 bit, opaque", {1, 2, 1, masked + unmasked, {blue, red}}, "ff0000ff"},
-        {"rows from the bottom, the mask too",
-         {1, 4, 24, black + QByteArray::fromHex("0000ff00") + masked + unmasked},
-         "ff0000ff"},
-        {"24 bits have no palette", {1, 2, 24, QByteArray::fromHex("0000ff00") + unmasked}, "ff0000ff"},
+        {"rows and mask from the bottom", {1, 4, 24, black + clear + masked + unmasked}, "ff0000ff"},
         {"standard masks", {1, 2, 32, QByteArray::fromHex("0000ffff"), {}, 3, standard}, "ff0000ff"},
-        {"other masks",
-         {1, 2, 32, QByteArray::fromHex("0000ffff"), {}, 3, standard.sliced(4) + black},
-         "none"},
+        {"other masks", {1, 2, 32, clear, {}, 3, standard.sliced(4) + black}, "none"},
         {"run lengths", {1, 2, 8, QByteArray(64, '\1'), {red, blue}, 1}, "none"},
-        {"a core header",
-         {.width = 1, .height = 2, .depth = 24, .pixels = QByteArray(64, '\1'), .headerSize = 12},
-         "none"},
+        {"a core header", {1, 2, 24, QByteArray(64, '\1'), {}, 0, {}, 12}, "none"},
         {"too wide", {257, 2, 1, QByteArray(80, '\1'), {red, blue}}, "none"},
         {"too high", {1, 514, 1, QByteArray(4 * 514, '\1'), {red, blue}}, "none"},
         {"no rows besides the mask", {1, 1, 1, QByteArray(80, '\1'), {red, blue}}, "none"},
@@ -146,15 +110,9 @@ TEST(CursorParserTest, UpscaledRepeatsEveryPixelExactly) {
     QImage image(11, 3, QImage::Format_RGBA8888_Premultiplied);
     for (int x = 0; x < 33; ++x)
         image.setPixel(x % 11, x / 11, qRgba(x, 0, 0, 255));
-    for (const int factor : {-1, 1, 2, 13}) {
-        const QImage large = SkinCursor::Frame{image, {}}.upscaled(factor);
-        const int scale = std::max(factor, 1);
-        ASSERT_EQ(large.size(), image.size() * scale);
-        for (int y = 0; y < large.height(); ++y) {
-            for (int x = 0; x < large.width(); ++x)
-                ASSERT_EQ(large.pixel(x, y), image.pixel(x / scale, y / scale)) << x << ',' << y;
-        }
-    }
+    for (const int factor : {-1, 1, 2, 13})
+        EXPECT_EQ((SkinCursor::Frame{image, {}}.upscaled(factor)),
+                  image.scaled(image.size() * std::max(factor, 1)));
 }
 
 TEST(AniParserTest, StepsFollowSequenceAndRates) {
@@ -172,14 +130,12 @@ TEST(AniParserTest, StepsFollowSequenceAndRates) {
         const char *expected; // colours of the frames, then frame:jiffies for each step
     } rows[] = {
         {"a step per frame at the default rate", head + riffList("fram", a + b), "RB 0:7 1:7"},
-        {"frames outside a list", head + a, "R 0:7"},
         {"rates shorter than the steps", head + riffSteps("rate", {3}) + a + b, "RB 0:3 1:7"},
-        {"a sequence, its rates behind the frames",
-         head + a + b + riffSteps("seq ", {1, 0, 1}) + riffSteps("rate", {1, 2, 3, 4}), "RB 1:1 0:2 1:3"},
+        {"a sequence", head + a + b + riffSteps("seq ", {1, 0, 1}) + riffSteps("rate", {1, 2, 3, 4}),
+         "RB 1:1 0:2 1:3"},
         {"a zero rate is one jiffy", aniHeader(0) + a, "R 0:1"},
         {"a step keeps its own rate when others are dropped",
          head + broken + b + riffSteps("seq ", {0, 9, 1}) + riffSteps("rate", {1, 2, 3}), "B 0:3"},
-        {"undecodable frames are left out", head + broken + b, "B 0:7"},
         {"no step left", head + a + riffSteps("seq ", {1}), "none"},
         {"no header", a, "none"},
         {"a short header", shortHead + a, "none"},

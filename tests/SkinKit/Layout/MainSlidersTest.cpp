@@ -9,12 +9,8 @@
 using namespace vantor;
 using namespace vantor::MainSliders;
 
-namespace {
-
-constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
-constexpr float infinity = std::numeric_limits<float>::infinity();
-
-} // namespace
+static constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
+static constexpr float infinity = std::numeric_limits<float>::infinity();
 
 TEST(MainSlidersTest, ThumbFollowsTheFractionAndThePointerHoldsItsMiddle) {
     const std::pair<double, int> thumbs[] = {{-1, 107}, {0, 107},   {0.5, 133},       {0.52, 134},
@@ -31,13 +27,12 @@ TEST(MainSlidersTest, ThumbFollowsTheFractionAndThePointerHoldsItsMiddle) {
 }
 
 TEST(MainSlidersTest, LevelsChooseTheirFrames) {
-    const std::pair<float, int> volumes[] = {{0.0F, 0},     {0.01F, 0},    {0.053F, 0}, {0.054F, 1},
-                                             {0.5F, 13},    {1.0F, 27},    {9.0F, 27},  {-1.0F, 0},
-                                             {infinity, 0}, {-infinity, 0}};
+    const std::pair<float, int> volumes[] = {{0.053F, 0}, {0.054F, 1}, {0.5F, 13},    {1.0F, 27},
+                                             {9.0F, 27},  {-1.0F, 0},  {infinity, 0}, {-infinity, 0}};
     for (const auto &[volume, frame] : volumes)
         EXPECT_EQ(volumeFrame(volume), frame) << volume;
-    const std::pair<float, int> balances[] = {{0.0F, 0},   {0.03F, 0}, {-0.5F, 13}, {0.5F, 13},
-                                              {-1.0F, 27}, {1.0F, 27}, {5.0F, 27},  {-infinity, 0}};
+    const std::pair<float, int> balances[] = {{0.03F, 0},  {-0.5F, 13}, {0.5F, 13},
+                                              {-1.0F, 27}, {5.0F, 27},  {-infinity, 0}};
     for (const auto &[balance, frame] : balances)
         EXPECT_EQ(balanceFrame(balance), frame) << balance;
 
@@ -48,38 +43,25 @@ TEST(MainSlidersTest, LevelsChooseTheirFrames) {
 }
 
 TEST(MainSlidersTest, BalanceSnapsAndConvertsBothWays) {
-    const std::pair<double, double> snaps[] = {
-        {0.2, 0}, {-0.2499, 0}, {0.25, 0.25}, {-0.25, -0.25}, {notANumber, 0}};
+    const std::pair<double, double> snaps[] = {{-0.2499, 0}, {0.25, 0.25}, {-0.25, -0.25}, {notANumber, 0}};
     for (const auto &[from, to] : snaps)
         EXPECT_EQ(snappedBalance(from), to) << from;
-    const std::pair<double, double> conversions[] = {{0, -1}, {0.25, -0.5}, {0.5, 0}, {1, 1}};
-    for (const auto &[fractionValue, balanceValue] : conversions) {
-        EXPECT_EQ(balance(fractionValue), balanceValue);
-        EXPECT_EQ(fraction(balanceValue), fractionValue);
-    }
-    EXPECT_EQ(balance(-4), -1);
-    EXPECT_EQ(balance(4), 1);
-    EXPECT_EQ(balance(notANumber), 0);
-    EXPECT_EQ(fraction(-7), 0);
-    EXPECT_EQ(fraction(notANumber), 0.5);
+    for (const auto &[from, to] : {std::pair(0.25, -0.5), {-4, -1}, {4, 1}, {notANumber, 0}})
+        EXPECT_EQ(balance(from), to) << from;
+    for (const auto &[from, to] : {std::pair(-0.5, 0.25), {-7, 0}, {7, 1}, {notANumber, 0.5}})
+        EXPECT_EQ(fraction(from), to) << from;
 }
 
 TEST(MainSlidersTest, ShadeSegmentAndThumbChangeAtDifferentFractions) {
-    const struct {
-        double fraction;
-        ShadeSegment segment;
-        const char *thumb;
-    } cases[] = {
-        {0, ShadeSegment::left, "MAIN_SHADE_POSITION_THUMB_LEFT"},
-        {0.25, ShadeSegment::center, "MAIN_SHADE_POSITION_THUMB_LEFT"},
-        {0.33, ShadeSegment::center, "MAIN_SHADE_POSITION_THUMB_LEFT"},
-        {0.34, ShadeSegment::center, "MAIN_SHADE_POSITION_THUMB"},
-        {0.66, ShadeSegment::center, "MAIN_SHADE_POSITION_THUMB_RIGHT"},
-        {0.75, ShadeSegment::right, "MAIN_SHADE_POSITION_THUMB_RIGHT"},
-        {notANumber, ShadeSegment::left, "MAIN_SHADE_POSITION_THUMB_LEFT"},
-    };
-    for (const auto &row : cases) {
-        EXPECT_EQ(shadeSegment(row.fraction), row.segment) << row.fraction;
-        EXPECT_EQ(shadePositionThumbName(row.fraction).toStdString(), row.thumb) << row.fraction;
+    using enum ShadeSegment;
+    const std::tuple<double, ShadeSegment, const char *> cases[] = {
+        {0.24, left, "_LEFT"},    {0.25, center, "_LEFT"}, {0.33, center, "_LEFT"},
+        {0.34, center, ""},       {0.65, center, ""},      {0.66, center, "_RIGHT"},
+        {0.74, center, "_RIGHT"}, {0.75, right, "_RIGHT"}, {notANumber, left, "_LEFT"}};
+    for (const auto &[place, segment, thumb] : cases) {
+        EXPECT_EQ(shadeSegment(place), segment) << place;
+        EXPECT_EQ(shadePositionThumbName(place).toStdString(),
+                  std::string("MAIN_SHADE_POSITION_THUMB") + thumb)
+            << place;
     }
 }

@@ -18,83 +18,32 @@ std::string text(const TimeDigits &digits) {
     return cells;
 }
 
-using Transport = MainWindowStatus::Transport;
-
 } // namespace
 
 TEST(MainWindowStatusTest, ClockCountsUpOrDownWithinItsFourCells) {
-    const struct {
-        TimeMode mode;
-        double elapsed;
-        double duration;
-        const char *expected;
-    } cases[] = {
-        {TimeMode::elapsed, 0, 0, "0000"},           {TimeMode::elapsed, 59.99, 300, "0059"},
-        {TimeMode::elapsed, 754, 0, "1234"},         {TimeMode::elapsed, 5999.9, 0, "9959"},
-        {TimeMode::elapsed, 6000, 0, "9959"},        {TimeMode::elapsed, 1e300, 0, "9959"},
-        {TimeMode::elapsed, -3, 10, "0000"},         {TimeMode::elapsed, infinity, 10, "0000"},
-        {TimeMode::elapsed, notANumber, 10, "0000"}, {TimeMode::remaining, 10.5, 71, "0100"},
-        {TimeMode::remaining, 80, 71, "0000"},       {TimeMode::remaining, 10, notANumber, "0000"},
+    using enum TimeMode;
+    const std::tuple<TimeMode, double, double, const char *> cases[] = {
+        {elapsed, 59.99, 300, "0059"},       {elapsed, 754, 0, "1234"},     {elapsed, 6000, 0, "9959"},
+        {elapsed, 1e300, 0, "9959"},         {elapsed, -3, 10, "0000"},     {elapsed, infinity, 10, "0000"},
+        {elapsed, notANumber, 10, "0000"},   {remaining, 10.5, 71, "0100"}, {remaining, 80, 71, "0000"},
+        {remaining, 10, notANumber, "0000"},
     };
-    for (const auto &row : cases) {
-        SCOPED_TRACE(testing::Message() << row.elapsed << " of " << row.duration);
-        EXPECT_EQ(text(TimeDigits::shown(row.mode, row.elapsed, row.duration)), row.expected);
-    }
+    for (const auto &[mode, time, duration, expected] : cases)
+        EXPECT_EQ(text(TimeDigits::shown(mode, time, duration)), expected) << time << " of " << duration;
 }
 
 TEST(MainWindowStatusTest, RatesFitTheirCells) {
-    const std::pair<std::optional<int>, const char *> bitrates[] = {{std::nullopt, "  0"},
-                                                                    {-5, "  0"},
-                                                                    {0, "  0"},
-                                                                    {96, " 96"},
-                                                                    {999, "999"},
-                                                                    {1000, "10H"},
-                                                                    {1411, "14H"},
-                                                                    {9999, "99H"},
-                                                                    {10000, " 1C"},
-                                                                    {12345, " 1C"},
-                                                                    {std::numeric_limits<int>::max(), " 2C"}};
+    const std::pair<int, const char *> bitrates[] = {
+        {-5, "  0"},   {96, " 96"},   {999, "999"},   {1000, "10H"},
+        {1411, "14H"}, {9999, "99H"}, {10000, " 1C"}, {std::numeric_limits<int>::max(), " 2C"}};
     for (const auto &[value, expected] : bitrates)
-        EXPECT_EQ(MediaInfoText::kbps(value).toStdString(), expected) << value.value_or(-1);
-
-    const std::pair<std::optional<double>, const char *> sampleRates[] = {
-        {std::nullopt, " 0"}, {notANumber, " 0"}, {infinity, " 0"}, {-48000, " 0"},
-        {-300, " 0"},         {8000, " 8"},       {10000, " 1"},    {10500, "11"},
-        {11025, "11"},        {44100, "44"},      {48000, "48"},    {99499, "99"},
-        {99500, "00"},        {176400, "76"},     {192000, "92"},   {1e300, "00"}};
+        EXPECT_EQ(MediaInfoText::kbps(value).toStdString(), expected) << value;
+    const std::pair<double, const char *> sampleRates[] = {
+        {notANumber, " 0"}, {infinity, " 0"}, {-300, " 0"},  {8000, " 8"},   {10000, " 1"}, {10500, "11"},
+        {44100, "44"},      {99499, "99"},    {99500, "00"}, {192000, "92"}, {1e300, "00"}};
     for (const auto &[value, expected] : sampleRates)
-        EXPECT_EQ(MediaInfoText::khz(value).toStdString(), expected) << value.value_or(-1);
-}
-
-TEST(MainWindowStatusTest, EachTransportStateLightsItsOwnParts) {
-    const struct {
-        Transport transport;
-        TimeMode mode;
-        int channels;
-        const char *expected; // time, blink, minus, stereo, mono | digits | kbps | khz | indicator | work
-    } cases[] = {
-        {Transport::stopped, TimeMode::remaining, 2, "-----|____|none|none|MAIN_STOPPED_INDICATOR|none"},
-        {Transport::loading, TimeMode::elapsed, 1, "t---m|0005|128|44|none|MAIN_WORKING_INDICATOR"},
-        {Transport::playing, TimeMode::remaining, 2,
-         "t-ms-|0055|128|44|MAIN_PLAYING_INDICATOR|MAIN_NOT_WORKING_INDICATOR"},
-        {Transport::paused, TimeMode::elapsed, 6, "tb---|0005|128|44|MAIN_PAUSED_INDICATOR|none"},
-    };
-    for (const auto &row : cases) {
-        const MainWindowStatus status{row.transport, row.mode, 5, 60, 128, 44100, row.channels};
-        const auto orNone = [](const std::optional<QString> &value) {
-            return value ? value->toStdString() : std::string("none");
-        };
-        const std::string flags{status.showsTime() ? 't' : '-', status.blinksTime() ? 'b' : '-',
-                                status.showsMinus() ? 'm' : '-', status.stereoSelected() ? 's' : '-',
-                                status.monoSelected() ? 'm' : '-'};
-        EXPECT_EQ(flags + "|" + text(status.digits()) + "|" + orNone(status.kbps()) + "|" +
-                      orNone(status.khz()) + "|" + orNone(status.indicator()) + "|" +
-                      orNone(status.workIndicator()),
-                  row.expected);
-    }
-    MainWindowStatus unknown;
-    unknown.transport = Transport::playing;
-    EXPECT_FALSE(unknown.stereoSelected() || unknown.monoSelected());
+        EXPECT_EQ(MediaInfoText::khz(value).toStdString(), expected) << value;
+    EXPECT_EQ(MediaInfoText::kbps({}) + MediaInfoText::khz({}), QStringLiteral("  0 0"));
 }
 
 TEST(MainWindowStatusTest, TimeModesSurviveTheSettings) {

@@ -17,7 +17,6 @@ TEST(TextDecodingTest, FallsBackFromUtf8ToWindowsToLatin) {
         std::optional<QString> windows;
         QString lenient;
     } rows[] = {
-        {"plain", "abc", u"abc"_qs, u"abc"_qs, u"abc"_qs},
         {"UTF-8", "\xC3\xA9", u"é"_qs, u"Ã©"_qs, u"é"_qs},
         {"byte-order mark", "\xEF\xBB\xBFx", u"x"_qs, u"ï»¿x"_qs, u"x"_qs},
         {"cut UTF-8", "\xE2\x82", {}, u"â‚"_qs, u"â‚"_qs},
@@ -33,31 +32,26 @@ TEST(TextDecodingTest, FallsBackFromUtf8ToWindowsToLatin) {
 }
 
 TEST(IniParserTest, Lines) {
-    const auto only = [](const char *section, QMap<QString, QString> values) {
-        return IniDocument{{QLatin1String(section), std::move(values)}};
-    };
     const struct {
-        const char *name;
-        QString text;
-        IniDocument expected;
+        const char *name, *text, *expected;
     } rows[] = {
-        {"every line end", u"[A]\r\nx=1\ry=2\n\nz=3"_qs,
-         only("a", {{u"x"_qs, u"1"_qs}, {u"y"_qs, u"2"_qs}, {u"z"_qs, u"3"_qs}})},
-        {"keys and sections fold, values do not", u" [Ab] \n X Y = V \n"_qs,
-         only("ab", {{u"x y"_qs, u"V"_qs}})},
-        {"names keep their blanks", u"[ a ]\nb=\n"_qs, only(" a ", {{u"b"_qs, u""_qs}})},
-        {"comments and noise", u"[a]\n ;b=1\nnoise\n//c\n"_qs, only("a", {})},
-        {"too short for a section", u"[a]\nb=1\n[]\nb=2"_qs, only("a", {{u"b"_qs, u"2"_qs}})},
-        {"before the first section", u"b=1\n[a]"_qs, only("a", {})},
-        {"one pair of quotes", u"[a]\nb=\"'x'\"\nc=\"\nd='\"\ne=''"_qs,
-         only("a", {{u"b"_qs, u"'x'"_qs}, {u"c"_qs, u""_qs}, {u"d"_qs, u"'\""_qs}, {u"e"_qs, u""_qs}})},
-        {"later duplicates win across sections",
-         u"[a]\nb=1\n[c]\n[A]\nb=2=3"_qs,
-         {{u"a"_qs, {{u"b"_qs, u"2=3"_qs}}}, {u"c"_qs, {}}}},
+        {"every line end", "[A]\r\nx=1\ry=2\n\nz=3", "[a]x=1,y=2,z=3,"},
+        {"keys and sections fold, values do not", " [Ab] \n X Y = V \n", "[ab]x y=V,"},
+        {"names keep their blanks", "[ a ]\nb=\n", "[ a ]b=,"},
+        {"comments and noise", "b=1\n[a]\n ;b=1\nnoise\n//c\n", "[a]"},
+        {"too short for a section", "[a]\nb=1\n[]\nb=2", "[a]b=2,"},
+        {"one pair of quotes", "[a]\nb=\"'x'\"\nc=\"\nd='\"", "[a]b='x',c=,d='\","},
+        {"later duplicates win across sections", "[a]\nb=1\n[c]\n[A]\nb=2=3", "[a]b=2=3,[c]"},
     };
     for (const auto &row : rows) {
-        SCOPED_TRACE(row.name);
-        EXPECT_EQ(IniParser::parse(row.text), row.expected);
+        const IniDocument document = IniParser::parse(QString::fromLatin1(row.text));
+        QString summary;
+        for (auto section = document.begin(); section != document.end(); ++section) {
+            summary += u'[' + section.key() + u']';
+            for (auto value = section->begin(); value != section->end(); ++value)
+                summary += value.key() + u'=' + *value + u',';
+        }
+        EXPECT_EQ(summary.toStdString(), row.expected) << row.name;
     }
 }
 
@@ -77,25 +71,17 @@ TEST(IniParserTest, HostileSizesAreCutOff) {
 }
 
 TEST(PlaylistStyleParserTest, Values) {
-    const auto style = [](auto change) {
-        PlaylistStyle changed;
-        change(changed);
-        return changed;
-    };
     const struct {
         const char *name;
         const char *text;
         PlaylistStyleParser::Result expected;
     } rows[] = {
-        {"empty", "", {}},
         {"another section", "[other]\nnormal=#010203", {}},
         {"all",
          "[Text]\r\nNormal=#010203\r\nCurrent=0a0B0c\r\nNormalBG=#00FF00FF\r\nSelectedBG=\"#111111\"\r\nFont="
          "Foo Bar",
          {{{1, 2, 3}, {10, 11, 12}, {0, 255, 0}, {17, 17, 17}, u"Foo Bar"_qs}, {}}},
-        {"empty font",
-         "[text]\nFont=\ncurrent=#000001",
-         {style([](PlaylistStyle &s) { s.current = {0, 0, 1}; }), {}}},
+        {"empty font", "[text]\nFont=\ncurrent=#000001", {{.current = {0, 0, 1}}, {}}},
         {"messages in the order of the keys",
          "[text]\nselectedbg=\nnormal=#0F0\ncurrent=#12345g\nnormalbg='##00000'",
          {{},
@@ -112,22 +98,16 @@ TEST(PlaylistStyleParserTest, Values) {
 }
 
 TEST(VisColorParserTest, LineShapes) {
-    const struct {
-        const char *line;
-        std::optional<RGBColor> expected;
-    } rows[] = {
+    const std::pair<const char *, std::optional<RGBColor>> rows[] = {
         {"24,33,41, // text", RGBColor{24, 33, 41}},
         {"\t1 2\t3", RGBColor{1, 2, 3}},
-        {"1 , 2 ,3", RGBColor{1, 2, 3}},
         {"300 0 0", RGBColor{255, 0, 0}},
         {"99999999999999999999 0007 1", RGBColor{255, 7, 1}},
         {"255", RGBColor{2, 5, 5}},
-        {"1234", RGBColor{12, 3, 4}},
         {"12 34", RGBColor{12, 3, 4}},
         {"12,3", RGBColor{1, 2, 3}},
         {"123,,4,5", RGBColor{1, 2, 3}},
         {"1,,2,3", {}},
-        {"-1,2,3", {}},
         {"1 2 x3", {}},
         {"// 1,2,3", {}},
     };
@@ -163,7 +143,6 @@ TEST(RegionParserTest, CutsWholePolygons) {
         {"one", "3", "0,0,4,0,0,4", Polygons{triangle}},
         {"two, blanks and signs", "3, 1", "0,0, +4,0, 0,4, -5,-6", Polygons{triangle, {{-5, -6}}}},
         {"blanks for commas", "3", "0 0 4 0  0 4", Polygons{triangle}},
-        {"surplus points", "3", "0,0,4,0,0,4,9,9,9", Polygons{triangle}},
         {"a size too many", "3,1", "0,0,4,0,0,4,9", Polygons{triangle}},
         {"an absurd size", "3,99999999999999999999", "0,0,4,0,0,4,9,9", Polygons{triangle}},
         {"a negative size", "3,-1,1", "0,0,4,0,0,4,9,9", Polygons{triangle}},
@@ -171,7 +150,6 @@ TEST(RegionParserTest, CutsWholePolygons) {
         {"text ends a list", "3,3", "0,0,4,0,0,4,1,1,x,2,2,2,2", Polygons{triangle}},
         {"coordinates are clamped", "1", "-99999999999,2000000", Polygons{{{-1'000'000, 1'000'000}}}},
         {"no whole polygon", "4", "0,0,4,0,0,4", {}},
-        {"no points", "3", "", {}},
         {"no sizes", "", "0,0,4,0,0,4", {}},
     };
     for (const auto &row : rows) {

@@ -18,7 +18,7 @@ build_packages=(
     # A font for dialogs and menus; the window system's plugin comes with Qt's library.
     fonts-dejavu-core
 )
-# The sanitizer run-times, the formatter, a display, its mouse and keyboard, a sound server and a message bus.
+# The sanitizer run-times, the formatter, an encoder for test files, a display, its mouse and keyboard, a sound server and a message bus.
 test_packages=(
     clang-format-19 libclang-rt-19-dev llvm-19
     libgtest-dev libgmock-dev libbenchmark-dev

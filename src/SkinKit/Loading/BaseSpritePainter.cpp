@@ -341,7 +341,10 @@ void BaseSpritePainter::paintButton(const Sprite &sprite) {
         return;
     }
     // On a toggle "selected" is the lit state; elsewhere it is the button that is held down.
-    const bool selected = sprite.name.endsWith(latin("_SELECTED")) || has(sprite, "_SELECTED_DEPRESSED");
+    // The name of one button ends like a state: what it removes is the selected rows.
+    const bool named = sprite.name == latin("PLAYLIST_REMOVE_SELECTED");
+    const bool selected =
+        (sprite.name.endsWith(latin("_SELECTED")) && !named) || has(sprite, "_SELECTED_DEPRESSED");
     const bool toggle = has(sprite, "SHUFFLE") || has(sprite, "REPEAT") || has(sprite, "_ON_") ||
                         has(sprite, "_AUTO_") || has(sprite, "MAIN_EQ_") || has(sprite, "MAIN_PLAYLIST_");
     const bool down = isPressed(sprite) || (selected && !toggle && !has(sprite, "MAIN_SHADE_BUTTON"));

@@ -14,6 +14,7 @@
 #include <QIcon>
 #include <QSettings>
 
+#include <cmath>
 #include <cstdio>
 
 namespace vantor {
@@ -31,6 +32,11 @@ bool hasDisplay() {
 void choosePlatform() {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", hasDisplay() ? "xcb;wayland" : "offscreen");
+    // The pixels of a skin are squares of whole pixels. Qt rounds the screen's scale, but not what is asked
+    // for here.
+    const double asked = qEnvironmentVariable("QT_SCALE_FACTOR").toDouble();
+    if (asked > 0)
+        qputenv("QT_SCALE_FACTOR", QByteArray::number(std::max(1.0, std::ceil(asked - 0.5))));
     QGuiApplication::setHighDpiScaleFactorRoundingPolicy(
         Qt::HighDpiScaleFactorRoundingPolicy::RoundPreferFloor);
 }

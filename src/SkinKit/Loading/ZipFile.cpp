@@ -83,6 +83,8 @@ void checkDirectories(zip_source_t *source, std::uint64_t fileBytes) {
     for (qsizetype end = tail.indexOf(endSignature); fits && end >= 0;
          end = tail.indexOf(endSignature, end + 1)) {
         const Directory directory = directoryAt(source, tail, end);
+        if (directory.bytes > fileBytes) // a signature by chance; libzip does not believe it either
+            continue;
         fits = directory.entries <= room.entries && directory.bytes <= room.bytes;
         room.entries -= directory.entries;
         room.bytes -= directory.bytes;

@@ -1,4 +1,5 @@
 #include "SkinKit/Decoding/AniParser.h"
+#include "SkinKit/Decoding/CursorParser.h"
 
 #include <QLoggingCategory>
 
@@ -12,7 +13,8 @@ extern "C" int LLVMFuzzerInitialize(int *, char ***) {
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
-    const auto cursor = vantor::AniParser::parse(QByteArrayView(data, static_cast<qsizetype>(size)));
+    const auto cursor = vantor::AniParser::parse(QByteArrayView(data, static_cast<qsizetype>(size)),
+                                                 vantor::CursorParser::maxPixels);
     if (!cursor)
         return 0;
     if (cursor->frames.empty() || cursor->frames.size() > 256 || cursor->steps.empty() ||

@@ -18,6 +18,8 @@ struct Contents {
     std::vector<std::uint32_t> rates;         ///< jiffies, by step
     std::vector<std::uint32_t> sequence;      ///< icon numbers, by step
     std::vector<std::optional<SkinCursor::Frame>> icons;
+    int failures = 0;            ///< icons that did not decode
+    std::int64_t pixelsLeft = 0; ///< that further icons may have
 };
 
 /// The header's counts and flags are not read: what the file really holds decides.
@@ -39,6 +41,19 @@ std::vector<std::uint32_t> readSteps(QByteArrayView data) {
     return steps;
 }
 
+/// False when the frames have become too large.
+bool takeIcon(QByteArrayView data, Contents &contents) {
+    if (contents.icons.size() >= maxFrames || contents.failures >= maxFailures)
+        return true;
+    auto frame = CursorBitmap::decode(data);
+    if (frame)
+        contents.pixelsLeft -= std::int64_t{frame->image.width()} * frame->image.height();
+    else
+        ++contents.failures;
+    contents.icons.push_back(std::move(frame));
+    return contents.pixelsLeft >= 0;
+}
+
 bool walk(QByteArrayView chunks, int depth, Contents &contents);
 
 bool take(QByteArrayView id, QByteArrayView data, int depth, Contents &contents) {
@@ -55,8 +70,8 @@ bool take(QByteArrayView id, QByteArrayView data, int depth, Contents &contents)
         contents.rates = readSteps(data);
     else if (id == "seq ")
         contents.sequence = readSteps(data);
-    else if (id == "icon" && contents.icons.size() < maxFrames)
-        contents.icons.push_back(CursorBitmap::decode(data));
+    else if (id == "icon")
+        return takeIcon(data, contents);
     return true;
 }
 
@@ -99,7 +114,7 @@ SkinCursor assemble(Contents contents, std::uint32_t defaultRate) {
 
 } // namespace
 
-std::optional<SkinCursor> parse(QByteArrayView data) {
+std::optional<SkinCursor> parse(QByteArrayView data, std::int64_t maxPixels) {
     ByteReader reader(data);
     const auto id = reader.bytes(4);
     const auto length = reader.u32();
@@ -108,6 +123,7 @@ std::optional<SkinCursor> parse(QByteArrayView data) {
         return std::nullopt;
     const std::int64_t end = std::min<std::int64_t>(data.size(), *length + riffHeaderBytes);
     Contents contents;
+    contents.pixelsLeft = maxPixels;
     if (end < reader.position() ||
         !walk(data.sliced(reader.position(), end - reader.position()), 0, contents) || !contents.defaultRate)
         return std::nullopt;

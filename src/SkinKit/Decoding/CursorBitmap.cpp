@@ -130,7 +130,7 @@ std::optional<Candidate> makeCandidate(QByteArrayView file, QByteArrayView entry
     const auto size = reader.u32();
     const auto offset = reader.u32();
     const auto data = ByteReader(file, offset.value_or(0)).bytes(size.value_or(0));
-    if (!first || !second || !data)
+    if (!first || !second || !data || data->isEmpty())
         return std::nullopt;
     Candidate candidate;
     candidate.distance =
@@ -167,14 +167,12 @@ std::optional<SkinCursor::Frame> decode(QByteArrayView data) {
         }
     }
     std::ranges::sort(candidates, [](const Candidate &a, const Candidate &b) { return a.isBetterThan(b); });
-    // Broken entries that share their bytes would let a small file ask for a lot of decoding.
-    std::int64_t budget = 4 * std::int64_t{data.size()};
+    int failures = 0;
     for (const Candidate &candidate : candidates) {
-        budget -= candidate.data.size();
-        if (budget < 0)
-            break;
         if (const QImage image = decodeEntry(candidate.data); !image.isNull())
             return SkinCursor::Frame{image, candidate.hotSpot};
+        if (++failures == maxFailures)
+            break;
     }
     return std::nullopt;
 }

@@ -5,10 +5,12 @@
 
 namespace vantor::CursorParser {
 
-std::optional<SkinCursor> parse(QByteArrayView data) {
+std::optional<SkinCursor> parse(QByteArrayView data, std::int64_t pixelBudget) {
     if (data.startsWith("RIFF"))
-        return AniParser::parse(data);
+        return AniParser::parse(data, pixelBudget);
     const auto frame = CursorBitmap::decode(data);
+    if (frame && std::int64_t{frame->image.width()} * frame->image.height() > pixelBudget)
+        return std::nullopt;
     return frame ? std::optional(SkinCursor{.frames = {*frame}, .steps = {{}}}) : std::nullopt;
 }
 

@@ -7,6 +7,8 @@
 
 #include <QFileInfo>
 
+#include <new>
+
 namespace vantor {
 
 const SkinArchive::Limits SkinArchive::Limits::default_{};
@@ -16,7 +18,7 @@ QSet<QString> SkinArchive::Limits::defaultExtensions() {
             QStringLiteral("ani"), QStringLiteral("ini"), QStringLiteral("xml")};
 }
 
-SkinArchive::SkinArchive(const QUrl &url, const Limits &limits) {
+SkinArchive::SkinArchive(const QUrl &url, const Limits &limits) try {
     if (!url.isLocalFile())
         throw SkinError::unreadableArchive(QStringLiteral("Not a local file"));
     const QString path = url.toLocalFile();
@@ -28,13 +30,17 @@ SkinArchive::SkinArchive(const QUrl &url, const Limits &limits) {
         throw SkinError::unreadableArchive(QStringLiteral("Not a regular file"));
     else
         ZipFile::open(path).gather(gatherer);
+} catch (const std::bad_alloc &) {
+    throw SkinError::notEnoughMemory();
 }
 
-SkinArchive SkinArchive::fromZip(const QByteArray &data, const Limits &limits) {
+SkinArchive SkinArchive::fromZip(const QByteArray &data, const Limits &limits) try {
     SkinArchive archive;
     SkinFileGatherer gatherer(limits, archive.m_files);
     ZipFile::view(data).gather(gatherer);
     return archive;
+} catch (const std::bad_alloc &) {
+    throw SkinError::notEnoughMemory();
 }
 
 SkinArchive::SkinArchive(const QMap<QString, QByteArray> &files) {

@@ -8,6 +8,7 @@
 #include <QUrl>
 
 #include <cstdint>
+#include <exception>
 #include <optional>
 
 namespace vantor {
@@ -27,6 +28,9 @@ class SkinArchive {
 
         bool operator==(const Limits &) const = default;
     };
+
+    /// Raised and caught inside the reader while a file outgrows the limits; never leaves it.
+    class LimitExceeded : public std::exception {};
 
     /// Reads a ZIP file or a folder of the local file system. Entries that are too large, of another kind,
     /// corrupt or encrypted are left out silently. Throws SkinError::unreadableArchive when nothing can be

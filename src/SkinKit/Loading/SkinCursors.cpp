@@ -28,6 +28,7 @@ const QStringList &SkinCursors::names() {
 
 SkinCursors SkinCursors::load(const SkinArchive &archive) {
     SkinCursors result;
+    std::int64_t pixelsLeft = CursorParser::maxPixels; // for all of them together
     const QStringList extensions{QStringLiteral("cur")};
     for (const QString &name : names()) {
         const std::optional<QByteArray> bytes = archive.file(name, extensions);
@@ -35,7 +36,9 @@ SkinCursors SkinCursors::load(const SkinArchive &archive) {
             continue;
         std::optional<SkinCursor> cursor;
         if (bytes->size() <= maxCursorBytes)
-            cursor = CursorParser::parse(*bytes);
+            cursor = CursorParser::parse(*bytes, pixelsLeft);
+        for (const auto &frame : cursor ? cursor->frames : std::vector<SkinCursor::Frame>())
+            pixelsLeft -= std::int64_t{frame.image.width()} * frame.image.height();
         if (cursor)
             result.cursors.insert(name, *std::move(cursor));
         else

@@ -9,6 +9,10 @@ SkinError SkinError::unreadableArchive(const QString &reason) {
     return SkinError(Case::unreadableArchive, reason);
 }
 
+SkinError SkinError::notEnoughMemory() {
+    return unreadableArchive(QStringLiteral("not enough memory"));
+}
+
 SkinError SkinError::modernSkin() {
     return SkinError(Case::modernSkin);
 }

@@ -13,6 +13,8 @@ class SkinError : public std::exception {
 
     /// `reason`: what the ZIP library or the file system said.
     [[nodiscard]] static SkinError unreadableArchive(const QString &reason);
+    /// An unreadable archive, for want of memory to read it into.
+    [[nodiscard]] static SkinError notEnoughMemory();
     [[nodiscard]] static SkinError modernSkin();
     [[nodiscard]] static SkinError noBitmaps();
 

@@ -9,6 +9,8 @@ namespace {
 constexpr std::int64_t chunkBytes = 16'384;
 // The declared size is a hint and may lie: no more than this is reserved on its word.
 constexpr std::int64_t maxReservedBytes = 1'048'576;
+// Spare room that is not worth giving back.
+constexpr qsizetype smallBytes = 256;
 // Thousands of entries may point at one and the same bomb, each dropped after its eight megabytes. Far above
 // what a sound archive wastes, this ends such a walk within a second or two.
 constexpr std::int64_t maxDiscardedBytes = 268'435'456;
@@ -40,11 +42,18 @@ QString SkinFileGatherer::wantedKey(const QString &path, std::int64_t declaredSi
 void SkinFileGatherer::take(const QString &key, std::int64_t declaredSize, const Read &read) {
     QByteArray bytes;
     bytes.reserve(std::clamp<std::int64_t>(declaredSize, 0, maxReservedBytes));
-    if (!readAll(bytes, read)) {
+    bool sound = false;
+    try {
+        sound = readAll(bytes, read);
+    } catch (const SkinArchive::LimitExceeded &) { // dropped like a damaged one
+    }
+    if (!sound) {
         m_discarded += bytes.size();
         return;
     }
     m_total += bytes.size();
+    if (bytes.capacity() > 2 * bytes.size() + smallBytes)
+        bytes.squeeze();
     m_files.insert(key, bytes);
 }
 
@@ -66,7 +75,7 @@ bool SkinFileGatherer::readAll(QByteArray &bytes, const Read &read) const {
         if (count <= 0)
             return count == 0;
         if (bytes.size() > m_limits.maxEntryBytes || bytes.size() > m_limits.maxTotalBytes - m_total)
-            return false;
+            throw SkinArchive::LimitExceeded();
     }
 }
 

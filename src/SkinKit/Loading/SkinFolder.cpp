@@ -13,7 +13,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Somebody's home folder must not be read for minutes because it was named by mistake.
+// Somebody's home folder must not be read for minutes because it was named by mistake. What was found this
+// far is the skin then.
 constexpr int maxVisited = 5'000;
 
 SkinError unlistable(const std::error_code &error) {
@@ -26,9 +27,8 @@ std::vector<std::string> regularFiles(const fs::path &folder) {
     if (error)
         throw unlistable(error);
     std::vector<std::string> paths;
-    for (int visited = 0; entry != fs::end(entry); entry.increment(error)) {
-        if (++visited > maxVisited)
-            throw SkinError::unreadableArchive(QStringLiteral("Too many files in the folder"));
+    for (int visited = 0; visited < maxVisited && entry != fs::end(entry);
+         entry.increment(error), ++visited) {
         const bool hidden = entry->path().filename().native().starts_with('.');
         std::error_code ignored; // the file may be gone by now
         if (hidden)

@@ -6,6 +6,8 @@
 #include "SkinKit/Loading/SkinError.h"
 #include "SkinKit/Sprites/SkinSprites.h"
 
+#include <new>
+
 namespace vantor::SkinParser {
 
 namespace {
@@ -166,7 +168,11 @@ void Pass::readPlaylistStyle() {
 Skin parse(const SkinArchive &archive) {
     if (archive.files().contains(QStringLiteral("skin.xml")))
         throw SkinError::modernSkin();
-    return Pass(archive).run();
+    try {
+        return Pass(archive).run();
+    } catch (const std::bad_alloc &) {
+        throw SkinError::notEnoughMemory();
+    }
 }
 
 Skin parse(const QUrl &url, const SkinArchive::Limits &limits) {

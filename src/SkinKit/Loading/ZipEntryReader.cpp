@@ -2,6 +2,8 @@
 
 #include <zip.h>
 
+#include <algorithm>
+
 namespace vantor {
 
 namespace {
@@ -38,12 +40,14 @@ bool ZipEntryReader::refill() {
     const zip_int64_t count = zip_fread(m_file, m_packed.data(), m_packed.size());
     m_stream.next_in = m_packed.data();
     m_stream.avail_in = count > 0 ? static_cast<uInt>(count) : 0;
+    m_packedBytes += m_stream.avail_in;
     return count > 0;
 }
 
 // libzip still sums what is stored, but complains only after it has delivered every byte.
 std::int64_t ZipEntryReader::readStored(char *buffer, std::int64_t size) {
     const zip_int64_t count = zip_fread(m_file, buffer, static_cast<zip_uint64_t>(size));
+    m_packedBytes += std::max<zip_int64_t>(count, 0);
     if (count >= 0)
         return count;
     const int code = zip_error_code_zip(zip_file_get_error(m_file));

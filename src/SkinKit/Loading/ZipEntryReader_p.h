@@ -26,6 +26,9 @@ class ZipEntryReader {
     /// Puts up to `size` bytes at `buffer` and returns how many, 0 at the end. Below 0: damaged or cut short.
     [[nodiscard]] std::int64_t read(char *buffer, std::int64_t size);
 
+    /// Packed bytes taken out of the archive so far, over all entries.
+    [[nodiscard]] std::int64_t packedBytes() const { return m_packedBytes; }
+
   private:
     [[nodiscard]] std::int64_t readStored(char *buffer, std::int64_t size);
     [[nodiscard]] bool refill();
@@ -33,6 +36,7 @@ class ZipEntryReader {
 
     zip_file *m_file = nullptr;
     z_stream m_stream{};
+    std::int64_t m_packedBytes = 0;
     bool m_usable;
     bool m_deflated = false;
     bool m_ended = false;

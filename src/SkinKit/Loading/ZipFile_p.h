@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QString>
 
+#include <cstdint>
 #include <memory>
 
 struct zip;
@@ -27,11 +28,12 @@ class ZipFile {
         void operator()(zip *archive) const;
     };
 
-    explicit ZipFile(zip *archive) : m_archive(archive) {}
+    ZipFile() = default;
 
     void gatherEntry(std::uint64_t index, ZipEntryReader &reader, SkinFileGatherer &gatherer) const;
 
     std::unique_ptr<zip, Discard> m_archive;
+    std::int64_t m_bytes = 0; ///< of the whole file
 };
 
 } // namespace vantor

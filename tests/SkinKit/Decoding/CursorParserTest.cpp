@@ -34,6 +34,8 @@ std::string summary(const std::optional<SkinCursor::Frame> &frame) {
 TEST(CursorBitmapTest, ChoosesTheEntryThatFitsBest) {
     const QByteArray halfRed = solidPNG({48, 48}, qRgba(255, 0, 0, 128));
     const BitmapBuilder shallow{32, 64, 24, QByteArray(32 * 96 + 128, '\x80')};
+    std::vector<DirectoryEntry> fourBroken(4, {32, 32, 0, 0, "no picture"});
+    fourBroken.push_back(entry(16, red));
     const struct {
         const char *name;
         int type;
@@ -46,6 +48,8 @@ TEST(CursorBitmapTest, ChoosesTheEntryThatFitsBest) {
         {"a tie goes to the earlier", 2, {entry(16, red), entry(48, blue)}, "16x16 @3,0 ff0000ff"},
         {"the best is broken", 2, {{32, 32, 0, 0, "none"}, entry(16, red)}, "16x16 @3,0 ff0000ff"},
         {"zero means 256", 2, {entry(256, red)}, "256x256 @3,0 ff0000ff"},
+        {"empty entries do not count as broken", 2, {{}, {}, {}, {}, entry(16, red)}, "16x16 @3,0 ff0000ff"},
+        {"the search ends at the fourth broken one", 2, fourBroken, "none"},
         {"a PNG, premultiplied", 2, {{48, 48, 1, 2, halfRed}}, "48x48 @1,2 80000080"},
         {"a PNG that is too wide", 2, {{32, 32, 0, 0, solidPNG({257, 1}, 0)}}, "none"},
         {"64 entries", 2, std::vector(64, entry(1, red)), "1x1 @3,0 ff0000ff"},
@@ -164,20 +168,26 @@ TEST(AniParserTest, StepsFollowSequenceAndRates) {
 
 TEST(AniParserTest, CapsAndLyingLengths) {
     const QByteArray icon = riffChunk("icon", cursorDirectory(2, {entry(1, red)}));
-    const auto many = AniParser::parse(aniFile(aniHeader(1) + icon.repeated(AniParser::maxFrames + 1)));
+    const auto many = CursorParser::parse(aniFile(aniHeader(1) + icon.repeated(AniParser::maxFrames + 1)));
     ASSERT_TRUE(many);
     EXPECT_EQ(many->frames.size(), AniParser::maxFrames);
     const std::vector<std::uint32_t> sequence(AniParser::maxSteps + 1, 0);
-    const auto longest = AniParser::parse(aniFile(aniHeader(1) + icon + riffSteps("seq ", sequence)));
+    const auto longest = CursorParser::parse(aniFile(aniHeader(1) + icon + riffSteps("seq ", sequence)));
     ASSERT_TRUE(longest);
     EXPECT_EQ(longest->steps.size(), AniParser::maxSteps);
 
+    const QByteArray broken = riffChunk("icon", "odd").repeated(AniParser::maxFailures);
+    EXPECT_TRUE(CursorParser::parse(aniFile(aniHeader(1) + icon + broken + icon)));
+    EXPECT_FALSE(CursorParser::parse(aniFile(aniHeader(1) + broken + icon)));
+    EXPECT_TRUE(CursorParser::parse(aniFile(aniHeader(1) + icon + icon), 2));
+    EXPECT_FALSE(CursorParser::parse(aniFile(aniHeader(1) + icon + icon), 1));
+
     const QByteArray file = aniFile(aniHeader(1) + icon);
     for (qsizetype size = 0; size < file.size(); ++size)
-        EXPECT_EQ(AniParser::parse(file.first(size)), std::nullopt) << size;
+        EXPECT_EQ(CursorParser::parse(file.first(size)), std::nullopt) << size;
     QByteArray lying = file;
-    EXPECT_TRUE(AniParser::parse(lying.replace(4, 4, le32(0xFFFFFFFF))));
-    EXPECT_FALSE(AniParser::parse(lying.replace(4, 4, le32(4 + 44))));
-    EXPECT_FALSE(AniParser::parse(lying.replace(4, 4, le32(0))));
-    EXPECT_FALSE(AniParser::parse(QByteArray(file).replace("ACON", "WAVE")));
+    EXPECT_TRUE(CursorParser::parse(lying.replace(4, 4, le32(0xFFFFFFFF))));
+    EXPECT_FALSE(CursorParser::parse(lying.replace(4, 4, le32(4 + 44))));
+    EXPECT_FALSE(CursorParser::parse(lying.replace(4, 4, le32(0))));
+    EXPECT_FALSE(CursorParser::parse(QByteArray(file).replace("ACON", "WAVE")));
 }

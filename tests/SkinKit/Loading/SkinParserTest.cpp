@@ -3,7 +3,11 @@
 #include "SkinKit/Loading/SkinError.h"
 #include "tests/Support/BitmapBuilder.h"
 
+#include <QBuffer>
+#include <QtEndian>
+
 #include <gtest/gtest.h>
+#include <zlib.h>
 
 using namespace vantor;
 using namespace vantor::test;
@@ -170,4 +174,42 @@ TEST(SkinParserTest, ReadsTextsAndCursors) {
     EXPECT_EQ(skin.cursors.cursors.value(line("NORMAL")).frames.at(0).hotSpot, QPoint(4, 5));
     EXPECT_EQ(skin.cursors.cursors.value(line("TITLEBAR")).steps.at(0).duration, Jiffies(6));
     EXPECT_EQ(skin.cursors.unreadable, lines({"close.cur", "volbal.cur"}));
+}
+
+TEST(SkinParserTest, PicturesThatAskForTooMuchWork) {
+    // A thousand texts that inflate to millions of letters each, between the header and the pixels.
+    const QByteArray letters = qCompress(QByteArray(7'900'000, 'a'), 9).sliced(4);
+    QByteArray text = QByteArray(4, '\0') + QByteArray("zTXtk\0\0", 7) + letters + QByteArray(4, '\0');
+    qToBigEndian(static_cast<quint32>(letters.size() + 3), text.data());
+    const auto bytes = reinterpret_cast<const uchar *>(text.constData());
+    qToBigEndian(static_cast<quint32>(crc32(0, bytes + 4, static_cast<uInt>(text.size() - 8))),
+                 text.data() + text.size() - 4);
+    const QByteArray withTexts = solidPNG({3, 2}, qRgb(1, 2, 3)).insert(33, text.repeated(1'000));
+    QImage gray(8, 8, QImage::Format_Grayscale8);
+    gray.fill(7);
+    QBuffer jpeg;
+    ASSERT_TRUE(gray.save(&jpeg, "JPEG"));
+    const QByteArray scans =
+        QByteArray(jpeg.data()).insert(20, (QByteArray("\xff\xfe\0\4", 4) + "\xff\xda").repeated(101));
+    QBuffer portable;
+    ASSERT_TRUE(gray.save(&portable, "PGM"));
+
+    const auto start = std::chrono::steady_clock::now();
+    const Skin skin = parse({{line("main.png"), withTexts},
+                             {line("text.png"), jpeg.data()},
+                             {line("gen.png"), scans},
+                             {line("eq_ex.png"), portable.data()}});
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
+    EXPECT_EQ(skin.sheets.value(line("MAIN")).pixel(2, 1), qRgb(1, 2, 3));
+    EXPECT_EQ(skin.sheets.value(line("TEXT")).pixel(0, 0), qRgb(7, 7, 7));
+    EXPECT_FALSE(skin.sheets.contains(line("GEN")) || skin.sheets.contains(line("EQ_EX")));
+}
+
+TEST(SkinParserTest, CursorsShareOneBudgetOfPixels) {
+    const QByteArray frame = cursorDirectory(2, {{.data = solidCursorDib(256, {1, 2, 3})}});
+    const QByteArray large = aniFile(aniHeader(1) + riffChunk("icon", frame).repeated(20)); // 5 MiB of pixels
+    Files files{{line("main.bmp"), bitmap}};
+    for (const QString &name : SkinCursors::names())
+        files.insert(name + QStringLiteral(".cur"), large);
+    EXPECT_EQ(parse(files).cursors.cursors.size(), 12); // of 24
 }

@@ -199,8 +199,6 @@ TEST(SkinArchiveTest, OpensFilesAndRefusesWhatIsNoArchive) {
         const QString message = refusal(url);
         EXPECT_TRUE(message.startsWith(prefix) && message.size() > prefix.size()) << message.toStdString();
     }
-    EXPECT_EQ(refusal(QUrl(QStringLiteral("file:///usr"))),
-              prefix + QStringLiteral("Too many files in the folder"));
     const QByteArray zip = zipFile({{"main.bmp", text}});
     EXPECT_THROW((void)SkinArchive::fromZip(zip.chopped(30)), SkinError);
     const QUrl url = QUrl::fromLocalFile(folder.write("späte skin#1.wsz", zip));

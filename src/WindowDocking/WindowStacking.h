@@ -30,10 +30,11 @@ struct Placement {
 /// for. So a chain may name a child below its parent; that shortens no chain, as it still says which of two
 /// children is in front.
 template <typename Key>
-[[nodiscard]] std::vector<Placement<Key>>
-raise(const std::set<Key> &group, const std::type_identity_t<Key> &key,
-      std::span<const std::type_identity_t<Key>> frontToBack,
-      [[maybe_unused]] const std::function<std::optional<Key>(const std::type_identity_t<Key> &)> &parent) {
+[[nodiscard]] std::vector<Placement<Key>> raise(
+    const std::set<Key> &group, const std::type_identity_t<Key> &key,
+    std::span<const std::type_identity_t<Key>> frontToBack,
+    [[maybe_unused]] const std::function<std::optional<std::type_identity_t<Key>>(std::type_identity_t<Key>)>
+        &parent) {
     const auto isMember = [&](const Key &window) { return group.contains(window); };
     if (!isMember(key) || std::ranges::none_of(frontToBack, isMember))
         return {};

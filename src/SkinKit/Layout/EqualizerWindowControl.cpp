@@ -1,0 +1,50 @@
+#include "SkinKit/Layout/EqualizerWindowControl.h"
+
+#include "SkinKit/Layout/EQLayout.h"
+#include "SkinKit/Layout/MainSliders.h"
+
+#include <span>
+
+namespace vantor {
+
+namespace {
+
+using Control = EqualizerWindowControl;
+using MainSliders::Slider;
+
+struct Place {
+    QRect rect;
+    Control::Kind kind;
+};
+
+constexpr std::array fullPlaces{
+    Place{EQLayout::shadeButton, Control::shade},
+    Place{EQLayout::closeButton, Control::close},
+    Place{EQLayout::onButton, Control::on},
+    Place{EQLayout::autoButton, Control::autoLoad},
+    Place{EQLayout::presetsButton, Control::presets},
+    Place{EQLayout::plus12, Control::plus12},
+    Place{EQLayout::zero, Control::zero},
+    Place{EQLayout::minus12, Control::minus12},
+    Place{QRect(EQLayout::preampOrigin, EQLayout::bandSize), Control::preamp},
+    Place{EQLayout::bandStrip, Control::band},
+};
+
+constexpr std::array shadePlaces{
+    Place{EQLayout::shadeButton, Control::shade},
+    Place{EQLayout::closeButton, Control::close},
+    Place{Slider::eqShadeVolume.rect(), Control::volume},
+    Place{Slider::eqShadeBalance.rect(), Control::balance},
+};
+
+} // namespace
+
+Control equalizerWindowControlAt(QPoint point, bool shaded) {
+    for (const Place &place : shaded ? std::span<const Place>(shadePlaces) : fullPlaces) {
+        if (place.rect.contains(point))
+            return {place.kind, place.kind == Control::band ? EQLayout::bandIndex(point.x()) : 0};
+    }
+    return {};
+}
+
+} // namespace vantor

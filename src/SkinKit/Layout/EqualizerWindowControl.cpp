@@ -14,7 +14,7 @@ using MainSliders::Slider;
 
 struct Place {
     QRect rect;
-    Control::Kind kind;
+    Control control;
 };
 
 constexpr std::array fullPlaces{
@@ -27,7 +27,6 @@ constexpr std::array fullPlaces{
     Place{EQLayout::zero, Control::zero},
     Place{EQLayout::minus12, Control::minus12},
     Place{QRect(EQLayout::preampOrigin, EQLayout::bandSize), Control::preamp},
-    Place{EQLayout::bandStrip, Control::band},
 };
 
 constexpr std::array shadePlaces{
@@ -42,9 +41,11 @@ constexpr std::array shadePlaces{
 Control equalizerWindowControlAt(QPoint point, bool shaded) {
     for (const Place &place : shaded ? std::span<const Place>(shadePlaces) : fullPlaces) {
         if (place.rect.contains(point))
-            return {place.kind, place.kind == Control::band ? EQLayout::bandIndex(point.x()) : 0};
+            return place.control;
     }
-    return {};
+    if (!shaded && EQLayout::bandStrip.contains(point))
+        return bandControl(EQLayout::bandIndex(point.x()));
+    return Control::none;
 }
 
 } // namespace vantor

@@ -21,8 +21,7 @@ void drawBackground(const SkinCanvas &canvas, const Scene &) {
 }
 
 auto titleState(const Scene &scene) {
-    return std::tuple(scene.focused, scene.pressed.kind == Control::shade,
-                      scene.pressed.kind == Control::close);
+    return std::tuple(scene.focused, scene.pressed == Control::shade, scene.pressed == Control::close);
 }
 
 // The title bar shows the raised shade button itself.
@@ -40,8 +39,8 @@ void drawToggle(const SkinCanvas &canvas, const QString &base, QPoint at, bool o
 }
 
 auto togglesState(const Scene &scene) {
-    return std::tuple(scene.on, scene.autoLoad, scene.pressed.kind == Control::on,
-                      scene.pressed.kind == Control::autoLoad);
+    return std::tuple(scene.on, scene.autoLoad, scene.pressed == Control::on,
+                      scene.pressed == Control::autoLoad);
 }
 
 void drawToggles(const SkinCanvas &canvas, const Scene &scene) {
@@ -52,7 +51,7 @@ void drawToggles(const SkinCanvas &canvas, const Scene &scene) {
 }
 
 bool presetsPressed(const Scene &scene) {
-    return scene.pressed.kind == Control::presets;
+    return scene.pressed == Control::presets;
 }
 
 void drawPresets(const SkinCanvas &canvas, const Scene &scene) {
@@ -82,16 +81,16 @@ void drawSlider(const SkinCanvas &canvas, QPoint origin, double value, bool held
 }
 
 auto preampState(const Scene &scene) {
-    return sliderState(scene.preamp, scene.pressed.kind == Control::preamp);
+    return sliderState(scene.preamp, scene.pressed == Control::preamp);
 }
 
 void drawPreamp(const SkinCanvas &canvas, const Scene &scene) {
-    drawSlider(canvas, EQLayout::preampOrigin, scene.preamp, scene.pressed.kind == Control::preamp);
+    drawSlider(canvas, EQLayout::preampOrigin, scene.preamp, scene.pressed == Control::preamp);
 }
 
 template <int band>
 bool bandHeld(const Scene &scene) {
-    return scene.pressed == Control{Control::band, band};
+    return scene.pressed == bandControl(band);
 }
 
 template <int band>

@@ -20,7 +20,8 @@ struct EqualizerWindowScene {
     bool shaded = false;
     bool focused = true;
 
-    EqualizerWindowControl pressed; ///< drawn down or, for sliders, with a lit thumb
+    EqualizerWindowControl pressed =
+        EqualizerWindowControl::none; ///< drawn down or, for sliders, with a lit thumb
 
     bool on = true;
     bool autoLoad = false;

@@ -26,7 +26,7 @@ EqualizerWindowScene randomScene(std::mt19937 &random) {
     EqualizerWindowScene scene;
     for (bool *flag : {&scene.focused, &scene.on, &scene.autoLoad})
         *flag = below(2) != 0;
-    scene.pressed = {static_cast<Control::Kind>(below(Control::balance + 1)), below(10)};
+    scene.pressed = static_cast<Control>(below(static_cast<int>(Control::balance) + 1));
     scene.preamp = 20.0 * below(6);
     for (double &band : scene.bands)
         band = below(4) == 0 ? 0.4 * below(250) : 50;
@@ -57,32 +57,32 @@ TEST(EqualizerWindowRendererTest, EveryPlaceShowsTheSpriteOfItsState) {
           {{92, 40}, "EQ_WINDOW_BACKGROUND+40"}, {{10, 110}, "EQ_WINDOW_BACKGROUND+110"}}},
         {"off, auto, no focus", [](Scene &scene) { scene.on = false; scene.autoLoad = true; scene.focused = false; }, coded,
          {{{100, 0}, "EQ_TITLE_BAR"}, {{14, 18}, "EQ_ON_BUTTON"}, {{40, 18}, "EQ_AUTO_BUTTON_SELECTED"}}},
-        {"On held", [](Scene &scene) { scene.pressed = {Control::on}; }, coded,
+        {"On held", [](Scene &scene) { scene.pressed = Control::on; }, coded,
          {{{14, 18}, "EQ_ON_BUTTON_SELECTED_DEPRESSED"}, {{40, 18}, "EQ_AUTO_BUTTON"}}},
-        {"Auto held", [](Scene &scene) { scene.pressed = {Control::autoLoad}; }, coded,
+        {"Auto held", [](Scene &scene) { scene.pressed = Control::autoLoad; }, coded,
          {{{40, 18}, "EQ_AUTO_BUTTON_DEPRESSED"}}},
-        {"Presets held", [](Scene &scene) { scene.pressed = {Control::presets}; }, coded,
+        {"Presets held", [](Scene &scene) { scene.pressed = Control::presets; }, coded,
          {{{217, 18}, "EQ_PRESETS_BUTTON_SELECTED"}}},
-        {"shade held", [](Scene &scene) { scene.pressed = {Control::shade}; }, coded,
+        {"shade held", [](Scene &scene) { scene.pressed = Control::shade; }, coded,
          {{{254, 3}, "EQ_MAXIMIZE_BUTTON_ACTIVE"}, {{264, 3}, "EQ_CLOSE_BUTTON"}}},
-        {"shade held, sheet missing", [](Scene &scene) { scene.pressed = {Control::shade}; }, noShadeSheet,
+        {"shade held, sheet missing", [](Scene &scene) { scene.pressed = Control::shade; }, noShadeSheet,
          {{{254, 3}, "EQ_MAXIMIZE_BUTTON_ACTIVE_FALLBACK"}}},
         {"band held at the top",
-         [](Scene &scene) { scene.bands[3] = 100; scene.preamp = 0; scene.pressed = {Control::band, 3}; }, coded,
+         [](Scene &scene) { scene.bands[3] = 100; scene.preamp = 0; scene.pressed = bandControl(3); }, coded,
          {{{133, 38}, "EQ_SLIDER_THUMB_SELECTED"}, {{132, 38}, "EQ_SLIDER_BACKGROUND+65"}, {{115, 63}, "EQ_SLIDER_THUMB"},
           {{22, 89}, "EQ_SLIDER_THUMB"}, {{21, 38}, "EQ_SLIDER_BACKGROUND"}, {{86, 17}, "EQ_PREAMP_LINE"}, {{124, 17}, "EQ_GRAPH_LINE_COLORS"}}},
         {"shaded", [](Scene &scene) { scene.shaded = true; scene.volume = 0.5; scene.balance = -1; }, coded,
          {{{20, 0}, "EQ_SHADE_BACKGROUND_SELECTED"}, {{254, 3}, "EQ_SHADE_BACKGROUND_SELECTED+3"},
           {{264, 3}, "EQ_SHADE_CLOSE_BUTTON"}, {{108, 4}, "EQ_SHADE_VOLUME_SLIDER_CENTER"},
           {{107, 4}, "EQ_SHADE_BACKGROUND_SELECTED+4"}, {{164, 10}, "EQ_SHADE_BALANCE_SLIDER_LEFT+6"}}},
-        {"shaded, held", [](Scene &scene) { scene.shaded = true; scene.pressed = {Control::shade}; scene.focused = false;
+        {"shaded, held", [](Scene &scene) { scene.shaded = true; scene.pressed = Control::shade; scene.focused = false;
                                             scene.volume = 0; scene.balance = 1; }, coded,
          {{{20, 0}, "EQ_SHADE_BACKGROUND"}, {{254, 3}, "EQ_MINIMIZE_BUTTON_ACTIVE"},
           {{61, 4}, "EQ_SHADE_VOLUME_SLIDER_LEFT"}, {{204, 4}, "EQ_SHADE_BALANCE_SLIDER_RIGHT"}}},
-        {"shaded, sheet missing", [](Scene &scene) { scene.shaded = true; scene.pressed = {Control::close}; }, noShadeSheet,
+        {"shaded, sheet missing", [](Scene &scene) { scene.shaded = true; scene.pressed = Control::close; }, noShadeSheet,
          {{{20, 0}, "EQ_TITLE_BAR_SELECTED"}, {{264, 3}, "EQ_CLOSE_BUTTON_ACTIVE"}, {{155, 4}, "EQ_TITLE_BAR_SELECTED+4"}}},
         {"shaded, sheet missing, shade held",
-         [](Scene &scene) { scene.shaded = true; scene.pressed = {Control::shade}; }, noShadeSheet,
+         [](Scene &scene) { scene.shaded = true; scene.pressed = Control::shade; }, noShadeSheet,
          {{{254, 3}, "EQ_MAXIMIZE_BUTTON_ACTIVE_FALLBACK"}, {{264, 3}, "EQ_CLOSE_BUTTON"}}},
     };
     // clang-format on

@@ -8,6 +8,7 @@
 #include "Vantor/App/TimedRun.h"
 #include "Vantor/Model/PlayerModel.h"
 #include "Vantor/Windows/MainWindow.h"
+#include "Vantor/Windows/SkinAccessibility.h"
 
 #include <QApplication>
 #include <QFileInfo>
@@ -131,11 +132,13 @@ int runProgram(int argc, char **argv) {
     std::optional<SavedQueue> savedQueue;
     if (!options.seconds)
         savedQueue.emplace(player);
-    MainWindow window(model);
+    Commands commands(model);
+    installSkinAccessibility();
+    MainWindow window(model, commands);
     std::optional<TimedRun> timedRun;
     if (options.seconds)
         timedRun.emplace(model, window, *options.seconds, options.screenshot.value_or(QString()));
-    window.show();
+    window.showIfOpen();
     const bool withDemo = !savedQueue || !savedQueue->hasTracks();
     QMetaObject::invokeMethod(
         &model,

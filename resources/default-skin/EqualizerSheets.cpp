@@ -194,8 +194,8 @@ QImage bareWindow() {
     paintWindow(canvas);
     canvas.row(2, titleHeight, canvas.width() - 4, mix(bodyTop, light, 0.5));
     paintWell(canvas, EQLayout::graph);
-    paintRecess(canvas, {EQLayout::onButton.topLeft(), QSize(58, 12)});
-    paintRecess(canvas, {EQLayout::presetsButton, QSize(44, 12)});
+    paintRecess(canvas, EQLayout::onButton | EQLayout::autoButton);
+    paintRecess(canvas, EQLayout::presetsButton);
     paintScale(canvas, EQLayout::preampOrigin.x() - 5, 25);
     paintScale(canvas, EQLayout::bandStrip.x() - 5, 186);
     paintLabels(canvas);

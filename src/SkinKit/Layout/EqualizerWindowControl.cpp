@@ -36,16 +36,30 @@ constexpr std::array shadePlaces{
     Place{Slider::eqShadeBalance.rect(), Control::balance},
 };
 
+std::span<const Place> placesOf(bool shaded) {
+    return shaded ? std::span<const Place>(shadePlaces) : fullPlaces;
+}
+
 } // namespace
 
 Control equalizerWindowControlAt(QPoint point, bool shaded) {
-    for (const Place &place : shaded ? std::span<const Place>(shadePlaces) : fullPlaces) {
+    for (const Place &place : placesOf(shaded)) {
         if (place.rect.contains(point))
             return place.control;
     }
     if (!shaded && EQLayout::bandStrip.contains(point))
         return bandControl(EQLayout::bandIndex(point.x()));
     return Control::none;
+}
+
+QRect equalizerWindowControlRect(Control control, bool shaded) {
+    if (const std::optional<int> band = bandOf(control); band && !shaded)
+        return {EQLayout::bandOrigin(*band), EQLayout::bandSize};
+    for (const Place &place : placesOf(shaded)) {
+        if (place.control == control)
+            return place.rect;
+    }
+    return {};
 }
 
 } // namespace vantor

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QPoint>
+#include <QRect>
 
 #include <optional>
 
@@ -39,5 +40,7 @@ enum class EqualizerWindowControl {
 /// The control under a point in skin pixels; `none` outside the window. The gap between two bands belongs to
 /// the left one.
 [[nodiscard]] EqualizerWindowControl equalizerWindowControlAt(QPoint point, bool shaded);
+/// Where a control is; null where that form of the window does not have it.
+[[nodiscard]] QRect equalizerWindowControlRect(EqualizerWindowControl control, bool shaded);
 
 } // namespace vantor

@@ -7,6 +7,7 @@
 #include "Vantor/App/LaunchOptions.h"
 #include "Vantor/App/TimedRun.h"
 #include "Vantor/Model/PlayerModel.h"
+#include "Vantor/Windows/EqualizerWindow.h"
 #include "Vantor/Windows/MainWindow.h"
 #include "Vantor/Windows/SkinAccessibility.h"
 
@@ -132,13 +133,16 @@ int runProgram(int argc, char **argv) {
     std::optional<SavedQueue> savedQueue;
     if (!options.seconds)
         savedQueue.emplace(player);
+    EqualizerModel equalizer(player, settings, AppPaths::dataFolder());
     Commands commands(model);
     installSkinAccessibility();
     MainWindow window(model, commands);
+    EqualizerWindow equalizerWindow(model, equalizer, commands);
     std::optional<TimedRun> timedRun;
     if (options.seconds)
         timedRun.emplace(model, window, *options.seconds, options.screenshot.value_or(QString()));
     window.showIfOpen();
+    equalizerWindow.showIfOpen();
     const bool withDemo = !savedQueue || !savedQueue->hasTracks();
     QMetaObject::invokeMethod(
         &model,

@@ -304,6 +304,11 @@ void PlayerModel::showNotice(const QString &text) {
     notify({text, std::nullopt, StatusNotice::Clock::now()});
 }
 
+void PlayerModel::showDragText(const std::optional<QString> &text) {
+    m_marquee.setDragText(text);
+    Q_EMIT sceneChanged();
+}
+
 // Options
 
 void PlayerModel::setTimeMode(TimeMode mode) {

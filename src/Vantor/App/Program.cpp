@@ -12,7 +12,6 @@
 #include "Vantor/Windows/SkinAccessibility.h"
 
 #include <QApplication>
-#include <QFileInfo>
 #include <QIcon>
 #include <QSettings>
 
@@ -87,13 +86,10 @@ class SavedQueue {
 
 // The skin asked for, else the one worn last; and the files asked for, else the demo track if there is no
 // saved queue that could be played.
-void openWhatWasAskedFor(PlayerModel &model, const LaunchOptions &options, const QSettings &settings,
-                         bool withDemo) {
-    const QString lastSkin = settings.value(QStringLiteral("skin")).toString();
-    if (options.skin)
-        model.wear(*options.skin);
-    else if (QFileInfo::exists(lastSkin))
-        model.wear(QUrl::fromLocalFile(lastSkin));
+void openWhatWasAskedFor(PlayerModel &model, const LaunchOptions &options, bool withDemo) {
+    const QUrl skin = options.skin.value_or(model.skins().lastWorn());
+    if (!skin.isEmpty())
+        model.wear(skin);
 
     if (!options.files.isEmpty())
         model.open(options.files);
@@ -147,7 +143,7 @@ int runProgram(int argc, char **argv) {
     QMetaObject::invokeMethod(
         &model,
         [&] {
-            openWhatWasAskedFor(model, options, settings, withDemo);
+            openWhatWasAskedFor(model, options, withDemo);
             if (timedRun)
                 timedRun->begin();
         },

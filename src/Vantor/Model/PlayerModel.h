@@ -66,6 +66,7 @@ class PlayerModel : public QObject {
     void cycleVisualizer();
     void toggleShuffle();
     void toggleRepeat();
+    void setRepeatMode(RepeatMode mode);
     void changeVolume(double by);
     void seekBy(double seconds);
     void showNotice(const QString &text);

@@ -268,8 +268,12 @@ void PlayerModel::toggleShuffle() {
 }
 
 void PlayerModel::toggleRepeat() {
-    m_player.setRepeatMode(toggled(m_player.repeatMode()));
-    store("repeat", m_player.repeatMode() != RepeatMode::off);
+    setRepeatMode(toggled(m_player.repeatMode()));
+}
+
+void PlayerModel::setRepeatMode(RepeatMode mode) {
+    m_player.setRepeatMode(mode);
+    store("repeat", mode != RepeatMode::off);
     Q_EMIT sceneChanged();
 }
 

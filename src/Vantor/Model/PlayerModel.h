@@ -64,6 +64,7 @@ class PlayerModel : public QObject {
     void toggleRepeat();
     void setVolume(double volume);   ///< 0…1
     void setBalance(double balance); ///< −1…1, without snapping to the centre
+    void setRepeatMode(RepeatMode mode);
     void changeVolume(double by);
     void seekBy(double seconds);
     void showNotice(const QString &text);

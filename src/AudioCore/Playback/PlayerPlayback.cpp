@@ -23,8 +23,8 @@ static constexpr int analyzerWindow = 1024;
 static constexpr int analyzerRing = 32768;
 
 Player::Private::Private(Player &player, std::unique_ptr<TrackResolver> trackResolver,
-                         AudioOutputFactory outputFactory)
-    : q(player), resolver(std::move(trackResolver)), outputs(std::move(outputFactory)),
+                         std::unique_ptr<OutputDeviceProvider> outputDevices)
+    : q(player), resolver(std::move(trackResolver)), devices(std::move(outputDevices)),
       analyzer(analyzerWindow, analyzerRing),
       streamer([this](const TrackStreamer::Report &report) { streamerReported(report); }) {
     timeUpdates.setSingleShot(true);
@@ -36,6 +36,7 @@ Player::Private::Private(Player &player, std::unique_ptr<TrackResolver> trackRes
         if (output)
             output->setSuspended(true);
     });
+    watchDevices();
 }
 
 // The sound fades out instead of breaking off, which takes as long as it is on its way to the ear.
@@ -110,6 +111,8 @@ void Player::Private::streamerReported(const TrackStreamer::Report &report) {
     setFormat(report.format);
     if (state != PlaybackState::loading)
         return; // a seek has arrived
+    if (!outputMadeFor.isSettled)
+        return; // nothing shall be lost to silence: it is loaded again as soon as the devices are known
     consecutiveFailures = 0;
     if (autoplayAfterLoad)
         resume();

@@ -131,11 +131,12 @@ int runProgram(int argc, char **argv) {
     std::optional<SavedQueue> savedQueue;
     if (!options.seconds)
         savedQueue.emplace(player);
-    MainWindow window(model);
+    Commands commands(model);
+    MainWindow window(model, commands);
     std::optional<TimedRun> timedRun;
     if (options.seconds)
         timedRun.emplace(model, window, *options.seconds, options.screenshot.value_or(QString()));
-    window.show();
+    window.showIfOpen();
     const bool withDemo = !savedQueue || !savedQueue->hasTracks();
     QMetaObject::invokeMethod(
         &model,

@@ -56,9 +56,12 @@ VisualizerBars picture(const VisBars &bars) {
 } // namespace
 
 PlayerModel::PlayerModel(Player &player, QSettings &settings, QObject *parent)
-    : QObject(parent), m_player(player), m_settings(settings), m_skin(SkinLoader::defaultSkin()) {
+    : QObject(parent), m_player(player), m_settings(settings), m_skin(SkinLoader::defaultSkin()),
+      m_windows(settings) {
     restoreSettings();
     updateTitle();
+    connect(&m_clock, &FrameClock::frame, this, &PlayerModel::advance);
+    connect(this, &PlayerModel::sceneChanged, &m_clock, [this] { m_clock.setInterval(frameInterval()); });
 
     m_observer = player.addEventObserver([this](const PlayerEvent &event) { handle(event); });
     connect(&player, &Player::queueChanged, this, [this] {
@@ -109,15 +112,17 @@ MainWindowScene PlayerModel::scene() const {
         scene.status.channels = format->channels;
     }
     scene.timeLit = std::fmod(m_blinkTime, 2 * blinkHalfPeriod) < blinkHalfPeriod;
-    scene.shaded = m_shaded;
+    scene.shaded = m_windows.isShaded(WindowKind::main);
     scene.volume = m_player.volume();
     scene.balance = m_player.balance();
     if (seekable)
         scene.position = m_draggedPosition.value_or(std::clamp(m_player.currentTime() / duration, 0.0, 1.0));
     scene.shuffle = m_player.isShuffled();
     scene.repeat = m_player.repeatMode() != RepeatMode::off;
-    scene.alwaysOnTop = m_alwaysOnTop;
-    scene.doubleSize = m_doubleSize;
+    scene.equalizerOpen = m_windows.isOpen(WindowKind::equalizer);
+    scene.playlistOpen = m_windows.isOpen(WindowKind::playlist);
+    scene.alwaysOnTop = m_windows.isAlwaysOnTop();
+    scene.doubleSize = m_windows.isDoubleSize();
     scene.marquee = m_marquee.text(now);
     scene.marqueeOffset = m_marquee.offset(now);
     scene.visualizer = m_picture;
@@ -299,31 +304,7 @@ void PlayerModel::showNotice(const QString &text) {
     notify({text, std::nullopt, StatusNotice::Clock::now()});
 }
 
-// Windows and options
-
-void PlayerModel::setShaded(bool shaded) {
-    if (m_shaded == shaded)
-        return;
-    m_shaded = shaded;
-    store("shaded", shaded);
-    Q_EMIT windowStateChanged();
-}
-
-void PlayerModel::setDoubleSize(bool doubled) {
-    if (m_doubleSize == doubled)
-        return;
-    m_doubleSize = doubled;
-    store("doubleSize", doubled);
-    Q_EMIT windowStateChanged();
-}
-
-void PlayerModel::setAlwaysOnTop(bool onTop) {
-    if (m_alwaysOnTop == onTop)
-        return;
-    m_alwaysOnTop = onTop;
-    store("alwaysOnTop", onTop);
-    Q_EMIT windowStateChanged();
-}
+// Options
 
 void PlayerModel::setTimeMode(TimeMode mode) {
     m_timeMode = mode;
@@ -419,9 +400,6 @@ void PlayerModel::restoreSettings() {
     m_player.setShuffled(m_settings.value(QStringLiteral("shuffle")).toBool());
     m_player.setRepeatMode(m_settings.value(QStringLiteral("repeat")).toBool() ? RepeatMode::all
                                                                                : RepeatMode::off);
-    m_shaded = m_settings.value(QStringLiteral("shaded")).toBool();
-    m_doubleSize = m_settings.value(QStringLiteral("doubleSize")).toBool();
-    m_alwaysOnTop = m_settings.value(QStringLiteral("alwaysOnTop")).toBool();
     m_timeMode = timeModeFromRawValue(m_settings.value(QStringLiteral("timeMode")).toString())
                      .value_or(TimeMode::elapsed);
     m_visualizerMode =

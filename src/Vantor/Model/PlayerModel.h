@@ -4,9 +4,11 @@
 #include "AudioCore/Playback/Player.h"
 #include "SkinKit/Loading/Skin.h"
 #include "SkinKit/Rendering/MainWindowScene.h"
+#include "Vantor/Model/FrameClock.h"
 #include "Vantor/Model/MarqueeLine.h"
 #include "Vantor/Model/SkinLoader.h"
 #include "Vantor/Model/TrackImporter.h"
+#include "Vantor/Model/WindowState.h"
 
 #include <QElapsedTimer>
 #include <QObject>
@@ -37,9 +39,10 @@ class PlayerModel : public QObject {
     /// What the main window shows now, but for what only the window knows (focus and the pressed control).
     [[nodiscard]] MainWindowScene scene() const;
 
-    [[nodiscard]] bool isShaded() const { return m_shaded; }
-    [[nodiscard]] bool isDoubleSize() const { return m_doubleSize; }
-    [[nodiscard]] bool isAlwaysOnTop() const { return m_alwaysOnTop; }
+    [[nodiscard]] WindowState &windows() { return m_windows; }
+    [[nodiscard]] const WindowState &windows() const { return m_windows; }
+    /// Windows that can be seen watch it, so that things move; it calls advance().
+    [[nodiscard]] FrameClock &clock() { return m_clock; }
     [[nodiscard]] TimeMode timeMode() const { return m_timeMode; }
     [[nodiscard]] VisualizerMode visualizerMode() const { return m_visualizerMode; }
 
@@ -58,9 +61,6 @@ class PlayerModel : public QObject {
     void enqueue(const QList<QUrl> &urls);
     [[nodiscard]] bool isImporting() const { return m_pendingImports > 0; }
 
-    void setShaded(bool shaded);
-    void setDoubleSize(bool doubled);
-    void setAlwaysOnTop(bool onTop);
     void setTimeMode(TimeMode mode);
     void setVisualizerMode(VisualizerMode mode);
     void cycleVisualizer();
@@ -80,7 +80,6 @@ class PlayerModel : public QObject {
   Q_SIGNALS:
     void sceneChanged();
     void skinChanged();
-    void windowStateChanged(); ///< shade, size or always-on-top
     /// A track that was not played or not even taken in: its name and the sentence that says why.
     void trackRefused(const QString &name, const QString &message);
     void skinRefused(const QString &name, const QString &message);
@@ -110,9 +109,8 @@ class PlayerModel : public QObject {
     QUrl m_skinUrl;
     MarqueeLine m_marquee;
 
-    bool m_shaded = false;
-    bool m_doubleSize = false;
-    bool m_alwaysOnTop = false;
+    WindowState m_windows;
+    FrameClock m_clock;
     TimeMode m_timeMode = TimeMode::elapsed;
     VisualizerMode m_visualizerMode = VisualizerMode::spectrum;
     std::optional<double> m_draggedPosition;

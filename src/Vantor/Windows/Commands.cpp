@@ -3,12 +3,15 @@
 #include "LocalPlayback/Loading/TrackLoader.h"
 #include "LocalPlayback/Playlists/PlaylistFile.h"
 #include "Vantor/Windows/FileInfoDialog.h"
+#include "Vantor/Windows/SkinnedWindow.h"
 
 #include <QActionGroup>
 #include <QApplication>
 #include <QFileDialog>
 #include <QMenu>
 #include <QMessageBox>
+
+#include <algorithm>
 
 namespace vantor {
 
@@ -24,13 +27,36 @@ void openDialog(QFileDialog &dialog) {
 
 } // namespace
 
-Commands::Commands(PlayerModel &model, QWidget &window) : QObject(&window), m_model(model), m_window(window) {
+Commands::Commands(PlayerModel &model) : m_model(model) {
     addPlayback();
     addOptions();
     addWindows();
     connect(&model, &PlayerModel::sceneChanged, this, &Commands::updateChecks);
-    connect(&model, &PlayerModel::windowStateChanged, this, &Commands::updateChecks);
+    connect(&model.windows(), &WindowState::changed, this, &Commands::updateChecks);
     updateChecks();
+}
+
+void Commands::addTo(SkinnedWindow &window) {
+    m_windows.emplace_back(&window);
+    for (const auto &[id, action] : m_actions)
+        window.addAction(action);
+}
+
+SkinnedWindow *Commands::window() const {
+    const auto active = std::ranges::find_if(
+        m_windows, [](const QPointer<SkinnedWindow> &window) { return window && window->isActiveWindow(); });
+    if (active != m_windows.end())
+        return *active;
+    return m_windows.empty() ? nullptr : m_windows.front().data();
+}
+
+void Commands::toggleWindow(WindowKind kind, const QString &missing) {
+    const bool exists = std::ranges::any_of(
+        m_windows, [kind](const auto &window) { return window && window->windowKind() == kind; });
+    if (exists)
+        m_model.windows().setOpen(kind, !m_model.windows().isOpen(kind));
+    else
+        m_model.showNotice(missing);
 }
 
 void Commands::add(Id id, const QString &text, const QList<QKeySequence> &shortcuts,
@@ -39,7 +65,6 @@ void Commands::add(Id id, const QString &text, const QList<QKeySequence> &shortc
     action->setShortcuts(shortcuts);
     action->setAutoRepeat(false);
     connect(action, &QAction::triggered, this, run);
-    m_window.addAction(action);
     m_actions.emplace(id, action);
 }
 
@@ -87,26 +112,34 @@ void Commands::addOptions() {
 }
 
 void Commands::addWindows() {
+    WindowState &state = m_model.windows();
     add(Id::doubleSize, tr("Double Size"), {Qt::CTRL | Qt::Key_D},
-        [this] { m_model.setDoubleSize(!m_model.isDoubleSize()); });
-    add(Id::shade, tr("Window Shade"), {Qt::CTRL | Qt::Key_W},
-        [this] { m_model.setShaded(!m_model.isShaded()); });
+        [&state] { state.setDoubleSize(!state.isDoubleSize()); });
+    add(Id::shade, tr("Window Shade"), {Qt::CTRL | Qt::Key_W}, [this, &state] {
+        if (const SkinnedWindow *const active = window())
+            state.setShaded(active->windowKind(), !active->isShaded());
+    });
     add(Id::alwaysOnTop, tr("Always on Top"), {Qt::CTRL | Qt::Key_A},
-        [this] { m_model.setAlwaysOnTop(!m_model.isAlwaysOnTop()); });
+        [&state] { state.setAlwaysOnTop(!state.isAlwaysOnTop()); });
     add(Id::equalizer, tr("Equalizer"), {Qt::ALT | Qt::Key_G},
-        [this] { m_model.showNotice(tr("No equalizer window yet")); });
+        [this] { toggleWindow(WindowKind::equalizer, tr("No equalizer window yet")); });
     add(Id::playlist, tr("Playlist"), {Qt::ALT | Qt::Key_E},
-        [this] { m_model.showNotice(tr("No playlist window yet")); });
-    add(Id::minimize, tr("Minimise"), {Qt::CTRL | Qt::Key_M}, [this] { m_window.showMinimized(); });
+        [this] { toggleWindow(WindowKind::playlist, tr("No playlist window yet")); });
+    add(Id::minimize, tr("Minimise"), {Qt::CTRL | Qt::Key_M}, [this] {
+        if (!m_windows.empty() && m_windows.front())
+            m_windows.front()->showMinimized();
+    });
     add(Id::about, tr("About Vantor"), {}, [this] { showAbout(); });
     add(Id::quit, tr("Quit"), {Qt::CTRL | Qt::Key_Q, Qt::ALT | Qt::Key_F4}, [] { QApplication::quit(); });
 
-    for (const Id id : {Id::shuffle, Id::repeat, Id::timeElapsed, Id::timeRemaining, Id::spectrum,
-                        Id::oscilloscope, Id::visualizerOff, Id::doubleSize, Id::shade, Id::alwaysOnTop})
+    for (const Id id :
+         {Id::shuffle, Id::repeat, Id::timeElapsed, Id::timeRemaining, Id::spectrum, Id::oscilloscope,
+          Id::visualizerOff, Id::doubleSize, Id::shade, Id::alwaysOnTop, Id::equalizer, Id::playlist})
         action(id).setCheckable(true);
 }
 
 void Commands::updateChecks() {
+    const WindowState &windows = m_model.windows();
     const auto check = [this](Id id, bool on) { action(id).setChecked(on); };
     check(Id::shuffle, m_model.player().isShuffled());
     check(Id::repeat, m_model.player().repeatMode() != RepeatMode::off);
@@ -115,20 +148,22 @@ void Commands::updateChecks() {
     check(Id::spectrum, m_model.visualizerMode() == VisualizerMode::spectrum);
     check(Id::oscilloscope, m_model.visualizerMode() == VisualizerMode::oscilloscope);
     check(Id::visualizerOff, m_model.visualizerMode() == VisualizerMode::off);
-    check(Id::doubleSize, m_model.isDoubleSize());
-    check(Id::shade, m_model.isShaded());
-    check(Id::alwaysOnTop, m_model.isAlwaysOnTop());
+    check(Id::doubleSize, windows.isDoubleSize());
+    check(Id::shade, windows.isShaded(WindowKind::main));
+    check(Id::alwaysOnTop, windows.isAlwaysOnTop());
+    check(Id::equalizer, windows.isOpen(WindowKind::equalizer));
+    check(Id::playlist, windows.isOpen(WindowKind::playlist));
 }
 
 void Commands::popUpMainMenu(QPoint at) {
-    auto *menu = new QMenu(&m_window);
+    auto *menu = new QMenu(window());
     menu->setAttribute(Qt::WA_DeleteOnClose);
     fillMainMenu(*menu);
     menu->popup(at);
 }
 
 void Commands::popUpVisualizerMenu(QPoint at) {
-    auto *menu = new QMenu(&m_window);
+    auto *menu = new QMenu(window());
     menu->setAttribute(Qt::WA_DeleteOnClose);
     fillVisualizerMenu(*menu);
     menu->popup(at);
@@ -164,7 +199,7 @@ void Commands::fillMainMenu(QMenu &menu) {
 }
 
 void Commands::openFiles() {
-    auto *dialog = new QFileDialog(&m_window, tr("Open Files"));
+    auto *dialog = new QFileDialog(window(), tr("Open Files"));
     dialog->setFileMode(QFileDialog::ExistingFiles);
     dialog->setNameFilters(
         {tr("Audio, playlists and skins (%1 *.wsz)")
@@ -176,7 +211,7 @@ void Commands::openFiles() {
 }
 
 void Commands::openFolder() {
-    auto *dialog = new QFileDialog(&m_window, tr("Open Folder"));
+    auto *dialog = new QFileDialog(window(), tr("Open Folder"));
     dialog->setFileMode(QFileDialog::Directory);
     connect(dialog, &QFileDialog::fileSelected, this,
             [this, dialog] { m_model.open(dialog->selectedUrls()); });
@@ -184,7 +219,7 @@ void Commands::openFolder() {
 }
 
 void Commands::loadSkin() {
-    auto *dialog = new QFileDialog(&m_window, tr("Load Skin"));
+    auto *dialog = new QFileDialog(window(), tr("Load Skin"));
     dialog->setFileMode(QFileDialog::ExistingFile);
     dialog->setNameFilters({tr("Skins (*.wsz *.zip)"), tr("All files (*)")});
     connect(dialog, &QFileDialog::fileSelected, this,
@@ -194,14 +229,14 @@ void Commands::loadSkin() {
 
 void Commands::showFileInfo() {
     if (const std::optional<Track> track = m_model.player().queue().current())
-        (new FileInfoDialog(TrackInfo::fromTrack(*track, m_model.player().currentFormat()), &m_window))
+        (new FileInfoDialog(TrackInfo::fromTrack(*track, m_model.player().currentFormat()), window()))
             ->show();
     else
         m_model.showNotice(tr("No file is loaded"));
 }
 
 void Commands::showAbout() {
-    auto *box = new QMessageBox(&m_window);
+    auto *box = new QMessageBox(window());
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->setWindowTitle(tr("About Vantor"));
     box->setIconPixmap(QApplication::windowIcon().pixmap(64));

@@ -1,0 +1,303 @@
+#include "Vantor/Windows/SkinnedWindow.h"
+
+#include <QApplication>
+#include <QDragEnterEvent>
+#include <QFileInfo>
+#include <QImageWriter>
+#include <QMimeData>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QWindow>
+
+#include <cmath>
+
+namespace vantor {
+
+namespace {
+
+constexpr double wheelStep = 0.04; // of the volume, per notch
+constexpr int titleHeight = 14;
+constexpr Qt::WindowFlags baseFlags = Qt::Window | Qt::FramelessWindowHint | Qt::WindowMinimizeButtonHint;
+
+QRegion scaled(const QRegion &region, int factor) {
+    QRegion result;
+    for (const QRect &rect : region)
+        result += QRect(rect.topLeft() * factor, rect.size() * factor);
+    return result;
+}
+
+} // namespace
+
+SkinnedWindow::SkinnedWindow(WindowKind kind, PlayerModel &model, Commands &commands)
+    : QWidget(nullptr, baseFlags), m_kind(kind), m_model(model), m_commands(commands), m_pointers(*this) {
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    setAttribute(Qt::WA_NoSystemBackground);
+    setMouseTracking(true);
+    setAcceptDrops(true);
+    setFocusPolicy(Qt::StrongFocus);
+    if (model.windows().isAlwaysOnTop())
+        setWindowFlag(Qt::WindowStaysOnTopHint);
+    commands.addTo(*this);
+    connect(&model, &PlayerModel::sceneChanged, this, &SkinnedWindow::refresh);
+    connect(&model, &PlayerModel::skinChanged, this, &SkinnedWindow::takeShape);
+    connect(&model.windows(), &WindowState::changed, this, &SkinnedWindow::takeWindowState);
+}
+
+SkinnedWindow::~SkinnedWindow() {
+    m_model.clock().setWatched(this, false);
+}
+
+QRect SkinnedWindow::titleBar() const {
+    return {0, 0, skinSize().width(), titleHeight};
+}
+
+// Painting
+
+void SkinnedWindow::refresh() {
+    const QRegion changed = composeScene();
+    if (!changed.isEmpty())
+        update(scaled(changed, zoom()));
+}
+
+void SkinnedWindow::paintEvent(QPaintEvent *event) {
+    QPainter painter(this);
+    painter.setClipRegion(event->region());
+    draw(painter, zoom());
+}
+
+QImage SkinnedWindow::picture() {
+    refresh();
+    QImage image(skinSize() * zoom(), QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    painter.setClipRegion(outline(zoom()));
+    draw(painter, zoom());
+    return image;
+}
+
+bool SkinnedWindow::savePicture(const QString &path) {
+    const QByteArray format = QFileInfo(path).suffix().toLower().toLatin1();
+    const bool known = QImageWriter::supportedImageFormats().contains(format);
+    return picture().save(path, known ? nullptr : "PNG");
+}
+
+void SkinnedWindow::takeShape() {
+    m_pointers.setCursors(m_model.skin().cursors, zoom());
+    static_cast<void>(composeScene()); // all of it is painted below
+    const QSize size = skinSize() * zoom();
+    setFixedSize(size);
+    const QRegion shape = outline(zoom());
+    static const bool hasShapes = QGuiApplication::platformName() != QLatin1String("offscreen");
+    if (!hasShapes || shape == QRegion(QRect(QPoint(), size)))
+        clearMask();
+    else
+        setMask(shape);
+    update();
+}
+
+void SkinnedWindow::takeWindowState() {
+    stayOnTopIfAsked();
+    takeShape();
+    if (m_kind != WindowKind::main)
+        showIfOpen();
+}
+
+void SkinnedWindow::stayOnTopIfAsked() {
+    if (m_model.windows().isAlwaysOnTop() == windowFlags().testFlag(Qt::WindowStaysOnTopHint))
+        return;
+    // Through the window's handle: the widget's own way makes the window anew, which loses the focus.
+    overrideWindowFlags(windowFlags() ^ Qt::WindowStaysOnTopHint);
+    if (QWindow *const handle = windowHandle())
+        handle->setFlags(windowFlags());
+}
+
+// Mouse
+
+QPoint SkinnedWindow::skinPoint(QPointF at) const {
+    return {static_cast<int>(std::floor(at.x() / zoom())), static_cast<int>(std::floor(at.y() / zoom()))};
+}
+
+bool SkinnedWindow::grab(Control, QPoint, Qt::KeyboardModifiers) {
+    return true;
+}
+
+void SkinnedWindow::drag(Control, QPoint) {}
+
+void SkinnedWindow::letGo(Control) {}
+
+void SkinnedWindow::setValue(Control, double) {}
+
+void SkinnedWindow::mousePressEvent(QMouseEvent *event) {
+    if (!isActiveWindow())
+        activateWindow(); // where there is no window manager to do it
+    if (event->button() != Qt::LeftButton)
+        return;
+    const QPoint at = skinPoint(event->position());
+    const Control control = controlAt(at);
+    if (!grab(control, at, event->modifiers()))
+        return;
+    m_grabbed = control;
+    m_pointerOnGrabbed = true;
+    if (control == background)
+        beginDrag(event->globalPosition().toPoint());
+    refresh();
+}
+
+void SkinnedWindow::cancelGrab() {
+    const Control held = std::exchange(m_grabbed, background);
+    m_pointerOnGrabbed = false;
+    endDrag();
+    if (held != background)
+        cancel(held);
+    refresh();
+}
+
+void SkinnedWindow::mouseMoveEvent(QMouseEvent *event) {
+    // A menu, a dialog or a window made anew may have taken the release.
+    if (!event->buttons().testFlag(Qt::LeftButton) && (m_dragStart || m_grabbed != background))
+        cancelGrab();
+    if (m_dragStart) {
+        dragTo(event->globalPosition().toPoint());
+        return;
+    }
+    const QPoint at = skinPoint(event->position());
+    const Control under = controlAt(at);
+    if (m_grabbed == background) {
+        m_pointers.show(pointerNames(under, at));
+        return;
+    }
+    m_pointerOnGrabbed = under == m_grabbed;
+    drag(m_grabbed, at);
+    refresh();
+}
+
+void SkinnedWindow::mouseReleaseEvent(QMouseEvent *event) {
+    if (event->button() != Qt::LeftButton)
+        return;
+    const Control released = std::exchange(m_grabbed, background);
+    const bool clicked = std::exchange(m_pointerOnGrabbed, false);
+    endDrag();
+    if (released != background) {
+        letGo(released);
+        if (clicked)
+            click(released);
+    }
+    refresh();
+}
+
+bool SkinnedWindow::doubleClick(Control control, QPoint at) {
+    if (control != background || !titleBar().contains(at))
+        return false;
+    m_model.windows().setShaded(m_kind, !isShaded());
+    return true;
+}
+
+void SkinnedWindow::mouseDoubleClickEvent(QMouseEvent *event) {
+    const QPoint at = skinPoint(event->position());
+    if (event->button() != Qt::LeftButton || !doubleClick(controlAt(at), at))
+        mousePressEvent(event); // the second click of a fast pair counts like any other
+}
+
+void SkinnedWindow::wheel(double notches, QPoint) {
+    m_model.changeVolume(notches * wheelStep);
+}
+
+void SkinnedWindow::wheelEvent(QWheelEvent *event) {
+    const double notches = event->angleDelta().y() / 120.0; // Qt counts eighths of a degree, 15° a notch
+    if (notches != 0)
+        wheel(notches, skinPoint(event->position()));
+}
+
+void SkinnedWindow::popUpMenu(QPoint, QPoint global) {
+    m_commands.popUpMainMenu(global);
+}
+
+void SkinnedWindow::contextMenuEvent(QContextMenuEvent *event) {
+    cancelGrab();
+    popUpMenu(skinPoint(event->pos()), event->globalPos());
+}
+
+void SkinnedWindow::dragEnterEvent(QDragEnterEvent *event) {
+    if (!event->mimeData()->hasUrls())
+        return;
+    event->setDropAction(Qt::CopyAction); // whatever the keys propose: nothing is moved away from its owner
+    event->accept();
+}
+
+void SkinnedWindow::dropEvent(QDropEvent *event) {
+    event->setDropAction(Qt::CopyAction);
+    event->accept();
+    drop(event->mimeData()->urls(), skinPoint(event->position()), event->modifiers());
+}
+
+void SkinnedWindow::drop(const QList<QUrl> &urls, QPoint, Qt::KeyboardModifiers modifiers) {
+    if (modifiers.testFlag(Qt::ShiftModifier))
+        m_model.enqueue(urls);
+    else
+        m_model.open(urls);
+}
+
+// The window's own place
+
+void SkinnedWindow::beginDrag(QPoint global) {
+    m_dragStart = global - pos();
+}
+
+void SkinnedWindow::dragTo(QPoint global) {
+    move(global - *m_dragStart);
+}
+
+void SkinnedWindow::endDrag() {
+    m_dragStart.reset();
+}
+
+// Keys and life
+
+bool SkinnedWindow::wantsKey(const QKeyEvent &) const {
+    return false;
+}
+
+bool SkinnedWindow::event(QEvent *event) {
+    if (event->type() == QEvent::WindowBlocked)
+        cancelGrab();
+    if (event->type() == QEvent::ShortcutOverride && wantsKey(*static_cast<QKeyEvent *>(event))) {
+        event->accept();
+        return true;
+    }
+    return QWidget::event(event);
+}
+
+void SkinnedWindow::changeEvent(QEvent *event) {
+    if (event->type() == QEvent::WindowStateChange)
+        m_model.clock().setWatched(this, isVisible() && !isMinimized());
+    if (event->type() == QEvent::ActivationChange || event->type() == QEvent::WindowStateChange)
+        refresh();
+    QWidget::changeEvent(event);
+}
+
+void SkinnedWindow::showEvent(QShowEvent *event) {
+    QWidget::showEvent(event);
+    m_model.clock().setWatched(this, !isMinimized());
+    refresh();
+}
+
+void SkinnedWindow::hideEvent(QHideEvent *event) {
+    QWidget::hideEvent(event);
+    m_model.clock().setWatched(this, false);
+    cancelGrab();
+}
+
+void SkinnedWindow::leaveEvent(QEvent *event) {
+    QWidget::leaveEvent(event);
+    m_pointers.rest();
+}
+
+void SkinnedWindow::closeEvent(QCloseEvent *event) {
+    QWidget::closeEvent(event);
+    if (m_kind == WindowKind::main)
+        QApplication::quit();
+    else
+        m_model.windows().setOpen(m_kind, false);
+}
+
+} // namespace vantor

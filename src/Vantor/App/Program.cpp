@@ -8,6 +8,7 @@
 #include "Vantor/App/TimedRun.h"
 #include "Vantor/Model/PlayerModel.h"
 #include "Vantor/Windows/MainWindow.h"
+#include "Vantor/Windows/SkinAccessibility.h"
 
 #include <QApplication>
 #include <QFileInfo>
@@ -132,6 +133,7 @@ int runProgram(int argc, char **argv) {
     if (!options.seconds)
         savedQueue.emplace(player);
     Commands commands(model);
+    installSkinAccessibility();
     MainWindow window(model, commands);
     std::optional<TimedRun> timedRun;
     if (options.seconds)

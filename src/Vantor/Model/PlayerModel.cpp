@@ -337,11 +337,20 @@ void PlayerModel::toggleRepeat() {
     Q_EMIT sceneChanged();
 }
 
-void PlayerModel::changeVolume(double by) {
-    const double volume = std::clamp(m_player.volume() + by, 0.0, 1.0);
+void PlayerModel::setVolume(double volume) {
     m_player.setVolume(static_cast<float>(volume));
-    store("volume", volume);
-    showNotice(MarqueeText::volume(volume));
+    store("volume", static_cast<double>(m_player.volume()));
+    showNotice(MarqueeText::volume(m_player.volume()));
+}
+
+void PlayerModel::setBalance(double balance) {
+    m_player.setBalance(static_cast<float>(balance));
+    store("balance", static_cast<double>(m_player.balance()));
+    showNotice(MarqueeText::balance(m_player.balance()));
+}
+
+void PlayerModel::changeVolume(double by) {
+    setVolume(std::clamp(m_player.volume() + by, 0.0, 1.0));
 }
 
 void PlayerModel::seekBy(double seconds) {

@@ -66,6 +66,8 @@ class PlayerModel : public QObject {
     void cycleVisualizer();
     void toggleShuffle();
     void toggleRepeat();
+    void setVolume(double volume);   ///< 0…1
+    void setBalance(double balance); ///< −1…1, without snapping to the centre
     void changeVolume(double by);
     void seekBy(double seconds);
     void showNotice(const QString &text);

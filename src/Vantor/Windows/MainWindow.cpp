@@ -1,10 +1,14 @@
 #include "Vantor/Windows/MainWindow.h"
 
+#include "MusicBackendKit/MarqueeText.h"
 #include "SkinKit/Layout/MainSliders.h"
 #include "SkinKit/Layout/MainWindowLayout.h"
 #include "SkinKit/Rendering/MainWindowRenderer.h"
 
 #include <QHash>
+
+#include <array>
+#include <cmath>
 
 namespace vantor {
 
@@ -24,6 +28,58 @@ const MainSliders::Slider &sliderOf(MainWindowControl control, bool shaded) {
         return shaded ? MainSliders::Slider::shadePosition : MainSliders::Slider::position;
     return control == MainWindowControl::volume ? MainSliders::Slider::volume : MainSliders::Slider::balance;
 }
+
+std::optional<Commands::Id> commandOf(MainWindowControl control) {
+    using Id = Commands::Id;
+    static const QHash<MainWindowControl, Id> ids{
+        {MainWindowControl::minimize, Id::minimize},
+        {MainWindowControl::shade, Id::shade},
+        {MainWindowControl::close, Id::quit},
+        {MainWindowControl::clutterAlwaysOnTop, Id::alwaysOnTop},
+        {MainWindowControl::clutterFileInfo, Id::fileInfo},
+        {MainWindowControl::clutterDoubleSize, Id::doubleSize},
+        {MainWindowControl::previous, Id::previous},
+        {MainWindowControl::play, Id::play},
+        {MainWindowControl::pause, Id::pause},
+        {MainWindowControl::stop, Id::stop},
+        {MainWindowControl::next, Id::next},
+        {MainWindowControl::eject, Id::openFiles},
+        {MainWindowControl::shuffle, Id::shuffle},
+        {MainWindowControl::repeat, Id::repeat},
+        {MainWindowControl::equalizer, Id::equalizer},
+        {MainWindowControl::playlist, Id::playlist},
+        {MainWindowControl::time, Id::toggleTime},
+    };
+    const auto found = ids.constFind(control);
+    return found == ids.cend() ? std::nullopt : std::optional(*found);
+}
+
+// As Tab goes over them.
+constexpr std::array inOrder{MainWindowControl::options,
+                             MainWindowControl::minimize,
+                             MainWindowControl::shade,
+                             MainWindowControl::close,
+                             MainWindowControl::clutterMainMenu,
+                             MainWindowControl::clutterAlwaysOnTop,
+                             MainWindowControl::clutterFileInfo,
+                             MainWindowControl::clutterDoubleSize,
+                             MainWindowControl::clutterVisualizer,
+                             MainWindowControl::time,
+                             MainWindowControl::visualizer,
+                             MainWindowControl::marquee,
+                             MainWindowControl::volume,
+                             MainWindowControl::balance,
+                             MainWindowControl::equalizer,
+                             MainWindowControl::playlist,
+                             MainWindowControl::position,
+                             MainWindowControl::previous,
+                             MainWindowControl::play,
+                             MainWindowControl::pause,
+                             MainWindowControl::stop,
+                             MainWindowControl::next,
+                             MainWindowControl::eject,
+                             MainWindowControl::shuffle,
+                             MainWindowControl::repeat};
 
 } // namespace
 
@@ -59,6 +115,82 @@ QRegion MainWindow::composeScene() {
 
 void MainWindow::draw(QPainter &painter, int zoom) const {
     MainWindowRenderer::draw(painter, model().skin(), m_scene, zoom);
+}
+
+// Controls without a pointer
+
+std::vector<SkinControl> MainWindow::controls() const {
+    std::vector<SkinControl> all;
+    for (const MainWindowControl control : inOrder) {
+        const QRect rect = mainWindowControlRect(control, isShaded());
+        if (rect.isNull() || (control == MainWindowControl::position && !m_scene.position))
+            continue;
+        SkinControl &known = all.emplace_back();
+        known.id = static_cast<Control>(control);
+        known.rect = rect;
+        describe(known, control);
+    }
+    return all;
+}
+
+void MainWindow::describe(SkinControl &known, MainWindowControl control) const {
+    const auto slide = [&](const QString &name, double value, double from, double to, double step) {
+        known = {known.id, SkinControl::Kind::slider, name, known.rect, false, value, from, to, step, {}};
+    };
+    switch (control) {
+    case MainWindowControl::volume:
+        slide(tr("Volume"), std::round(m_scene.volume * 100), 0, 100, 2);
+        known.text = MarqueeText::volume(m_scene.volume);
+        break;
+    case MainWindowControl::balance:
+        slide(tr("Balance"), std::round(m_scene.balance * 100), -100, 100, 5);
+        known.text = MarqueeText::balance(m_scene.balance);
+        break;
+    case MainWindowControl::position:
+        slide(tr("Position"), std::floor(m_scene.status.elapsed), 0, m_scene.status.duration, 5);
+        known.text = MarqueeText::time(m_scene.status.elapsed);
+        break;
+    case MainWindowControl::marquee:
+        known.kind = SkinControl::Kind::text;
+        known.name = m_scene.marquee;
+        break;
+    case MainWindowControl::options:
+        known.name = tr("Main Menu");
+        break;
+    case MainWindowControl::clutterMainMenu:
+        known.name = tr("Options Menu");
+        break;
+    case MainWindowControl::clutterVisualizer:
+        known.name = tr("Visualiser Menu");
+        break;
+    case MainWindowControl::visualizer:
+        known.name = tr("Next Visualisation");
+        break;
+    default:
+        if (const std::optional<Commands::Id> command = commandOf(control)) {
+            const QAction &action = commands().action(*command);
+            known.name = action.text();
+            known.kind = action.isCheckable() ? SkinControl::Kind::toggle : SkinControl::Kind::button;
+            known.checked = action.isChecked();
+        }
+        break;
+    }
+}
+
+void MainWindow::setValue(Control slider, double value) {
+    switch (mainControl(slider)) {
+    case MainWindowControl::volume:
+        model().setVolume(value / 100);
+        break;
+    case MainWindowControl::balance:
+        model().setBalance(value / 100);
+        break;
+    case MainWindowControl::position:
+        model().player().seek(value);
+        break;
+    default:
+        break;
+    }
 }
 
 // The pointer
@@ -135,29 +267,9 @@ void MainWindow::cancel(Control control) {
 }
 
 void MainWindow::click(Control control) {
-    using Id = Commands::Id;
-    static const QHash<MainWindowControl, Id> ids{
-        {MainWindowControl::minimize, Id::minimize},
-        {MainWindowControl::shade, Id::shade},
-        {MainWindowControl::close, Id::quit},
-        {MainWindowControl::clutterAlwaysOnTop, Id::alwaysOnTop},
-        {MainWindowControl::clutterFileInfo, Id::fileInfo},
-        {MainWindowControl::clutterDoubleSize, Id::doubleSize},
-        {MainWindowControl::previous, Id::previous},
-        {MainWindowControl::play, Id::play},
-        {MainWindowControl::pause, Id::pause},
-        {MainWindowControl::stop, Id::stop},
-        {MainWindowControl::next, Id::next},
-        {MainWindowControl::eject, Id::openFiles},
-        {MainWindowControl::shuffle, Id::shuffle},
-        {MainWindowControl::repeat, Id::repeat},
-        {MainWindowControl::equalizer, Id::equalizer},
-        {MainWindowControl::playlist, Id::playlist},
-        {MainWindowControl::time, Id::toggleTime},
-    };
     constexpr int menuX = 6; // under the options button
     const MainWindowControl clicked = mainControl(control);
-    if (const auto command = ids.constFind(clicked); command != ids.cend())
+    if (const std::optional<Commands::Id> command = commandOf(clicked))
         commands().trigger(*command);
     else if (clicked == MainWindowControl::options)
         commands().popUpMainMenu(globalPoint({menuX, MainWindowLayout::titleBar.bottom() + 1}));

@@ -13,6 +13,8 @@ class MainWindow : public SkinnedWindow {
   public:
     MainWindow(PlayerModel &model, Commands &commands);
 
+    [[nodiscard]] std::vector<SkinControl> controls() const override;
+
   protected:
     [[nodiscard]] QSize skinSize() const override;
     [[nodiscard]] QRegion outline(int zoom) const override;
@@ -25,9 +27,11 @@ class MainWindow : public SkinnedWindow {
     void letGo(Control control) override;
     void cancel(Control control) override;
     void click(Control control) override;
+    void setValue(Control slider, double value) override;
 
   private:
     void dragSlider(MainWindowControl slider, QPoint at);
+    void describe(SkinControl &known, MainWindowControl control) const;
 
     MainWindowScene m_scene; ///< as last painted or about to be
     int m_lastMarqueeX = 0;

@@ -23,6 +23,8 @@ struct SkinControl {
     double step = 0.05;
 
     QString text; ///< what a text shows, or a slider's value in words ("−3.5 dB")
+
+    bool operator==(const SkinControl &) const = default;
 };
 
 } // namespace vantor

@@ -44,6 +44,21 @@ class SkinnedWindow : public QWidget, public SkinWindowController {
     /// the window follows by itself.
     void showIfOpen() { setVisible(m_model.windows().isOpen(m_kind)); }
 
+    // The controls as keyboards and assistive tools meet them.
+
+    /// Every control that can be reached now, in the order in which Tab goes over them.
+    [[nodiscard]] virtual std::vector<SkinControl> controls() const = 0;
+    [[nodiscard]] std::optional<SkinControl> control(Control id) const;
+    /// Does what a click on it does.
+    void pressControl(Control id);
+    /// Gives a slider a value, brought into its range.
+    void setControlValue(Control slider, double value);
+    /// The control that Tab has reached; keys go to it first.
+    [[nodiscard]] std::optional<Control> focusedControl() const { return m_focused; }
+    void focusControl(std::optional<Control> id);
+
+    [[nodiscard]] QPoint globalPoint(QPoint at) const { return mapToGlobal(at * zoom()); }
+
     /// The window as it looks now, at one image pixel per window pixel; outside its outline transparent.
     [[nodiscard]] QImage picture();
     /// Writes picture() in the format that the name's ending says, else as PNG.
@@ -87,12 +102,7 @@ class SkinnedWindow : public QWidget, public SkinWindowController {
     /// True: the key goes to keyPressEvent() even if a command has it as its shortcut.
     [[nodiscard]] virtual bool wantsKey(const QKeyEvent &event) const;
 
-    // Keyboards and assistive tools
-
-    /// Every control that can be reached now, in the order in which Tab goes over them. Pressing one by other
-    /// means than the pointer calls click().
-    [[nodiscard]] virtual std::vector<SkinControl> controls() const { return {}; }
-    /// Gives a slider a value within its range.
+    /// A slider is given a value within its range by other means than the pointer.
     virtual void setValue(Control slider, double value);
 
     // For subclasses
@@ -104,7 +114,6 @@ class SkinnedWindow : public QWidget, public SkinWindowController {
     /// Whether the pointer is still on what it grabbed: a button acts only if it is let go there.
     [[nodiscard]] bool isPointerOnGrabbed() const { return m_pointerOnGrabbed; }
     [[nodiscard]] QPoint skinPoint(QPointF at) const;
-    [[nodiscard]] QPoint globalPoint(QPoint at) const { return mapToGlobal(at * zoom()); }
     /// Lets go of whatever the pointer holds without acting on it.
     void cancelGrab();
     /// The control that the pointer holds does not follow it any more, and no function is called for that.
@@ -128,11 +137,17 @@ class SkinnedWindow : public QWidget, public SkinWindowController {
     void hideEvent(QHideEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
     void leaveEvent(QEvent *event) override;
+    /// Serves the control that Tab has reached; call it for keys that mean nothing to the subclass.
+    void keyPressEvent(QKeyEvent *event) override;
+    bool focusNextPrevChild(bool next) override;
     bool event(QEvent *event) override;
 
   private:
     void takeWindowState();
     void stayOnTopIfAsked();
+    void drawFocus(QPainter &painter) const;
+    [[nodiscard]] bool isForFocus(const QKeyEvent &event) const;
+    void tellAssistiveTools();
 
     // What drags the window itself.
     void beginDrag(QPoint global);
@@ -145,6 +160,8 @@ class SkinnedWindow : public QWidget, public SkinWindowController {
     SkinPointers m_pointers;
     Control m_grabbed = background;
     bool m_pointerOnGrabbed = false;
+    std::optional<Control> m_focused;
+    std::vector<SkinControl> m_told;   ///< what assistive tools know
     std::optional<QPoint> m_dragStart; ///< from the window's corner to the pointer, while it is dragged
 };
 

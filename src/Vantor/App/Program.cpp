@@ -6,8 +6,9 @@
 #include "Platform/AppPaths.h"
 #include "Vantor/App/LaunchOptions.h"
 #include "Vantor/App/TimedRun.h"
-#include "Vantor/Model/PlayerModel.h"
+#include "Vantor/Model/PlaylistModel.h"
 #include "Vantor/Windows/MainWindow.h"
+#include "Vantor/Windows/PlaylistWindow.h"
 #include "Vantor/Windows/SkinAccessibility.h"
 
 #include <QApplication>
@@ -135,10 +136,13 @@ int runProgram(int argc, char **argv) {
     Commands commands(model);
     installSkinAccessibility();
     MainWindow window(model, commands);
+    PlaylistModel playlist(model, settings);
+    PlaylistWindow playlistWindow(playlist, model, commands);
     std::optional<TimedRun> timedRun;
     if (options.seconds)
         timedRun.emplace(model, window, *options.seconds, options.screenshot.value_or(QString()));
     window.showIfOpen();
+    playlistWindow.showIfOpen();
     const bool withDemo = !savedQueue || !savedQueue->hasTracks();
     QMetaObject::invokeMethod(
         &model,

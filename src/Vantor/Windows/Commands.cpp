@@ -3,6 +3,7 @@
 #include "LocalPlayback/Loading/TrackLoader.h"
 #include "LocalPlayback/Playlists/PlaylistFile.h"
 #include "Vantor/Windows/FileInfoDialog.h"
+#include "Vantor/Windows/JumpToFileDialog.h"
 #include "Vantor/Windows/SkinnedWindow.h"
 
 #include <QActionGroup>
@@ -95,6 +96,7 @@ void Commands::addPlayback() {
 void Commands::addOptions() {
     add(Id::openFiles, tr("Open Files…"), {Qt::Key_L}, [this] { openFiles(); });
     add(Id::openFolder, tr("Open Folder…"), {Qt::SHIFT | Qt::Key_L}, [this] { openFolder(); });
+    add(Id::jumpToFile, tr("Jump to File…"), {Qt::Key_J}, [this] { jumpToFile(); });
     add(Id::loadSkin, tr("Load Skin…"), {Qt::ALT | Qt::Key_S}, [this] { loadSkin(); });
     add(Id::defaultSkin, tr("Default Skin"), {}, [this] { m_model.wearDefaultSkin(); });
     add(Id::timeElapsed, tr("Time Elapsed"), {}, [this] { m_model.setTimeMode(TimeMode::elapsed); });
@@ -186,7 +188,7 @@ void Commands::fillMainMenu(QMenu &menu) {
     playback->addSeparator();
     addAll(*playback, {Id::seekBack, Id::seekForward, Id::volumeUp, Id::volumeDown});
     playback->addSeparator();
-    addAll(*playback, {Id::shuffle, Id::repeat});
+    addAll(*playback, {Id::jumpToFile, Id::shuffle, Id::repeat});
     QMenu *skins = menu.addMenu(tr("Skins"));
     addAll(*skins, {Id::loadSkin, Id::defaultSkin});
     fillVisualizerMenu(*menu.addMenu(tr("Visualizer")));
@@ -216,6 +218,10 @@ void Commands::openFolder() {
     connect(dialog, &QFileDialog::fileSelected, this,
             [this, dialog] { m_model.open(dialog->selectedUrls()); });
     openDialog(*dialog);
+}
+
+void Commands::jumpToFile() {
+    (new JumpToFileDialog(m_model, window()))->open();
 }
 
 void Commands::loadSkin() {

@@ -29,6 +29,7 @@ class Commands : public QObject {
         next,
         openFiles,
         openFolder,
+        jumpToFile,
         volumeUp,
         volumeDown,
         seekBack,
@@ -82,6 +83,7 @@ class Commands : public QObject {
     void toggleWindow(WindowKind kind, const QString &missing);
     void openFiles();
     void openFolder();
+    void jumpToFile();
     void loadSkin();
     void showFileInfo();
     void showAbout();

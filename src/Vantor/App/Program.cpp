@@ -8,9 +8,11 @@
 #include "Vantor/App/LaunchOptions.h"
 #include "Vantor/App/TimedRun.h"
 #include "Vantor/Model/PlayerModel.h"
+#include "Vantor/Model/PlaylistModel.h"
 #include "Vantor/Mpris/MprisService.h"
 #include "Vantor/Windows/EqualizerWindow.h"
 #include "Vantor/Windows/MainWindow.h"
+#include "Vantor/Windows/PlaylistWindow.h"
 #include "Vantor/Windows/SkinAccessibility.h"
 
 #include <QApplication>
@@ -158,11 +160,14 @@ int runProgram(int argc, char **argv) {
     installSkinAccessibility();
     MainWindow window(model, commands);
     EqualizerWindow equalizerWindow(model, equalizer, commands);
+    PlaylistModel playlist(model, settings);
+    PlaylistWindow playlistWindow(playlist, model, commands);
     std::optional<TimedRun> timedRun;
     if (options.seconds)
         timedRun.emplace(model, window, *options.seconds, options.screenshot.value_or(QString()));
     window.showIfOpen();
     equalizerWindow.showIfOpen();
+    playlistWindow.showIfOpen();
     std::optional<DesktopPresence> presence; // from when the window is there
     const bool withDemo = !savedQueue || !savedQueue->hasTracks();
     QMetaObject::invokeMethod(

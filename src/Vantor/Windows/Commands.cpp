@@ -1,6 +1,7 @@
 #include "Vantor/Windows/Commands.h"
 
 #include "Vantor/Windows/FileInfoDialog.h"
+#include "Vantor/Windows/JumpToFileDialog.h"
 #include "Vantor/Windows/MainMenu.h"
 #include "Vantor/Windows/OpenDialogs.h"
 #include "Vantor/Windows/SkinnedWindow.h"
@@ -102,6 +103,8 @@ void Commands::addOpening() {
         [this] { OpenDialogs::openFolder(m_model, window()); });
     add(Id::openAddress, tr("Open Address…"), {Qt::CTRL | Qt::Key_L},
         [this] { OpenDialogs::openAddress(m_model, window()); });
+    add(Id::jumpToFile, tr("Jump to File…"), {Qt::Key_J},
+        [this] { (new JumpToFileDialog(m_model, window()))->open(); });
     add(Id::fileInfo, tr("File Info…"), {Qt::ALT | Qt::Key_3}, [this] { showFileInfo(); });
     add(Id::loadSkin, tr("Load Skin…"), {Qt::ALT | Qt::Key_S},
         [this] { OpenDialogs::loadSkin(m_model, window(), m_model.skins().folder()); });

@@ -30,6 +30,7 @@ class Commands : public QObject {
         openFiles,
         openFolder,
         openAddress,
+        jumpToFile,
         volumeUp,
         volumeDown,
         seekBack,

@@ -5,7 +5,9 @@
 #include "LocalPlayback/Queue/QueueAutosaver.h"
 #include "Platform/AppPaths.h"
 #include "Vantor/App/LaunchOptions.h"
+#include "Vantor/App/SingleInstance.h"
 #include "Vantor/App/TimedRun.h"
+#include "Vantor/Docking/WindowDockingCoordinator.h"
 #include "Vantor/Model/PlayerModel.h"
 #include "Vantor/Windows/MainWindow.h"
 #include "Vantor/Windows/SkinAccessibility.h"
@@ -83,15 +85,59 @@ class SavedQueue {
     bool m_hasTracks = false;
 };
 
-// The skin asked for, else the one worn last; and the files asked for, else the demo track if there is no
-// saved queue that could be played.
-void openWhatWasAskedFor(PlayerModel &model, const LaunchOptions &options, bool withDemo) {
-    const QUrl skin = options.skin.value_or(model.skins().lastWorn());
-    if (!skin.isEmpty())
-        model.wear(skin);
+void carryOut(LaunchCommand command, Player &player) {
+    switch (command) {
+    case LaunchCommand::play:
+        player.play();
+        break;
+    case LaunchCommand::pause:
+        player.pause();
+        break;
+    case LaunchCommand::toggle:
+        player.togglePlayPause();
+        break;
+    case LaunchCommand::stop:
+        player.stop();
+        break;
+    case LaunchCommand::next:
+        player.next();
+        break;
+    case LaunchCommand::previous:
+        player.previous();
+        break;
+    case LaunchCommand::enqueue:
+        break; // only says how the files are meant
+    }
+}
 
-    if (!options.files.isEmpty())
+void carryOut(const LaunchOptions &options, PlayerModel &model) {
+    if (options.skin)
+        model.wear(*options.skin);
+    if (options.command == LaunchCommand::enqueue)
+        model.enqueue(options.files);
+    else if (!options.files.isEmpty())
         model.open(options.files);
+    else if (options.command)
+        carryOut(*options.command, model.player());
+}
+
+// Of a later start; one that asks for nothing only wants to see the player.
+void takeRequest(const LaunchOptions &options, PlayerModel &model, MainWindow &window) {
+    carryOut(options, model);
+    if (options != LaunchOptions())
+        return;
+    model.windows().setOpen(WindowKind::main, true);
+    window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
+    window.raise();
+    window.activateWindow();
+}
+
+// What was asked for; without a skin the one worn last, and without files the demo track if there is no saved
+// queue that could be played.
+void begin(const LaunchOptions &options, PlayerModel &model, bool withDemo) {
+    if (const QUrl lastSkin = model.skins().lastWorn(); !options.skin && !lastSkin.isEmpty())
+        model.wear(lastSkin);
+    carryOut(options, model);
     const bool nothingToPlay = !model.isImporting() && model.player().queue().count() == 0;
     if (nothingToPlay && withDemo && demoTrack().isValid())
         model.open({demoTrack()});
@@ -122,6 +168,15 @@ int runProgram(int argc, char **argv) {
     QApplication application(qtArgc, argv);
     setUpApplication();
 
+    SingleInstance instance(SingleInstance::defaultPath());
+    if (!options.isOnItsOwn()) {
+        const SingleInstance::Outcome outcome = instance.claim(options);
+        if (outcome == SingleInstance::Outcome::handedOver)
+            return 0;
+        if (outcome == SingleInstance::Outcome::unanswered)
+            return print({QStringLiteral("Vantor runs already, but does not answer"), 1});
+    }
+
     QSettings settings(QLatin1String(AppPaths::bundleIdentifier), QStringLiteral("vantor"));
     Player player(std::make_unique<FileTrackResolver>(), makeSystemAudioOutput);
     PlayerModel model(player, settings);
@@ -134,12 +189,22 @@ int runProgram(int argc, char **argv) {
     std::optional<TimedRun> timedRun;
     if (options.seconds)
         timedRun.emplace(model, window, *options.seconds, options.screenshot.value_or(QString()));
+    WindowDockingCoordinator docking(settings);
+    if (!options.seconds) {
+        window.dock(docking);
+        model.windows().setTransition([&](const auto &change) { docking.resize(window, change); });
+        docking.restoreOrDefaultLayout();
+    }
     window.showIfOpen();
+    if (!options.seconds)
+        docking.ensureOnScreen();
+    QObject::connect(&instance, &SingleInstance::requested, &model,
+                     [&](const LaunchOptions &request) { takeRequest(request, model, window); });
     const bool withDemo = !savedQueue || !savedQueue->hasTracks();
     QMetaObject::invokeMethod(
         &model,
         [&] {
-            openWhatWasAskedFor(model, options, withDemo);
+            begin(options, model, withDemo);
             if (timedRun)
                 timedRun->begin();
         },

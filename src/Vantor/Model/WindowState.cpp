@@ -43,7 +43,7 @@ void WindowState::setOpen(WindowKind kind, bool open) {
         m_settings.setValue(keyOf(kind, "open"), open);
     if (std::ranges::none_of(m_windows, &Window::open))
         of(WindowKind::main).open = true; // or there would be no way back
-    Q_EMIT changed();
+    tell();
 }
 
 void WindowState::setShaded(WindowKind kind, bool shaded) {
@@ -58,12 +58,19 @@ void WindowState::setAlwaysOnTop(bool onTop) {
     set(m_alwaysOnTop, onTop, QLatin1String(alwaysOnTopKey));
 }
 
+void WindowState::tell() {
+    if (m_transition)
+        m_transition([this] { Q_EMIT changed(); });
+    else
+        Q_EMIT changed();
+}
+
 void WindowState::set(bool &state, bool value, const QString &key) {
     if (state == value)
         return;
     state = value;
     m_settings.setValue(key, value);
-    Q_EMIT changed();
+    tell();
 }
 
 } // namespace vantor

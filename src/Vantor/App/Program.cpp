@@ -9,8 +9,10 @@
 #include "Vantor/App/TimedRun.h"
 #include "Vantor/Docking/WindowDockingCoordinator.h"
 #include "Vantor/Model/PlayerModel.h"
+#include "Vantor/Model/ResumePoint.h"
 #include "Vantor/Windows/MainWindow.h"
 #include "Vantor/Windows/SkinAccessibility.h"
+#include "Vantor/Windows/WelcomeDialog.h"
 
 #include <QApplication>
 #include <QIcon>
@@ -132,6 +134,19 @@ void takeRequest(const LaunchOptions &options, PlayerModel &model, MainWindow &w
     window.activateWindow();
 }
 
+// Once, and where somebody can see it.
+void welcome(PlayerModel &model, MainWindow &window) {
+    if (model.preferences().wasWelcomed() || QGuiApplication::platformName() == QLatin1String("offscreen"))
+        return;
+    model.preferences().setWelcomed();
+    auto *const dialog = new WelcomeDialog(model, &window);
+    // Beside the player, which is what there is to see.
+    dialog->adjustSize();
+    dialog->move(window.frameGeometry().bottomLeft() +
+                 QPoint((window.width() - dialog->width()) / 2, dialog->fontMetrics().height() * 3));
+    dialog->show();
+}
+
 // What was asked for; without a skin the one worn last, and without files the demo track if there is no saved
 // queue that could be played.
 void begin(const LaunchOptions &options, PlayerModel &model, bool withDemo) {
@@ -204,12 +219,19 @@ int runProgram(int argc, char **argv) {
     QMetaObject::invokeMethod(
         &model,
         [&] {
+            if (savedQueue && model.preferences().resumesOnStart() && options.files.isEmpty() &&
+                !options.command)
+                ResumePoint::resume(settings, player);
             begin(options, model, withDemo);
+            if (!options.isOnItsOwn())
+                welcome(model, window);
             if (timedRun)
                 timedRun->begin();
         },
         Qt::QueuedConnection);
     const int status = QApplication::exec();
+    if (savedQueue)
+        ResumePoint::save(settings, player);
     if (!timedRun && options.screenshot && !window.savePicture(*options.screenshot))
         return print({QStringLiteral("Could not write ") + *options.screenshot, 1});
     return status;

@@ -2,6 +2,7 @@
 
 #include "MusicBackendKit/MarqueeText.h"
 #include "SkinKit/Layout/MainSliders.h"
+#include "Vantor/Model/StoredValue.h"
 
 #include <QLoggingCategory>
 #include <QSettings>
@@ -39,7 +40,8 @@ MainWindowStatus::Transport transportOf(PlaybackState state) {
 
 PlayerModel::PlayerModel(Player &player, QSettings &settings, QObject *parent)
     : QObject(parent), m_player(player), m_settings(settings), m_skin(SkinLoader::defaultSkin()),
-      m_skins(settings), m_windows(settings), m_visualizer(player.analyzer(), settings) {
+      m_preferences(settings), m_skins(settings), m_windows(settings),
+      m_visualizer(player.analyzer(), settings) {
     restoreSettings();
     updateTitle();
     connect(&m_visualizer, &Visualizer::changed, this, &PlayerModel::sceneChanged);
@@ -331,15 +333,14 @@ void PlayerModel::cancelSlider() {
 // Settings
 
 void PlayerModel::restoreSettings() {
-    const auto number = [this](const char *key, double fallback) {
-        const double value = m_settings.value(QLatin1String(key), fallback).toDouble();
-        return std::isfinite(value) ? value : fallback;
+    const auto number = [this](const char *key, double fallback, double minimum) {
+        return StoredValue::number(m_settings, QLatin1String(key), fallback, minimum, 1);
     };
-    m_player.setVolume(static_cast<float>(std::clamp(number("volume", 0.8), 0.0, 1.0)));
-    m_player.setBalance(static_cast<float>(std::clamp(number("balance", 0), -1.0, 1.0)));
-    m_player.setShuffled(m_settings.value(QStringLiteral("shuffle")).toBool());
-    m_player.setRepeatMode(m_settings.value(QStringLiteral("repeat")).toBool() ? RepeatMode::all
-                                                                               : RepeatMode::off);
+    m_player.setVolume(static_cast<float>(number("volume", 0.8, 0)));
+    m_player.setBalance(static_cast<float>(number("balance", 0, -1)));
+    m_player.setShuffled(StoredValue::boolean(m_settings, QStringLiteral("shuffle"), false));
+    const bool repeats = StoredValue::boolean(m_settings, QStringLiteral("repeat"), false);
+    m_player.setRepeatMode(repeats ? RepeatMode::all : RepeatMode::off);
     m_timeMode = timeModeFromRawValue(m_settings.value(QStringLiteral("timeMode")).toString())
                      .value_or(TimeMode::elapsed);
 }

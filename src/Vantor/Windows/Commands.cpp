@@ -3,6 +3,7 @@
 #include "Vantor/Windows/FileInfoDialog.h"
 #include "Vantor/Windows/MainMenu.h"
 #include "Vantor/Windows/OpenDialogs.h"
+#include "Vantor/Windows/PreferencesDialog.h"
 #include "Vantor/Windows/SkinnedWindow.h"
 
 #include <QApplication>
@@ -104,7 +105,7 @@ void Commands::addOpening() {
         [this] { OpenDialogs::openAddress(m_model, window()); });
     add(Id::fileInfo, tr("File Info…"), {Qt::ALT | Qt::Key_3}, [this] { showFileInfo(); });
     add(Id::loadSkin, tr("Load Skin…"), {Qt::ALT | Qt::Key_S},
-        [this] { OpenDialogs::loadSkin(m_model, window(), m_model.skins().folder()); });
+        [this] { OpenDialogs::loadSkin(m_model, window()); });
     addCheck(
         Id::defaultSkin, tr("Default Skin"), {}, [this] { return m_model.skinUrl().isEmpty(); },
         [this] { m_model.wearDefaultSkin(); });
@@ -217,7 +218,13 @@ void Commands::showFileInfo() {
         m_model.showNotice(tr("No file is loaded"));
 }
 
-void Commands::showPreferences() {}
+void Commands::showPreferences() {
+    if (!m_preferences)
+        m_preferences = new PreferencesDialog(m_model, window());
+    m_preferences->show();
+    m_preferences->raise();
+    m_preferences->activateWindow();
+}
 
 void Commands::showAbout() {
     auto *box = new QMessageBox(window());

@@ -13,6 +13,7 @@ class QMenu;
 
 namespace vantor {
 
+class PreferencesDialog;
 class SkinnedWindow;
 
 /// Every command of the program, once: buttons trigger them, menus list them and their shortcuts work in
@@ -97,7 +98,8 @@ class Commands : public QObject {
 
     PlayerModel &m_model;
     std::vector<QPointer<SkinnedWindow>> m_windows;
-    std::map<Id, QAction *> m_actions; ///< owned by this object
+    QPointer<PreferencesDialog> m_preferences; ///< while it is open
+    std::map<Id, QAction *> m_actions;         ///< owned by this object
     std::map<Id, std::function<bool()>> m_checks;
 };
 

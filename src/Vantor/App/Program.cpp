@@ -1,17 +1,18 @@
 #include "Vantor/App/Program.h"
 
+#include "AudioCore/NowPlaying/NowPlayingBridge.h"
 #include "AudioCore/Output/SystemAudioOutput.h"
 #include "AudioCore/Playback/Player.h"
 #include "LocalPlayback/Queue/QueueAutosaver.h"
 #include "Platform/AppPaths.h"
+#include "Vantor/App/CarryOut.h"
 #include "Vantor/App/LaunchOptions.h"
 #include "Vantor/App/SingleInstance.h"
 #include "Vantor/App/TimedRun.h"
-#include "Vantor/Docking/WindowDockingCoordinator.h"
 #include "Vantor/Model/PlayerModel.h"
 #include "Vantor/Model/ResumePoint.h"
-#include "Vantor/Windows/MainWindow.h"
-#include "Vantor/Windows/SkinAccessibility.h"
+#include "Vantor/Mpris/MprisService.h"
+#include "Vantor/Windows/SkinnedWindows.h"
 #include "Vantor/Windows/WelcomeDialog.h"
 
 #include <QApplication>
@@ -87,52 +88,20 @@ class SavedQueue {
     bool m_hasTracks = false;
 };
 
-void carryOut(LaunchCommand command, Player &player) {
-    switch (command) {
-    case LaunchCommand::play:
-        player.play();
-        break;
-    case LaunchCommand::pause:
-        player.pause();
-        break;
-    case LaunchCommand::toggle:
-        player.togglePlayPause();
-        break;
-    case LaunchCommand::stop:
-        player.stop();
-        break;
-    case LaunchCommand::next:
-        player.next();
-        break;
-    case LaunchCommand::previous:
-        player.previous();
-        break;
-    case LaunchCommand::enqueue:
-        break; // only says how the files are meant
+/// What the desktop shows and commands: its media keys and widgets.
+class DesktopPresence {
+  public:
+    DesktopPresence(PlayerModel &model, SkinnedWindows &windows)
+        : m_service(model, {.raise = [&windows] { windows.bringToFront(); }, .quit = &QApplication::quit}),
+          m_bridge(model.player(), model.player(), m_service.center()) {
+        m_bridge.install();
+        m_service.connectToBus();
     }
-}
 
-void carryOut(const LaunchOptions &options, PlayerModel &model) {
-    if (options.skin)
-        model.wear(*options.skin);
-    if (options.command == LaunchCommand::enqueue)
-        model.enqueue(options.files);
-    else if (!options.files.isEmpty())
-        model.open(options.files);
-    else if (options.command)
-        carryOut(*options.command, model.player());
-}
-
-// Of a later start; one that asks for nothing only wants to see the player.
-void takeRequest(const LaunchOptions &options, PlayerModel &model, MainWindow &window) {
-    carryOut(options, model);
-    if (options != LaunchOptions())
-        return;
-    model.windows().setOpen(WindowKind::main, true);
-    window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
-    window.raise();
-    window.activateWindow();
-}
+  private:
+    MprisService m_service;
+    NowPlayingBridge m_bridge;
+};
 
 // Once, and where somebody can see it.
 void welcome(PlayerModel &model, MainWindow &window) {
@@ -198,23 +167,21 @@ int runProgram(int argc, char **argv) {
     std::optional<SavedQueue> savedQueue;
     if (!options.seconds)
         savedQueue.emplace(player);
-    Commands commands(model);
-    installSkinAccessibility();
-    MainWindow window(model, commands);
+    SkinnedWindows windows(model, settings);
     std::optional<TimedRun> timedRun;
-    if (options.seconds)
-        timedRun.emplace(model, window, *options.seconds, options.screenshot.value_or(QString()));
-    WindowDockingCoordinator docking(settings);
-    if (!options.seconds) {
-        window.dock(docking);
-        model.windows().setTransition([&](const auto &change) { docking.resize(window, change); });
-        docking.restoreOrDefaultLayout();
+    if (options.seconds) {
+        timedRun.emplace(model, windows.mainWindow(), *options.seconds,
+                         options.screenshot.value_or(QString()));
+        windows.showUndocked();
+    } else {
+        windows.show();
     }
-    window.showIfOpen();
-    if (!options.seconds)
-        docking.ensureOnScreen();
-    QObject::connect(&instance, &SingleInstance::requested, &model,
-                     [&](const LaunchOptions &request) { takeRequest(request, model, window); });
+    QObject::connect(&instance, &SingleInstance::requested, &model, [&](const LaunchOptions &request) {
+        carryOut(request, model);
+        if (request == LaunchOptions()) // it only wants to see the player
+            windows.bringToFront();
+    });
+    std::optional<DesktopPresence> presence; // from when the window is there
     const bool withDemo = !savedQueue || !savedQueue->hasTracks();
     QMetaObject::invokeMethod(
         &model,
@@ -224,15 +191,17 @@ int runProgram(int argc, char **argv) {
                 ResumePoint::resume(settings, player);
             begin(options, model, withDemo);
             if (!options.isOnItsOwn())
-                welcome(model, window);
+                welcome(model, windows.mainWindow());
             if (timedRun)
                 timedRun->begin();
+            else
+                presence.emplace(model, windows);
         },
         Qt::QueuedConnection);
     const int status = QApplication::exec();
     if (savedQueue)
         ResumePoint::save(settings, player);
-    if (!timedRun && options.screenshot && !window.savePicture(*options.screenshot))
+    if (!timedRun && options.screenshot && !windows.mainWindow().savePicture(*options.screenshot))
         return print({QStringLiteral("Could not write ") + *options.screenshot, 1});
     return status;
 }

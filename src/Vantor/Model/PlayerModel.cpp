@@ -250,6 +250,11 @@ void PlayerModel::showNotice(const QString &text) {
     notify({text, std::nullopt, StatusNotice::Clock::now()});
 }
 
+void PlayerModel::showDragText(const std::optional<QString> &text) {
+    m_marquee.setDragText(text);
+    Q_EMIT sceneChanged();
+}
+
 // Options
 
 void PlayerModel::setTimeMode(TimeMode mode) {
@@ -265,8 +270,12 @@ void PlayerModel::toggleShuffle() {
 }
 
 void PlayerModel::toggleRepeat() {
-    m_player.setRepeatMode(toggled(m_player.repeatMode()));
-    store("repeat", m_player.repeatMode() != RepeatMode::off);
+    setRepeatMode(toggled(m_player.repeatMode()));
+}
+
+void PlayerModel::setRepeatMode(RepeatMode mode) {
+    m_player.setRepeatMode(mode);
+    store("repeat", mode != RepeatMode::off);
     Q_EMIT sceneChanged();
 }
 

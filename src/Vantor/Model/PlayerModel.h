@@ -66,9 +66,12 @@ class PlayerModel : public QObject {
     void toggleRepeat();
     void setVolume(double volume);   ///< 0…1
     void setBalance(double balance); ///< −1…1, without snapping to the centre
+    void setRepeatMode(RepeatMode mode);
     void changeVolume(double by);
     void seekBy(double seconds);
     void showNotice(const QString &text);
+    /// What another window's slider says while it is dragged; none when it is let go.
+    void showDragText(const std::optional<QString> &text);
 
     // Dragging a slider (volume, balance or position): the value follows at once, the position is sought when
     // the slider is let go. `fraction` 0…1 of the slider's way.

@@ -19,7 +19,7 @@ namespace {
 
 constexpr std::chrono::milliseconds displayInterval{16};
 constexpr std::chrono::milliseconds marqueeInterval{33}; // a pixel a step
-constexpr std::chrono::milliseconds blinkInterval{100};
+constexpr std::chrono::milliseconds blinkInterval{250};
 constexpr double blinkHalfPeriod = 0.5; // seconds
 
 MainWindowStatus::Transport transportOf(PlaybackState state) {
@@ -117,7 +117,7 @@ MainWindowScene PlayerModel::scene() const {
 std::optional<std::chrono::milliseconds> PlayerModel::frameInterval() const {
     if (m_visualizer.moves(m_player.state()))
         return displayInterval;
-    if (m_marquee.scrolls(StatusNotice::Clock::now()))
+    if (m_marquee.moves(StatusNotice::Clock::now()))
         return marqueeInterval;
     if (m_player.state() == PlaybackState::paused)
         return blinkInterval;
@@ -125,6 +125,7 @@ std::optional<std::chrono::milliseconds> PlayerModel::frameInterval() const {
 }
 
 void PlayerModel::advance(double elapsed) {
+    m_marquee.setIdle(m_player.state() == PlaybackState::stopped);
     m_marquee.advance(elapsed);
     m_blinkTime = m_player.state() == PlaybackState::paused ? m_blinkTime + elapsed : 0;
     m_visualizer.advance(m_player.state(), elapsed);

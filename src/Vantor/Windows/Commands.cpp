@@ -6,6 +6,7 @@
 #include "Vantor/Windows/PreferencesDialog.h"
 #include "Vantor/Windows/SkinnedWindow.h"
 
+#include <QActionGroup>
 #include <QApplication>
 #include <QMenu>
 #include <QMessageBox>
@@ -62,6 +63,12 @@ void Commands::addCheck(Id id, const QString &text, const QList<QKeySequence> &s
     });
     action(id).setCheckable(true);
     m_checks.emplace(id, isOn);
+}
+
+void Commands::oneOf(std::initializer_list<Id> ids) {
+    auto *group = new QActionGroup(this);
+    for (const Id id : ids)
+        group->addAction(&action(id));
 }
 
 void Commands::updateChecks() {
@@ -126,19 +133,22 @@ void Commands::addVisualisation() {
             id, text, {}, [&visualizer, thin] { return visualizer.hasThinBars() == thin; },
             [&visualizer, thin] { visualizer.setThinBars(thin); });
     };
-    bars(Id::wideBars, tr("Bars"), false);
-    bars(Id::thinBars, tr("Thin Lines"), true);
+    bars(Id::wideBars, tr("Spectrum as Bars"), false);
+    bars(Id::thinBars, tr("Spectrum as Thin Lines"), true);
     addCheck(
-        Id::peaks, tr("Peaks"), {}, [&visualizer] { return visualizer.showsPeaks(); },
+        Id::peaks, tr("Spectrum with Peaks"), {}, [&visualizer] { return visualizer.showsPeaks(); },
         [&visualizer] { visualizer.setShowsPeaks(!visualizer.showsPeaks()); });
     const auto scope = [&](Id id, const QString &text, ScopeStyle style) {
         addCheck(
             id, text, {}, [&visualizer, style] { return visualizer.scopeStyle() == style; },
             [&visualizer, style] { visualizer.setScopeStyle(style); });
     };
-    scope(Id::scopeDots, tr("Dots"), ScopeStyle::dots);
-    scope(Id::scopeLines, tr("Lines"), ScopeStyle::lines);
-    scope(Id::scopeSolid, tr("Solid"), ScopeStyle::solid);
+    scope(Id::scopeDots, tr("Oscilloscope as Dots"), ScopeStyle::dots);
+    scope(Id::scopeLines, tr("Oscilloscope as Lines"), ScopeStyle::lines);
+    scope(Id::scopeSolid, tr("Oscilloscope, Solid"), ScopeStyle::solid);
+    oneOf({Id::spectrum, Id::oscilloscope, Id::visualizerOff});
+    oneOf({Id::wideBars, Id::thinBars});
+    oneOf({Id::scopeDots, Id::scopeLines, Id::scopeSolid});
 }
 
 void Commands::addWindows() {
@@ -150,6 +160,7 @@ void Commands::addWindows() {
     };
     time(Id::timeElapsed, tr("Time Elapsed"), TimeMode::elapsed);
     time(Id::timeRemaining, tr("Time Remaining"), TimeMode::remaining);
+    oneOf({Id::timeElapsed, Id::timeRemaining});
     add(Id::toggleTime, tr("Toggle Time Display"), {Qt::CTRL | Qt::Key_T}, [this] {
         m_model.setTimeMode(m_model.timeMode() == TimeMode::elapsed ? TimeMode::remaining
                                                                     : TimeMode::elapsed);

@@ -84,6 +84,8 @@ class Commands : public QObject {
     /// A command that is on or off.
     void addCheck(Id id, const QString &text, const QList<QKeySequence> &shortcuts,
                   const std::function<bool()> &isOn, const std::function<void()> &run);
+    /// Of these, each of which is on or off, one is on.
+    void oneOf(std::initializer_list<Id> ids);
     void addPlayback();
     void addOpening();
     void addVisualisation();

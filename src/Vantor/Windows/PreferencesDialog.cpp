@@ -71,7 +71,7 @@ PreferencesDialog::PreferencesDialog(PlayerModel &model, QWidget *parent)
     layout->addWidget(m_pages, 0, 1);
     layout->addWidget(buttons, 1, 0, 1, 2);
     layout->setColumnStretch(1, 1);
-    resize(560, 320);
+    resize(540, 300);
 }
 
 void PreferencesDialog::addPage(const QString &title, QWidget *page) {

@@ -1,7 +1,7 @@
 #include "Vantor/App/Program.h"
 
 #include "AudioCore/NowPlaying/NowPlayingBridge.h"
-#include "AudioCore/Output/SystemAudioOutput.h"
+#include "AudioCore/Output/SystemOutputDeviceProvider.h"
 #include "AudioCore/Playback/Player.h"
 #include "LocalPlayback/Queue/QueueAutosaver.h"
 #include "Platform/AppPaths.h"
@@ -162,7 +162,7 @@ int runProgram(int argc, char **argv) {
     }
 
     QSettings settings(QLatin1String(AppPaths::bundleIdentifier), QStringLiteral("vantor"));
-    Player player(std::make_unique<FileTrackResolver>(), makeSystemAudioOutput);
+    Player player(std::make_unique<FileTrackResolver>(), std::make_unique<SystemOutputDeviceProvider>());
     PlayerModel model(player, settings);
     std::optional<SavedQueue> savedQueue;
     if (!options.seconds)

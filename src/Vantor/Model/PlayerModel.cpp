@@ -2,6 +2,7 @@
 
 #include "MusicBackendKit/MarqueeText.h"
 #include "SkinKit/Layout/MainSliders.h"
+#include "Vantor/Model/StoredValue.h"
 
 #include <QLoggingCategory>
 #include <QSettings>
@@ -18,7 +19,7 @@ namespace {
 
 constexpr std::chrono::milliseconds displayInterval{16};
 constexpr std::chrono::milliseconds marqueeInterval{33}; // a pixel a step
-constexpr std::chrono::milliseconds blinkInterval{100};
+constexpr std::chrono::milliseconds blinkInterval{250};
 constexpr double blinkHalfPeriod = 0.5; // seconds
 
 MainWindowStatus::Transport transportOf(PlaybackState state) {
@@ -39,7 +40,8 @@ MainWindowStatus::Transport transportOf(PlaybackState state) {
 
 PlayerModel::PlayerModel(Player &player, QSettings &settings, QObject *parent)
     : QObject(parent), m_player(player), m_settings(settings), m_skin(SkinLoader::defaultSkin()),
-      m_skins(settings), m_windows(settings), m_visualizer(player.analyzer(), settings) {
+      m_preferences(settings), m_skins(settings), m_windows(settings),
+      m_visualizer(player.analyzer(), settings) {
     restoreSettings();
     updateTitle();
     connect(&m_visualizer, &Visualizer::changed, this, &PlayerModel::sceneChanged);
@@ -112,7 +114,7 @@ MainWindowScene PlayerModel::scene() const {
 std::optional<std::chrono::milliseconds> PlayerModel::frameInterval() const {
     if (m_visualizer.moves(m_player.state()))
         return displayInterval;
-    if (m_marquee.scrolls(StatusNotice::Clock::now()))
+    if (m_marquee.moves(StatusNotice::Clock::now()))
         return marqueeInterval;
     if (m_player.state() == PlaybackState::paused)
         return blinkInterval;
@@ -120,6 +122,7 @@ std::optional<std::chrono::milliseconds> PlayerModel::frameInterval() const {
 }
 
 void PlayerModel::advance(double elapsed) {
+    m_marquee.setIdle(m_player.state() == PlaybackState::stopped);
     m_marquee.advance(elapsed);
     m_blinkTime = m_player.state() == PlaybackState::paused ? m_blinkTime + elapsed : 0;
     m_visualizer.advance(m_player.state(), elapsed);
@@ -349,15 +352,14 @@ void PlayerModel::cancelSlider() {
 // Settings
 
 void PlayerModel::restoreSettings() {
-    const auto number = [this](const char *key, double fallback) {
-        const double value = m_settings.value(QLatin1String(key), fallback).toDouble();
-        return std::isfinite(value) ? value : fallback;
+    const auto number = [this](const char *key, double fallback, double minimum) {
+        return StoredValue::number(m_settings, QLatin1String(key), fallback, minimum, 1);
     };
-    m_player.setVolume(static_cast<float>(std::clamp(number("volume", 0.8), 0.0, 1.0)));
-    m_player.setBalance(static_cast<float>(std::clamp(number("balance", 0), -1.0, 1.0)));
-    m_player.setShuffled(m_settings.value(QStringLiteral("shuffle")).toBool());
-    m_player.setRepeatMode(m_settings.value(QStringLiteral("repeat")).toBool() ? RepeatMode::all
-                                                                               : RepeatMode::off);
+    m_player.setVolume(static_cast<float>(number("volume", 0.8, 0)));
+    m_player.setBalance(static_cast<float>(number("balance", 0, -1)));
+    m_player.setShuffled(StoredValue::boolean(m_settings, QStringLiteral("shuffle"), false));
+    const bool repeats = StoredValue::boolean(m_settings, QStringLiteral("repeat"), false);
+    m_player.setRepeatMode(repeats ? RepeatMode::all : RepeatMode::off);
     m_timeMode = timeModeFromRawValue(m_settings.value(QStringLiteral("timeMode")).toString())
                      .value_or(TimeMode::elapsed);
 }

@@ -5,6 +5,7 @@
 #include "SkinKit/Rendering/MainWindowScene.h"
 #include "Vantor/Model/FrameClock.h"
 #include "Vantor/Model/MarqueeLine.h"
+#include "Vantor/Model/Preferences.h"
 #include "Vantor/Model/SkinLoader.h"
 #include "Vantor/Model/SkinShelf.h"
 #include "Vantor/Model/TrackImporter.h"
@@ -37,6 +38,7 @@ class PlayerModel : public QObject {
     /// What the main window shows now, but for what only the window knows (focus and the pressed control).
     [[nodiscard]] MainWindowScene scene() const;
 
+    [[nodiscard]] Preferences &preferences() { return m_preferences; }
     [[nodiscard]] SkinShelf &skins() { return m_skins; }
     [[nodiscard]] WindowState &windows() { return m_windows; }
     [[nodiscard]] const WindowState &windows() const { return m_windows; }
@@ -119,6 +121,7 @@ class PlayerModel : public QObject {
     QUrl m_skinUrl;
     MarqueeLine m_marquee;
 
+    Preferences m_preferences;
     SkinShelf m_skins;
     WindowState m_windows;
     FrameClock m_clock;

@@ -2,6 +2,8 @@
 
 #include <QSettings>
 
+#include <algorithm>
+
 namespace vantor {
 
 namespace {
@@ -34,8 +36,14 @@ WindowState::WindowState(QSettings &settings, QObject *parent) : QObject(parent)
 }
 
 void WindowState::setOpen(WindowKind kind, bool open) {
+    if (of(kind).open == open)
+        return;
+    of(kind).open = open;
     if (kind != WindowKind::main)
-        set(of(kind).open, open, keyOf(kind, "open"));
+        m_settings.setValue(keyOf(kind, "open"), open);
+    if (std::ranges::none_of(m_windows, &Window::open))
+        of(WindowKind::main).open = true; // or there would be no way back
+    Q_EMIT changed();
 }
 
 void WindowState::setShaded(WindowKind kind, bool shaded) {

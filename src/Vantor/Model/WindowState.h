@@ -18,7 +18,7 @@ class WindowState : public QObject {
   public:
     explicit WindowState(QSettings &settings, QObject *parent = nullptr);
 
-    /// The main window always is.
+    /// One of them always is; every run begins with the main window.
     [[nodiscard]] bool isOpen(WindowKind kind) const { return of(kind).open; }
     [[nodiscard]] bool isShaded(WindowKind kind) const { return of(kind).shaded; }
     [[nodiscard]] bool isDoubleSize() const { return m_doubleSize; }

@@ -29,6 +29,7 @@ class Commands : public QObject {
         next,
         openFiles,
         openFolder,
+        openAddress,
         volumeUp,
         volumeDown,
         seekBack,
@@ -43,13 +44,21 @@ class Commands : public QObject {
         spectrum,
         oscilloscope,
         visualizerOff,
+        wideBars,
+        thinBars,
+        peaks,
+        scopeDots,
+        scopeLines,
+        scopeSolid,
         doubleSize,
         shade,
         alwaysOnTop,
         fileInfo,
+        mainWindow,
         equalizer,
         playlist,
         minimize,
+        preferences,
         about,
         quit,
     };
@@ -71,24 +80,25 @@ class Commands : public QObject {
   private:
     void add(Id id, const QString &text, const QList<QKeySequence> &shortcuts,
              const std::function<void()> &run);
+    /// A command that is on or off.
+    void addCheck(Id id, const QString &text, const QList<QKeySequence> &shortcuts,
+                  const std::function<bool()> &isOn, const std::function<void()> &run);
     void addPlayback();
-    void addOptions();
+    void addOpening();
+    void addVisualisation();
     void addWindows();
-    void fillMainMenu(QMenu &menu);
-    void fillVisualizerMenu(QMenu &menu);
     void updateChecks();
     /// The skinned window that the user works in.
     [[nodiscard]] SkinnedWindow *window() const;
-    void toggleWindow(WindowKind kind, const QString &missing);
-    void openFiles();
-    void openFolder();
-    void loadSkin();
+    void toggleWindow(WindowKind kind);
     void showFileInfo();
+    void showPreferences();
     void showAbout();
 
     PlayerModel &m_model;
     std::vector<QPointer<SkinnedWindow>> m_windows;
     std::map<Id, QAction *> m_actions; ///< owned by this object
+    std::map<Id, std::function<bool()>> m_checks;
 };
 
 } // namespace vantor

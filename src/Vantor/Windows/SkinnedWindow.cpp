@@ -103,8 +103,7 @@ void SkinnedWindow::takeShape() {
 void SkinnedWindow::takeWindowState() {
     stayOnTopIfAsked();
     takeShape();
-    if (m_kind != WindowKind::main)
-        showIfOpen();
+    showIfOpen();
 }
 
 void SkinnedWindow::stayOnTopIfAsked() {
@@ -417,17 +416,24 @@ bool SkinnedWindow::event(QEvent *event) {
 }
 
 void SkinnedWindow::changeEvent(QEvent *event) {
-    if (event->type() == QEvent::WindowStateChange)
-        m_model.clock().setWatched(this, isVisible() && !isMinimized());
-    if (event->type() == QEvent::ActivationChange || event->type() == QEvent::WindowStateChange)
+    if (event->type() == QEvent::ActivationChange)
         refresh();
     QWidget::changeEvent(event);
 }
 
 void SkinnedWindow::showEvent(QShowEvent *event) {
     QWidget::showEvent(event);
-    m_model.clock().setWatched(this, !isMinimized());
+    windowHandle()->installEventFilter(this);
     refresh();
+}
+
+// Only the system's window knows that it has gone to another desktop.
+bool SkinnedWindow::eventFilter(QObject *watched, QEvent *event) {
+    if (watched == windowHandle() && event->type() == QEvent::Expose) {
+        m_model.clock().setWatched(this, windowHandle()->isExposed());
+        refresh();
+    }
+    return QWidget::eventFilter(watched, event);
 }
 
 void SkinnedWindow::hideEvent(QHideEvent *event) {

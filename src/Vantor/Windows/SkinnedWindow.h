@@ -140,6 +140,7 @@ class SkinnedWindow : public QWidget, public SkinWindowController {
     /// Serves the control that Tab has reached; call it for keys that mean nothing to the subclass.
     void keyPressEvent(QKeyEvent *event) override;
     bool focusNextPrevChild(bool next) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
     bool event(QEvent *event) override;
 
   private:

@@ -3,9 +3,9 @@
 #include "AudioCore/NowPlaying/NowPlayingBridge.h"
 #include "AudioCore/Output/SystemAudioOutput.h"
 #include "AudioCore/Playback/Player.h"
-#include "LocalPlayback/Queue/QueueAutosaver.h"
 #include "Platform/AppPaths.h"
 #include "Vantor/App/LaunchOptions.h"
+#include "Vantor/App/SavedQueue.h"
 #include "Vantor/App/TimedRun.h"
 #include "Vantor/Model/PlayerModel.h"
 #include "Vantor/Mpris/MprisService.h"
@@ -24,7 +24,6 @@ namespace vantor {
 namespace {
 
 constexpr double headlessSeconds = 10;
-constexpr std::chrono::seconds autosaveDelay{1};
 
 bool hasDisplay() {
     return !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
@@ -58,33 +57,6 @@ QUrl demoTrack() {
     return path.isEmpty() ? QUrl() : QUrl::fromLocalFile(path);
 }
 
-bool isOnlyTheDemo(const std::vector<Track> &tracks) {
-    return tracks.size() == 1 && tracks.front().source == Track::Source(demoTrack());
-}
-
-/// The queue of the last run, kept from now on. A timed run neither takes it nor touches it.
-class SavedQueue {
-  public:
-    explicit SavedQueue(Player &player)
-        : m_store(QueueStore::defaultURL()), m_autosaver(player, m_store, autosaveDelay) {
-        if (const std::optional<QueueSnapshot> saved = m_store.load();
-            saved && !isOnlyTheDemo(saved->items)) {
-            player.restoreQueue(saved->items, saved->currentIndex, saved->repeatMode, saved->isShuffled);
-            m_hasTracks = !saved->items.empty();
-        }
-        m_autosaver.start();
-    }
-    ~SavedQueue() { m_autosaver.flush(); }
-
-    /// There was something of the user's own in it.
-    [[nodiscard]] bool hasTracks() const { return m_hasTracks; }
-
-  private:
-    QueueStore m_store;
-    QueueAutosaver m_autosaver;
-    bool m_hasTracks = false;
-};
-
 /// What the desktop shows and commands: its media keys and widgets.
 class DesktopPresence {
   public:
@@ -107,20 +79,20 @@ class DesktopPresence {
     NowPlayingBridge m_bridge;
 };
 
-// The skin asked for, else the one worn last; and the files asked for, else the demo track if there is no
-// saved queue that could be played.
-void openWhatWasAskedFor(PlayerModel &model, const LaunchOptions &options, const QSettings &settings,
-                         bool withDemo) {
+// The skin asked for, else the one worn last; and the files asked for.
+void openWhatWasAskedFor(PlayerModel &model, const LaunchOptions &options, const QSettings &settings) {
     const QString lastSkin = settings.value(QStringLiteral("skin")).toString();
     if (options.skin)
         model.wear(*options.skin);
     else if (QFileInfo::exists(lastSkin))
         model.wear(QUrl::fromLocalFile(lastSkin));
-
     if (!options.files.isEmpty())
         model.open(options.files);
-    const bool nothingToPlay = !model.isImporting() && model.player().queue().count() == 0;
-    if (nothingToPlay && withDemo && demoTrack().isValid())
+}
+
+void playDemo(PlayerModel &model) {
+    const bool hasSomething = model.isImporting() || model.player().queue().count() > 0;
+    if (!hasSomething && demoTrack().isValid())
         model.open({demoTrack()});
 }
 
@@ -154,22 +126,28 @@ int runProgram(int argc, char **argv) {
     PlayerModel model(player, settings);
     std::optional<SavedQueue> savedQueue;
     if (!options.seconds)
-        savedQueue.emplace(player);
+        savedQueue.emplace(model, demoTrack());
     MainWindow window(model);
     std::optional<TimedRun> timedRun;
     if (options.seconds)
         timedRun.emplace(model, window, *options.seconds, options.screenshot.value_or(QString()));
     std::optional<DesktopPresence> presence; // from when the window is there
     window.show();
-    const bool withDemo = !savedQueue || !savedQueue->hasTracks();
+    if (savedQueue)
+        QObject::connect(&*savedQueue, &SavedQueue::restored, &model, [&](bool hasTracks) {
+            if (!hasTracks && options.files.isEmpty())
+                playDemo(model);
+        });
     QMetaObject::invokeMethod(
         &model,
         [&] {
-            openWhatWasAskedFor(model, options, settings, withDemo);
-            if (timedRun)
+            openWhatWasAskedFor(model, options, settings);
+            if (timedRun) {
+                playDemo(model);
                 timedRun->begin();
-            else
+            } else {
                 presence.emplace(model, window);
+            }
         },
         Qt::QueuedConnection);
     const int status = QApplication::exec();

@@ -219,6 +219,19 @@ void PlayerModel::startImport(const QList<QUrl> &urls, bool replace) {
     }
     if (music.isEmpty())
         return;
+    if (m_holdsImports)
+        m_heldImports.push_back({music, replace});
+    else
+        importMusic(music, replace);
+}
+
+void PlayerModel::releaseImports() {
+    m_holdsImports = false;
+    for (const HeldImport &held : std::exchange(m_heldImports, {}))
+        importMusic(held.music, held.replace);
+}
+
+void PlayerModel::importMusic(const QList<QUrl> &music, bool replace) {
     if (replace)
         m_importer.cancel();
     ++m_pendingImports;

@@ -56,7 +56,10 @@ class PlayerModel : public QObject {
     // adds to the end and plays when nothing else does. Skins among the addresses are worn.
     void open(const QList<QUrl> &urls);
     void enqueue(const QList<QUrl> &urls);
-    [[nodiscard]] bool isImporting() const { return m_pendingImports > 0; }
+    [[nodiscard]] bool isImporting() const { return m_pendingImports > 0 || !m_heldImports.empty(); }
+    /// From here to releaseImports() what is opened and enqueued waits, in its order.
+    void holdImports() { m_holdsImports = true; }
+    void releaseImports();
 
     void setShaded(bool shaded);
     void setDoubleSize(bool doubled);
@@ -92,6 +95,7 @@ class PlayerModel : public QObject {
     void handle(const PlayerEvent &event);
     void handleFailure(const PlaybackFailure &failure);
     void startImport(const QList<QUrl> &urls, bool replace);
+    void importMusic(const QList<QUrl> &music, bool replace);
     void takeTracks(quint64 import, const std::vector<Track> &tracks);
     void finishImport(int added, const std::vector<SkippedFile> &skipped);
     void notify(const StatusNotice &notice);
@@ -122,6 +126,12 @@ class PlayerModel : public QObject {
     VisualizerPicture m_picture;
     QElapsedTimer m_sincePicture; ///< of sound; invalid before the first
     double m_blinkTime = 0;
+    struct HeldImport {
+        QList<QUrl> music;
+        bool replace = false;
+    };
+    bool m_holdsImports = false;
+    std::vector<HeldImport> m_heldImports;
     int m_pendingImports = 0;
     std::optional<quint64> m_replacingImport; ///< its first tracks replace the queue
 };

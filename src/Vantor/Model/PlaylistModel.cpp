@@ -360,7 +360,7 @@ int PlaylistModel::moveSelected(int by) {
 
 void PlaylistModel::sortByTitle() {
     // Where no language is set, names would be compared by their bytes.
-    QCollator collator(QLocale() == QLocale::c() ? QLocale(QLocale::English) : QLocale());
+    QCollator collator(QLocale().language() == QLocale::C ? QLocale(QLocale::English) : QLocale());
     collator.setCaseSensitivity(Qt::CaseInsensitive);
     collator.setNumericMode(true);
     std::vector<QCollatorSortKey> keys;

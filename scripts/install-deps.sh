@@ -18,11 +18,11 @@ build_packages=(
     # A font for dialogs and menus; the window system's plugin comes with Qt's library.
     fonts-dejavu-core
 )
-# The sanitizer run-times, the formatter, an encoder for test files, a display, its mouse and keyboard, a sound server and a message bus.
+# The sanitizer run-times, the formatter, an encoder for test files, a display, its window manager, mouse and keyboard, a sound server and a message bus.
 test_packages=(
     clang-format-19 libclang-rt-19-dev llvm-19
     libgtest-dev libgmock-dev libbenchmark-dev
-    xvfb xauth xdotool x11-utils
+    xvfb xauth xdotool x11-utils x11-xserver-utils openbox
     pulseaudio pulseaudio-utils dbus ffmpeg
 )
 
@@ -30,12 +30,12 @@ name_libraries() {
     cat <<'TEXT'
 apt-get was not found, so nothing is installed. Vantor needs, by whatever names your system has them:
   compiler and tools      Clang 19 with LLD, CMake 3.25, Ninja, pkg-config, ccache (optional)
-  windows, images, HTTP   Qt 6.4 or later (base: Core, Gui, Widgets, Network, Concurrent) and OpenGL headers
+  windows, images, HTTP   Qt 6.4 or later (base: Core, Gui, Widgets, Network, Concurrent, DBus) and OpenGL headers
   ZIP archives            libzip and zlib
   audio decoding          FFmpeg 5.1 or later (libavformat, libavcodec, libavutil, libswresample)
   tags and covers         TagLib
   sound output            the PulseAudio client library (libpulse)
-  tests, benchmarks       GoogleTest with GoogleMock, Google Benchmark, Xvfb, xdotool, PulseAudio, D-Bus, ffmpeg
+  tests, benchmarks       GoogleTest with GoogleMock, Google Benchmark, Xvfb, xprop, xrandr, xdotool, openbox, PulseAudio, D-Bus, ffmpeg
 Going on; CMake tells what it cannot find.
 TEXT
 }

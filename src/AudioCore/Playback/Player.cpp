@@ -14,8 +14,9 @@ QUrl FileTrackResolver::resolve(const Track &track) const {
     return *url;
 }
 
-Player::Player(std::unique_ptr<TrackResolver> resolver, AudioOutputFactory outputs, QObject *parent)
-    : QObject(parent), d(std::make_unique<Private>(*this, std::move(resolver), std::move(outputs))) {}
+Player::Player(std::unique_ptr<TrackResolver> resolver, std::unique_ptr<OutputDeviceProvider> outputDevices,
+               QObject *parent)
+    : QObject(parent), d(std::make_unique<Private>(*this, std::move(resolver), std::move(outputDevices))) {}
 
 Player::~Player() = default;
 

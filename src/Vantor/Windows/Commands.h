@@ -13,6 +13,7 @@ class QMenu;
 
 namespace vantor {
 
+class PreferencesDialog;
 class SkinnedWindow;
 
 /// Every command of the program, once: buttons trigger them, menus list them and their shortcuts work in
@@ -29,6 +30,7 @@ class Commands : public QObject {
         next,
         openFiles,
         openFolder,
+        openAddress,
         jumpToFile,
         volumeUp,
         volumeDown,
@@ -44,13 +46,21 @@ class Commands : public QObject {
         spectrum,
         oscilloscope,
         visualizerOff,
+        wideBars,
+        thinBars,
+        peaks,
+        scopeDots,
+        scopeLines,
+        scopeSolid,
         doubleSize,
         shade,
         alwaysOnTop,
         fileInfo,
+        mainWindow,
         equalizer,
         playlist,
         minimize,
+        preferences,
         about,
         quit,
     };
@@ -72,25 +82,28 @@ class Commands : public QObject {
   private:
     void add(Id id, const QString &text, const QList<QKeySequence> &shortcuts,
              const std::function<void()> &run);
+    /// A command that is on or off.
+    void addCheck(Id id, const QString &text, const QList<QKeySequence> &shortcuts,
+                  const std::function<bool()> &isOn, const std::function<void()> &run);
+    /// Of these, each of which is on or off, one is on.
+    void oneOf(std::initializer_list<Id> ids);
     void addPlayback();
-    void addOptions();
+    void addOpening();
+    void addVisualisation();
     void addWindows();
-    void fillMainMenu(QMenu &menu);
-    void fillVisualizerMenu(QMenu &menu);
     void updateChecks();
     /// The skinned window that the user works in.
     [[nodiscard]] SkinnedWindow *window() const;
-    void toggleWindow(WindowKind kind, const QString &missing);
-    void openFiles();
-    void openFolder();
-    void jumpToFile();
-    void loadSkin();
+    void toggleWindow(WindowKind kind);
     void showFileInfo();
+    void showPreferences();
     void showAbout();
 
     PlayerModel &m_model;
     std::vector<QPointer<SkinnedWindow>> m_windows;
-    std::map<Id, QAction *> m_actions; ///< owned by this object
+    QPointer<PreferencesDialog> m_preferences; ///< while it is open
+    std::map<Id, QAction *> m_actions;         ///< owned by this object
+    std::map<Id, std::function<bool()>> m_checks;
 };
 
 } // namespace vantor

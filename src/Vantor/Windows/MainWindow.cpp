@@ -278,7 +278,7 @@ void MainWindow::click(Control control) {
     else if (clicked == MainWindowControl::clutterVisualizer)
         commands().popUpVisualizerMenu(globalPoint({menuX, MainWindowLayout::clutterBar.bottom() + 1}));
     else if (clicked == MainWindowControl::visualizer)
-        model().cycleVisualizer();
+        model().visualizer().cycleMode();
 }
 
 } // namespace vantor

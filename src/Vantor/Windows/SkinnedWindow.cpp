@@ -1,5 +1,7 @@
 #include "Vantor/Windows/SkinnedWindow.h"
 
+#include "Vantor/Docking/WindowDockingCoordinator.h"
+
 #include <QAccessible>
 #include <QApplication>
 #include <QDragEnterEvent>
@@ -103,8 +105,9 @@ void SkinnedWindow::takeShape() {
 void SkinnedWindow::takeWindowState() {
     stayOnTopIfAsked();
     takeShape();
-    if (m_kind != WindowKind::main)
-        showIfOpen();
+    if (m_model.windows().isOpen(m_kind) && !isVisible())
+        placeBeforeShown();
+    showIfOpen();
 }
 
 void SkinnedWindow::stayOnTopIfAsked() {
@@ -134,7 +137,9 @@ void SkinnedWindow::setValue(Control, double) {}
 
 void SkinnedWindow::mousePressEvent(QMouseEvent *event) {
     if (!isActiveWindow())
-        activateWindow();       // where there is no window manager to do it
+        activateWindow(); // where there is no window manager to do it
+    if (m_docking)
+        m_docking->raiseGroup(*this);
     focusControl(std::nullopt); // the hand has gone back to the mouse
     if (event->button() != Qt::LeftButton)
         return;
@@ -245,16 +250,55 @@ void SkinnedWindow::drop(const QList<QUrl> &urls, QPoint, Qt::KeyboardModifiers 
 
 // The window's own place
 
+void SkinnedWindow::dock(WindowDockingCoordinator &docking) {
+    m_docking = &docking;
+    docking.register_(*this);
+}
+
 void SkinnedWindow::beginDrag(QPoint global) {
     m_dragStart = global - pos();
+    if (m_docking)
+        m_docking->dragBegan(*this);
 }
 
 void SkinnedWindow::dragTo(QPoint global) {
-    move(global - *m_dragStart);
+    const QPoint to = global - *m_dragStart;
+    if (m_docking)
+        m_docking->drag(*this, to);
+    else
+        move(to);
 }
 
 void SkinnedWindow::endDrag() {
-    m_dragStart.reset();
+    if (std::exchange(m_dragStart, std::nullopt) && m_docking)
+        m_docking->dragEnded(*this);
+}
+
+void SkinnedWindow::resizeDocked(const std::function<void()> &change) {
+    if (m_docking)
+        m_docking->resize(*this, change);
+    else
+        change();
+}
+
+// A window that comes back without a place of its own goes under the first one with room under it.
+void SkinnedWindow::placeBeforeShown() {
+    if (!m_docking)
+        return;
+    std::vector<SkinnedWindow *> shown;
+    for (QWidget *const widget : QApplication::topLevelWidgets()) {
+        if (auto *const window = qobject_cast<SkinnedWindow *>(widget); window && window->isVisible())
+            shown.push_back(window);
+    }
+    std::ranges::sort(shown, {}, &SkinnedWindow::m_kind);
+    const auto hasRoomBelow = [&](const SkinnedWindow *above) {
+        const QRect place(above->pos() + QPoint(0, above->height()), size());
+        return std::ranges::none_of(
+            shown, [&](const SkinnedWindow *other) { return other->geometry().intersects(place); });
+    };
+    const auto above = std::ranges::find_if(shown, hasRoomBelow);
+    if (!shown.empty())
+        move(m_docking->showPosition(*this, above == shown.end() ? *shown.back() : **above));
 }
 
 // Controls without a pointer
@@ -417,17 +461,30 @@ bool SkinnedWindow::event(QEvent *event) {
 }
 
 void SkinnedWindow::changeEvent(QEvent *event) {
-    if (event->type() == QEvent::WindowStateChange)
-        m_model.clock().setWatched(this, isVisible() && !isMinimized());
-    if (event->type() == QEvent::ActivationChange || event->type() == QEvent::WindowStateChange)
+    if (event->type() == QEvent::ActivationChange)
         refresh();
+    if (event->type() == QEvent::WindowStateChange && m_docking && m_kind == WindowKind::main) {
+        if (isMinimized())
+            m_docking->skinnedWindowWillMinimize();
+        else
+            m_docking->skinnedWindowDidDeminimize();
+    }
     QWidget::changeEvent(event);
 }
 
 void SkinnedWindow::showEvent(QShowEvent *event) {
     QWidget::showEvent(event);
-    m_model.clock().setWatched(this, !isMinimized());
+    windowHandle()->installEventFilter(this);
     refresh();
+}
+
+// Only the system's window knows that it has gone to another desktop.
+bool SkinnedWindow::eventFilter(QObject *watched, QEvent *event) {
+    if (watched == windowHandle() && event->type() == QEvent::Expose) {
+        m_model.clock().setWatched(this, windowHandle()->isExposed());
+        refresh();
+    }
+    return QWidget::eventFilter(watched, event);
 }
 
 void SkinnedWindow::hideEvent(QHideEvent *event) {

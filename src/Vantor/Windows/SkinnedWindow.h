@@ -13,6 +13,8 @@
 
 namespace vantor {
 
+class WindowDockingCoordinator;
+
 /// What the three classic windows have in common: a frameless window at a whole zoom that paints a scene in
 /// the model's skin and only where it changed, has the skin's outline and pointers, is dragged by its
 /// background, rolls up to its title, takes drops, and shares the program's commands and their keys.
@@ -40,6 +42,8 @@ class SkinnedWindow : public QWidget, public SkinWindowController {
     /// By which the window is taken and on which a double click rolls it up, in skin pixels.
     [[nodiscard]] virtual QRect titleBar() const;
 
+    /// From now on the window's moves go through the docking, which is borrowed. Before it is first shown.
+    void dock(WindowDockingCoordinator &docking);
     /// Shows the window, or hides it, as the user last had it. To be called once at the start; from then on
     /// the window follows by itself.
     void showIfOpen() { setVisible(m_model.windows().isOpen(m_kind)); }
@@ -122,6 +126,8 @@ class SkinnedWindow : public QWidget, public SkinWindowController {
     void forgetGrab() { m_grabbed = background; }
     /// Takes over a changed scene and repaints what differs.
     void refresh();
+    /// Runs what gives the window another size for reasons of its own, and moves what is docked to it along.
+    void resizeDocked(const std::function<void()> &change);
     /// Takes over skin, size and outline and repaints everything.
     void takeShape();
 
@@ -142,11 +148,13 @@ class SkinnedWindow : public QWidget, public SkinWindowController {
     /// Serves the control that Tab has reached; call it for keys that mean nothing to the subclass.
     void keyPressEvent(QKeyEvent *event) override;
     bool focusNextPrevChild(bool next) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
     bool event(QEvent *event) override;
 
   private:
     void takeWindowState();
     void stayOnTopIfAsked();
+    void placeBeforeShown();
     void drawFocus(QPainter &painter) const;
     void tellAssistiveTools();
 
@@ -159,6 +167,7 @@ class SkinnedWindow : public QWidget, public SkinWindowController {
     PlayerModel &m_model;
     Commands &m_commands;
     SkinPointers m_pointers;
+    WindowDockingCoordinator *m_docking = nullptr; ///< none: the window moves alone
     Control m_grabbed = background;
     bool m_pointerOnGrabbed = false;
     std::optional<Control> m_focused;

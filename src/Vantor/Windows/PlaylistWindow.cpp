@@ -80,7 +80,7 @@ void PlaylistWindow::click(Control control) {
     } else if (clicked == List::close) {
         model().windows().setOpen(WindowKind::playlist, false);
     } else if (clicked == List::visualizer) {
-        model().cycleVisualizer();
+        model().visualizer().cycleMode();
     }
 }
 

@@ -7,6 +7,7 @@
 #include "Platform/AppPaths.h"
 #include "Vantor/App/LaunchOptions.h"
 #include "Vantor/App/TimedRun.h"
+#include "Vantor/Docking/WindowDockingCoordinator.h"
 #include "Vantor/Model/PlayerModel.h"
 #include "Vantor/Mpris/MprisService.h"
 #include "Vantor/Windows/EqualizerWindow.h"
@@ -161,8 +162,22 @@ int runProgram(int argc, char **argv) {
     std::optional<TimedRun> timedRun;
     if (options.seconds)
         timedRun.emplace(model, window, *options.seconds, options.screenshot.value_or(QString()));
-    window.showIfOpen();
-    equalizerWindow.showIfOpen();
+    const std::initializer_list<SkinnedWindow *> windows{&window, &equalizerWindow};
+    std::optional<WindowDockingCoordinator> docking; // a timed run leaves the layout of the user's own alone
+    if (!timedRun) {
+        docking.emplace(settings);
+        for (SkinnedWindow *const skinned : windows)
+            skinned->dockWith(*docking);
+        docking->restoreOrDefaultLayout();
+    }
+    for (SkinnedWindow *const skinned : windows)
+        skinned->showIfOpen();
+    if (docking) {
+        docking->ensureOnScreen();
+        // Where a window manager has put windows by itself is kept too.
+        QObject::connect(&application, &QApplication::aboutToQuit, &*docking,
+                         &WindowDockingCoordinator::layoutDidChange);
+    }
     std::optional<DesktopPresence> presence; // from when the window is there
     const bool withDemo = !savedQueue || !savedQueue->hasTracks();
     QMetaObject::invokeMethod(

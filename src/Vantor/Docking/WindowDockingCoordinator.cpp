@@ -1,6 +1,7 @@
 #include "Vantor/Docking/WindowDockingCoordinator.h"
 
 #include "WindowDocking/DesktopSpace.h"
+#include "WindowDocking/ScreenSelection.h"
 #include "WindowDocking/SnapUtils.h"
 #include "WindowDocking/WindowStacking.h"
 
@@ -230,6 +231,24 @@ void WindowDockingCoordinator::watchScreens() {
     connect(qGuiApp, &QGuiApplication::primaryScreenChanged, this, settle);
 }
 
+void WindowDockingCoordinator::prepareToShow(SkinWindowController &appearing) {
+    SkinWindowController *const parent = controller(WindowKind::main);
+    if (!parent || &appearing == parent)
+        return;
+    WindowKind lowest = WindowKind::main;
+    for (const auto &[kind, edges] : WindowGraph::generate(dockedWindows())) {
+        if (edges.below == WindowKind::main) // the only other one that can be there
+            lowest = kind;
+    }
+    Box box = boxOf({showPosition(appearing, *controller(lowest)), sizeOf(appearing.window())});
+    const std::vector<Box> screens = screenBoxes();
+    if (!screens.empty() && !LayoutRules::isGrabbable(box, appearing.titleBarHeight(), screens)) {
+        const Box screen = ScreenSelection::nearest(box, screens, screens.front());
+        box = box.translated(LayoutRules::gripShift(box, screen)); // with all of its height
+    }
+    move(appearing, box.topLeft());
+}
+
 QPoint WindowDockingCoordinator::showPosition(SkinWindowController &forController,
                                               SkinWindowController &below) {
     const WindowKind kind = forController.windowKind();
@@ -294,6 +313,10 @@ void WindowDockingCoordinator::resize(SkinWindowController &, const std::functio
             move(*controller(window.kind), SnapUtils::applyDiff(window.box.topLeft(), push));
     }
     layoutDidChange();
+    // At double size a neighbour may have been pushed off the screen.
+    const DragLimits limits = dragLimits();
+    if (LayoutRules::dragRecovery(dockedWindows(), limits.titleBarHeights, limits.screens, limits.primary))
+        ensureOnScreen();
 }
 
 // Front and back, parent and child

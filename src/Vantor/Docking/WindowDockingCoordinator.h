@@ -20,8 +20,8 @@ namespace vantor {
 ///
 /// The desktop space is that of Qt: device-independent points, the origin at the top left. Main thread. Make
 /// it before any skinned window is shown, register every window, then call restoreOrDefaultLayout() once;
-/// after the windows are shown, ensureOnScreen(). It borrows the settings and the controllers, which outlive
-/// it.
+/// after the windows are shown, ensureOnScreen(). It borrows the settings, and the controllers for as long as
+/// it is used.
 class WindowDockingCoordinator : public QObject {
     Q_OBJECT
 
@@ -58,6 +58,9 @@ class WindowDockingCoordinator : public QObject {
     /// under it or on its right along.
     void resize(SkinWindowController &controller, const std::function<void()> &change);
 
+    /// Puts a window that is about to be shown again where it last was, or, if it cannot be there, under the
+    /// column of windows that hangs on the main one.
+    void prepareToShow(SkinWindowController &controller);
     /// Where a window that is shown again is to stand, given the window under which it goes if its own place
     /// is taken.
     [[nodiscard]] QPoint showPosition(SkinWindowController &forController, SkinWindowController &below);

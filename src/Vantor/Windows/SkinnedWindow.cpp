@@ -1,5 +1,7 @@
 #include "Vantor/Windows/SkinnedWindow.h"
 
+#include "Vantor/Docking/WindowDockingCoordinator.h"
+
 #include <QAccessible>
 #include <QApplication>
 #include <QDragEnterEvent>
@@ -49,6 +51,11 @@ SkinnedWindow::~SkinnedWindow() {
     m_model.clock().setWatched(this, false);
 }
 
+void SkinnedWindow::dockWith(WindowDockingCoordinator &docking) {
+    m_docking = &docking;
+    docking.register_(*this);
+}
+
 QRect SkinnedWindow::titleBar() const {
     return {0, 0, skinSize().width(), titleHeight};
 }
@@ -90,7 +97,10 @@ void SkinnedWindow::takeShape() {
     m_pointers.setCursors(m_model.skin().cursors, zoom());
     static_cast<void>(composeScene()); // all of it is painted below
     const QSize size = skinSize() * zoom();
-    setFixedSize(size);
+    if (m_docking && size != this->size())
+        m_docking->resize(*this, [&] { setFixedSize(size); });
+    else
+        setFixedSize(size);
     const QRegion shape = outline(zoom());
     static const bool hasShapes = QGuiApplication::platformName() != QLatin1String("offscreen");
     if (!hasShapes || shape == QRegion(QRect(QPoint(), size)))
@@ -103,6 +113,9 @@ void SkinnedWindow::takeShape() {
 void SkinnedWindow::takeWindowState() {
     stayOnTopIfAsked();
     takeShape();
+    const bool appears = m_model.windows().isOpen(m_kind) && !isVisible();
+    if (appears && m_docking)
+        m_docking->prepareToShow(*this);
     showIfOpen();
 }
 
@@ -132,6 +145,10 @@ void SkinnedWindow::letGo(Control) {}
 void SkinnedWindow::setValue(Control, double) {}
 
 void SkinnedWindow::mousePressEvent(QMouseEvent *event) {
+    if (isMinimized()) // only as asked for: there is no window manager to do it
+        setWindowState(windowState() & ~Qt::WindowMinimized);
+    if (m_docking)
+        m_docking->raiseGroup(*this);
     if (!isActiveWindow())
         activateWindow();       // where there is no window manager to do it
     focusControl(std::nullopt); // the hand has gone back to the mouse
@@ -246,14 +263,21 @@ void SkinnedWindow::drop(const QList<QUrl> &urls, QPoint, Qt::KeyboardModifiers 
 
 void SkinnedWindow::beginDrag(QPoint global) {
     m_dragStart = global - pos();
+    if (m_docking)
+        m_docking->dragBegan(*this);
 }
 
 void SkinnedWindow::dragTo(QPoint global) {
-    move(global - *m_dragStart);
+    const QPoint to = global - *m_dragStart;
+    if (m_docking)
+        m_docking->drag(*this, to);
+    else
+        move(to);
 }
 
 void SkinnedWindow::endDrag() {
-    m_dragStart.reset();
+    if (std::exchange(m_dragStart, std::nullopt) && m_docking)
+        m_docking->dragEnded(*this);
 }
 
 // Controls without a pointer
@@ -418,6 +442,12 @@ bool SkinnedWindow::event(QEvent *event) {
 void SkinnedWindow::changeEvent(QEvent *event) {
     if (event->type() == QEvent::ActivationChange)
         refresh();
+    if (event->type() == QEvent::WindowStateChange && m_docking && m_kind == WindowKind::main) {
+        if (isMinimized())
+            m_docking->skinnedWindowWillMinimize();
+        else
+            m_docking->skinnedWindowDidDeminimize();
+    }
     QWidget::changeEvent(event);
 }
 

@@ -13,6 +13,8 @@
 
 namespace vantor {
 
+class WindowDockingCoordinator;
+
 /// What the three classic windows have in common: a frameless window at a whole zoom that paints a scene in
 /// the model's skin and only where it changed, has the skin's outline and pointers, is dragged by its
 /// background, rolls up to its title, takes drops, and shares the program's commands and their keys.
@@ -39,6 +41,10 @@ class SkinnedWindow : public QWidget, public SkinWindowController {
     [[nodiscard]] bool isShaded() const { return m_model.windows().isShaded(m_kind); }
     /// By which the window is taken and on which a double click rolls it up, in skin pixels.
     [[nodiscard]] virtual QRect titleBar() const;
+
+    /// From now on the window moves, grows and comes to the front together with its neighbours. Before it is
+    /// shown; the docking is borrowed.
+    void dockWith(WindowDockingCoordinator &docking);
 
     /// Shows the window, or hides it, as the user last had it. To be called once at the start; from then on
     /// the window follows by itself.
@@ -159,6 +165,7 @@ class SkinnedWindow : public QWidget, public SkinWindowController {
     PlayerModel &m_model;
     Commands &m_commands;
     SkinPointers m_pointers;
+    WindowDockingCoordinator *m_docking = nullptr; ///< without it the window is on its own
     Control m_grabbed = background;
     bool m_pointerOnGrabbed = false;
     std::optional<Control> m_focused;

@@ -5,6 +5,7 @@ extern "C" const char *__tsan_default_suppressions();
 
 extern "C" const char *__tsan_default_suppressions() {
     return "race:vantor::TrackStreamer::report\n"
-           "race:vantor::PulseAudioOutput::reportLoss\n"
+           "race:vantor::PulseAudioOutput::post\n"
+           "race:vantor::DefaultOutputListener::tell\n"
            "race:pa_mutex_lock\n";
 }

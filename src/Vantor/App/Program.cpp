@@ -1,18 +1,19 @@
 #include "Vantor/App/Program.h"
 
 #include "AudioCore/NowPlaying/NowPlayingBridge.h"
-#include "AudioCore/Output/SystemAudioOutput.h"
+#include "AudioCore/Output/SystemOutputDeviceProvider.h"
 #include "AudioCore/Playback/Player.h"
 #include "LocalPlayback/Queue/QueueAutosaver.h"
 #include "Platform/AppPaths.h"
+#include "Vantor/App/CarryOut.h"
 #include "Vantor/App/LaunchOptions.h"
+#include "Vantor/App/SingleInstance.h"
 #include "Vantor/App/TimedRun.h"
-#include "Vantor/Docking/WindowDockingCoordinator.h"
 #include "Vantor/Model/PlayerModel.h"
+#include "Vantor/Model/ResumePoint.h"
 #include "Vantor/Mpris/MprisService.h"
-#include "Vantor/Windows/EqualizerWindow.h"
-#include "Vantor/Windows/MainWindow.h"
-#include "Vantor/Windows/SkinAccessibility.h"
+#include "Vantor/Windows/SkinnedWindows.h"
+#include "Vantor/Windows/WelcomeDialog.h"
 
 #include <QApplication>
 #include <QIcon>
@@ -90,34 +91,37 @@ class SavedQueue {
 /// What the desktop shows and commands: its media keys and widgets.
 class DesktopPresence {
   public:
-    DesktopPresence(PlayerModel &model, MainWindow &window)
-        : m_service(model, {.raise = [&window] { bringToFront(window); }, .quit = &QApplication::quit}),
+    DesktopPresence(PlayerModel &model, SkinnedWindows &windows)
+        : m_service(model, {.raise = [&windows] { windows.bringToFront(); }, .quit = &QApplication::quit}),
           m_bridge(model.player(), model.player(), m_service.center()) {
         m_bridge.install();
         m_service.connectToBus();
     }
 
   private:
-    static void bringToFront(MainWindow &window) {
-        window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
-        window.show();
-        window.raise();
-        window.activateWindow();
-    }
-
     MprisService m_service;
     NowPlayingBridge m_bridge;
 };
 
-// The skin asked for, else the one worn last; and the files asked for, else the demo track if there is no
-// saved queue that could be played.
-void openWhatWasAskedFor(PlayerModel &model, const LaunchOptions &options, bool withDemo) {
-    const QUrl skin = options.skin.value_or(model.skins().lastWorn());
-    if (!skin.isEmpty())
-        model.wear(skin);
+// Once, and where somebody can see it.
+void welcome(PlayerModel &model, MainWindow &window) {
+    if (model.preferences().wasWelcomed() || QGuiApplication::platformName() == QLatin1String("offscreen"))
+        return;
+    model.preferences().setWelcomed();
+    auto *const dialog = new WelcomeDialog(model, &window);
+    // Beside the player, which is what there is to see.
+    dialog->adjustSize();
+    dialog->move(window.frameGeometry().bottomLeft() +
+                 QPoint((window.width() - dialog->width()) / 2, dialog->fontMetrics().height() * 3));
+    dialog->show();
+}
 
-    if (!options.files.isEmpty())
-        model.open(options.files);
+// What was asked for; without a skin the one worn last, and without files the demo track if there is no saved
+// queue that could be played.
+void begin(const LaunchOptions &options, PlayerModel &model, bool withDemo) {
+    if (const QUrl lastSkin = model.skins().lastWorn(); !options.skin && !lastSkin.isEmpty())
+        model.wear(lastSkin);
+    carryOut(options, model);
     const bool nothingToPlay = !model.isImporting() && model.player().queue().count() == 0;
     if (nothingToPlay && withDemo && demoTrack().isValid())
         model.open({demoTrack()});
@@ -148,50 +152,56 @@ int runProgram(int argc, char **argv) {
     QApplication application(qtArgc, argv);
     setUpApplication();
 
+    SingleInstance instance(SingleInstance::defaultPath());
+    if (!options.isOnItsOwn()) {
+        const SingleInstance::Outcome outcome = instance.claim(options);
+        if (outcome == SingleInstance::Outcome::handedOver)
+            return 0;
+        if (outcome == SingleInstance::Outcome::unanswered)
+            return print({QStringLiteral("Vantor runs already, but does not answer"), 1});
+    }
+
     QSettings settings(QLatin1String(AppPaths::bundleIdentifier), QStringLiteral("vantor"));
-    Player player(std::make_unique<FileTrackResolver>(), makeSystemAudioOutput);
+    Player player(std::make_unique<FileTrackResolver>(), std::make_unique<SystemOutputDeviceProvider>());
     PlayerModel model(player, settings);
     std::optional<SavedQueue> savedQueue;
     if (!options.seconds)
         savedQueue.emplace(player);
-    EqualizerModel equalizer(player, settings, AppPaths::dataFolder());
-    Commands commands(model);
-    installSkinAccessibility();
-    MainWindow window(model, commands);
-    EqualizerWindow equalizerWindow(model, equalizer, commands);
+    SkinnedWindows windows(model, settings);
     std::optional<TimedRun> timedRun;
-    if (options.seconds)
-        timedRun.emplace(model, window, *options.seconds, options.screenshot.value_or(QString()));
-    const std::initializer_list<SkinnedWindow *> windows{&window, &equalizerWindow};
-    std::optional<WindowDockingCoordinator> docking; // a timed run leaves the layout of the user's own alone
-    if (!timedRun) {
-        docking.emplace(settings);
-        for (SkinnedWindow *const skinned : windows)
-            skinned->dockWith(*docking);
-        docking->restoreOrDefaultLayout();
+    if (options.seconds) {
+        timedRun.emplace(model, windows.mainWindow(), *options.seconds,
+                         options.screenshot.value_or(QString()));
+        windows.showUndocked();
+    } else {
+        windows.show();
     }
-    for (SkinnedWindow *const skinned : windows)
-        skinned->showIfOpen();
-    if (docking) {
-        docking->ensureOnScreen();
-        // Where a window manager has put windows by itself is kept too.
-        QObject::connect(&application, &QApplication::aboutToQuit, &*docking,
-                         &WindowDockingCoordinator::layoutDidChange);
-    }
+    QObject::connect(&instance, &SingleInstance::requested, &model, [&](const LaunchOptions &request) {
+        carryOut(request, model);
+        if (request == LaunchOptions()) // it only wants to see the player
+            windows.bringToFront();
+    });
     std::optional<DesktopPresence> presence; // from when the window is there
     const bool withDemo = !savedQueue || !savedQueue->hasTracks();
     QMetaObject::invokeMethod(
         &model,
         [&] {
-            openWhatWasAskedFor(model, options, withDemo);
+            if (savedQueue && model.preferences().resumesOnStart() && options.files.isEmpty() &&
+                !options.command)
+                ResumePoint::resume(settings, player);
+            begin(options, model, withDemo);
+            if (!options.isOnItsOwn())
+                welcome(model, windows.mainWindow());
             if (timedRun)
                 timedRun->begin();
             else
-                presence.emplace(model, window);
+                presence.emplace(model, windows);
         },
         Qt::QueuedConnection);
     const int status = QApplication::exec();
-    if (!timedRun && options.screenshot && !window.savePicture(*options.screenshot))
+    if (savedQueue)
+        ResumePoint::save(settings, player);
+    if (!timedRun && options.screenshot && !windows.mainWindow().savePicture(*options.screenshot))
         return print({QStringLiteral("Could not write ") + *options.screenshot, 1});
     return status;
 }

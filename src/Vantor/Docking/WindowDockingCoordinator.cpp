@@ -27,6 +27,10 @@ Box boxOf(const QRect &rect) {
             static_cast<double>(rect.height())};
 }
 
+Offset asOffset(QPoint point) {
+    return {static_cast<double>(point.x()), static_cast<double>(point.y())};
+}
+
 QPoint pointOf(Offset topLeft) {
     const auto whole = [](double v) {
         return static_cast<int>(std::lround(std::clamp(v, -farthest, farthest)));
@@ -232,21 +236,19 @@ void WindowDockingCoordinator::watchScreens() {
 }
 
 void WindowDockingCoordinator::prepareToShow(SkinWindowController &appearing) {
-    SkinWindowController *const parent = controller(WindowKind::main);
-    if (!parent || &appearing == parent)
-        return;
-    WindowKind lowest = WindowKind::main;
-    for (const auto &[kind, edges] : WindowGraph::generate(dockedWindows())) {
-        if (edges.below == WindowKind::main) // the only other one that can be there
-            lowest = kind;
-    }
-    Box box = boxOf({showPosition(appearing, *controller(lowest)), sizeOf(appearing.window())});
-    const std::vector<Box> screens = screenBoxes();
-    if (!screens.empty() && !LayoutRules::isGrabbable(box, appearing.titleBarHeight(), screens)) {
-        const Box screen = ScreenSelection::nearest(box, screens, screens.front());
-        box = box.translated(LayoutRules::gripShift(box, screen)); // with all of its height
-    }
-    move(appearing, box.topLeft());
+    const std::vector<DockedWindow> windows = dockedWindows();
+    const QSize size = sizeOf(appearing.window());
+    const auto hasRoomBelow = [&](const DockedWindow &above) {
+        const Box place{above.box.x, above.box.bottom(), static_cast<double>(size.width()),
+                        static_cast<double>(size.height())};
+        return std::ranges::none_of(windows, [&](const DockedWindow &other) {
+            const Offset shared = overlap(place, other.box);
+            return shared.x > 0 && shared.y > 0;
+        });
+    };
+    const auto below = std::ranges::find_if(windows, hasRoomBelow);
+    if (below != windows.end())
+        move(appearing, asOffset(showPosition(appearing, *controller(below->kind))));
 }
 
 QPoint WindowDockingCoordinator::showPosition(SkinWindowController &forController,
@@ -276,9 +278,7 @@ void WindowDockingCoordinator::drag(SkinWindowController &controller, QPoint to)
         controller.window().move(to);
         return;
     }
-    const QPoint delta = to - m_drag->origin;
-    place(m_drag->session.positions({static_cast<double>(delta.x()), static_cast<double>(delta.y())},
-                                    dragLimits()));
+    place(m_drag->session.positions(asOffset(to - m_drag->origin), dragLimits()));
 }
 
 void WindowDockingCoordinator::dragEnded(SkinWindowController &) {
@@ -312,11 +312,30 @@ void WindowDockingCoordinator::resize(SkinWindowController &, const std::functio
         if (const Offset push = pushes.at(window.kind); push != Offset::zero)
             move(*controller(window.kind), SnapUtils::applyDiff(window.box.topLeft(), push));
     }
+    keepReachable();
     layoutDidChange();
-    // At double size a neighbour may have been pushed off the screen.
+}
+
+// A neighbour may have been pushed off the screen, or a window shown under one at its foot.
+void WindowDockingCoordinator::keepReachable() {
+    const std::vector<DockedWindow> windows = dockedWindows();
     const DragLimits limits = dragLimits();
-    if (LayoutRules::dragRecovery(dockedWindows(), limits.titleBarHeights, limits.screens, limits.primary))
-        ensureOnScreen();
+    if (!LayoutRules::dragRecovery(windows, limits.titleBarHeights, limits.screens, limits.primary))
+        return;
+    const auto recovery = LayoutRules::recovery(windows, limits.screens, limits.primary);
+    if (const auto *const shift =
+            recovery ? std::get_if<LayoutRules::Recovery::Shift>(&recovery->kind) : nullptr) {
+        moveAllBy(shift->offset);
+        return;
+    }
+    // They are too far apart to come together. Nobody asked for a new layout: only what is lost moves.
+    for (const DockedWindow &window : windows) {
+        if (LayoutRules::isGrabbable(window.box, limits.titleBarHeights.at(window.kind), limits.screens))
+            continue;
+        const Box screen = ScreenSelection::nearest(window.box, limits.screens, limits.primary);
+        move(*controller(window.kind),
+             SnapUtils::applyDiff(window.box.topLeft(), LayoutRules::gripShift(window.box, screen)));
+    }
 }
 
 // Front and back, parent and child

@@ -16,8 +16,9 @@ QString tr(const char *text) {
     return QCoreApplication::translate("OpenDialogs", text);
 }
 
-QFileDialog *fileDialog(QWidget *parent, const QString &title, QFileDialog::FileMode mode) {
-    auto *dialog = new QFileDialog(parent, title);
+QFileDialog *fileDialog(QWidget *parent, const QString &title, const QString &folder,
+                        QFileDialog::FileMode mode) {
+    auto *dialog = new QFileDialog(parent, title, folder);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setFileMode(mode);
     return dialog;
@@ -26,7 +27,8 @@ QFileDialog *fileDialog(QWidget *parent, const QString &title, QFileDialog::File
 } // namespace
 
 void openFiles(PlayerModel &model, QWidget *parent) {
-    QFileDialog *const dialog = fileDialog(parent, tr("Open Files"), QFileDialog::ExistingFiles);
+    QFileDialog *const dialog =
+        fileDialog(parent, tr("Open Files"), model.preferences().libraryFolder(), QFileDialog::ExistingFiles);
     dialog->setNameFilters(
         {tr("Audio, playlists and skins (%1 *.wsz)")
              .arg((TrackLoader::audioPatterns() + PlaylistFile::patterns()).join(QLatin1Char(' '))),
@@ -37,7 +39,8 @@ void openFiles(PlayerModel &model, QWidget *parent) {
 }
 
 void openFolder(PlayerModel &model, QWidget *parent) {
-    QFileDialog *const dialog = fileDialog(parent, tr("Open Folder"), QFileDialog::Directory);
+    QFileDialog *const dialog =
+        fileDialog(parent, tr("Open Folder"), model.preferences().libraryFolder(), QFileDialog::Directory);
     QObject::connect(dialog, &QFileDialog::fileSelected, &model,
                      [&model, dialog] { model.open(dialog->selectedUrls()); });
     dialog->open();
@@ -60,11 +63,10 @@ void openAddress(PlayerModel &model, QWidget *parent) {
     dialog->open();
 }
 
-void loadSkin(PlayerModel &model, QWidget *parent, const QString &folder) {
-    QFileDialog *const dialog = fileDialog(parent, tr("Load Skin"), QFileDialog::ExistingFile);
+void loadSkin(PlayerModel &model, QWidget *parent) {
+    QFileDialog *const dialog =
+        fileDialog(parent, tr("Load Skin"), model.skins().folder(), QFileDialog::ExistingFile);
     dialog->setNameFilters({tr("Skins (*.wsz *.zip)"), tr("All files (*)")});
-    if (!folder.isEmpty())
-        dialog->setDirectory(folder);
     QObject::connect(dialog, &QFileDialog::fileSelected, &model,
                      [&model](const QString &path) { model.wear(QUrl::fromLocalFile(path)); });
     dialog->open();

@@ -51,11 +51,6 @@ SkinnedWindow::~SkinnedWindow() {
     m_model.clock().setWatched(this, false);
 }
 
-void SkinnedWindow::dockWith(WindowDockingCoordinator &docking) {
-    m_docking = &docking;
-    docking.register_(*this);
-}
-
 QRect SkinnedWindow::titleBar() const {
     return {0, 0, skinSize().width(), titleHeight};
 }
@@ -97,10 +92,7 @@ void SkinnedWindow::takeShape() {
     m_pointers.setCursors(m_model.skin().cursors, zoom());
     static_cast<void>(composeScene()); // all of it is painted below
     const QSize size = skinSize() * zoom();
-    if (m_docking && size != this->size())
-        m_docking->resize(*this, [&] { setFixedSize(size); });
-    else
-        setFixedSize(size);
+    setFixedSize(size);
     const QRegion shape = outline(zoom());
     static const bool hasShapes = QGuiApplication::platformName() != QLatin1String("offscreen");
     if (!hasShapes || shape == QRegion(QRect(QPoint(), size)))
@@ -113,8 +105,7 @@ void SkinnedWindow::takeShape() {
 void SkinnedWindow::takeWindowState() {
     stayOnTopIfAsked();
     takeShape();
-    const bool appears = m_model.windows().isOpen(m_kind) && !isVisible();
-    if (appears && m_docking)
+    if (m_docking && m_model.windows().isOpen(m_kind) && !isVisible())
         m_docking->prepareToShow(*this);
     showIfOpen();
 }
@@ -147,10 +138,10 @@ void SkinnedWindow::setValue(Control, double) {}
 void SkinnedWindow::mousePressEvent(QMouseEvent *event) {
     if (isMinimized()) // only as asked for: there is no window manager to do it
         setWindowState(windowState() & ~Qt::WindowMinimized);
+    if (!isActiveWindow())
+        activateWindow(); // where there is no window manager to do it
     if (m_docking)
         m_docking->raiseGroup(*this);
-    if (!isActiveWindow())
-        activateWindow();       // where there is no window manager to do it
     focusControl(std::nullopt); // the hand has gone back to the mouse
     if (event->button() != Qt::LeftButton)
         return;
@@ -261,6 +252,11 @@ void SkinnedWindow::drop(const QList<QUrl> &urls, QPoint, Qt::KeyboardModifiers 
 
 // The window's own place
 
+void SkinnedWindow::dock(WindowDockingCoordinator &docking) {
+    m_docking = &docking;
+    docking.register_(*this);
+}
+
 void SkinnedWindow::beginDrag(QPoint global) {
     m_dragStart = global - pos();
     if (m_docking)
@@ -278,6 +274,13 @@ void SkinnedWindow::dragTo(QPoint global) {
 void SkinnedWindow::endDrag() {
     if (std::exchange(m_dragStart, std::nullopt) && m_docking)
         m_docking->dragEnded(*this);
+}
+
+void SkinnedWindow::resizeDocked(const std::function<void()> &change) {
+    if (m_docking)
+        m_docking->resize(*this, change);
+    else
+        change();
 }
 
 // Controls without a pointer

@@ -176,7 +176,7 @@ TEST_P(WindowDockingCoordinatorTest, LayoutIsRestoredAndNewWindowsAreStacked) {
     dragTo(m_equalizer, {40, 146});
     m_settings.remove(QStringLiteral("windowLayout"));
     m_docking.prepareToShow(m_playlist);
-    EXPECT_EQ(m_playlist.pos(), QPoint(40, 262)) << "at the foot of the column";
+    EXPECT_EQ(m_playlist.pos(), QPoint(40, 262)) << "the first with room under it";
 }
 
 TEST_P(WindowDockingCoordinatorTest, OldFramesAreTakenOver) {

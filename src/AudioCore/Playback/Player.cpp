@@ -3,6 +3,8 @@
 #include "AudioCore/Playback/PlayerPrivate_p.h"
 #include "AudioCore/Playback/PlayerRules.h"
 
+#include <numeric>
+
 namespace vantor {
 
 QUrl FileTrackResolver::resolve(const Track &track) const {
@@ -150,6 +152,19 @@ void Player::enqueue(const std::vector<Track> &tracks) {
     d->editQueue([&](PlayQueue &queue) { queue.append(tracks); });
 }
 
+void Player::insertTracks(const std::vector<Track> &tracks, int row) {
+    d->editQueue([&](PlayQueue &queue) {
+        const int count = queue.count();
+        queue.append(tracks);
+        if (row < 0 || row >= count)
+            return;
+        std::vector<int> order(static_cast<size_t>(queue.count()));
+        std::iota(order.begin(), order.end(), 0);
+        std::rotate(order.begin() + row, order.begin() + count, order.end());
+        queue.reorder(order);
+    });
+}
+
 void Player::removeTrack(int index) {
     d->editQueue([&](PlayQueue &queue) { queue.remove(index); });
 }
@@ -158,8 +173,16 @@ void Player::removeTracks(const IndexSet &indices) {
     d->editQueue([&](PlayQueue &queue) { queue.remove(indices); });
 }
 
+void Player::cropTracks(const IndexSet &keeping) {
+    d->editQueue([&](PlayQueue &queue) { queue.crop(keeping); });
+}
+
 void Player::moveTracks(const IndexSet &indices, int offset) {
     d->editQueue([&](PlayQueue &queue) { queue.move(indices, offset); });
+}
+
+void Player::reorderTracks(const std::vector<int> &order) {
+    d->editQueue([&](PlayQueue &queue) { queue.reorder(order); });
 }
 
 void Player::sortQueue(PlaylistSortKey key) {

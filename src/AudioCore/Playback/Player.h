@@ -67,6 +67,8 @@ class Player : public QObject, public NowPlayingCommandTarget {
     [[nodiscard]] std::optional<QString> chosenOutputDevice() const;
 
     void enqueue(const std::vector<Track> &tracks);
+    /// Adds the tracks in front of a row; at the end for a row that there is not.
+    void insertTracks(const std::vector<Track> &tracks, int row);
     void play() override;
     void play(int index);
     void pause() override;
@@ -78,7 +80,10 @@ class Player : public QObject, public NowPlayingCommandTarget {
     void seek(double seconds) override;
     void removeTrack(int index);
     void removeTracks(const IndexSet &indices);
+    void cropTracks(const IndexSet &keeping);
     void moveTracks(const IndexSet &indices, int offset);
+    /// `order`: old indices in their new order; not a permutation changes nothing.
+    void reorderTracks(const std::vector<int> &order);
     void sortQueue(PlaylistSortKey key);
     void reverseQueue();
     void randomizeQueue();

@@ -66,10 +66,7 @@ PlayerModel::PlayerModel(Player &player, QSettings &settings, QObject *parent)
         Q_EMIT skinRefused(name, message);
     });
     connect(&m_importer, &TrackImporter::imported, this, &PlayerModel::takeTracks);
-    connect(&m_importer, &TrackImporter::finished, this,
-            [this](quint64, int added, const std::vector<SkippedFile> &skipped) {
-                finishImport(added, skipped);
-            });
+    connect(&m_importer, &TrackImporter::finished, this, &PlayerModel::finishImport);
 }
 
 PlayerModel::~PlayerModel() {
@@ -155,14 +152,22 @@ void PlayerModel::setSkin(const QUrl &url, const Skin &skin) {
 // Music
 
 void PlayerModel::open(const QList<QUrl> &urls) {
-    startImport(urls, true);
+    startImport(urls, {.replaces = true});
 }
 
 void PlayerModel::enqueue(const QList<QUrl> &urls) {
-    startImport(urls, false);
+    startImport(urls, {});
 }
 
-void PlayerModel::startImport(const QList<QUrl> &urls, bool replace) {
+void PlayerModel::insert(const QList<QUrl> &urls, int row) {
+    const std::vector<Track> &tracks = m_player.queue().tracks();
+    ImportPlan plan{.plays = false};
+    if (row >= 0 && row < m_player.queue().count())
+        plan.before = tracks[static_cast<std::size_t>(row)].id;
+    startImport(urls, plan);
+}
+
+void PlayerModel::startImport(const QList<QUrl> &urls, const ImportPlan &plan) {
     QList<QUrl> music;
     for (const QUrl &url : urls) {
         if (isSkin(url))
@@ -172,28 +177,31 @@ void PlayerModel::startImport(const QList<QUrl> &urls, bool replace) {
     }
     if (music.isEmpty())
         return;
-    if (replace)
+    if (plan.replaces) {
         m_importer.cancel();
-    ++m_pendingImports;
-    const quint64 import = m_importer.import(music);
-    if (replace)
-        m_replacingImport = import;
+        for (auto &[number, older] : m_imports)
+            older.replaces = false;
+    }
+    m_imports.emplace(m_importer.import(music), plan);
 }
 
 void PlayerModel::takeTracks(quint64 import, const std::vector<Track> &tracks) {
-    const bool replace = m_replacingImport == import;
-    if (replace) {
-        m_replacingImport.reset();
+    ImportPlan &plan = m_imports[import];
+    const bool replaces = std::exchange(plan.replaces, false);
+    if (replaces)
         m_player.clearQueue();
-    }
     const bool idle = m_player.state() == PlaybackState::stopped;
-    const int first = m_player.queue().count();
-    m_player.enqueue(tracks);
-    if (idle || replace)
+    const std::vector<Track> &queued = m_player.queue().tracks();
+    auto place = queued.end();
+    if (plan.before)
+        place = std::ranges::find(queued, *plan.before, &Track::id);
+    const auto first = static_cast<int>(place - queued.begin());
+    m_player.insertTracks(tracks, first);
+    if (plan.plays && (idle || replaces))
         m_player.play(first);
 }
 
-void PlayerModel::finishImport(int added, const std::vector<SkippedFile> &skipped) {
+void PlayerModel::finishImport(quint64 import, int added, const std::vector<SkippedFile> &skipped) {
     for (const SkippedFile &file : skipped) {
         const QString name = file.url.isLocalFile() ? file.url.fileName() : file.url.toDisplayString();
         qCWarning(playerModelLog, "could not play %s: %s", qUtf8Printable(name), qUtf8Printable(file.reason));
@@ -204,7 +212,8 @@ void PlayerModel::finishImport(int added, const std::vector<SkippedFile> &skippe
         notify(*notice);
     else if (added == 0)
         showNotice(tr("No audio files found"));
-    if (--m_pendingImports == 0)
+    m_imports.erase(import);
+    if (m_imports.empty())
         Q_EMIT importsFinished();
 }
 

@@ -16,6 +16,7 @@
 #include <QObject>
 
 #include <chrono>
+#include <map>
 #include <optional>
 
 class QSettings;
@@ -61,7 +62,10 @@ class PlayerModel : public QObject {
     // adds to the end and plays when nothing else does. Skins among the addresses are worn.
     void open(const QList<QUrl> &urls);
     void enqueue(const QList<QUrl> &urls);
-    [[nodiscard]] bool isImporting() const { return m_pendingImports > 0; }
+    /// Adds in front of a row, or at the end for a row that there is not, and plays nothing by itself. What
+    /// comes in while the queue changes goes in front of the same track.
+    void insert(const QList<QUrl> &urls, int row);
+    [[nodiscard]] bool isImporting() const { return !m_imports.empty(); }
 
     void setTimeMode(TimeMode mode);
     void toggleShuffle();
@@ -94,9 +98,16 @@ class PlayerModel : public QObject {
   private:
     void handle(const PlayerEvent &event);
     void handleFailure(const PlaybackFailure &failure);
-    void startImport(const QList<QUrl> &urls, bool replace);
+    /// What is done with the tracks of an import.
+    struct ImportPlan {
+        bool replaces = false;       ///< the queue, once the first track is there
+        bool plays = true;           ///< the first one, if it replaces or nothing else plays
+        std::optional<QUuid> before{}; ///< the track in front of which they go, else at the end
+    };
+
+    void startImport(const QList<QUrl> &urls, const ImportPlan &plan);
     void takeTracks(quint64 import, const std::vector<Track> &tracks);
-    void finishImport(int added, const std::vector<SkippedFile> &skipped);
+    void finishImport(quint64 import, int added, const std::vector<SkippedFile> &skipped);
     void notify(const StatusNotice &notice);
     void updateTitle();
     void setSkin(const QUrl &url, const Skin &skin);
@@ -122,8 +133,7 @@ class PlayerModel : public QObject {
     std::optional<double> m_draggedPosition;
 
     double m_blinkTime = 0;
-    int m_pendingImports = 0;
-    std::optional<quint64> m_replacingImport; ///< its first tracks replace the queue
+    std::map<quint64, ImportPlan> m_imports; ///< under way, by number
 };
 
 } // namespace vantor

@@ -1,6 +1,7 @@
 #include "Vantor/Windows/Commands.h"
 
 #include "Vantor/Windows/FileInfoDialog.h"
+#include "Vantor/Windows/JumpToFileDialog.h"
 #include "Vantor/Windows/MainMenu.h"
 #include "Vantor/Windows/OpenDialogs.h"
 #include "Vantor/Windows/PreferencesDialog.h"
@@ -110,6 +111,8 @@ void Commands::addOpening() {
         [this] { OpenDialogs::openFolder(m_model, window()); });
     add(Id::openAddress, tr("Open Address…"), {Qt::CTRL | Qt::Key_L},
         [this] { OpenDialogs::openAddress(m_model, window()); });
+    add(Id::jumpToFile, tr("Jump to File…"), {Qt::Key_J},
+        [this] { (new JumpToFileDialog(m_model, window()))->open(); });
     add(Id::fileInfo, tr("File Info…"), {Qt::ALT | Qt::Key_3}, [this] { showFileInfo(); });
     add(Id::loadSkin, tr("Load Skin…"), {Qt::ALT | Qt::Key_S},
         [this] { OpenDialogs::loadSkin(m_model, window()); });
@@ -182,7 +185,7 @@ void Commands::addWindows() {
     const auto toggle = [&](Id id, const QString &text, const QKeySequence &key, WindowKind kind) {
         addCheck(
             id, text, {key}, [&state, kind] { return state.isOpen(kind); },
-            [this, kind] { toggleWindow(kind); });
+            [&state, kind] { state.setOpen(kind, !state.isOpen(kind)); });
     };
     toggle(Id::mainWindow, tr("Main Window"), Qt::ALT | Qt::Key_W, WindowKind::main);
     toggle(Id::equalizer, tr("Equalizer"), Qt::ALT | Qt::Key_G, WindowKind::equalizer);
@@ -194,16 +197,6 @@ void Commands::addWindows() {
     add(Id::preferences, tr("Preferences…"), {Qt::CTRL | Qt::Key_P}, [this] { showPreferences(); });
     add(Id::about, tr("About Vantor"), {}, [this] { showAbout(); });
     add(Id::quit, tr("Exit"), {Qt::CTRL | Qt::Key_Q, Qt::ALT | Qt::Key_F4}, [] { QApplication::quit(); });
-}
-
-void Commands::toggleWindow(WindowKind kind) {
-    const bool exists = std::ranges::any_of(
-        m_windows, [kind](const auto &window) { return window && window->windowKind() == kind; });
-    if (exists)
-        m_model.windows().setOpen(kind, !m_model.windows().isOpen(kind));
-    else
-        m_model.showNotice(kind == WindowKind::equalizer ? tr("No equalizer window yet")
-                                                         : tr("No playlist window yet"));
 }
 
 void Commands::popUpMainMenu(QPoint at) {

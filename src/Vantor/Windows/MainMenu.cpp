@@ -86,7 +86,7 @@ void fill(QMenu &menu, Commands &commands, PlayerModel &model) {
     QMenu *const playback = menu.addMenu(tr("Playback"));
     add(*playback, {Id::previous, Id::play, Id::pause, Id::stop, Id::next});
     add(*playback, {Id::seekBack, Id::seekForward, Id::volumeUp, Id::volumeDown});
-    add(*playback, {Id::shuffle, Id::repeat});
+    add(*playback, {Id::jumpToFile, Id::shuffle, Id::repeat});
     playback->addSeparator();
     fillOutputs(*playback->addMenu(tr("Output Device")), model);
     fillSkins(*menu.addMenu(tr("Skins")), add, model);

@@ -118,6 +118,8 @@ class SkinnedWindow : public QWidget, public SkinWindowController {
     /// Whether the pointer is still on what it grabbed: a button acts only if it is let go there.
     [[nodiscard]] bool isPointerOnGrabbed() const { return m_pointerOnGrabbed; }
     [[nodiscard]] QPoint skinPoint(QPointF at) const;
+    /// Whether a key is for the control that Tab has reached; keyPressEvent() runs it.
+    [[nodiscard]] bool isForFocus(const QKeyEvent &event) const;
     /// Lets go of whatever the pointer holds without acting on it.
     void cancelGrab();
     /// The control that the pointer holds does not follow it any more, and no function is called for that.
@@ -154,7 +156,6 @@ class SkinnedWindow : public QWidget, public SkinWindowController {
     void stayOnTopIfAsked();
     void placeBeforeShown();
     void drawFocus(QPainter &painter) const;
-    [[nodiscard]] bool isForFocus(const QKeyEvent &event) const;
     void tellAssistiveTools();
 
     // What drags the window itself.

@@ -2,9 +2,11 @@
 
 #include "Vantor/Docking/WindowDockingCoordinator.h"
 #include "Vantor/Model/EqualizerModel.h"
+#include "Vantor/Model/PlaylistModel.h"
 #include "Vantor/Windows/Commands.h"
 #include "Vantor/Windows/EqualizerWindow.h"
 #include "Vantor/Windows/MainWindow.h"
+#include "Vantor/Windows/PlaylistWindow.h"
 
 namespace vantor {
 
@@ -27,10 +29,12 @@ class SkinnedWindows {
   private:
     WindowState &m_state;
     EqualizerModel m_equalizerModel;
+    PlaylistModel m_playlistModel;
     Commands m_commands;
     WindowDockingCoordinator m_docking;
     MainWindow m_main;
     EqualizerWindow m_equalizer;
+    PlaylistWindow m_playlist;
 };
 
 } // namespace vantor

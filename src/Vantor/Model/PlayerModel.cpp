@@ -40,7 +40,7 @@ MainWindowStatus::Transport transportOf(PlaybackState state) {
 
 PlayerModel::PlayerModel(Player &player, QSettings &settings, QObject *parent)
     : QObject(parent), m_player(player), m_settings(settings), m_skin(SkinLoader::defaultSkin()),
-      m_preferences(settings), m_skins(settings), m_windows(settings),
+      m_preferences(settings), m_output(player, settings), m_skins(settings), m_windows(settings),
       m_visualizer(player.analyzer(), settings) {
     restoreSettings();
     updateTitle();
@@ -122,7 +122,8 @@ std::optional<std::chrono::milliseconds> PlayerModel::frameInterval() const {
 }
 
 void PlayerModel::advance(double elapsed) {
-    m_marquee.setIdle(m_player.state() == PlaybackState::stopped);
+    m_marquee.setIdle(m_player.state() == PlaybackState::stopped ||
+                      m_player.state() == PlaybackState::paused);
     m_marquee.advance(elapsed);
     m_blinkTime = m_player.state() == PlaybackState::paused ? m_blinkTime + elapsed : 0;
     m_visualizer.advance(m_player.state(), elapsed);

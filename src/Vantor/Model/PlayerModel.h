@@ -5,6 +5,7 @@
 #include "SkinKit/Rendering/MainWindowScene.h"
 #include "Vantor/Model/FrameClock.h"
 #include "Vantor/Model/MarqueeLine.h"
+#include "Vantor/Model/OutputChoice.h"
 #include "Vantor/Model/Preferences.h"
 #include "Vantor/Model/SkinLoader.h"
 #include "Vantor/Model/SkinShelf.h"
@@ -39,6 +40,7 @@ class PlayerModel : public QObject {
     [[nodiscard]] MainWindowScene scene() const;
 
     [[nodiscard]] Preferences &preferences() { return m_preferences; }
+    [[nodiscard]] OutputChoice &output() { return m_output; }
     [[nodiscard]] SkinShelf &skins() { return m_skins; }
     [[nodiscard]] WindowState &windows() { return m_windows; }
     [[nodiscard]] const WindowState &windows() const { return m_windows; }
@@ -130,6 +132,7 @@ class PlayerModel : public QObject {
     MarqueeLine m_marquee;
 
     Preferences m_preferences;
+    OutputChoice m_output;
     SkinShelf m_skins;
     WindowState m_windows;
     FrameClock m_clock;

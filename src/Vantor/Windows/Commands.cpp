@@ -185,7 +185,7 @@ void Commands::addWindows() {
     const auto toggle = [&](Id id, const QString &text, const QKeySequence &key, WindowKind kind) {
         addCheck(
             id, text, {key}, [&state, kind] { return state.isOpen(kind); },
-            [this, kind] { toggleWindow(kind); });
+            [&state, kind] { state.setOpen(kind, !state.isOpen(kind)); });
     };
     toggle(Id::mainWindow, tr("Main Window"), Qt::ALT | Qt::Key_W, WindowKind::main);
     toggle(Id::equalizer, tr("Equalizer"), Qt::ALT | Qt::Key_G, WindowKind::equalizer);
@@ -197,16 +197,6 @@ void Commands::addWindows() {
     add(Id::preferences, tr("Preferences…"), {Qt::CTRL | Qt::Key_P}, [this] { showPreferences(); });
     add(Id::about, tr("About Vantor"), {}, [this] { showAbout(); });
     add(Id::quit, tr("Exit"), {Qt::CTRL | Qt::Key_Q, Qt::ALT | Qt::Key_F4}, [] { QApplication::quit(); });
-}
-
-void Commands::toggleWindow(WindowKind kind) {
-    const bool exists = std::ranges::any_of(
-        m_windows, [kind](const auto &window) { return window && window->windowKind() == kind; });
-    if (exists)
-        m_model.windows().setOpen(kind, !m_model.windows().isOpen(kind));
-    else
-        m_model.showNotice(kind == WindowKind::equalizer ? tr("No equalizer window yet")
-                                                         : tr("No playlist window yet"));
 }
 
 void Commands::popUpMainMenu(QPoint at) {

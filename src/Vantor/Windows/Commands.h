@@ -94,7 +94,6 @@ class Commands : public QObject {
     void updateChecks();
     /// The skinned window that the user works in.
     [[nodiscard]] SkinnedWindow *window() const;
-    void toggleWindow(WindowKind kind);
     void showFileInfo();
     void showPreferences();
     void showAbout();

@@ -3,6 +3,7 @@
 #include "Vantor/Model/PlayerModel.h"
 #include "Vantor/Windows/Commands.h"
 
+#include <QActionGroup>
 #include <QCoreApplication>
 #include <QFileInfo>
 #include <QMenu>
@@ -32,13 +33,13 @@ class Adder {
     Commands &m_commands;
 };
 
-// An ampersand in a file's name is no key of the menu.
-QString label(const QUrl &skin) {
-    return QFileInfo(skin.toLocalFile()).completeBaseName().replace(QLatin1Char('&'), QLatin1String("&&"));
+// An ampersand in a foreign name is no key of the menu.
+QString label(QString name) {
+    return name.replace(QLatin1Char('&'), QLatin1String("&&"));
 }
 
 void addSkin(QMenu &menu, const QUrl &skin, PlayerModel &model) {
-    QAction *const action = menu.addAction(label(skin));
+    QAction *const action = menu.addAction(label(QFileInfo(skin.toLocalFile()).completeBaseName()));
     action->setCheckable(true);
     action->setChecked(skin == model.skinUrl());
     QObject::connect(action, &QAction::triggered, &model, [&model, skin] { model.wear(skin); });
@@ -63,6 +64,18 @@ void fillSkins(QMenu &menu, const Adder &add, PlayerModel &model) {
     });
 }
 
+void fillOutputs(QMenu &menu, PlayerModel &model) {
+    auto *group = new QActionGroup(&menu);
+    for (const OutputChoice::Item &item : model.output().items()) {
+        QAction *const action = menu.addAction(label(item.label));
+        action->setCheckable(true);
+        action->setChecked(item.chosen);
+        group->addAction(action);
+        QObject::connect(action, &QAction::triggered, &model,
+                         [&model, key = item.key] { model.output().choose(key); });
+    }
+}
+
 } // namespace
 
 void fill(QMenu &menu, Commands &commands, PlayerModel &model) {
@@ -74,6 +87,8 @@ void fill(QMenu &menu, Commands &commands, PlayerModel &model) {
     add(*playback, {Id::previous, Id::play, Id::pause, Id::stop, Id::next});
     add(*playback, {Id::seekBack, Id::seekForward, Id::volumeUp, Id::volumeDown});
     add(*playback, {Id::jumpToFile, Id::shuffle, Id::repeat});
+    playback->addSeparator();
+    fillOutputs(*playback->addMenu(tr("Output Device")), model);
     fillSkins(*menu.addMenu(tr("Skins")), add, model);
     fillVisualisation(*menu.addMenu(tr("Visualisation")), commands);
     QMenu *const windows = menu.addMenu(tr("Windows"));

@@ -29,7 +29,7 @@ PlaylistWindow::PlaylistWindow(PlaylistModel &playlist, PlayerModel &model, Comm
       m_entries(new PlaylistCommands(playlist, model, commands, *this)) {
     setWindowTitle(tr("Playlist"));
     connect(&playlist, &PlaylistModel::changed, this, &PlaylistWindow::refresh);
-    connect(&playlist, &PlaylistModel::sizeChanged, this, &PlaylistWindow::takeShape);
+    connect(&playlist, &PlaylistModel::sizeChanged, this, [this] { resizeDocked([this] { takeShape(); }); });
     connect(&m_repeat, &QTimer::timeout, this, &PlaylistWindow::repeat);
     takeShape();
 }

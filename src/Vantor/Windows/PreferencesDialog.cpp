@@ -4,6 +4,7 @@
 #include "Vantor/Windows/FolderField.h"
 
 #include <QCheckBox>
+#include <QComboBox>
 #include <QDialogButtonBox>
 #include <QGridLayout>
 #include <QLabel>
@@ -59,6 +60,7 @@ PreferencesDialog::PreferencesDialog(PlayerModel &model, QWidget *parent)
     addPage(tr("General"), generalPage());
     addPage(tr("Skins"), skinsPage());
     addPage(tr("Library"), libraryPage());
+    addPage(tr("Output"), outputPage());
     addPage(tr("Playback"), playbackPage());
     m_titles->setFixedWidth(m_titles->sizeHintForColumn(0) + 48);
     connect(m_titles, &QListWidget::currentRowChanged, m_pages, &QStackedWidget::setCurrentIndex);
@@ -111,6 +113,30 @@ QWidget *PreferencesDialog::libraryPage() {
     page->addNote(tr("Files and folders are looked for here first when you open them."));
     connect(folder, &FolderField::chosen, page,
             [this](const QString &path) { m_model.preferences().setLibraryFolder(path); });
+    return page;
+}
+
+QWidget *PreferencesDialog::outputPage() {
+    auto *page = new Page;
+    auto *devices = new QComboBox;
+    page->addField(tr("&Device"), devices);
+    page->addNote(tr("A device that is not connected is used again as soon as it is; until then the system's "
+                     "default plays."));
+    const auto fill = [this, devices] {
+        const QSignalBlocker blocker(devices);
+        devices->clear();
+        for (const OutputChoice::Item &item : m_model.output().items()) {
+            devices->addItem(item.label, item.key.value_or(QString()));
+            if (item.chosen)
+                devices->setCurrentIndex(devices->count() - 1);
+        }
+    };
+    fill();
+    connect(&m_model.player(), &Player::outputDevicesChanged, devices, fill);
+    connect(devices, &QComboBox::activated, page, [this, devices](int index) {
+        const QString key = devices->itemData(index).toString();
+        m_model.output().choose(key.isEmpty() ? std::nullopt : std::optional(key));
+    });
     return page;
 }
 

@@ -22,6 +22,7 @@ class PreferencesDialog : public QDialog {
     [[nodiscard]] QWidget *generalPage();
     [[nodiscard]] QWidget *skinsPage();
     [[nodiscard]] QWidget *libraryPage();
+    [[nodiscard]] QWidget *outputPage();
     [[nodiscard]] QWidget *playbackPage();
 
     PlayerModel &m_model;

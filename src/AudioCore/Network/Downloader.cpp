@@ -14,11 +14,7 @@ static constexpr qint64 worthwhileBytes = 16 * 1024;
 static constexpr int largestMetaInterval = 16 * 1024 * 1024;
 static constexpr qsizetype longestName = 1024;
 
-static std::optional<qint64> number(const QByteArray &text) {
-    bool ok = false;
-    const qint64 value = text.toLongLong(&ok);
-    return ok && value >= 0 ? std::optional(value) : std::nullopt;
-}
+using HttpParsing::number;
 
 namespace {
 
@@ -31,10 +27,10 @@ struct ContentRange {
 
 // "bytes 100-199/2000"; the last number may be "*".
 static std::optional<ContentRange> contentRange(const HttpExchange::Answer &answer) {
-    const QByteArray text = answer.headers.value("content-range");
+    const QByteArray text = answer.header("content-range");
     const qsizetype dash = text.indexOf('-');
     const qsizetype slash = text.indexOf('/');
-    if (answer.status != 206 || !text.startsWith("bytes ") || dash < 0 || slash < dash)
+    if (answer.status() != 206 || !text.startsWith("bytes ") || dash < 0 || slash < dash)
         return std::nullopt;
     const std::optional<qint64> first = number(text.mid(6, dash - 6).trimmed());
     if (!first)
@@ -45,12 +41,12 @@ static std::optional<ContentRange> contentRange(const HttpExchange::Answer &answ
 static std::optional<qint64> sizeOf(const HttpExchange::Answer &answer) {
     if (const auto range = contentRange(answer))
         return range->size;
-    return number(answer.headers.value("content-length"));
+    return number(answer.header("content-length"));
 }
 
 static bool isRadio(const HttpExchange::Answer &answer) {
-    const auto names = answer.headers.keys();
-    return !answer.headers.contains("content-length") &&
+    const auto names = answer.head.headers.keys();
+    return !answer.head.headers.contains("content-length") &&
            std::any_of(names.begin(), names.end(),
                        [](const QByteArray &name) { return name.startsWith("icy-"); });
 }
@@ -61,11 +57,11 @@ static DownloadInfo infoOf(const HttpExchange::Answer &answer) {
     info.isLive = isRadio(answer);
     if (!info.isLive)
         info.size = sizeOf(answer);
-    info.isSeekable = info.size && (contentRange(answer) || answer.headers.value("accept-ranges") == "bytes");
-    const QByteArray type = answer.headers.value("content-type");
+    info.isSeekable = info.size && (contentRange(answer) || answer.header("accept-ranges") == "bytes");
+    const QByteArray type = answer.header("content-type");
     info.contentType = type.split(';').first().trimmed().toLower();
-    info.stationName = TextDecoding::lenient(answer.headers.value("icy-name")).left(longestName).simplified();
-    const QByteArray rate = answer.headers.value("icy-br"); // "128" or "128,128"
+    info.stationName = TextDecoding::lenient(answer.header("icy-name")).left(longestName).simplified();
+    const QByteArray rate = answer.header("icy-br"); // "128" or "128,128"
     const qint64 bitrate = number(rate.split(',').first().trimmed()).value_or(0);
     if (bitrate > 0 && bitrate < 100'000)
         info.bitrate = static_cast<int>(bitrate);
@@ -73,8 +69,8 @@ static DownloadInfo infoOf(const HttpExchange::Answer &answer) {
 }
 
 static QByteArray validatorOf(const HttpExchange::Answer &answer) {
-    const QByteArray tag = answer.headers.value("etag");
-    return tag.startsWith('"') ? tag : answer.headers.value("last-modified");
+    const QByteArray tag = answer.header("etag");
+    return tag.startsWith('"') ? tag : answer.header("last-modified");
 }
 
 Downloader::Downloader(QUrl url, std::shared_ptr<DownloadBuffer> buffer, DownloadTimings timings)
@@ -88,27 +84,21 @@ Downloader::Downloader(QUrl url, std::shared_ptr<DownloadBuffer> buffer, Downloa
     });
 }
 
-// Before what they use goes, as members do before children.
-Downloader::~Downloader() {
-    qDeleteAll(findChildren<HttpExchange *>());
-}
-
 void Downloader::start() {
     connectAt(0);
 }
 
-QNetworkRequest Downloader::request(qint64 position) const {
-    QNetworkRequest request(m_url);
-    request.setRawHeader("User-Agent", "Vantor/" + QCoreApplication::applicationVersion().toLatin1());
-    request.setRawHeader("Accept", "*/*");
-    request.setRawHeader("Accept-Encoding", "identity"); // the bytes of the file, not of a packed one
-    request.setRawHeader("Icy-MetaData", "1");
+QByteArray Downloader::headers(qint64 position) const {
+    QByteArray lines = "User-Agent: Vantor/" + QCoreApplication::applicationVersion().toLatin1() +
+                       "\r\nAccept: */*\r\n"
+                       "Accept-Encoding: identity\r\n" // the bytes of the file, not of a packed one
+                       "Icy-MetaData: 1\r\n";
     // Asked for from the start already, to hear whether the server knows parts.
     if (!m_info || m_info->isSeekable)
-        request.setRawHeader("Range", "bytes=" + QByteArray::number(position) + '-');
+        lines += "Range: bytes=" + QByteArray::number(position) + "-\r\n";
     if (position > 0 && !m_validator.isEmpty())
-        request.setRawHeader("If-Range", m_validator);
-    return request;
+        lines += "If-Range: " + m_validator + "\r\n";
+    return lines;
 }
 
 void Downloader::connectAt(qint64 position) {
@@ -117,16 +107,11 @@ void Downloader::connectAt(qint64 position) {
     m_buffer->setFetchPosition(position);
     m_surplus = 0;
     m_brought = 0;
-    use(m_isOldServer ? HttpExchange::withOldServer(request(position), this)
-                      : new HttpExchange(m_network, request(position), this));
-}
-
-void Downloader::use(HttpExchange *exchange) {
-    m_exchange = exchange;
-    connect(exchange, &HttpExchange::requestSent, this, [this] { m_patience.start(m_timings.stall); });
-    connect(exchange, &HttpExchange::answered, this, &Downloader::takeAnswer);
-    connect(exchange, &HttpExchange::readable, this, &Downloader::takeBytes);
-    connect(exchange, &HttpExchange::ended, this, &Downloader::takeBytes);
+    m_exchange = new HttpExchange(m_url, headers(position), this);
+    connect(m_exchange, &HttpExchange::requestSent, this, [this] { m_patience.start(m_timings.stall); });
+    connect(m_exchange, &HttpExchange::answered, this, &Downloader::takeAnswer);
+    connect(m_exchange, &HttpExchange::readable, this, &Downloader::takeBytes);
+    connect(m_exchange, &HttpExchange::ended, this, &Downloader::takeBytes);
     m_patience.start(m_timings.connect);
 }
 
@@ -142,7 +127,7 @@ void Downloader::drop() {
 void Downloader::takeAnswer() {
     m_patience.start(m_timings.stall);
     const HttpExchange::Answer &answer = *m_exchange->answer();
-    const int interval = answer.headers.value("icy-metaint").toInt();
+    const int interval = answer.header("icy-metaint").toInt();
     m_filter = IcyProtocol::Filter(interval > 0 && interval <= largestMetaInterval ? interval : 0);
     if (m_info ? !takeNextAnswer(answer) : !takeFirstAnswer(answer))
         giveUp();
@@ -150,7 +135,7 @@ void Downloader::takeAnswer() {
 
 bool Downloader::takeFirstAnswer(const HttpExchange::Answer &answer) {
     const auto range = contentRange(answer);
-    if (answer.status != 200 && !(range && range->first == 0))
+    if (answer.status() != 200 && !(range && range->first == 0))
         return false;
     m_info = infoOf(answer);
     m_validator = validatorOf(answer);
@@ -162,21 +147,21 @@ bool Downloader::takeFirstAnswer(const HttpExchange::Answer &answer) {
 
 // False when there is no hope. What may pass is an end like every other.
 bool Downloader::takeNextAnswer(const HttpExchange::Answer &answer) {
-    if (answer.status >= 500 || answer.status == 408 || answer.status == 429) {
+    if (answer.status() >= 500 || answer.status() == 408 || answer.status() == 429) {
         lose();
         return true;
     }
     if (m_info->isLive)
-        return answer.status == 200 || answer.status == 206;
+        return answer.status() == 200 || answer.status() == 206;
     if (!isSameFile(answer))
         return false;
-    if (answer.status == 200)
+    if (answer.status() == 200)
         m_surplus = m_position; // the server begins again
-    return answer.status == 200 || contentRange(answer)->first == m_position;
+    return answer.status() == 200 || contentRange(answer)->first == m_position;
 }
 
 bool Downloader::isSameFile(const HttpExchange::Answer &answer) const {
-    return (answer.status == 200 || contentRange(answer)) && sizeOf(answer) == m_info->size &&
+    return (answer.status() == 200 || contentRange(answer)) && sizeOf(answer) == m_info->size &&
            validatorOf(answer) == m_validator;
 }
 
@@ -202,10 +187,9 @@ void Downloader::takeBytes() {
     bool came = false;
     while (m_exchange && m_exchange->hasBytes()) {
         const qint64 room = m_surplus > 0 ? m_surplus : m_buffer->room();
-        const QByteArray bytes =
-            room > 0 ? m_exchange->read(std::min(room, DownloadBuffer::blockBytes)) : QByteArray();
-        if (bytes.isEmpty())
+        if (room == 0)
             break;
+        const QByteArray bytes = m_exchange->read(std::min(room, DownloadBuffer::blockBytes));
         came = true;
         if (m_surplus > 0)
             m_surplus -= bytes.size();
@@ -241,12 +225,9 @@ void Downloader::takeSound(QByteArrayView bytes) {
 }
 
 void Downloader::takeEnd() {
-    if (!m_exchange || !m_exchange->hasEnded() || (m_exchange->answer() && m_exchange->hasBytes()))
+    if (!m_exchange || !m_exchange->hasEnded() || m_exchange->hasBytes())
         return;
-    if (!m_info && m_exchange->isForeign() && m_url.scheme() == QLatin1String("http") && !m_isOldServer) {
-        m_isOldServer = true;
-        connectAt(0);
-    } else if (m_info && !m_info->size && !m_info->isLive && m_exchange->isComplete()) {
+    if (m_info && !m_info->size && !m_info->isLive && m_exchange->isComplete()) {
         drop();
         m_isOver = true;
         m_buffer->end();

@@ -4,7 +4,6 @@
 #include "AudioCore/Network/HttpExchange.h"
 #include "AudioCore/Network/IcyProtocol.h"
 
-#include <QNetworkAccessManager>
 #include <QTimer>
 
 #include <chrono>
@@ -32,7 +31,6 @@ class Downloader : public QObject {
 
   public:
     Downloader(QUrl url, std::shared_ptr<DownloadBuffer> buffer, DownloadTimings timings);
-    ~Downloader() override;
 
     void start();
     /// The reader has moved, or made room.
@@ -40,7 +38,6 @@ class Downloader : public QObject {
 
   private:
     void connectAt(qint64 position);
-    void use(HttpExchange *exchange);
     void drop();
     void takeAnswer();
     [[nodiscard]] bool takeFirstAnswer(const HttpExchange::Answer &answer);
@@ -50,20 +47,18 @@ class Downloader : public QObject {
     void takeEnd();
     void lose();
     void giveUp();
-    [[nodiscard]] QNetworkRequest request(qint64 position) const;
+    [[nodiscard]] QByteArray headers(qint64 position) const;
     [[nodiscard]] bool isSameFile(const HttpExchange::Answer &answer) const;
 
     const QUrl m_url;
     const std::shared_ptr<DownloadBuffer> m_buffer;
     const DownloadTimings m_timings;
-    QNetworkAccessManager m_network{this};
     HttpExchange *m_exchange = nullptr; ///< a child
     QTimer m_patience{this};
     QTimer m_retry{this};
     std::size_t m_attempts = 0; ///< since something was brought
     qint64 m_brought = 0;       ///< bytes of the present exchange
     bool m_isOver = false;
-    bool m_isOldServer = false;
 
     std::optional<DownloadInfo> m_info; ///< since the first answer
     QByteArray m_validator;             ///< a strong ETag or a date of the file

@@ -1,134 +1,121 @@
 #include "AudioCore/Network/HttpExchange.h"
 
-#include "AudioCore/Network/IcyProtocol.h"
-
-#include <QNetworkAccessManager>
-#include <QNetworkReply>
-#include <QTcpSocket>
+#include <QSslSocket>
 
 namespace vantor {
 
 static constexpr qint64 waitingBytes = 256 * 1024;
 static constexpr int mostRedirections = 5;
-static constexpr int httpPort = 80;
 
-HttpExchange::HttpExchange(QNetworkAccessManager &network, const QNetworkRequest &request, QObject *parent)
-    : QObject(parent), m_url(request.url()) {
-    QNetworkRequest own = request;
-    own.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::NoLessSafeRedirectPolicy);
-    own.setMaximumRedirectsAllowed(mostRedirections);
-    own.setAttribute(QNetworkRequest::CacheLoadControlAttribute, QNetworkRequest::AlwaysNetwork);
-    own.setAttribute(QNetworkRequest::Http2AllowedAttribute, false); // it knows no bound for what waits
-    m_reply = network.get(own);
-    m_reply->setParent(this);
-    m_reply->setReadBufferSize(waitingBytes);
-    connect(m_reply, &QNetworkReply::requestSent, this, [this] {
-        m_isRequestSent = true;
-        Q_EMIT requestSent();
-    });
-    connect(m_reply, &QNetworkReply::metaDataChanged, this, &HttpExchange::takeHeaders);
-    connect(m_reply, &QNetworkReply::readyRead, this, [this] {
-        takeHeaders();
-        Q_EMIT readable();
-    });
-    connect(m_reply, &QNetworkReply::finished, this, &HttpExchange::takeReplyEnd);
+static bool isSecure(const QUrl &url) {
+    return url.scheme() == QLatin1String("https");
+}
+
+static quint16 portOf(const QUrl &url) {
+    return static_cast<quint16>(url.port(isSecure(url) ? 443 : 80));
+}
+
+HttpExchange::HttpExchange(const QUrl &url, const QByteArray &headers, QObject *parent)
+    : QObject(parent), m_headers(headers) {
+    connectTo(url);
 }
 
 HttpExchange::~HttpExchange() {
-    if (m_reply) {
-        m_reply->disconnect(this);
-        m_reply->abort();
-    }
+    m_socket->disconnect(this);
+    m_socket->abort();
+}
+
+void HttpExchange::connectTo(const QUrl &url) {
+    m_url = url;
+    m_bytes.clear();
     if (m_socket) {
         m_socket->disconnect(this);
         m_socket->abort();
+        m_socket->deleteLater(); // it may be what calls
+    }
+    auto *const secure = isSecure(url) ? new QSslSocket(this) : nullptr;
+    m_socket = secure ? secure : new QTcpSocket(this);
+    m_socket->setReadBufferSize(waitingBytes);
+    connect(m_socket, &QTcpSocket::readyRead, this, &HttpExchange::takeBytes);
+    connect(m_socket, &QTcpSocket::disconnected, this, &HttpExchange::end);
+    connect(m_socket, &QTcpSocket::errorOccurred, this, &HttpExchange::end);
+    if (secure) {
+        connect(secure, &QSslSocket::encrypted, this, &HttpExchange::sendRequest);
+        secure->connectToHostEncrypted(url.host(), portOf(url));
+    } else {
+        connect(m_socket, &QTcpSocket::connected, this, &HttpExchange::sendRequest);
+        m_socket->connectToHost(url.host(), portOf(url));
     }
 }
 
-void HttpExchange::takeHeaders() {
-    const int status = m_reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-    const bool isRedirection = status >= 300 && status < 400;
-    if (m_answer || status == 0 || (isRedirection && !m_reply->isFinished()))
-        return;
-    m_answer = Answer{.status = status, .url = m_reply->url(), .headers = {}};
-    for (const auto &[name, value] : m_reply->rawHeaderPairs())
-        m_answer->headers.insert(name.toLower(), value);
-    Q_EMIT answered();
+void HttpExchange::sendRequest() {
+    const QByteArray place =
+        m_url.toEncoded(QUrl::RemoveScheme | QUrl::RemoveAuthority | QUrl::RemoveFragment);
+    QByteArray host = m_url.host(QUrl::FullyEncoded).toLatin1();
+    if (host.contains(':'))
+        host = '[' + host + ']';
+    if (m_url.port() >= 0)
+        host += ':' + QByteArray::number(m_url.port());
+    QByteArray request = "GET " + (place.startsWith('/') ? place : '/' + place) +
+                         " HTTP/1.1\r\nHost: " + host + "\r\nConnection: close\r\n" + m_headers;
+    if (!m_url.userName().isEmpty())
+        request += "Authorization: Basic " + m_url.userInfo(QUrl::FullyDecoded).toUtf8().toBase64() + "\r\n";
+    m_socket->write(request + "\r\n");
+    Q_EMIT requestSent();
 }
 
-void HttpExchange::takeReplyEnd() {
-    takeHeaders();
-    m_hasEnded = true;
-    m_isComplete = m_reply->error() == QNetworkReply::NoError;
-    m_isForeign = !m_answer && m_isRequestSent &&
-                  (m_reply->error() == QNetworkReply::RemoteHostClosedError ||
-                   m_reply->error() == QNetworkReply::ProtocolFailure);
-    Q_EMIT ended();
-}
-
-HttpExchange *HttpExchange::withOldServer(const QNetworkRequest &request, QObject *parent) {
-    auto *const exchange = new HttpExchange(parent);
-    exchange->openSocket(request);
-    return exchange;
-}
-
-void HttpExchange::openSocket(const QNetworkRequest &request) {
-    m_url = request.url();
-    m_socket = new QTcpSocket(this);
-    m_socket->setReadBufferSize(waitingBytes);
-    QByteArray text =
-        "GET " + m_url.toEncoded(QUrl::RemoveScheme | QUrl::RemoveAuthority | QUrl::RemoveFragment);
-    if (m_url.path().isEmpty())
-        text.insert(4, '/');
-    text += " HTTP/1.0\r\nHost: " + m_url.host(QUrl::FullyEncoded).toLatin1() + "\r\n";
-    for (const QByteArray &name : request.rawHeaderList())
-        text += name + ": " + request.rawHeader(name) + "\r\n";
-    connect(m_socket, &QTcpSocket::connected, this, [this, text] {
-        m_socket->write(text + "\r\n");
-        m_isRequestSent = true;
-        Q_EMIT requestSent();
-    });
-    connect(m_socket, &QTcpSocket::readyRead, this, &HttpExchange::takeSocketBytes);
-    connect(m_socket, &QTcpSocket::disconnected, this, &HttpExchange::takeSocketEnd);
-    connect(m_socket, &QTcpSocket::errorOccurred, this, &HttpExchange::takeSocketEnd);
-    m_socket->connectToHost(m_url.host(), static_cast<quint16>(m_url.port(httpPort)));
-}
-
-void HttpExchange::takeSocketBytes() {
-    if (!m_answer) {
-        m_head += m_socket->read(IcyProtocol::longestHead - m_head.size());
-        const std::optional<IcyProtocol::Head> head = IcyProtocol::parseHead(m_head);
+void HttpExchange::takeBytes() {
+    while (!m_answer) {
+        const QByteArray more = m_socket->read(HttpParsing::longestHead - m_bytes.size());
+        m_bytes += more;
+        const std::optional<HttpParsing::Head> head = HttpParsing::parseHead(m_bytes);
         if (!head)
             return;
-        if (head->status == 0) {
-            m_socket->abort();
-            return;
-        }
-        m_head.remove(0, head->length);
-        m_answer = Answer{.status = head->status, .url = m_url, .headers = head->headers};
+        m_bytes.remove(0, head->length);
+        const bool isInterim = head->status >= 100 && head->status < 200;
+        if (isInterim)
+            continue;
+        const QByteArray location = head->headers.value("location");
+        if (head->status >= 300 && head->status < 400 && !location.isEmpty())
+            return follow(location);
+        if (head->status == 0)
+            return end();
+        m_answer = Answer{.head = *head, .url = m_url};
+        m_body = HttpParsing::Body(*head);
         Q_EMIT answered();
     }
     Q_EMIT readable();
 }
 
-void HttpExchange::takeSocketEnd() {
+void HttpExchange::follow(const QByteArray &location) {
+    const QUrl target = m_url.resolved(QUrl::fromEncoded(location));
+    const bool isWeb = isSecure(target) || (target.scheme() == QLatin1String("http") && !isSecure(m_url));
+    if (!isWeb || target.host().isEmpty() || ++m_redirections > mostRedirections)
+        end();
+    else
+        connectTo(target);
+}
+
+void HttpExchange::end() {
     if (std::exchange(m_hasEnded, true))
         return;
-    m_isComplete = m_answer && m_socket->error() == QAbstractSocket::RemoteHostClosedError;
     Q_EMIT ended();
 }
 
 bool HttpExchange::hasBytes() const {
-    const QIODevice *const device = m_reply ? static_cast<QIODevice *>(m_reply) : m_socket;
-    return (m_answer && !m_head.isEmpty()) || device->bytesAvailable() > 0;
+    return m_answer && (!m_bytes.isEmpty() || m_socket->bytesAvailable() > 0);
 }
 
 QByteArray HttpExchange::read(qint64 most) {
-    if (m_head.isEmpty())
-        return m_reply ? m_reply->read(most) : m_socket->read(most);
-    QByteArray first = m_head.left(most);
-    m_head.remove(0, first.size());
-    return first;
+    if (m_bytes.isEmpty())
+        m_bytes = m_socket->read(most);
+    QByteArrayView raw = QByteArrayView(m_bytes).first(std::min<qint64>(most, m_bytes.size()));
+    const qsizetype taken = raw.size();
+    QByteArray bytes;
+    while (!raw.isEmpty())
+        bytes.append(m_body.take(raw));
+    m_bytes.remove(0, taken);
+    return bytes;
 }
 
 } // namespace vantor

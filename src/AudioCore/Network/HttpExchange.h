@@ -1,48 +1,46 @@
 #pragma once
 
-#include <QByteArray>
-#include <QHash>
-#include <QNetworkRequest>
+#include "AudioCore/Network/HttpParsing.h"
+
 #include <QObject>
 #include <QUrl>
 
 #include <optional>
 
-class QIODevice;
-class QNetworkAccessManager;
-class QNetworkReply;
 class QTcpSocket;
 
 namespace vantor {
 
-/// One GET request and its answer, whose body is read piece by piece while a bounded part of it waits. Emits
-/// answered() once, readable() when there may be more to read, and ended() last; nothing follows deletion.
+/// One GET request over a connection of its own, and its answer, whose body is read piece by piece while a
+/// bounded part of it waits. Qt's own client is not for radio: it refuses the status line of old servers
+/// after four attempts, knows no bound for heads, and its end may wait for a server that sends too much.
+///
+/// Emits answered() once, readable() when there may be more to read, and ended() at the end.
 class HttpExchange : public QObject {
     Q_OBJECT
 
   public:
     struct Answer {
-        int status = 0;
-        QUrl url;                              ///< where redirections have led to
-        QHash<QByteArray, QByteArray> headers; ///< names in lower case
+        HttpParsing::Head head;
+        QUrl url; ///< where redirections have led to
+
+        [[nodiscard]] int status() const { return head.status; }
+        [[nodiscard]] QByteArray header(const char *name) const { return head.headers.value(name); }
     };
 
-    /// Redirections are followed to http and from there or https to https, five at most.
-    HttpExchange(QNetworkAccessManager &network, const QNetworkRequest &request, QObject *parent);
-    /// An http server that answers "ICY 200 OK", as only radio servers of the first kind do.
-    static HttpExchange *withOldServer(const QNetworkRequest &request, QObject *parent);
+    /// `headers`: lines with their ends. Redirections are followed to http and https, but not from https to
+    /// http. A certificate that does not hold ends the exchange.
+    HttpExchange(const QUrl &url, const QByteArray &headers, QObject *parent);
     ~HttpExchange() override;
 
     [[nodiscard]] const std::optional<Answer> &answer() const { return m_answer; }
-    [[nodiscard]] bool isRequestSent() const { return m_isRequestSent; }
-    [[nodiscard]] bool hasEnded() const { return m_hasEnded; }
+    [[nodiscard]] bool hasEnded() const { return m_hasEnded || (m_answer && m_body.hasEnded()); }
     /// Of one that has ended: the body came whole, as far as can be known.
-    [[nodiscard]] bool isComplete() const { return m_isComplete; }
-    /// Of one that has ended: what answered does not speak HTTP as it is now.
-    [[nodiscard]] bool isForeign() const { return m_isForeign; }
-    /// Empty when nothing is there now.
-    [[nodiscard]] QByteArray read(qint64 most);
+    [[nodiscard]] bool isComplete() const { return m_answer && m_body.isComplete(); }
+    /// Whether read() has something to do.
     [[nodiscard]] bool hasBytes() const;
+    /// Bytes of the body; perhaps none.
+    [[nodiscard]] QByteArray read(qint64 most);
 
   Q_SIGNALS:
     void requestSent();
@@ -51,22 +49,21 @@ class HttpExchange : public QObject {
     void ended();
 
   private:
-    explicit HttpExchange(QObject *parent) : QObject(parent) {}
-    void takeHeaders();
-    void takeReplyEnd();
-    void openSocket(const QNetworkRequest &request);
-    void takeSocketBytes();
-    void takeSocketEnd();
+    void connectTo(const QUrl &url);
+    void sendRequest();
+    void takeBytes();
+    void takeHead(const HttpParsing::Head &head);
+    void follow(const QByteArray &location);
+    void end();
 
-    QNetworkReply *m_reply = nullptr;
-    QTcpSocket *m_socket = nullptr;
-    QByteArray m_head; ///< of an old server, until it is whole
+    const QByteArray m_headers;
     QUrl m_url;
+    int m_redirections = 0;
+    QTcpSocket *m_socket = nullptr; ///< a child
+    QByteArray m_bytes;             ///< the head until it is whole, then what came with it
     std::optional<Answer> m_answer;
-    bool m_isRequestSent = false;
+    HttpParsing::Body m_body;
     bool m_hasEnded = false;
-    bool m_isComplete = false;
-    bool m_isForeign = false;
 };
 
 } // namespace vantor

@@ -31,41 +31,7 @@ qsizetype valueLength(QByteArrayView bytes) {
     return quote < 0 ? bytes.size() : quote;
 }
 
-/// Behind the empty line, or −1. Some servers end lines with a line feed alone.
-qsizetype headLength(const QByteArray &bytes) {
-    const qsizetype usual = bytes.indexOf("\r\n\r\n");
-    const qsizetype bare = bytes.indexOf("\n\n");
-    if (bare >= 0 && (usual < 0 || bare < usual))
-        return bare + 2;
-    return usual < 0 ? -1 : usual + 4;
-}
-
-int statusOf(const QByteArray &line) {
-    if (!line.startsWith("ICY ") && !line.startsWith("HTTP/1."))
-        return 0;
-    bool ok = false;
-    const int status = line.mid(line.indexOf(' ') + 1, 3).toInt(&ok);
-    return ok && status >= 100 ? status : 0;
-}
-
 } // namespace
-
-std::optional<Head> parseHead(const QByteArray &bytes) {
-    Head head;
-    head.length = headLength(bytes);
-    if (head.length < 0 || head.length > longestHead)
-        return bytes.size() < longestHead ? std::nullopt : std::optional(Head());
-    const QList<QByteArray> lines = bytes.first(head.length).split('\n');
-    head.status = statusOf(lines.first());
-    if (head.status == 0)
-        return Head();
-    for (const QByteArray &line : lines.mid(1)) {
-        const qsizetype colon = line.indexOf(':');
-        if (colon > 0)
-            head.headers.insert(line.first(colon).trimmed().toLower(), line.mid(colon + 1).trimmed());
-    }
-    return head;
-}
 
 std::optional<QString> streamTitle(QByteArrayView block) {
     constexpr QByteArrayView key("StreamTitle='");

@@ -46,22 +46,3 @@ TEST(IcyProtocolTest, TheFilterTakesAnySlicing) {
         EXPECT_EQ(titleAt, 4);
     }
 }
-
-TEST(IcyProtocolTest, HeadsAreReadOrRefused) {
-    const std::tuple<const char *, QByteArray, std::optional<int>> rows[] = {
-        {"icy", "ICY 200 OK\r\nicy-name:x\r\n\r\nsound", 200},
-        {"http", "HTTP/1.0 404 Gone\nA: b\n\n", 404},
-        {"unfinished", "ICY 200 OK\r\nicy-na", std::nullopt},
-        {"no status", "ICY OK\r\n\r\n", 0},
-        {"other", "SSH-2.0\r\n\r\n", 0},
-        {"empty", "", std::nullopt},
-        {"endless", QByteArray(IcyProtocol::longestHead, 'x'), 0},
-    };
-    for (const auto &[name, bytes, status] : rows) {
-        SCOPED_TRACE(name);
-        const auto head = IcyProtocol::parseHead(bytes);
-        EXPECT_EQ(head ? std::optional(head->status) : std::nullopt, status);
-    }
-    EXPECT_EQ(IcyProtocol::parseHead("ICY 200 OK\r\nICY-Name: A: b\r\n\r\nsound"),
-              (IcyProtocol::Head{200, {{"icy-name", "A: b"}}, 30}));
-}

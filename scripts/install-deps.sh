@@ -30,7 +30,7 @@ name_libraries() {
     cat <<'TEXT'
 apt-get was not found, so nothing is installed. Vantor needs, by whatever names your system has them:
   compiler and tools      Clang 19 with LLD, CMake 3.25, Ninja, pkg-config, ccache (optional)
-  windows, images, HTTP   Qt 6.4 or later (base: Core, Gui, Widgets, Network, Concurrent) and OpenGL headers
+  windows, images, HTTP   Qt 6.4 or later (base: Core, Gui, Widgets, Network, Concurrent, DBus) and OpenGL headers
   ZIP archives            libzip and zlib
   audio decoding          FFmpeg 5.1 or later (libavformat, libavcodec, libavutil, libswresample)
   tags and covers         TagLib

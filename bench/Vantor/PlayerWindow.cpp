@@ -15,7 +15,8 @@ int main(int argc, char **argv) {
     QSettings settings(folder.filePath(QStringLiteral("settings.ini")), QSettings::IniFormat);
     Player player(std::make_unique<FileTrackResolver>(), makeSystemAudioOutput);
     PlayerModel model(player, settings);
-    MainWindow window(model);
+    Commands commands(model);
+    MainWindow window(model, commands);
     const QuitAfterFirstPaint quit(window);
     window.show();
     return QApplication::exec();

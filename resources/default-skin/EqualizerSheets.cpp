@@ -1,6 +1,6 @@
-#include "EqualizerPlaces.h"
 #include "Font.h"
 #include "Sheet.h"
+#include "SkinKit/Layout/EQLayout.h"
 #include "SkinKit/Layout/MainSliders.h"
 #include "Surface.h"
 
@@ -12,10 +12,7 @@ namespace {
 
 using namespace palette;
 
-constexpr int frames = 28;
-constexpr int frameColumns = 14;
-constexpr int framePitchX = 15;
-constexpr int framePitchY = 65;
+constexpr int frames = EQLayout::frameCount;
 // Rows inside a band at which the middle of the thumb stands for +12, 0 and −12 dB.
 constexpr int topRow = 5;
 constexpr int zeroRow = 30;
@@ -32,7 +29,7 @@ void engrave(Canvas &canvas, int x, int y, int length) {
 /// The metal behind the sliders, the same in every column, so that one frame fits every band.
 void paintScale(Canvas &canvas, int x, int width) {
     for (const int row : {topRow, zeroRow, bottomRow})
-        engrave(canvas, x, places::bands.y() + row, width);
+        engrave(canvas, x, EQLayout::bandStrip.y() + row, width);
 }
 
 /// The slit of a band with its light between 0 dB and the thumb.
@@ -66,12 +63,12 @@ void paintLabels(Canvas &canvas) {
     };
     constexpr std::string_view bandNames[] = {"60", "170", "310", "600", "1K",
                                               "3K", "6K",  "12K", "14K", "16K"};
-    int x = places::bands.x() + slitColumn;
+    int x = EQLayout::bandStrip.x() + slitColumn;
     for (const std::string_view name : bandNames) {
         centred(x, 105, name);
-        x += places::bandSpacing;
+        x += EQLayout::bandSpacing;
     }
-    centred(places::preamp.x() + slitColumn, 105, "PREAMP");
+    centred(EQLayout::preampOrigin.x() + slitColumn, 105, "PREAMP");
     font::drawSmall(canvas, 47, 40, "+12 dB", print);
     font::drawSmall(canvas, 47, 66, "0 dB", print);
     font::drawSmall(canvas, 47, 94, "-12 dB", print);
@@ -85,8 +82,8 @@ void paintTitleBar(Canvas canvas, bool focused) {
     paintGrille(canvas, {.from = 8, .to = x - 8, .fadeRight = true}, focused);
     paintGrille(canvas, {.from = x + titleWidth(text) + 6, .to = 248, .fadeLeft = true}, focused);
     paintTitle(canvas, x, text, focused);
-    paintTitleKey(canvas, places::shadeKey, glyphs::shade, Key::up, focused);
-    paintTitleKey(canvas, places::closeKey, glyphs::close, Key::up, focused);
+    paintTitleKey(canvas, EQLayout::shadeButton.topLeft(), glyphs::shade, Key::up, focused);
+    paintTitleKey(canvas, EQLayout::closeButton.topLeft(), glyphs::close, Key::up, focused);
 }
 
 void paintShade(Canvas canvas, bool focused) {
@@ -97,8 +94,8 @@ void paintShade(Canvas canvas, bool focused) {
     font::draw(canvas, 12, 4, "EQUALIZER", focused ? glyph : printDim);
     for (const auto &slider : {MainSliders::Slider::eqShadeVolume, MainSliders::Slider::eqShadeBalance})
         paintRecess(canvas, slider.rect().adjusted(0, 2, 0, -1));
-    paintTitleKey(canvas, places::shadeKey, glyphs::unshade, Key::up, focused);
-    paintTitleKey(canvas, places::closeKey, glyphs::close, Key::up, focused);
+    paintTitleKey(canvas, EQLayout::shadeButton.topLeft(), glyphs::unshade, Key::up, focused);
+    paintTitleKey(canvas, EQLayout::closeButton.topLeft(), glyphs::close, Key::up, focused);
 }
 
 void paintGraph(Sheet &sheet) {
@@ -138,8 +135,7 @@ void paintButtons(Sheet &sheet) {
 }
 
 Canvas bandFrame(Canvas grid, int frame) {
-    return grid.part(
-        {QPoint(frame % frameColumns * framePitchX, frame / frameColumns * framePitchY), places::band});
+    return grid.part(EQLayout::bandFrameRect({}, frame));
 }
 
 Sheet equalizerSheet(const QImage &window) {
@@ -148,14 +144,14 @@ Sheet equalizerSheet(const QImage &window) {
     grid.fill(grid.bounds(), ink);
     for (int i = 0; i < frames; ++i) {
         Canvas canvas = bandFrame(grid, i);
-        canvas.copy(window, places::bands);
+        canvas.copy(window, EQLayout::bandStrip.topLeft());
         paintBand(canvas, i);
     }
     Canvas background = sheet.sprite("EQ_WINDOW_BACKGROUND", window, {0, 0});
     constexpr int flat = frames / 2;
-    paintBand(background.part({places::preamp, places::band}), flat);
-    for (int i = 0; i < places::bandCount; ++i)
-        paintBand(background.part({places::bands + QPoint(i * places::bandSpacing, 0), places::band}), flat);
+    paintBand(background.part({EQLayout::preampOrigin, EQLayout::bandSize}), flat);
+    for (int i = 0; i < EQLayout::bandCount; ++i)
+        paintBand(background.part({EQLayout::bandOrigin(i), EQLayout::bandSize}), flat);
     paintTitleBar(sheet.sprite("EQ_TITLE_BAR"), false);
     paintTitleBar(sheet.sprite("EQ_TITLE_BAR_SELECTED"), true);
     paintThumb(sheet.sprite("EQ_SLIDER_THUMB"), false);
@@ -193,15 +189,15 @@ Sheet extraSheet() {
 
 /// The window without its sliders.
 QImage bareWindow() {
-    QImage image(places::equalizer, QImage::Format_RGB32);
+    QImage image(EQLayout::windowSize, QImage::Format_RGB32);
     Canvas canvas(image);
     paintWindow(canvas);
     canvas.row(2, titleHeight, canvas.width() - 4, mix(bodyTop, light, 0.5));
-    paintWell(canvas, places::graph);
-    paintRecess(canvas, {places::equalizerOn, QSize(58, 12)});
-    paintRecess(canvas, {places::presets, QSize(44, 12)});
-    paintScale(canvas, places::preamp.x() - 5, 25);
-    paintScale(canvas, places::bands.x() - 5, 186);
+    paintWell(canvas, EQLayout::graph);
+    paintRecess(canvas, EQLayout::onButton | EQLayout::autoButton);
+    paintRecess(canvas, EQLayout::presetsButton);
+    paintScale(canvas, EQLayout::preampOrigin.x() - 5, 25);
+    paintScale(canvas, EQLayout::bandStrip.x() - 5, 186);
     paintLabels(canvas);
     return image;
 }

@@ -21,6 +21,10 @@ int percent(double fraction) {
     return static_cast<int>(std::round(clampedFraction(fraction) * 100));
 }
 
+QString bandLabel(int hertz) {
+    return hertz > 999 ? QStringLiteral("%1KHz").arg(hertz / 1000) : QStringLiteral("%1Hz").arg(hertz);
+}
+
 } // namespace
 
 QString idle() {
@@ -67,6 +71,14 @@ QString seek(double fraction, double duration) {
     return QStringLiteral("Seek to: %1/%2 (%3%)")
         .arg(time(duration * place), time(duration))
         .arg(static_cast<int>(place * 100));
+}
+
+QString equalizer(std::optional<int> bandHz, double gain) {
+    const QString label = bandHz ? bandLabel(*bandHz) : QStringLiteral("Preamp");
+    // Halves go up on both sides of zero; no such value prints as "-0".
+    const double tenths = std::isfinite(gain) ? std::floor(gain * 10 + 0.5) : 0;
+    return QStringLiteral("EQ: %1 %2%3 dB")
+        .arg(label, tenths > 0 ? QStringLiteral("+") : QString(), QString::number(tenths / 10));
 }
 
 } // namespace vantor::MarqueeText

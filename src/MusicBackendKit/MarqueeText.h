@@ -23,5 +23,7 @@ namespace vantor::MarqueeText {
 [[nodiscard]] QString balance(double balance);
 /// `fraction` 0…1 of `duration` seconds.
 [[nodiscard]] QString seek(double fraction, double duration);
+/// A band by its centre in Hz, without one the preamp; `gain` in decibels, shown to a tenth.
+[[nodiscard]] QString equalizer(std::optional<int> bandHz, double gain);
 
 } // namespace vantor::MarqueeText

@@ -24,6 +24,11 @@ TEST(MarqueeTextTest, Sentences) {
         {MarqueeText::balance(nan), "Balance: Center"},
         {MarqueeText::seek(0.999, 200), "Seek to: 3:19/3:20 (99%)"},
         {MarqueeText::seek(-1, 61), "Seek to: 0:00/1:01 (0%)"},
+        {MarqueeText::equalizer(14000, 12), "EQ: 14KHz +12 dB"},
+        {MarqueeText::equalizer(999, 0.05), "EQ: 999Hz +0.1 dB"},
+        {MarqueeText::equalizer({}, -3.25), "EQ: Preamp -3.2 dB"},
+        {MarqueeText::equalizer(60, -0.05), "EQ: 60Hz 0 dB"},
+        {MarqueeText::equalizer(60, nan), "EQ: 60Hz 0 dB"},
     };
     for (const auto &[shown, expected] : rows)
         EXPECT_EQ(shown.toStdString(), expected);

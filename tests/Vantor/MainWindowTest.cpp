@@ -22,7 +22,8 @@ class MainWindowTest : public PlayerFixture {
     void release(QPoint at) { QTest::mouseRelease(&m_window, Qt::LeftButton, {}, at); }
     void click(QPoint at) { QTest::mouseClick(&m_window, Qt::LeftButton, {}, at); }
 
-    MainWindow m_window{m_model};
+    Commands m_commands{m_model};
+    MainWindow m_window{m_model, m_commands};
 };
 
 } // namespace
@@ -57,7 +58,7 @@ TEST_F(MainWindowTest, TransportButtonsDriveThePlayer) {
 TEST_F(MainWindowTest, SlidersFollowThePointerAtDoubleSizeToo) {
     for (const bool doubled : {false, true}) {
         SCOPED_TRACE(doubled);
-        m_model.setDoubleSize(doubled);
+        m_model.windows().setDoubleSize(doubled);
         const int zoom = doubled ? 2 : 1;
         const MainSliders::Slider &slider = MainSliders::Slider::volume;
         const int y = slider.origin.y() + 5;

@@ -15,10 +15,10 @@ struct Outcome {
     QString errors;
 };
 
-/// No display, no sound server and none of the user's settings.
+/// No display, no sound server, no message bus and none of the user's settings.
 QProcessEnvironment ownEnvironment(const QTemporaryDir &folder) {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    for (const char *name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
+    for (const char *name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM", "DBUS_SESSION_BUS_ADDRESS"})
         environment.remove(QLatin1String(name));
     for (const char *name : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_RUNTIME_DIR"})
         environment.insert(QLatin1String(name), folder.path());

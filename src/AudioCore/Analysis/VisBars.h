@@ -14,6 +14,7 @@ struct VisBars {
     int maxHeight = 15;
     bool smallVis = false; ///< shows a peak in the bottom row instead of hiding it
     int pushDown = 0;      ///< levels taken off every bar and peak
+    int columnsPerBar = 4; ///< neighbours that show their common level; 1 or more
 
     std::array<int, columnCount> heights{}; ///< 0…maxHeight
     /// Row, counted from 1 at the bottom; −2 or below: hidden.

@@ -3,6 +3,7 @@
 #include "AudioCore/Analysis/AnalyzerTap.h"
 #include "AudioCore/AudioCoreError.h"
 #include "AudioCore/Equalizer/EQState.h"
+#include "AudioCore/NowPlaying/NowPlayingCommandTarget.h"
 #include "AudioCore/Output/AudioOutput.h"
 #include "AudioCore/Playback/PlaybackState.h"
 #include "AudioCore/PlaybackFormat.h"
@@ -35,7 +36,7 @@ using AudioOutputFactory = std::function<std::unique_ptr<AudioOutput>()>;
 /// The playback engine: the queue, the audio graph, volume and balance, the spectrum tap and the decoding
 /// that feeds them. Lives on the main thread; files are opened and decoded elsewhere. Events are delivered on
 /// the main thread after the state that they tell of has been set. Values out of range are clamped.
-class Player : public QObject {
+class Player : public QObject, public NowPlayingCommandTarget {
     Q_OBJECT
 
   public:
@@ -60,15 +61,15 @@ class Player : public QObject {
     [[nodiscard]] QString outputName() const;
 
     void enqueue(const std::vector<Track> &tracks);
-    void play();
+    void play() override;
     void play(int index);
-    void pause();
+    void pause() override;
     void togglePause();
-    void togglePlayPause();
-    void stop();
-    void next();
-    void previous();
-    void seek(double seconds);
+    void togglePlayPause() override;
+    void stop() override;
+    void next() override;
+    void previous() override;
+    void seek(double seconds) override;
     void removeTrack(int index);
     void removeTracks(const IndexSet &indices);
     void moveTracks(const IndexSet &indices, int offset);

@@ -4,6 +4,7 @@
 #include "SkinKit/Layout/MainSliders.h"
 #include "SkinKit/Layout/MainWindowLayout.h"
 
+#include <algorithm>
 #include <span>
 #include <vector>
 
@@ -64,16 +65,26 @@ std::vector<Place> shadePlaces() {
     return places;
 }
 
+const std::vector<Place> &places(bool shaded) {
+    static const std::vector<Place> full = fullPlaces();
+    static const std::vector<Place> shade = shadePlaces();
+    return shaded ? shade : full;
+}
+
 } // namespace
 
 MainWindowControl mainWindowControlAt(QPoint point, bool shaded) {
-    static const std::vector<Place> full = fullPlaces();
-    static const std::vector<Place> shade = shadePlaces();
-    for (const Place &place : shaded ? shade : full) {
+    for (const Place &place : places(shaded)) {
         if (place.rect.contains(point))
             return place.control;
     }
     return Control::none;
+}
+
+QRect mainWindowControlRect(MainWindowControl control, bool shaded) {
+    const auto &all = places(shaded);
+    const auto found = std::ranges::find(all, control, &Place::control);
+    return found == all.end() ? QRect() : found->rect;
 }
 
 } // namespace vantor

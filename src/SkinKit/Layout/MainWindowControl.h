@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QPoint>
+#include <QRect>
 
 namespace vantor {
 
@@ -37,5 +38,7 @@ enum class MainWindowControl {
 /// The control under a point in skin pixels. In shade form the position slider, the small transport buttons,
 /// the title buttons, the time and the visualizer answer. `none` outside the window.
 [[nodiscard]] MainWindowControl mainWindowControlAt(QPoint point, bool shaded);
+/// Where a control is; null where that form of the window does not have it.
+[[nodiscard]] QRect mainWindowControlRect(MainWindowControl control, bool shaded);
 
 } // namespace vantor

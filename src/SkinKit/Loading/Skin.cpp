@@ -1,5 +1,6 @@
 #include "SkinKit/Loading/Skin.h"
 
+#include "SkinKit/Layout/EQLayout.h"
 #include "SkinKit/Layout/MainSliders.h"
 #include "SkinKit/Sprites/SkinSprites.h"
 
@@ -48,13 +49,11 @@ QImage Skin::imageFrame(const QString &sprite, int frame) const {
 }
 
 QImage Skin::imageBandFrame(const QString &sprite, int frame) const {
-    constexpr int columns = 14;
-    constexpr int rows = 2;
     const auto location = resolve(sprite);
-    if (!location || frame < 0 || frame >= columns * rows)
+    if (!location || frame < 0 || frame >= EQLayout::frameCount)
         return {};
-    const QPoint corner = location->rect.topLeft() + QPoint(frame % columns * 15, frame / columns * 65);
-    return cut(sheets.value(location->sheet), QRect(corner, QSize(14, 63)) & location->rect);
+    return cut(sheets.value(location->sheet),
+               EQLayout::bandFrameRect(location->rect, frame) & location->rect);
 }
 
 } // namespace vantor

@@ -44,7 +44,7 @@ struct Skin {
     [[nodiscard]] QImage image(const QString &sprite) const;
     /// One frame of a volume or balance background; `frame` as MainSliders::volumeFrame gives it.
     [[nodiscard]] QImage imageFrame(const QString &sprite, int frame) const;
-    /// One frame of the equalizer's band background: 14 columns by 2 rows of 14 × 63 pixels, 15 and 65 apart.
+    /// One frame of the equalizer's band background; `frame` as EQLayout::frame gives it.
     [[nodiscard]] QImage imageBandFrame(const QString &sprite, int frame) const;
 
     bool operator==(const Skin &) const = default;

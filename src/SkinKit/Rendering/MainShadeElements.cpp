@@ -1,7 +1,7 @@
 #include "SkinKit/Layout/MainShadeLayout.h"
 #include "SkinKit/Layout/MainSliders.h"
 #include "SkinKit/Layout/MainWindowLayout.h"
-#include "SkinKit/Rendering/SceneElement_p.h"
+#include "SkinKit/Rendering/MainWindowElements_p.h"
 #include "SkinKit/Rendering/SkinTextFont.h"
 #include "SkinKit/Rendering/VisualizerPicture_p.h"
 
@@ -128,12 +128,12 @@ bool titleDiffers(const MainWindowScene &before, const MainWindowScene &after) {
     return before.focused != after.focused || pressedTitleButton(before) != pressedTitleButton(after);
 }
 
-std::span<const SceneElement> mainShadeElements() {
+std::span<const SceneElement<MainWindowScene>> mainShadeElements() {
     static const std::array elements{
-        SceneElement{QRect({0, 0}, MainWindowLayout::shadeSize), titleDiffers, drawTitle},
-        SceneElement{MainShadeLayout::miniTimeHitArea, miniTimeDiffers, drawMiniTime},
-        SceneElement{visualizerArea, visualizerDiffers, drawVisualizer},
-        SceneElement{Slider::shadePosition.rect(), positionDiffers, drawPosition},
+        SceneElement<Scene>{QRect({0, 0}, MainWindowLayout::shadeSize), titleDiffers, drawTitle},
+        SceneElement<Scene>{MainShadeLayout::miniTimeHitArea, miniTimeDiffers, drawMiniTime},
+        SceneElement<Scene>{visualizerArea, visualizerDiffers, drawVisualizer},
+        SceneElement<Scene>{Slider::shadePosition.rect(), positionDiffers, drawPosition},
     };
     return elements;
 }

@@ -1,6 +1,6 @@
 #include "SkinKit/Layout/MainSliders.h"
 #include "SkinKit/Layout/MainWindowLayout.h"
-#include "SkinKit/Rendering/SceneElement_p.h"
+#include "SkinKit/Rendering/MainWindowElements_p.h"
 #include "SkinKit/Rendering/SkinTextFont.h"
 #include "SkinKit/Rendering/VisualizerPicture_p.h"
 
@@ -16,16 +16,6 @@ using MainSliders::Slider;
 using MainSliders::Toggle;
 using MainWindowLayout::ClutterButton;
 using MainWindowLayout::Transport;
-
-/// Two scenes differ in an element when its state, all that its drawing depends on, differs.
-template <auto state>
-bool stateDiffers(const Scene &before, const Scene &after) {
-    return state(before) != state(after);
-}
-
-bool same(const Scene &, const Scene &) {
-    return false;
-}
 
 void drawBackground(const SkinCanvas &canvas, const Scene &) {
     canvas.sprites.draw(QStringLiteral("MAIN_WINDOW_BACKGROUND"), {0, 0});
@@ -269,29 +259,30 @@ void drawTransport(const SkinCanvas &canvas, const Scene &scene) {
 }
 
 template <std::size_t index>
-SceneElement transportElement() {
+SceneElement<Scene> transportElement() {
     return {MainWindowLayout::rect(MainWindowLayout::transports[index]),
             stateDiffers<transportPressed<index>>, drawTransport<index>};
 }
 
 } // namespace
 
-std::span<const SceneElement> mainWindowElements() {
+std::span<const SceneElement<MainWindowScene>> mainWindowElements() {
     static const std::array elements{
-        SceneElement{QRect({0, 0}, MainWindowLayout::size), same, drawBackground},
-        SceneElement{MainWindowLayout::titleBar, titleDiffers, drawTitle},
-        SceneElement{MainWindowLayout::clutterBar, stateDiffers<clutterState>, drawClutterBar},
-        SceneElement{{24, 28, 11, 9}, stateDiffers<transportState>, drawIndicators},
-        SceneElement{{minusCellX, MainWindowLayout::digitY, 60, 13}, stateDiffers<clockState>, drawClock},
-        SceneElement{{111, 43, 55, 6}, stateDiffers<ratesState>, drawRates},
-        SceneElement{{212, 41, 56, 12}, stateDiffers<channelsState>, drawChannels},
-        SceneElement{MainWindowLayout::marquee, marqueeDiffers, drawMarquee},
-        SceneElement{MainWindowLayout::visualizer, visualizerDiffers, drawVisualizer},
-        SceneElement{Slider::volume.rect(), stateDiffers<volumeState>, drawVolume},
-        SceneElement{Slider::balance.rect(), stateDiffers<balanceState>, drawBalance},
-        SceneElement{Slider::position.rect(), stateDiffers<positionState>, drawPosition},
-        SceneElement{{219, 58, 46, 12}, stateDiffers<windowTogglesState>, drawWindowToggles},
-        SceneElement{{164, 89, 74, 15}, stateDiffers<orderTogglesState>, drawOrderToggles},
+        SceneElement<Scene>{QRect({0, 0}, MainWindowLayout::size), neverDiffers, drawBackground},
+        SceneElement<Scene>{MainWindowLayout::titleBar, titleDiffers, drawTitle},
+        SceneElement<Scene>{MainWindowLayout::clutterBar, stateDiffers<clutterState>, drawClutterBar},
+        SceneElement<Scene>{{24, 28, 11, 9}, stateDiffers<transportState>, drawIndicators},
+        SceneElement<Scene>{
+            {minusCellX, MainWindowLayout::digitY, 60, 13}, stateDiffers<clockState>, drawClock},
+        SceneElement<Scene>{{111, 43, 55, 6}, stateDiffers<ratesState>, drawRates},
+        SceneElement<Scene>{{212, 41, 56, 12}, stateDiffers<channelsState>, drawChannels},
+        SceneElement<Scene>{MainWindowLayout::marquee, marqueeDiffers, drawMarquee},
+        SceneElement<Scene>{MainWindowLayout::visualizer, visualizerDiffers, drawVisualizer},
+        SceneElement<Scene>{Slider::volume.rect(), stateDiffers<volumeState>, drawVolume},
+        SceneElement<Scene>{Slider::balance.rect(), stateDiffers<balanceState>, drawBalance},
+        SceneElement<Scene>{Slider::position.rect(), stateDiffers<positionState>, drawPosition},
+        SceneElement<Scene>{{219, 58, 46, 12}, stateDiffers<windowTogglesState>, drawWindowToggles},
+        SceneElement<Scene>{{164, 89, 74, 15}, stateDiffers<orderTogglesState>, drawOrderToggles},
         transportElement<0>(),
         transportElement<1>(),
         transportElement<2>(),

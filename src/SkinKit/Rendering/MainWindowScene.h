@@ -15,13 +15,18 @@ namespace vantor {
 struct VisualizerBars {
     std::array<int, 75> heights{}; ///< 0…16 pixels from the bottom
     std::array<int, 75> peaks{};   ///< rows from the bottom, 1 the lowest; below 1 hidden
+    bool thin = false;             ///< a line a column instead of bars three columns wide
 
     bool operator==(const VisualizerBars &) const = default;
 };
 
+/// How the oscilloscope joins its samples: not at all, to each other, or to the middle line.
+enum class ScopeStyle { dots, lines, solid };
+
 /// The oscilloscope's curve.
 struct VisualizerScope {
     std::array<float, 76> samples{}; ///< −1…1
+    ScopeStyle style = ScopeStyle::lines;
 
     bool operator==(const VisualizerScope &) const = default;
 };

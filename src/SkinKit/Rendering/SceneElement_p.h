@@ -1,12 +1,9 @@
 #pragma once
 
 #include "SkinKit/Loading/Skin.h"
-#include "SkinKit/Rendering/MainWindowScene.h"
 #include "SkinKit/Sprites/SpriteDrawer.h"
 
 #include <QPainter>
-
-#include <span>
 
 namespace vantor {
 
@@ -17,20 +14,25 @@ struct SkinCanvas {
     SpriteDrawer sprites{skin, painter};
 };
 
-/// A part of the window that changes as one. Drawing stays inside the area, which is opaque once everything
-/// below it is drawn; `differs` tells whether two scenes can give different pictures of it.
+/// A part of a window that changes as one. Drawing stays inside the area, which is opaque once everything
+/// below it is drawn; `differs` tells whether two scenes can give different pictures of it. A window's
+/// elements are listed in drawing order, and the first covers the window.
+template <class Scene>
 struct SceneElement {
     QRect area;
-    bool (*differs)(const MainWindowScene &before, const MainWindowScene &after);
-    void (*draw)(const SkinCanvas &canvas, const MainWindowScene &scene);
+    bool (*differs)(const Scene &before, const Scene &after);
+    void (*draw)(const SkinCanvas &canvas, const Scene &scene);
 };
 
-/// In drawing order; the first covers the window.
-[[nodiscard]] std::span<const SceneElement> mainWindowElements();
-[[nodiscard]] std::span<const SceneElement> mainShadeElements();
+/// Two scenes differ in an element when its state, all that its drawing depends on, differs.
+template <auto state, class Scene>
+bool stateDiffers(const Scene &before, const Scene &after) {
+    return state(before) != state(after);
+}
 
-/// Title buttons over a bar that has just been drawn.
-void drawTitleButtons(const SkinCanvas &canvas, const MainWindowScene &scene);
-[[nodiscard]] bool titleDiffers(const MainWindowScene &before, const MainWindowScene &after);
+template <class Scene>
+bool neverDiffers(const Scene &, const Scene &) {
+    return false;
+}
 
 } // namespace vantor

@@ -58,7 +58,7 @@ void plotBars(Plot &plot, const VisualizerBars &bars) {
     const int step = columnStep(plot);
     for (int x = 0; x < plot.columns(); ++x) {
         const auto column = static_cast<std::size_t>(x * step);
-        const bool isGap = x * step % barColumns + step >= barColumns;
+        const bool isGap = !bars.thin && x * step % barColumns + step >= barColumns;
         if (isGap || column >= bars.heights.size())
             continue;
         const int height = (std::clamp(bars.heights[column], 0, fullRows) * rows + fullRows / 2) / fullRows;
@@ -82,14 +82,26 @@ std::size_t scopeColor(int y, int rows) {
     return middleScopeColor + static_cast<std::size_t>(doubledDistance * scopeColorCount / (rows + 1));
 }
 
+/// The row up or down to which a sample's column is filled.
+int scopeJoint(ScopeStyle style, int row, int previous, int rows) {
+    switch (style) {
+    case ScopeStyle::dots:
+        break;
+    case ScopeStyle::lines: // beside the neighbour's, so that the curve has no holes
+        return previous < row ? previous + 1 : previous > row ? previous - 1 : row;
+    case ScopeStyle::solid:
+        return scopeRow(0, rows);
+    }
+    return row;
+}
+
 void plotScope(Plot &plot, const VisualizerScope &scope) {
     const int rows = plot.rows();
     const int step = columnStep(plot);
     int previous = scopeRow(scope.samples[0], rows);
     for (int x = 0; x < plot.columns(); ++x) {
         const int row = scopeRow(scope.samples.at(static_cast<std::size_t>(x * step)), rows);
-        // Down or up to the row beside the neighbour's, so that the curve has no holes.
-        const int joint = previous < row ? previous + 1 : previous > row ? previous - 1 : row;
+        const int joint = scopeJoint(scope.style, row, previous, rows);
         for (int y = std::min(row, joint); y <= std::max(row, joint); ++y)
             plot.set(x, y, scopeColor(y, rows));
         previous = row;

@@ -1,5 +1,6 @@
 #include "Vantor/App/Program.h"
 
+#include "AudioCore/NowPlaying/NowPlayingBridge.h"
 #include "AudioCore/Output/SystemAudioOutput.h"
 #include "AudioCore/Playback/Player.h"
 #include "LocalPlayback/Queue/QueueAutosaver.h"
@@ -7,10 +8,12 @@
 #include "Vantor/App/LaunchOptions.h"
 #include "Vantor/App/TimedRun.h"
 #include "Vantor/Model/PlayerModel.h"
+#include "Vantor/Mpris/MprisService.h"
+#include "Vantor/Windows/EqualizerWindow.h"
 #include "Vantor/Windows/MainWindow.h"
+#include "Vantor/Windows/SkinAccessibility.h"
 
 #include <QApplication>
-#include <QFileInfo>
 #include <QIcon>
 #include <QSettings>
 
@@ -83,15 +86,34 @@ class SavedQueue {
     bool m_hasTracks = false;
 };
 
+/// What the desktop shows and commands: its media keys and widgets.
+class DesktopPresence {
+  public:
+    DesktopPresence(PlayerModel &model, MainWindow &window)
+        : m_service(model, {.raise = [&window] { bringToFront(window); }, .quit = &QApplication::quit}),
+          m_bridge(model.player(), model.player(), m_service.center()) {
+        m_bridge.install();
+        m_service.connectToBus();
+    }
+
+  private:
+    static void bringToFront(MainWindow &window) {
+        window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
+        window.show();
+        window.raise();
+        window.activateWindow();
+    }
+
+    MprisService m_service;
+    NowPlayingBridge m_bridge;
+};
+
 // The skin asked for, else the one worn last; and the files asked for, else the demo track if there is no
 // saved queue that could be played.
-void openWhatWasAskedFor(PlayerModel &model, const LaunchOptions &options, const QSettings &settings,
-                         bool withDemo) {
-    const QString lastSkin = settings.value(QStringLiteral("skin")).toString();
-    if (options.skin)
-        model.wear(*options.skin);
-    else if (QFileInfo::exists(lastSkin))
-        model.wear(QUrl::fromLocalFile(lastSkin));
+void openWhatWasAskedFor(PlayerModel &model, const LaunchOptions &options, bool withDemo) {
+    const QUrl skin = options.skin.value_or(model.skins().lastWorn());
+    if (!skin.isEmpty())
+        model.wear(skin);
 
     if (!options.files.isEmpty())
         model.open(options.files);
@@ -131,18 +153,26 @@ int runProgram(int argc, char **argv) {
     std::optional<SavedQueue> savedQueue;
     if (!options.seconds)
         savedQueue.emplace(player);
-    MainWindow window(model);
+    EqualizerModel equalizer(player, settings, AppPaths::dataFolder());
+    Commands commands(model);
+    installSkinAccessibility();
+    MainWindow window(model, commands);
+    EqualizerWindow equalizerWindow(model, equalizer, commands);
     std::optional<TimedRun> timedRun;
     if (options.seconds)
         timedRun.emplace(model, window, *options.seconds, options.screenshot.value_or(QString()));
-    window.show();
+    window.showIfOpen();
+    equalizerWindow.showIfOpen();
+    std::optional<DesktopPresence> presence; // from when the window is there
     const bool withDemo = !savedQueue || !savedQueue->hasTracks();
     QMetaObject::invokeMethod(
         &model,
         [&] {
-            openWhatWasAskedFor(model, options, settings, withDemo);
+            openWhatWasAskedFor(model, options, withDemo);
             if (timedRun)
                 timedRun->begin();
+            else
+                presence.emplace(model, window);
         },
         Qt::QueuedConnection);
     const int status = QApplication::exec();

@@ -3,8 +3,6 @@
 #include "MusicBackendKit/MarqueeText.h"
 #include "SkinKit/Layout/MainSliders.h"
 
-#include <QDir>
-#include <QFileInfo>
 #include <QLoggingCategory>
 #include <QSettings>
 #include <QTimer>
@@ -23,18 +21,6 @@ constexpr std::chrono::milliseconds marqueeInterval{33}; // a pixel a step
 constexpr std::chrono::milliseconds blinkInterval{100};
 constexpr double blinkHalfPeriod = 0.5; // seconds
 
-bool isSkinFolder(const QString &path) {
-    return !QDir(path)
-                .entryList({QStringLiteral("main.bmp"), QStringLiteral("main.png")}, QDir::Files)
-                .isEmpty();
-}
-
-bool isSkin(const QUrl &url) {
-    const QFileInfo file(url.toLocalFile());
-    return file.suffix().compare(QLatin1String("wsz"), Qt::CaseInsensitive) == 0 ||
-           (file.isDir() && isSkinFolder(file.filePath()));
-}
-
 MainWindowStatus::Transport transportOf(PlaybackState state) {
     switch (state) {
     case PlaybackState::stopped:
@@ -49,16 +35,16 @@ MainWindowStatus::Transport transportOf(PlaybackState state) {
     return MainWindowStatus::Transport::stopped;
 }
 
-VisualizerBars picture(const VisBars &bars) {
-    return {bars.heights, bars.peaks};
-}
-
 } // namespace
 
 PlayerModel::PlayerModel(Player &player, QSettings &settings, QObject *parent)
-    : QObject(parent), m_player(player), m_settings(settings), m_skin(SkinLoader::defaultSkin()) {
+    : QObject(parent), m_player(player), m_settings(settings), m_skin(SkinLoader::defaultSkin()),
+      m_skins(settings), m_windows(settings), m_visualizer(player.analyzer(), settings) {
     restoreSettings();
     updateTitle();
+    connect(&m_visualizer, &Visualizer::changed, this, &PlayerModel::sceneChanged);
+    connect(&m_clock, &FrameClock::frame, this, &PlayerModel::advance);
+    connect(this, &PlayerModel::sceneChanged, &m_clock, [this] { m_clock.setInterval(frameInterval()); });
 
     m_observer = player.addEventObserver([this](const PlayerEvent &event) { handle(event); });
     connect(&player, &Player::queueChanged, this, [this] {
@@ -109,28 +95,26 @@ MainWindowScene PlayerModel::scene() const {
         scene.status.channels = format->channels;
     }
     scene.timeLit = std::fmod(m_blinkTime, 2 * blinkHalfPeriod) < blinkHalfPeriod;
-    scene.shaded = m_shaded;
+    scene.shaded = m_windows.isShaded(WindowKind::main);
     scene.volume = m_player.volume();
     scene.balance = m_player.balance();
     if (seekable)
         scene.position = m_draggedPosition.value_or(std::clamp(m_player.currentTime() / duration, 0.0, 1.0));
     scene.shuffle = m_player.isShuffled();
     scene.repeat = m_player.repeatMode() != RepeatMode::off;
-    scene.alwaysOnTop = m_alwaysOnTop;
-    scene.doubleSize = m_doubleSize;
+    scene.equalizerOpen = m_windows.isOpen(WindowKind::equalizer);
+    scene.playlistOpen = m_windows.isOpen(WindowKind::playlist);
+    scene.alwaysOnTop = m_windows.isAlwaysOnTop();
+    scene.doubleSize = m_windows.isDoubleSize();
     scene.marquee = m_marquee.text(now);
     scene.marqueeOffset = m_marquee.offset(now);
-    scene.visualizer = m_picture;
+    scene.visualizer = m_visualizer.picture();
     return scene;
 }
 
 std::optional<std::chrono::milliseconds> PlayerModel::frameInterval() const {
-    const bool playing = m_player.state() == PlaybackState::playing;
-    const bool stopped = m_player.state() == PlaybackState::stopped;
-    if (m_visualizerMode != VisualizerMode::off && playing)
+    if (m_visualizer.moves(m_player.state()))
         return displayInterval;
-    if (stopped && !std::holds_alternative<std::monostate>(m_picture))
-        return displayInterval; // the bars are still falling
     if (m_marquee.scrolls(StatusNotice::Clock::now()))
         return marqueeInterval;
     if (m_player.state() == PlaybackState::paused)
@@ -141,44 +125,8 @@ std::optional<std::chrono::milliseconds> PlayerModel::frameInterval() const {
 void PlayerModel::advance(double elapsed) {
     m_marquee.advance(elapsed);
     m_blinkTime = m_player.state() == PlaybackState::paused ? m_blinkTime + elapsed : 0;
-    advanceVisualizer(elapsed);
+    m_visualizer.advance(m_player.state(), elapsed);
     Q_EMIT sceneChanged();
-}
-
-// Paused keeps the last picture; stopped lets the bars fall and then clears it.
-void PlayerModel::advanceVisualizer(double elapsed) {
-    const PlaybackState state = m_player.state();
-    if (state == PlaybackState::paused || state == PlaybackState::loading)
-        return;
-    if (m_visualizerMode == VisualizerMode::off) {
-        m_picture = std::monostate();
-        return;
-    }
-    const std::optional<VisFrame> frame =
-        state == PlaybackState::playing ? nextPicture(elapsed) : std::nullopt;
-    if (m_visualizerMode == VisualizerMode::oscilloscope) {
-        if (frame)
-            m_picture = VisualizerScope{frame->scope};
-        else if (state == PlaybackState::stopped)
-            m_picture = std::monostate();
-        return;
-    }
-    m_bars.step(frame ? std::span<const float>(frame->spectrum) : std::span<const float>());
-    m_picture = picture(m_bars);
-    const bool atRest = std::ranges::all_of(m_bars.fallingBars, [](float bar) { return bar <= 0; }) &&
-                        std::ranges::all_of(m_bars.peakPositions, [](int peak) { return peak <= 0; });
-    if (state == PlaybackState::stopped && atRest)
-        m_picture = std::monostate();
-}
-
-// After a time without pictures (a pause, a hidden window) the analyser must not take the sound that went by
-// for one enormous delivery.
-std::optional<VisFrame> PlayerModel::nextPicture(double elapsed) {
-    constexpr qint64 longestGap = 250; // ms
-    if (!m_sincePicture.isValid() || m_sincePicture.elapsed() > longestGap)
-        m_player.analyzer().resetCursor();
-    m_sincePicture.start();
-    return m_player.analyzer().frame(elapsed);
 }
 
 // Skins
@@ -196,7 +144,8 @@ void PlayerModel::setSkin(const QUrl &url, const Skin &skin) {
     m_skin = skin;
     m_skinUrl = url;
     Q_EMIT skinChanged();
-    store("skin", url.toLocalFile()); // once it is on the window
+    m_skins.wore(url); // once it is on the window
+    Q_EMIT sceneChanged();
 }
 
 // Music
@@ -299,49 +248,17 @@ void PlayerModel::showNotice(const QString &text) {
     notify({text, std::nullopt, StatusNotice::Clock::now()});
 }
 
-// Windows and options
-
-void PlayerModel::setShaded(bool shaded) {
-    if (m_shaded == shaded)
-        return;
-    m_shaded = shaded;
-    store("shaded", shaded);
-    Q_EMIT windowStateChanged();
+void PlayerModel::showDragText(const std::optional<QString> &text) {
+    m_marquee.setDragText(text);
+    Q_EMIT sceneChanged();
 }
 
-void PlayerModel::setDoubleSize(bool doubled) {
-    if (m_doubleSize == doubled)
-        return;
-    m_doubleSize = doubled;
-    store("doubleSize", doubled);
-    Q_EMIT windowStateChanged();
-}
-
-void PlayerModel::setAlwaysOnTop(bool onTop) {
-    if (m_alwaysOnTop == onTop)
-        return;
-    m_alwaysOnTop = onTop;
-    store("alwaysOnTop", onTop);
-    Q_EMIT windowStateChanged();
-}
+// Options
 
 void PlayerModel::setTimeMode(TimeMode mode) {
     m_timeMode = mode;
     store("timeMode", rawValue(mode));
     Q_EMIT sceneChanged();
-}
-
-void PlayerModel::setVisualizerMode(VisualizerMode mode) {
-    m_visualizerMode = mode;
-    m_picture = std::monostate();
-    m_bars = VisBars();
-    store("visualizer", static_cast<int>(mode));
-    Q_EMIT sceneChanged();
-}
-
-void PlayerModel::cycleVisualizer() {
-    const int next = (static_cast<int>(m_visualizerMode) + 1) % 3;
-    setVisualizerMode(static_cast<VisualizerMode>(next));
 }
 
 void PlayerModel::toggleShuffle() {
@@ -351,16 +268,29 @@ void PlayerModel::toggleShuffle() {
 }
 
 void PlayerModel::toggleRepeat() {
-    m_player.setRepeatMode(toggled(m_player.repeatMode()));
-    store("repeat", m_player.repeatMode() != RepeatMode::off);
+    setRepeatMode(toggled(m_player.repeatMode()));
+}
+
+void PlayerModel::setRepeatMode(RepeatMode mode) {
+    m_player.setRepeatMode(mode);
+    store("repeat", mode != RepeatMode::off);
     Q_EMIT sceneChanged();
 }
 
-void PlayerModel::changeVolume(double by) {
-    const double volume = std::clamp(m_player.volume() + by, 0.0, 1.0);
+void PlayerModel::setVolume(double volume) {
     m_player.setVolume(static_cast<float>(volume));
-    store("volume", volume);
-    showNotice(MarqueeText::volume(volume));
+    store("volume", static_cast<double>(m_player.volume()));
+    showNotice(MarqueeText::volume(m_player.volume()));
+}
+
+void PlayerModel::setBalance(double balance) {
+    m_player.setBalance(static_cast<float>(balance));
+    store("balance", static_cast<double>(m_player.balance()));
+    showNotice(MarqueeText::balance(m_player.balance()));
+}
+
+void PlayerModel::changeVolume(double by) {
+    setVolume(std::clamp(m_player.volume() + by, 0.0, 1.0));
 }
 
 void PlayerModel::seekBy(double seconds) {
@@ -419,13 +349,8 @@ void PlayerModel::restoreSettings() {
     m_player.setShuffled(m_settings.value(QStringLiteral("shuffle")).toBool());
     m_player.setRepeatMode(m_settings.value(QStringLiteral("repeat")).toBool() ? RepeatMode::all
                                                                                : RepeatMode::off);
-    m_shaded = m_settings.value(QStringLiteral("shaded")).toBool();
-    m_doubleSize = m_settings.value(QStringLiteral("doubleSize")).toBool();
-    m_alwaysOnTop = m_settings.value(QStringLiteral("alwaysOnTop")).toBool();
     m_timeMode = timeModeFromRawValue(m_settings.value(QStringLiteral("timeMode")).toString())
                      .value_or(TimeMode::elapsed);
-    m_visualizerMode =
-        static_cast<VisualizerMode>(static_cast<int>(std::clamp(number("visualizer", 0), 0.0, 2.0)));
 }
 
 void PlayerModel::store(const char *key, const QVariant &value) {

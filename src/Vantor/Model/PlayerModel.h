@@ -1,14 +1,16 @@
 #pragma once
 
-#include "AudioCore/Analysis/VisBars.h"
 #include "AudioCore/Playback/Player.h"
 #include "SkinKit/Loading/Skin.h"
 #include "SkinKit/Rendering/MainWindowScene.h"
+#include "Vantor/Model/FrameClock.h"
 #include "Vantor/Model/MarqueeLine.h"
 #include "Vantor/Model/SkinLoader.h"
+#include "Vantor/Model/SkinShelf.h"
 #include "Vantor/Model/TrackImporter.h"
+#include "Vantor/Model/Visualizer.h"
+#include "Vantor/Model/WindowState.h"
 
-#include <QElapsedTimer>
 #include <QObject>
 
 #include <chrono>
@@ -17,9 +19,6 @@
 class QSettings;
 
 namespace vantor {
-
-/// What the main window's visualizer shows.
-enum class VisualizerMode { spectrum, oscilloscope, off };
 
 /// The one object that the skinned windows and menus talk to: the current skin, the state of the windows, and
 /// the commands, which it turns into calls on the player. Main thread. Borrows the player and the settings.
@@ -37,11 +36,13 @@ class PlayerModel : public QObject {
     /// What the main window shows now, but for what only the window knows (focus and the pressed control).
     [[nodiscard]] MainWindowScene scene() const;
 
-    [[nodiscard]] bool isShaded() const { return m_shaded; }
-    [[nodiscard]] bool isDoubleSize() const { return m_doubleSize; }
-    [[nodiscard]] bool isAlwaysOnTop() const { return m_alwaysOnTop; }
+    [[nodiscard]] SkinShelf &skins() { return m_skins; }
+    [[nodiscard]] WindowState &windows() { return m_windows; }
+    [[nodiscard]] const WindowState &windows() const { return m_windows; }
+    /// Windows that can be seen watch it, so that things move; it calls advance().
+    [[nodiscard]] FrameClock &clock() { return m_clock; }
     [[nodiscard]] TimeMode timeMode() const { return m_timeMode; }
-    [[nodiscard]] VisualizerMode visualizerMode() const { return m_visualizerMode; }
+    [[nodiscard]] Visualizer &visualizer() { return m_visualizer; }
 
     /// How soon advance() wants to be called again for things that move; none while everything stands still.
     [[nodiscard]] std::optional<std::chrono::milliseconds> frameInterval() const;
@@ -58,17 +59,17 @@ class PlayerModel : public QObject {
     void enqueue(const QList<QUrl> &urls);
     [[nodiscard]] bool isImporting() const { return m_pendingImports > 0; }
 
-    void setShaded(bool shaded);
-    void setDoubleSize(bool doubled);
-    void setAlwaysOnTop(bool onTop);
     void setTimeMode(TimeMode mode);
-    void setVisualizerMode(VisualizerMode mode);
-    void cycleVisualizer();
     void toggleShuffle();
     void toggleRepeat();
+    void setVolume(double volume);   ///< 0…1
+    void setBalance(double balance); ///< −1…1, without snapping to the centre
+    void setRepeatMode(RepeatMode mode);
     void changeVolume(double by);
     void seekBy(double seconds);
     void showNotice(const QString &text);
+    /// What another window's slider says while it is dragged; none when it is let go.
+    void showDragText(const std::optional<QString> &text);
 
     // Dragging a slider (volume, balance or position): the value follows at once, the position is sought when
     // the slider is let go. `fraction` 0…1 of the slider's way.
@@ -80,7 +81,6 @@ class PlayerModel : public QObject {
   Q_SIGNALS:
     void sceneChanged();
     void skinChanged();
-    void windowStateChanged(); ///< shade, size or always-on-top
     /// A track that was not played or not even taken in: its name and the sentence that says why.
     void trackRefused(const QString &name, const QString &message);
     void skinRefused(const QString &name, const QString &message);
@@ -96,8 +96,6 @@ class PlayerModel : public QObject {
     void notify(const StatusNotice &notice);
     void updateTitle();
     void setSkin(const QUrl &url, const Skin &skin);
-    void advanceVisualizer(double elapsed);
-    [[nodiscard]] std::optional<VisFrame> nextPicture(double elapsed);
     void restoreSettings();
     void store(const char *key, const QVariant &value);
 
@@ -110,16 +108,13 @@ class PlayerModel : public QObject {
     QUrl m_skinUrl;
     MarqueeLine m_marquee;
 
-    bool m_shaded = false;
-    bool m_doubleSize = false;
-    bool m_alwaysOnTop = false;
+    SkinShelf m_skins;
+    WindowState m_windows;
+    FrameClock m_clock;
+    Visualizer m_visualizer;
     TimeMode m_timeMode = TimeMode::elapsed;
-    VisualizerMode m_visualizerMode = VisualizerMode::spectrum;
     std::optional<double> m_draggedPosition;
 
-    VisBars m_bars;
-    VisualizerPicture m_picture;
-    QElapsedTimer m_sincePicture; ///< of sound; invalid before the first
     double m_blinkTime = 0;
     int m_pendingImports = 0;
     std::optional<quint64> m_replacingImport; ///< its first tracks replace the queue

@@ -1,14 +1,15 @@
 #include "Vantor/Windows/Commands.h"
 
-#include "LocalPlayback/Loading/TrackLoader.h"
-#include "LocalPlayback/Playlists/PlaylistFile.h"
 #include "Vantor/Windows/FileInfoDialog.h"
+#include "Vantor/Windows/MainMenu.h"
+#include "Vantor/Windows/OpenDialogs.h"
+#include "Vantor/Windows/SkinnedWindow.h"
 
-#include <QActionGroup>
 #include <QApplication>
-#include <QFileDialog>
 #include <QMenu>
 #include <QMessageBox>
+
+#include <algorithm>
 
 namespace vantor {
 
@@ -17,20 +18,30 @@ namespace {
 constexpr double volumeStep = 0.02;
 constexpr double seekStep = 5; // seconds
 
-void openDialog(QFileDialog &dialog) {
-    dialog.setAttribute(Qt::WA_DeleteOnClose);
-    dialog.open();
-}
-
 } // namespace
 
-Commands::Commands(PlayerModel &model, QWidget &window) : QObject(&window), m_model(model), m_window(window) {
+Commands::Commands(PlayerModel &model) : m_model(model) {
     addPlayback();
-    addOptions();
+    addOpening();
+    addVisualisation();
     addWindows();
     connect(&model, &PlayerModel::sceneChanged, this, &Commands::updateChecks);
-    connect(&model, &PlayerModel::windowStateChanged, this, &Commands::updateChecks);
+    connect(&model.windows(), &WindowState::changed, this, &Commands::updateChecks);
     updateChecks();
+}
+
+void Commands::addTo(SkinnedWindow &window) {
+    m_windows.emplace_back(&window);
+    for (const auto &[id, action] : m_actions)
+        window.addAction(action);
+}
+
+SkinnedWindow *Commands::window() const {
+    const auto active = std::ranges::find_if(
+        m_windows, [](const QPointer<SkinnedWindow> &window) { return window && window->isActiveWindow(); });
+    if (active != m_windows.end())
+        return *active;
+    return m_windows.empty() ? nullptr : m_windows.front().data();
 }
 
 void Commands::add(Id id, const QString &text, const QList<QKeySequence> &shortcuts,
@@ -39,8 +50,22 @@ void Commands::add(Id id, const QString &text, const QList<QKeySequence> &shortc
     action->setShortcuts(shortcuts);
     action->setAutoRepeat(false);
     connect(action, &QAction::triggered, this, run);
-    m_window.addAction(action);
     m_actions.emplace(id, action);
+}
+
+void Commands::addCheck(Id id, const QString &text, const QList<QKeySequence> &shortcuts,
+                        const std::function<bool()> &isOn, const std::function<void()> &run) {
+    add(id, text, shortcuts, [this, id, run] {
+        run();
+        action(id).setChecked(m_checks.at(id)()); // the menu has ticked it by itself, whatever came of it
+    });
+    action(id).setCheckable(true);
+    m_checks.emplace(id, isOn);
+}
+
+void Commands::updateChecks() {
+    for (const auto &[id, isOn] : m_checks)
+        action(id).setChecked(isOn());
 }
 
 void Commands::addPlayback() {
@@ -48,7 +73,7 @@ void Commands::addPlayback() {
     add(Id::previous, tr("Previous"), {Qt::Key_Z}, [&player] { player.previous(); });
     add(Id::play, tr("Play"), {Qt::Key_X, Qt::Key_MediaPlay}, [this, &player] {
         if (player.queue().count() == 0)
-            openFiles();
+            OpenDialogs::openFiles(m_model, window());
         else if (player.state() == PlaybackState::playing)
             player.seek(0);
         else
@@ -63,145 +88,139 @@ void Commands::addPlayback() {
     add(Id::seekForward, tr("Forward 5 Seconds"), {Qt::Key_Right}, [this] { m_model.seekBy(seekStep); });
     for (const Id id : {Id::volumeUp, Id::volumeDown, Id::seekBack, Id::seekForward})
         action(id).setAutoRepeat(true);
-    add(Id::shuffle, tr("Shuffle"), {Qt::Key_S}, [this] { m_model.toggleShuffle(); });
-    add(Id::repeat, tr("Repeat"), {Qt::Key_R}, [this] { m_model.toggleRepeat(); });
+    addCheck(
+        Id::shuffle, tr("Shuffle"), {Qt::Key_S}, [&player] { return player.isShuffled(); },
+        [this] { m_model.toggleShuffle(); });
+    addCheck(
+        Id::repeat, tr("Repeat"), {Qt::Key_R}, [&player] { return player.repeatMode() != RepeatMode::off; },
+        [this] { m_model.toggleRepeat(); });
 }
 
-void Commands::addOptions() {
-    add(Id::openFiles, tr("Open Files…"), {Qt::Key_L}, [this] { openFiles(); });
-    add(Id::openFolder, tr("Open Folder…"), {Qt::SHIFT | Qt::Key_L}, [this] { openFolder(); });
-    add(Id::loadSkin, tr("Load Skin…"), {Qt::ALT | Qt::Key_S}, [this] { loadSkin(); });
-    add(Id::defaultSkin, tr("Default Skin"), {}, [this] { m_model.wearDefaultSkin(); });
-    add(Id::timeElapsed, tr("Time Elapsed"), {}, [this] { m_model.setTimeMode(TimeMode::elapsed); });
-    add(Id::timeRemaining, tr("Time Remaining"), {}, [this] { m_model.setTimeMode(TimeMode::remaining); });
+void Commands::addOpening() {
+    add(Id::openFiles, tr("Open Files…"), {Qt::Key_L}, [this] { OpenDialogs::openFiles(m_model, window()); });
+    add(Id::openFolder, tr("Open Folder…"), {Qt::SHIFT | Qt::Key_L},
+        [this] { OpenDialogs::openFolder(m_model, window()); });
+    add(Id::openAddress, tr("Open Address…"), {Qt::CTRL | Qt::Key_L},
+        [this] { OpenDialogs::openAddress(m_model, window()); });
+    add(Id::fileInfo, tr("File Info…"), {Qt::ALT | Qt::Key_3}, [this] { showFileInfo(); });
+    add(Id::loadSkin, tr("Load Skin…"), {Qt::ALT | Qt::Key_S},
+        [this] { OpenDialogs::loadSkin(m_model, window(), m_model.skins().folder()); });
+    addCheck(
+        Id::defaultSkin, tr("Default Skin"), {}, [this] { return m_model.skinUrl().isEmpty(); },
+        [this] { m_model.wearDefaultSkin(); });
+}
+
+void Commands::addVisualisation() {
+    Visualizer &visualizer = m_model.visualizer();
+    const auto mode = [&](Id id, const QString &text, VisualizerMode shown) {
+        addCheck(
+            id, text, {}, [&visualizer, shown] { return visualizer.mode() == shown; },
+            [&visualizer, shown] { visualizer.setMode(shown); });
+    };
+    mode(Id::spectrum, tr("Spectrum Analyser"), VisualizerMode::spectrum);
+    mode(Id::oscilloscope, tr("Oscilloscope"), VisualizerMode::oscilloscope);
+    mode(Id::visualizerOff, tr("Off"), VisualizerMode::off);
+    const auto bars = [&](Id id, const QString &text, bool thin) {
+        addCheck(
+            id, text, {}, [&visualizer, thin] { return visualizer.hasThinBars() == thin; },
+            [&visualizer, thin] { visualizer.setThinBars(thin); });
+    };
+    bars(Id::wideBars, tr("Bars"), false);
+    bars(Id::thinBars, tr("Thin Lines"), true);
+    addCheck(
+        Id::peaks, tr("Peaks"), {}, [&visualizer] { return visualizer.showsPeaks(); },
+        [&visualizer] { visualizer.setShowsPeaks(!visualizer.showsPeaks()); });
+    const auto scope = [&](Id id, const QString &text, ScopeStyle style) {
+        addCheck(
+            id, text, {}, [&visualizer, style] { return visualizer.scopeStyle() == style; },
+            [&visualizer, style] { visualizer.setScopeStyle(style); });
+    };
+    scope(Id::scopeDots, tr("Dots"), ScopeStyle::dots);
+    scope(Id::scopeLines, tr("Lines"), ScopeStyle::lines);
+    scope(Id::scopeSolid, tr("Solid"), ScopeStyle::solid);
+}
+
+void Commands::addWindows() {
+    WindowState &state = m_model.windows();
+    const auto time = [&](Id id, const QString &text, TimeMode mode) {
+        addCheck(
+            id, text, {}, [this, mode] { return m_model.timeMode() == mode; },
+            [this, mode] { m_model.setTimeMode(mode); });
+    };
+    time(Id::timeElapsed, tr("Time Elapsed"), TimeMode::elapsed);
+    time(Id::timeRemaining, tr("Time Remaining"), TimeMode::remaining);
     add(Id::toggleTime, tr("Toggle Time Display"), {Qt::CTRL | Qt::Key_T}, [this] {
         m_model.setTimeMode(m_model.timeMode() == TimeMode::elapsed ? TimeMode::remaining
                                                                     : TimeMode::elapsed);
     });
-    add(Id::spectrum, tr("Spectrum Analyser"), {},
-        [this] { m_model.setVisualizerMode(VisualizerMode::spectrum); });
-    add(Id::oscilloscope, tr("Oscilloscope"), {},
-        [this] { m_model.setVisualizerMode(VisualizerMode::oscilloscope); });
-    add(Id::visualizerOff, tr("Off"), {}, [this] { m_model.setVisualizerMode(VisualizerMode::off); });
-    add(Id::fileInfo, tr("File Info…"), {Qt::ALT | Qt::Key_3}, [this] { showFileInfo(); });
-}
-
-void Commands::addWindows() {
-    add(Id::doubleSize, tr("Double Size"), {Qt::CTRL | Qt::Key_D},
-        [this] { m_model.setDoubleSize(!m_model.isDoubleSize()); });
-    add(Id::shade, tr("Window Shade"), {Qt::CTRL | Qt::Key_W},
-        [this] { m_model.setShaded(!m_model.isShaded()); });
-    add(Id::alwaysOnTop, tr("Always on Top"), {Qt::CTRL | Qt::Key_A},
-        [this] { m_model.setAlwaysOnTop(!m_model.isAlwaysOnTop()); });
-    add(Id::equalizer, tr("Equalizer"), {Qt::ALT | Qt::Key_G},
-        [this] { m_model.showNotice(tr("No equalizer window yet")); });
-    add(Id::playlist, tr("Playlist"), {Qt::ALT | Qt::Key_E},
-        [this] { m_model.showNotice(tr("No playlist window yet")); });
-    add(Id::minimize, tr("Minimise"), {Qt::CTRL | Qt::Key_M}, [this] { m_window.showMinimized(); });
+    addCheck(
+        Id::doubleSize, tr("Double Size"), {Qt::CTRL | Qt::Key_D}, [&state] { return state.isDoubleSize(); },
+        [&state] { state.setDoubleSize(!state.isDoubleSize()); });
+    addCheck(
+        Id::alwaysOnTop, tr("Always on Top"), {Qt::CTRL | Qt::Key_A},
+        [&state] { return state.isAlwaysOnTop(); },
+        [&state] { state.setAlwaysOnTop(!state.isAlwaysOnTop()); });
+    addCheck(
+        Id::shade, tr("Window Shade"), {Qt::CTRL | Qt::Key_W},
+        [this] { return window() && window()->isShaded(); },
+        [this, &state] {
+            if (const SkinnedWindow *const active = window())
+                state.setShaded(active->windowKind(), !active->isShaded());
+        });
+    const auto toggle = [&](Id id, const QString &text, const QKeySequence &key, WindowKind kind) {
+        addCheck(
+            id, text, {key}, [&state, kind] { return state.isOpen(kind); },
+            [this, kind] { toggleWindow(kind); });
+    };
+    toggle(Id::mainWindow, tr("Main Window"), Qt::ALT | Qt::Key_W, WindowKind::main);
+    toggle(Id::equalizer, tr("Equalizer"), Qt::ALT | Qt::Key_G, WindowKind::equalizer);
+    toggle(Id::playlist, tr("Playlist"), Qt::ALT | Qt::Key_E, WindowKind::playlist);
+    add(Id::minimize, tr("Minimise"), {Qt::CTRL | Qt::Key_M}, [this] {
+        if (!m_windows.empty() && m_windows.front())
+            m_windows.front()->showMinimized();
+    });
+    add(Id::preferences, tr("Preferences…"), {Qt::CTRL | Qt::Key_P}, [this] { showPreferences(); });
     add(Id::about, tr("About Vantor"), {}, [this] { showAbout(); });
-    add(Id::quit, tr("Quit"), {Qt::CTRL | Qt::Key_Q, Qt::ALT | Qt::Key_F4}, [] { QApplication::quit(); });
-
-    for (const Id id : {Id::shuffle, Id::repeat, Id::timeElapsed, Id::timeRemaining, Id::spectrum,
-                        Id::oscilloscope, Id::visualizerOff, Id::doubleSize, Id::shade, Id::alwaysOnTop})
-        action(id).setCheckable(true);
+    add(Id::quit, tr("Exit"), {Qt::CTRL | Qt::Key_Q, Qt::ALT | Qt::Key_F4}, [] { QApplication::quit(); });
 }
 
-void Commands::updateChecks() {
-    const auto check = [this](Id id, bool on) { action(id).setChecked(on); };
-    check(Id::shuffle, m_model.player().isShuffled());
-    check(Id::repeat, m_model.player().repeatMode() != RepeatMode::off);
-    check(Id::timeElapsed, m_model.timeMode() == TimeMode::elapsed);
-    check(Id::timeRemaining, m_model.timeMode() == TimeMode::remaining);
-    check(Id::spectrum, m_model.visualizerMode() == VisualizerMode::spectrum);
-    check(Id::oscilloscope, m_model.visualizerMode() == VisualizerMode::oscilloscope);
-    check(Id::visualizerOff, m_model.visualizerMode() == VisualizerMode::off);
-    check(Id::doubleSize, m_model.isDoubleSize());
-    check(Id::shade, m_model.isShaded());
-    check(Id::alwaysOnTop, m_model.isAlwaysOnTop());
+void Commands::toggleWindow(WindowKind kind) {
+    const bool exists = std::ranges::any_of(
+        m_windows, [kind](const auto &window) { return window && window->windowKind() == kind; });
+    if (exists)
+        m_model.windows().setOpen(kind, !m_model.windows().isOpen(kind));
+    else
+        m_model.showNotice(kind == WindowKind::equalizer ? tr("No equalizer window yet")
+                                                         : tr("No playlist window yet"));
 }
 
 void Commands::popUpMainMenu(QPoint at) {
-    auto *menu = new QMenu(&m_window);
+    auto *menu = new QMenu(window());
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    fillMainMenu(*menu);
+    updateChecks(); // the window's own, too: another one may have been entered since
+    MainMenu::fill(*menu, *this, m_model);
     menu->popup(at);
 }
 
 void Commands::popUpVisualizerMenu(QPoint at) {
-    auto *menu = new QMenu(&m_window);
+    auto *menu = new QMenu(window());
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    fillVisualizerMenu(*menu);
+    MainMenu::fillVisualisation(*menu, *this);
     menu->popup(at);
-}
-
-void Commands::fillVisualizerMenu(QMenu &menu) {
-    for (const Id id : {Id::spectrum, Id::oscilloscope, Id::visualizerOff})
-        menu.addAction(&action(id));
-}
-
-void Commands::fillMainMenu(QMenu &menu) {
-    const auto addAll = [this](QMenu &to, std::initializer_list<Id> ids) {
-        for (const Id id : ids)
-            to.addAction(&action(id));
-    };
-    addAll(menu, {Id::openFiles, Id::openFolder, Id::fileInfo});
-    menu.addSeparator();
-    QMenu *playback = menu.addMenu(tr("Playback"));
-    addAll(*playback, {Id::previous, Id::play, Id::pause, Id::stop, Id::next});
-    playback->addSeparator();
-    addAll(*playback, {Id::seekBack, Id::seekForward, Id::volumeUp, Id::volumeDown});
-    playback->addSeparator();
-    addAll(*playback, {Id::shuffle, Id::repeat});
-    QMenu *skins = menu.addMenu(tr("Skins"));
-    addAll(*skins, {Id::loadSkin, Id::defaultSkin});
-    fillVisualizerMenu(*menu.addMenu(tr("Visualizer")));
-    QMenu *options = menu.addMenu(tr("Options"));
-    addAll(*options, {Id::timeElapsed, Id::timeRemaining});
-    options->addSeparator();
-    addAll(*options, {Id::doubleSize, Id::shade, Id::alwaysOnTop});
-    menu.addSeparator();
-    addAll(menu, {Id::about, Id::minimize, Id::quit});
-}
-
-void Commands::openFiles() {
-    auto *dialog = new QFileDialog(&m_window, tr("Open Files"));
-    dialog->setFileMode(QFileDialog::ExistingFiles);
-    dialog->setNameFilters(
-        {tr("Audio, playlists and skins (%1 *.wsz)")
-             .arg((TrackLoader::audioPatterns() + PlaylistFile::patterns()).join(QLatin1Char(' '))),
-         tr("All files (*)")});
-    connect(dialog, &QFileDialog::filesSelected, this,
-            [this, dialog] { m_model.open(dialog->selectedUrls()); });
-    openDialog(*dialog);
-}
-
-void Commands::openFolder() {
-    auto *dialog = new QFileDialog(&m_window, tr("Open Folder"));
-    dialog->setFileMode(QFileDialog::Directory);
-    connect(dialog, &QFileDialog::fileSelected, this,
-            [this, dialog] { m_model.open(dialog->selectedUrls()); });
-    openDialog(*dialog);
-}
-
-void Commands::loadSkin() {
-    auto *dialog = new QFileDialog(&m_window, tr("Load Skin"));
-    dialog->setFileMode(QFileDialog::ExistingFile);
-    dialog->setNameFilters({tr("Skins (*.wsz *.zip)"), tr("All files (*)")});
-    connect(dialog, &QFileDialog::fileSelected, this,
-            [this](const QString &path) { m_model.wear(QUrl::fromLocalFile(path)); });
-    openDialog(*dialog);
 }
 
 void Commands::showFileInfo() {
     if (const std::optional<Track> track = m_model.player().queue().current())
-        (new FileInfoDialog(TrackInfo::fromTrack(*track, m_model.player().currentFormat()), &m_window))
+        (new FileInfoDialog(TrackInfo::fromTrack(*track, m_model.player().currentFormat()), window()))
             ->show();
     else
         m_model.showNotice(tr("No file is loaded"));
 }
 
+void Commands::showPreferences() {}
+
 void Commands::showAbout() {
-    auto *box = new QMessageBox(&m_window);
+    auto *box = new QMessageBox(window());
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->setWindowTitle(tr("About Vantor"));
     box->setIconPixmap(QApplication::windowIcon().pixmap(64));

@@ -4,16 +4,19 @@
 
 #include <QAction>
 #include <QObject>
+#include <QPointer>
 
 #include <map>
+#include <vector>
 
 class QMenu;
-class QWidget;
 
 namespace vantor {
 
-/// Every command of the program, once: the window's buttons trigger them, the menu lists them and their
-/// shortcuts work in the window that they were added to. Main thread.
+class SkinnedWindow;
+
+/// Every command of the program, once: buttons trigger them, menus list them and their shortcuts work in
+/// every skinned window, but in no dialog. Main thread.
 class Commands : public QObject {
     Q_OBJECT
 
@@ -26,6 +29,7 @@ class Commands : public QObject {
         next,
         openFiles,
         openFolder,
+        openAddress,
         volumeUp,
         volumeDown,
         seekBack,
@@ -40,20 +44,31 @@ class Commands : public QObject {
         spectrum,
         oscilloscope,
         visualizerOff,
+        wideBars,
+        thinBars,
+        peaks,
+        scopeDots,
+        scopeLines,
+        scopeSolid,
         doubleSize,
         shade,
         alwaysOnTop,
         fileInfo,
+        mainWindow,
         equalizer,
         playlist,
         minimize,
+        preferences,
         about,
         quit,
     };
 
-    /// `window`: receives the shortcuts and is the parent of dialogs. Both are borrowed and outlive this
-    /// object.
-    Commands(PlayerModel &model, QWidget &window);
+    /// The model is borrowed.
+    explicit Commands(PlayerModel &model);
+
+    /// The window's keys trigger the commands from now on; it takes itself off when it dies. The main window
+    /// comes first.
+    void addTo(SkinnedWindow &window);
 
     [[nodiscard]] QAction &action(Id id) { return *m_actions.at(id); }
     void trigger(Id id) { action(id).trigger(); }
@@ -65,21 +80,25 @@ class Commands : public QObject {
   private:
     void add(Id id, const QString &text, const QList<QKeySequence> &shortcuts,
              const std::function<void()> &run);
+    /// A command that is on or off.
+    void addCheck(Id id, const QString &text, const QList<QKeySequence> &shortcuts,
+                  const std::function<bool()> &isOn, const std::function<void()> &run);
     void addPlayback();
-    void addOptions();
+    void addOpening();
+    void addVisualisation();
     void addWindows();
-    void fillMainMenu(QMenu &menu);
-    void fillVisualizerMenu(QMenu &menu);
     void updateChecks();
-    void openFiles();
-    void openFolder();
-    void loadSkin();
+    /// The skinned window that the user works in.
+    [[nodiscard]] SkinnedWindow *window() const;
+    void toggleWindow(WindowKind kind);
     void showFileInfo();
+    void showPreferences();
     void showAbout();
 
     PlayerModel &m_model;
-    QWidget &m_window;
+    std::vector<QPointer<SkinnedWindow>> m_windows;
     std::map<Id, QAction *> m_actions; ///< owned by this object
+    std::map<Id, std::function<bool()>> m_checks;
 };
 
 } // namespace vantor

@@ -4,37 +4,12 @@
 #include <QPixmap>
 #include <QWidget>
 
+#include <algorithm>
 #include <cmath>
 
 namespace vantor {
 
 namespace {
-
-// The names under which skins keep the pointers of the main window's parts.
-QString pointerName(MainWindowControl control, bool inTitleBar, bool shaded) {
-    switch (control) {
-    case MainWindowControl::close:
-        return QStringLiteral("CLOSE");
-    case MainWindowControl::minimize:
-        return QStringLiteral("MIN");
-    case MainWindowControl::shade:
-        return QStringLiteral("WINBUT");
-    case MainWindowControl::options:
-        return QStringLiteral("MAINMENU");
-    case MainWindowControl::volume:
-    case MainWindowControl::balance:
-        return QStringLiteral("VOLBAL");
-    case MainWindowControl::position:
-        return shaded ? QStringLiteral("WSPOSBAR") : QStringLiteral("POSBAR");
-    case MainWindowControl::marquee:
-        return QStringLiteral("SONGNAME");
-    default:
-        break;
-    }
-    if (shaded)
-        return QStringLiteral("WSNORMAL");
-    return inTitleBar ? QStringLiteral("TITLEBAR") : QStringLiteral("NORMAL");
-}
 
 QCursor cursor(const SkinCursor::Frame &frame, int pixels) {
     // Files may put the hot spot outside the picture, which the display refuses.
@@ -58,12 +33,7 @@ void SkinPointers::setCursors(const SkinCursors &cursors, int scale) {
     m_cursors = cursors;
     // In the screen's own pixels: the display takes pictures of pointers as they are.
     m_pixels = scale * std::max(1, static_cast<int>(std::lround(m_window.devicePixelRatioF())));
-    const QString shown = std::exchange(m_shown, QString());
-    show(shown);
-}
-
-void SkinPointers::showFor(MainWindowControl control, bool inTitleBar, bool shaded) {
-    show(pointerName(control, inTitleBar, shaded));
+    show({std::exchange(m_shown, QString())});
 }
 
 void SkinPointers::rest() {
@@ -71,9 +41,10 @@ void SkinPointers::rest() {
     m_shown.clear();
 }
 
-// A part without a pointer of its own takes the window's ordinary one.
-void SkinPointers::show(const QString &name) {
-    const QString found = m_cursors.cursors.contains(name) ? name : QStringLiteral("NORMAL");
+void SkinPointers::show(const QStringList &names) {
+    const auto known =
+        std::ranges::find_if(names, [this](const QString &name) { return m_cursors.cursors.contains(name); });
+    const QString found = known != names.end() ? *known : QStringLiteral("NORMAL");
     if (found == m_shown)
         return;
     m_shown = found;

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "SkinKit/Layout/MainWindowControl.h"
 #include "SkinKit/Loading/SkinCursors.h"
 
 #include <QTimer>
@@ -19,13 +18,12 @@ class SkinPointers : public QObject {
 
     /// `scale`: whole factor of the window's units; the screen's own comes on top.
     void setCursors(const SkinCursors &cursors, int scale);
-    /// Shows the pointer for what lies under the mouse.
-    void showFor(MainWindowControl control, bool inTitleBar, bool shaded);
-    /// Stops an animation until the next showFor(): the mouse has left.
+    /// Shows the first of these that the skin has, else its ordinary one, else the system's.
+    void show(const QStringList &names);
+    /// Stops an animation until the next show(): the mouse has left.
     void rest();
 
   private:
-    void show(const QString &name);
     void showStep();
 
     QWidget &m_window;

@@ -1,0 +1,169 @@
+#include "AudioCore/NowPlaying/EmbeddedArtworkLoader.h"
+
+#include <QBuffer>
+#include <QDirIterator>
+#include <QFile>
+#include <QFileInfo>
+#include <QImageReader>
+
+#include <taglib/aifffile.h>
+#include <taglib/attachedpictureframe.h>
+#include <taglib/fileref.h>
+#include <taglib/flacfile.h>
+#include <taglib/id3v2tag.h>
+#include <taglib/mp4file.h>
+#include <taglib/mpegfile.h>
+#include <taglib/wavfile.h>
+#include <taglib/xiphcomment.h>
+
+namespace vantor {
+
+namespace {
+
+QByteArray bytesOf(const TagLib::ByteVector &vector) {
+    if (vector.size() > EmbeddedArtworkLoader::maxBytes)
+        return {};
+    return {vector.data(), static_cast<qsizetype>(vector.size())};
+}
+
+/// The front cover, else the first of the pictures.
+template <class Picture>
+const Picture *chosen(const std::vector<const Picture *> &pictures) {
+    const auto front = std::ranges::find(pictures, Picture::FrontCover, &Picture::type);
+    if (front != pictures.end())
+        return *front;
+    return pictures.empty() ? nullptr : pictures.front();
+}
+
+QByteArray inID3(const TagLib::ID3v2::Tag *tag) {
+    using Picture = TagLib::ID3v2::AttachedPictureFrame;
+    std::vector<const Picture *> pictures;
+    if (tag) {
+        for (const TagLib::ID3v2::Frame *frame : tag->frameList("APIC")) {
+            if (const auto *picture = dynamic_cast<const Picture *>(frame))
+                pictures.push_back(picture);
+        }
+    }
+    const Picture *const picture = chosen(pictures);
+    return picture ? bytesOf(picture->picture()) : QByteArray();
+}
+
+QByteArray inFLAC(const TagLib::List<TagLib::FLAC::Picture *> &list) {
+    using Picture = TagLib::FLAC::Picture;
+    const Picture *const picture = chosen(std::vector<const Picture *>(list.begin(), list.end()));
+    return picture ? bytesOf(picture->data()) : QByteArray();
+}
+
+QByteArray inMP4(const TagLib::MP4::Tag *tag) {
+    if (!tag || !tag->contains("covr"))
+        return {};
+    const TagLib::MP4::CoverArtList covers = tag->item("covr").toCoverArtList();
+    return covers.isEmpty() ? QByteArray() : bytesOf(covers.front().data());
+}
+
+QByteArray embedded(const QString &path) {
+    const TagLib::FileRef reference(QFile::encodeName(path).constData(), false);
+    if (reference.isNull())
+        return {};
+    TagLib::File *const file = reference.file();
+    if (auto *mpeg = dynamic_cast<TagLib::MPEG::File *>(file))
+        return inID3(mpeg->ID3v2Tag());
+    if (auto *flac = dynamic_cast<TagLib::FLAC::File *>(file)) {
+        const QByteArray picture = inFLAC(flac->pictureList());
+        return picture.isEmpty() ? inID3(flac->ID3v2Tag()) : picture;
+    }
+    if (auto *mp4 = dynamic_cast<TagLib::MP4::File *>(file))
+        return inMP4(mp4->tag());
+    if (auto *wav = dynamic_cast<TagLib::RIFF::WAV::File *>(file))
+        return inID3(wav->ID3v2Tag());
+    if (auto *aiff = dynamic_cast<TagLib::RIFF::AIFF::File *>(file))
+        return inID3(aiff->tag());
+    if (auto *comment = dynamic_cast<TagLib::Ogg::XiphComment *>(file->tag()))
+        return inFLAC(comment->pictureList());
+    return {};
+}
+
+/// Decodes what claims to be of a bearable size only. The kinds are those of covers: no others with a life of
+/// their own, such as those that name further files.
+QImage decoded(const QByteArray &bytes) {
+    static const QList<QByteArray> kinds{"jpeg", "png", "gif", "bmp", "webp"};
+    QBuffer buffer;
+    buffer.setData(bytes);
+    QImageReader reader(&buffer);
+    reader.setDecideFormatFromContent(true);
+    if (!kinds.contains(reader.format()))
+        return {};
+    const QSize size = reader.size();
+    if (size.isEmpty() || qint64(size.width()) * size.height() > EmbeddedArtworkLoader::maxPixels)
+        return {};
+    constexpr QSize largest(EmbeddedArtworkLoader::largestSide, EmbeddedArtworkLoader::largestSide);
+    if (size.width() > largest.width() || size.height() > largest.height())
+        reader.setScaledSize(size.scaled(largest, Qt::KeepAspectRatio).expandedTo(QSize(1, 1)));
+    reader.setAutoTransform(true);
+    return reader.read();
+}
+
+/// In the order in which they count.
+QImage beside(const QString &path) {
+    static const QStringList names{QStringLiteral("cover"), QStringLiteral("folder"),
+                                   QStringLiteral("front")};
+    static const QStringList kinds{QStringLiteral("jpg"), QStringLiteral("jpeg"), QStringLiteral("png")};
+    std::map<qsizetype, QString> found; // by rank
+    QDirIterator files(QFileInfo(path).absolutePath(), QDir::Files);
+    while (files.hasNext()) {
+        const QFileInfo file(files.next());
+        const qsizetype name = names.indexOf(file.completeBaseName().toLower());
+        const qsizetype kind = kinds.indexOf(file.suffix().toLower());
+        if (name >= 0 && kind >= 0)
+            found.emplace(name * kinds.size() + kind, file.filePath());
+    }
+    for (const auto &[rank, picture] : found) {
+        QFile file(picture);
+        if (file.size() > EmbeddedArtworkLoader::maxBytes || !file.open(QIODevice::ReadOnly))
+            continue;
+        if (const QImage image = decoded(file.read(EmbeddedArtworkLoader::maxBytes)); !image.isNull())
+            return image;
+    }
+    return {};
+}
+
+} // namespace
+
+EmbeddedArtworkLoader::EmbeddedArtworkLoader() {
+    m_pool.setMaxThreadCount(1);
+}
+
+EmbeddedArtworkLoader::~EmbeddedArtworkLoader() {
+    cancel();
+}
+
+void EmbeddedArtworkLoader::cancel() {
+    ++*m_latest;
+}
+
+void EmbeddedArtworkLoader::request(const QString &path, std::function<void(const QImage &)> found) {
+    const quint64 number = ++*m_latest;
+    m_pool.start([this, path, number, latest = m_latest, found = std::move(found)] {
+        if (*latest != number)
+            return; // many tracks went by before this one's turn came
+        const QImage image = load(path);
+        if (image.isNull())
+            return;
+        QMetaObject::invokeMethod(
+            this,
+            [number, latest, found, image] {
+                if (*latest == number)
+                    found(image);
+            },
+            Qt::QueuedConnection);
+    });
+}
+
+QImage EmbeddedArtworkLoader::load(const QString &path) {
+    if (!QFileInfo(path).isFile()) // folders; also pipes, on which opening would wait
+        return {};
+    const QImage image = decoded(embedded(path));
+    return image.isNull() ? beside(path) : image;
+}
+
+} // namespace vantor

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QElapsedTimer>
+#include <QObject>
+#include <QSet>
+#include <QTimer>
+
+#include <chrono>
+#include <optional>
+
+namespace vantor {
+
+/// The beat of everything that moves on the windows. Stands still while nothing moves or nobody looks. Main
+/// thread.
+class FrameClock : public QObject {
+    Q_OBJECT
+
+  public:
+    explicit FrameClock(QObject *parent = nullptr);
+
+    /// From one frame to the next; none while everything stands still.
+    void setInterval(std::optional<std::chrono::milliseconds> interval);
+    /// A window says whether it can be seen. It must take itself off before it dies.
+    void setWatched(const QObject *by, bool watched);
+
+  Q_SIGNALS:
+    /// Seconds since the frame before; never more than a jump that nobody minds.
+    void frame(double elapsed);
+
+  private:
+    void schedule();
+    void tick();
+
+    std::optional<std::chrono::milliseconds> m_interval;
+    QSet<const QObject *> m_watchers;
+    QTimer m_timer;
+    QElapsedTimer m_sinceFrame; ///< invalid while standing still
+};
+
+} // namespace vantor

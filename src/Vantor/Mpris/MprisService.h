@@ -1,0 +1,36 @@
+#pragma once
+
+#include "Vantor/Mpris/MprisPlayer.h"
+#include "Vantor/Mpris/MprisRoot.h"
+
+#include <QDBusConnection>
+#include <QThreadPool>
+
+namespace vantor {
+
+/// Puts the player on the session's message bus, where desktops find it for media keys, widgets and lock
+/// screens, as "org.mpris.MediaPlayer2.vantor"; a second one appends ".instance" and its process number.
+/// Without a bus nothing happens. Main thread; borrows the model.
+class MprisService : public QObject {
+    Q_OBJECT
+
+  public:
+    MprisService(PlayerModel &model, MprisRoot::Actions actions);
+    ~MprisService() override;
+
+    /// Looks for the bus without waiting for it.
+    void connectToBus();
+
+    [[nodiscard]] NowPlayingCenter &center() { return *m_player; }
+
+  private:
+    void takeConnection(const QDBusConnection &bus);
+    void requestName(const QString &name, const std::function<void()> &taken);
+    void tell(const QVariantMap &changed) const;
+
+    MprisPlayer *m_player; ///< owned by this object, as adaptors have to be
+    bool m_connected = false;
+    QThreadPool m_pool;
+};
+
+} // namespace vantor

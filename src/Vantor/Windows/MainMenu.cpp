@@ -1,0 +1,97 @@
+#include "Vantor/Windows/MainMenu.h"
+
+#include "Vantor/Model/PlayerModel.h"
+#include "Vantor/Windows/Commands.h"
+
+#include <QCoreApplication>
+#include <QFileInfo>
+#include <QMenu>
+
+namespace vantor::MainMenu {
+
+namespace {
+
+using Id = Commands::Id;
+
+QString tr(const char *text) {
+    return QCoreApplication::translate("MainMenu", text);
+}
+
+/// Adds commands to a menu.
+class Adder {
+  public:
+    explicit Adder(Commands &commands) : m_commands(commands) {}
+    void operator()(QMenu &menu, std::initializer_list<Id> ids) const {
+        if (!menu.isEmpty())
+            menu.addSeparator();
+        for (const Id id : ids)
+            menu.addAction(&m_commands.action(id));
+    }
+
+  private:
+    Commands &m_commands;
+};
+
+// An ampersand in a file's name is no key of the menu.
+QString label(const QUrl &skin) {
+    return QFileInfo(skin.toLocalFile()).completeBaseName().replace(QLatin1Char('&'), QLatin1String("&&"));
+}
+
+void addSkin(QMenu &menu, const QUrl &skin, PlayerModel &model) {
+    QAction *const action = menu.addAction(label(skin));
+    action->setCheckable(true);
+    action->setChecked(skin == model.skinUrl());
+    QObject::connect(action, &QAction::triggered, &model, [&model, skin] { model.wear(skin); });
+}
+
+void fillSkins(QMenu &menu, const Adder &add, PlayerModel &model) {
+    add(menu, {Id::loadSkin, Id::defaultSkin});
+    const QList<QUrl> recent = model.skins().recent();
+    if (!recent.isEmpty())
+        menu.addSeparator();
+    for (const QUrl &skin : recent)
+        addSkin(menu, skin, model);
+    QMenu *const folder = menu.addMenu(tr("Skins Folder"));
+    folder->menuAction()->setVisible(!model.skins().folder().isEmpty());
+    // Only once it is wanted: a folder may be large, or far away.
+    QObject::connect(folder, &QMenu::aboutToShow, &model, [folder, &model] {
+        folder->clear();
+        for (const QUrl &skin : model.skins().inFolder())
+            addSkin(*folder, skin, model);
+        if (folder->isEmpty())
+            folder->addAction(tr("No skins in this folder"))->setEnabled(false);
+    });
+}
+
+} // namespace
+
+void fill(QMenu &menu, Commands &commands, PlayerModel &model) {
+    const Adder add(commands);
+    add(menu, {Id::openFiles, Id::openFolder, Id::openAddress, Id::fileInfo});
+    menu.addSeparator();
+
+    QMenu *const playback = menu.addMenu(tr("Playback"));
+    add(*playback, {Id::previous, Id::play, Id::pause, Id::stop, Id::next});
+    add(*playback, {Id::seekBack, Id::seekForward, Id::volumeUp, Id::volumeDown});
+    add(*playback, {Id::shuffle, Id::repeat});
+    fillSkins(*menu.addMenu(tr("Skins")), add, model);
+    fillVisualisation(*menu.addMenu(tr("Visualisation")), commands);
+    QMenu *const windows = menu.addMenu(tr("Windows"));
+    add(*windows, {Id::mainWindow, Id::equalizer, Id::playlist});
+    add(*windows, {Id::shade, Id::minimize});
+    QMenu *const options = menu.addMenu(tr("Options"));
+    add(*options, {Id::timeElapsed, Id::timeRemaining});
+    add(*options, {Id::doubleSize, Id::alwaysOnTop});
+
+    add(menu, {Id::preferences, Id::about});
+    add(menu, {Id::quit});
+}
+
+void fillVisualisation(QMenu &menu, Commands &commands) {
+    const Adder add(commands);
+    add(menu, {Id::spectrum, Id::oscilloscope, Id::visualizerOff});
+    add(menu, {Id::wideBars, Id::thinBars, Id::peaks});
+    add(menu, {Id::scopeDots, Id::scopeLines, Id::scopeSolid});
+}
+
+} // namespace vantor::MainMenu

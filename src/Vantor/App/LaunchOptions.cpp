@@ -14,7 +14,7 @@ constexpr double longestRun = 86400; // one day, in seconds
 QString usage() {
     return QStringLiteral(
         "usage: vantor [--skin FILE] [--seconds N] [--screenshot FILE] [--version] [--help] "
-        "[audio files, folders, playlists, .wsz …]");
+        "[audio files, folders, playlists, addresses, .wsz …]");
 }
 
 QString help() {
@@ -32,8 +32,13 @@ QString help() {
                "same, prints what happens and exits.");
 }
 
+bool isAddress(const QString &argument) {
+    return argument.startsWith(QLatin1String("http://"), Qt::CaseInsensitive) ||
+           argument.startsWith(QLatin1String("https://"), Qt::CaseInsensitive);
+}
+
 QUrl urlOf(const QString &argument) {
-    if (argument.startsWith(QLatin1String("file:")))
+    if (argument.startsWith(QLatin1String("file:")) || isAddress(argument))
         return QUrl(argument);
     return QUrl::fromLocalFile(QDir::cleanPath(QFileInfo(argument).absoluteFilePath()));
 }
@@ -59,7 +64,7 @@ std::variant<LaunchOptions, LaunchOptions::Message> LaunchOptions::parse(const Q
     for (qsizetype i = 0; i < arguments.size(); ++i) {
         const QString &argument = arguments[i];
         if (optionsEnded || !argument.startsWith(QLatin1Char('-')) || argument == QLatin1String("-")) {
-            if (argument.endsWith(QLatin1String(".wsz"), Qt::CaseInsensitive))
+            if (!isAddress(argument) && argument.endsWith(QLatin1String(".wsz"), Qt::CaseInsensitive))
                 skinAmongFiles = urlOf(argument);
             else
                 options.files.append(urlOf(argument));

@@ -14,9 +14,10 @@ extern "C" {
 namespace vantor {
 
 static constexpr int ioBufferBytes = 64 * 1024;
-// How far FFmpeg may read to find out what a file is. Of radio that is not there yet, less has to do.
+// How far FFmpeg may read to find out what a file is. Radio comes no faster than it plays and begins in the
+// middle of something, so that to be quite sure takes long; two seconds of it have to do.
 static constexpr std::int64_t probeBytes = 4 * 1024 * 1024;
-static constexpr std::int64_t liveProbeBytes = 256 * 1024;
+static constexpr std::int64_t liveProbeBytes = 32 * 1024;
 static constexpr std::int64_t liveProbeTime = 2 * AV_TIME_BASE;
 
 // Formats that are lists of other files or addresses. FFmpeg would try for seconds to open those.
@@ -96,10 +97,8 @@ MediaContainer::MediaContainer(std::shared_ptr<AudioInput> input) : m_input(std:
     AVFormatContext *const format = avformat_alloc_context();
     format->pb = m_io.get();
     format->probesize = probeBytes;
-    if (!m_input->size()) {
-        format->probesize = liveProbeBytes;
+    if (!m_input->size())
         format->max_analyze_duration = liveProbeTime;
-    }
     format->format_whitelist = av_strdup(allowedFormats().constData());
     format->io_open = refuseToOpen;
     format->protocol_whitelist = av_strdup("none"); // for formats that open files without asking io_open
@@ -120,8 +119,9 @@ void MediaContainer::open(AVFormatContext *format) {
     const QByteArray name = m_input->name().toUtf8();
     const AVInputFormat *kind = nullptr;
     const bool hasPlaces = m_io->seekable != 0;
-    if (hasPlaces && !m_input->isSeekable()) {
-        if (av_probe_input_buffer2(m_io.get(), &kind, name.constData(), nullptr, 0, probeBytes) >= 0 &&
+    if (!m_input->isSeekable()) {
+        const auto most = static_cast<unsigned>(hasPlaces ? probeBytes : liveProbeBytes);
+        if (av_probe_input_buffer2(m_io.get(), &kind, name.constData(), nullptr, 0, most) >= 0 &&
             !std::string_view(kind->name).starts_with("mov"))
             m_io->seekable = 0;
     }

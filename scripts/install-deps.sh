@@ -18,11 +18,11 @@ build_packages=(
     # A font for dialogs and menus; the window system's plugin comes with Qt's library.
     fonts-dejavu-core
 )
-# The sanitizer run-times, the formatter, an encoder for test files, a display, its mouse and keyboard, a sound server and a message bus.
+# The sanitizer run-times, the formatter, an encoder for test files, a display, its window manager, mouse and keyboard, a sound server and a message bus.
 test_packages=(
     clang-format-19 libclang-rt-19-dev llvm-19
     libgtest-dev libgmock-dev libbenchmark-dev
-    xvfb xauth xdotool x11-utils
+    xvfb xauth xdotool x11-utils x11-xserver-utils openbox
     pulseaudio pulseaudio-utils dbus ffmpeg
 )
 
@@ -35,7 +35,7 @@ apt-get was not found, so nothing is installed. Vantor needs, by whatever names 
   audio decoding          FFmpeg 5.1 or later (libavformat, libavcodec, libavutil, libswresample)
   tags and covers         TagLib
   sound output            the PulseAudio client library (libpulse)
-  tests, benchmarks       GoogleTest with GoogleMock, Google Benchmark, Xvfb, xdotool, PulseAudio, D-Bus, ffmpeg
+  tests, benchmarks       GoogleTest with GoogleMock, Google Benchmark, Xvfb, xprop, xrandr, xdotool, openbox, PulseAudio, D-Bus, ffmpeg
 Going on; CMake tells what it cannot find.
 TEXT
 }

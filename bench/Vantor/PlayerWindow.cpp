@@ -1,4 +1,4 @@
-#include "AudioCore/Output/SystemAudioOutput.h"
+#include "AudioCore/Output/SystemOutputDeviceProvider.h"
 #include "FirstPaint.h"
 #include "Vantor/Model/PlayerModel.h"
 #include "Vantor/Windows/MainWindow.h"
@@ -13,7 +13,7 @@ int main(int argc, char **argv) {
     QApplication application(argc, argv);
     const QTemporaryDir folder;
     QSettings settings(folder.filePath(QStringLiteral("settings.ini")), QSettings::IniFormat);
-    Player player(std::make_unique<FileTrackResolver>(), makeSystemAudioOutput);
+    Player player(std::make_unique<FileTrackResolver>(), std::make_unique<SystemOutputDeviceProvider>());
     PlayerModel model(player, settings);
     Commands commands(model);
     MainWindow window(model, commands);

@@ -102,11 +102,18 @@ void paintBottomPieces(Sheet &sheet) {
     }
     Canvas right = sheet.sprite("PLAYLIST_BOTTOM_RIGHT_CORNER");
     paintBottom(right, {.left = false, .top = false});
-    // The groove of the scroll bar ends here.
+    // The groove of the scroll bar ends here, above the keys that scroll by a row.
     right.row(134, 0, 9, ink);
     right.row(135, 1, 9, mix(bodyTop, light, 0.35));
+    for (const auto &[y, arrow] :
+         {std::pair(3, Stencil("..##../.####./######")), {8, Stencil("######/.####./..##..")}}) {
+        right.stencil(136, y + 1, arrow, ink);
+        right.stencil(136, y, arrow, print);
+    }
     paintWell(right, {5, 8, 93, 10});
     paintWell(right, {64, 22, 34, 9});
+    for (const int y : {24, 27}) // the colon of the small clock
+        right.set(84, y, mix(glass, amber, 0.6));
     paintRecess(right, {106, 8, 22, 18});
     paintMenuKey(right.part({106, 8, 22, 18}), "LIST");
     constexpr Stencil symbols[] = {"#..#/#.##/####/#.##/#..#",      "#.../###./####/###./#...",
@@ -127,7 +134,7 @@ void paintBottomPieces(Sheet &sheet) {
         }
     Canvas visualizer = sheet.sprite("PLAYLIST_VISUALIZER_BACKGROUND");
     paintBottom(visualizer, {.left = false, .top = false, .right = false});
-    paintWell(visualizer, {2, 11, 71, 18});
+    paintWell(visualizer, {2, 11, 72, 18});
 }
 
 void paintMenus(Sheet &sheet) {

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "AudioCore/AudioCoreError.h"
 #include "AudioCore/Graph/PlayerNode.h"
-#include "AudioCore/Output/AudioOutput.h"
+#include "AudioCore/Output/NullAudioOutput.h"
+#include "AudioCore/Output/OutputDeviceProvider.h"
 
 #include <vector>
 
@@ -11,17 +11,29 @@ namespace vantor {
 /// An output that renders when the test says so, and remembers what it heard.
 class TestOutput final : public AudioOutput {
   public:
-    /// What the test sees of its outputs, which belong to the player.
+    /// What the test sees of its outputs, which belong to the player, and of the devices.
     struct Shared {
+        static OutputDeviceDescription device(quint32 id, const char *key) {
+            OutputDeviceDescription made;
+            made.id = id;
+            made.key = QLatin1String(key);
+            return made;
+        }
+
         TestOutput *current = nullptr;
         int made = 0;
         int sampleRate = 44100;
         double latency = 0;
-        bool refusesToStart = false;
+        std::optional<quint32> refusing; ///< the device that cannot be played on
         std::vector<StereoFrame> heard;
+
+        bool isSettled = true;
+        std::vector<OutputDeviceDescription> devices{device(1, "speakers")};
+        std::optional<quint32> defaultDevice = 1;
     };
 
-    explicit TestOutput(Shared &shared) : m_shared(shared), m_sampleRate(shared.sampleRate) {
+    TestOutput(Shared &shared, std::optional<quint32> device)
+        : m_shared(shared), m_sampleRate(shared.sampleRate), m_device(device) {
         ++shared.made;
         shared.current = this;
     }
@@ -30,16 +42,17 @@ class TestOutput final : public AudioOutput {
             m_shared.current = nullptr;
     }
 
-    void start(Render render, std::function<void(const QString &)> onLost) override {
-        if (m_shared.refusesToStart)
-            throw AudioCoreError::engineStart(QStringLiteral("refused"));
+    void start(Render render, Reports reports) override {
         m_render = std::move(render);
-        m_onLost = std::move(onLost);
+        m_reports = std::move(reports);
+        if (m_device && m_device == m_shared.refusing)
+            m_reports.lost(false, QStringLiteral("refused"));
     }
     void stop() override { m_render = nullptr; }
     void setSuspended(bool suspended) override { m_suspended = suspended; }
     [[nodiscard]] int sampleRate() const override { return m_sampleRate; }
     [[nodiscard]] double latency() const override { return m_shared.latency; }
+    [[nodiscard]] std::optional<quint32> device() const override { return m_device; }
     [[nodiscard]] QString name() const override { return QStringLiteral("test"); }
 
     void render(int frames) {
@@ -49,14 +62,46 @@ class TestOutput final : public AudioOutput {
         m_shared.heard.resize(before + static_cast<std::size_t>(frames));
         m_render(&m_shared.heard[before].left, frames);
     }
-    void lose() { m_onLost(QStringLiteral("pulled out")); }
+    void lose() { m_reports.lost(true, QStringLiteral("pulled out")); }
+    void move(quint32 device) {
+        m_device = device;
+        m_reports.moved();
+    }
 
   private:
     Shared &m_shared;
     const int m_sampleRate;
     Render m_render;
-    std::function<void(const QString &)> m_onLost;
+    Reports m_reports;
+    std::optional<quint32> m_device;
     bool m_suspended = true;
+};
+
+/// The devices that the test has set up; it emits changed() itself.
+class TestOutputDevices final : public OutputDeviceProvider {
+  public:
+    explicit TestOutputDevices(TestOutput::Shared &shared) : m_shared(shared) {}
+
+    [[nodiscard]] bool isSettled() const override { return m_shared.isSettled; }
+    [[nodiscard]] std::vector<OutputDeviceDescription> devices() const override { return m_shared.devices; }
+    [[nodiscard]] std::optional<quint32> defaultDevice() const override { return m_shared.defaultDevice; }
+    [[nodiscard]] std::unique_ptr<AudioOutput> makeOutput(std::optional<quint32> device) override {
+        return std::make_unique<TestOutput>(m_shared, device ? device : m_shared.defaultDevice);
+    }
+
+  private:
+    TestOutput::Shared &m_shared;
+};
+
+/// A system without sound, on which the player runs in real time.
+class SilentOutputDevices final : public OutputDeviceProvider {
+  public:
+    [[nodiscard]] bool isSettled() const override { return true; }
+    [[nodiscard]] std::vector<OutputDeviceDescription> devices() const override { return {}; }
+    [[nodiscard]] std::optional<quint32> defaultDevice() const override { return std::nullopt; }
+    [[nodiscard]] std::unique_ptr<AudioOutput> makeOutput(std::optional<quint32>) override {
+        return std::make_unique<NullAudioOutput>();
+    }
 };
 
 } // namespace vantor

@@ -21,7 +21,13 @@ TEST(LaunchOptionsTest, ReadsOptionsFilesAndSkinsInAnyOrder) {
     all.screenshot = u"out.png"_qs;
     LaunchOptions addressed = options("a.zip", {});
     addressed.files = {QUrl(u"https://h/b?c=d"_qs)};
+    LaunchOptions more = options("B.WSZ", {u"x.ogg"_qs});
+    more.command = LaunchCommand::enqueue;
+    LaunchOptions next;
+    next.command = LaunchCommand::next;
     const std::pair<const char *, LaunchOptions> rows[] = {
+        {"--enqueue x.ogg B.WSZ", more},
+        {"--next", next},
         {"a.flac --seconds 2.5 worn.wsz --skin named.zip --screenshot out.png -- -odd.mp3", all},
         {"a.wsz x.ogg B.WSZ", options("B.WSZ", {u"x.ogg"_qs})},
         {"--skin a.zip HTTPS://h/b?c=d", addressed},
@@ -37,6 +43,9 @@ TEST(LaunchOptionsTest, ReadsOptionsFilesAndSkinsInAnyOrder) {
 TEST(LaunchOptionsTest, SaysWhatIsWrong) {
     const char *const badSeconds = "--seconds needs a number above 0, at most 86400";
     for (const auto &[line, firstLine] : {std::pair("--bogus", "unknown option: --bogus"),
+                                          {"--play --stop", "only one command at a time: --stop"},
+                                          {"--next a.mp3", "files go with --play or --enqueue only"},
+                                          {"--enqueue", "--enqueue needs files"},
                                           {"--skin", "--skin needs a value"},
                                           {"--seconds 0", badSeconds},
                                           {"--seconds nan", badSeconds},

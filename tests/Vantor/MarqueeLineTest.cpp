@@ -43,3 +43,19 @@ TEST(MarqueeLineTest, StandsStillAtFirstThenMovesAndWraps) {
     line.advance(5);
     EXPECT_EQ(line.offset(start), 0);
 }
+
+TEST(MarqueeLineTest, ComesRoundOnceWhileNothingPlays) {
+    MarqueeLine line;
+    line.setTitle(longTitle);
+    line.setIdle(true);
+    bool moved = false;
+    for (int frames = 0; line.moves(start) && frames < 3000; ++frames) {
+        line.advance(0.03);
+        moved = moved || line.offset(start) > 0;
+    }
+    EXPECT_TRUE(moved);
+    EXPECT_FALSE(line.moves(start));
+    EXPECT_EQ(line.offset(start), 0);
+    line.setIdle(false);
+    EXPECT_TRUE(line.moves(start));
+}

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "AudioCore/Output/NullAudioOutput.h"
 #include "AudioCore/Playback/Player.h"
 #include "Vantor/Model/PlayerModel.h"
 #include "tests/Support/AudioFileBuilder.h"
 #include "tests/Support/TestFolder.h"
+#include "tests/Support/TestOutput.h"
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
@@ -40,8 +40,7 @@ class PlayerFixture : public testing::Test {
 
     TestFolder m_folder;
     QSettings m_settings{m_folder.path("settings.ini"), QSettings::IniFormat};
-    Player m_player{std::make_unique<FileTrackResolver>(),
-                    [] { return std::make_unique<NullAudioOutput>(); }};
+    Player m_player{std::make_unique<FileTrackResolver>(), std::make_unique<SilentOutputDevices>()};
     PlayerModel m_model{m_player, m_settings};
 };
 

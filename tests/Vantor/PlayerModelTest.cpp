@@ -72,7 +72,7 @@ TEST_F(PlayerModelTest, SlidersClampSnapAndAreRemembered) {
     m_model.dragSlider(MainWindowControl::volume, 0.25);
     m_model.releaseSlider();
 
-    Player again(std::make_unique<FileTrackResolver>(), [] { return std::make_unique<NullAudioOutput>(); });
+    Player again(std::make_unique<FileTrackResolver>(), std::make_unique<SilentOutputDevices>());
     const PlayerModel restored(again, m_settings);
     EXPECT_FLOAT_EQ(again.volume(), 0.25F);
     EXPECT_FLOAT_EQ(again.balance(), -1);

@@ -9,7 +9,7 @@ static constexpr int blocksPerSecond = 100;
 // missed time.
 static constexpr std::chrono::milliseconds longestCatchUp{250};
 
-void NullAudioOutput::start(Render render, std::function<void(const QString &reason)>) {
+void NullAudioOutput::start(Render render, Reports) {
     stop();
     {
         const MutexLock lock(m_mutex);

@@ -15,12 +15,13 @@ class NullAudioOutput final : public AudioOutput {
     explicit NullAudioOutput(int sampleRate = 44100) : m_sampleRate(sampleRate) {}
     ~NullAudioOutput() override { stop(); }
 
-    void start(Render render, std::function<void(const QString &reason)> onLost) override;
+    void start(Render render, Reports reports) override;
     void stop() override;
     void setSuspended(bool suspended) override;
 
     [[nodiscard]] int sampleRate() const override { return m_sampleRate; }
     [[nodiscard]] double latency() const override { return 0; }
+    [[nodiscard]] std::optional<quint32> device() const override { return std::nullopt; }
     [[nodiscard]] QString name() const override { return QStringLiteral("no sound server"); }
 
   private:

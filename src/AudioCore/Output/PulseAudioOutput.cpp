@@ -1,14 +1,10 @@
-#include "AudioCore/Output/PulseAudioOutput.h"
-
-#include "AudioCore/AudioCoreError.h"
+#include "AudioCore/Output/PulseAudioOutput_p.h"
 
 #include <pulse/pulseaudio.h>
 
-#include <chrono>
-
 namespace vantor {
 
-// A server on this machine answers in milliseconds; one that hangs must not hang the player.
+// A server on this machine answers in milliseconds.
 static constexpr pa_usec_t answerTimeout = 1 * PA_USEC_PER_SEC;
 // Short enough that pause, seek and volume feel immediate, long enough to outlast a busy moment.
 static constexpr pa_usec_t targetLatency = 80 * PA_USEC_PER_MSEC;
@@ -19,146 +15,58 @@ static std::int64_t monotonicNanoseconds() {
     return std::chrono::nanoseconds(std::chrono::steady_clock::now().time_since_epoch()).count();
 }
 
-class PulseAudioOutput::Lock {
-  public:
-    explicit Lock(pa_threaded_mainloop *loop) : m_loop(loop) { pa_threaded_mainloop_lock(loop); }
-    ~Lock() { pa_threaded_mainloop_unlock(m_loop); }
-    Lock(const Lock &) = delete;
-    Lock &operator=(const Lock &) = delete;
+static void forget(pa_operation *operation) {
+    if (operation)
+        pa_operation_unref(operation);
+}
 
-  private:
-    pa_threaded_mainloop *m_loop;
-};
-
-// What the library calls back, on its own thread and with the loop's lock.
+// What the library calls back, on its own thread and with the server's lock.
 struct PulseAudioOutput::Callbacks {
     static PulseAudioOutput &self(void *data) { return *static_cast<PulseAudioOutput *>(data); }
 
-    static void contextChanged(pa_context *context, void *data) {
-        if (!PA_CONTEXT_IS_GOOD(pa_context_get_state(context)))
-            self(data).reportLoss();
-        pa_threaded_mainloop_signal(self(data).m_loop.get(), 0);
-    }
-    static void streamChanged(pa_stream *stream, void *data) {
-        if (!PA_STREAM_IS_GOOD(pa_stream_get_state(stream)))
-            self(data).reportLoss();
-        pa_threaded_mainloop_signal(self(data).m_loop.get(), 0);
-    }
+    static void streamChanged(pa_stream *, void *data) { self(data).streamChanged(); }
+    static void streamMoved(pa_stream *, void *data) { self(data).reportDevice(); }
     static void wantsSound(pa_stream *, std::size_t bytes, void *data) { self(data).fillBuffer(bytes); }
+    static void outOfPatience(pa_mainloop_api *, pa_time_event *, const timeval *, void *data) {
+        self(data).m_lossReason = QString::fromUtf8(pa_strerror(PA_ERR_TIMEOUT));
+        self(data).m_server->giveUp(); // which ends the stream, too
+    }
+    static void lastAnswer(pa_operation *operation, void *data) {
+        if (pa_operation_get_state(operation) != PA_OPERATION_RUNNING)
+            self(data).reportLoss();
+    }
 };
 
-void PulseAudioOutput::MainloopDeleter::operator()(pa_threaded_mainloop *loop) const {
-    pa_threaded_mainloop_stop(loop);
-    pa_threaded_mainloop_free(loop);
-}
+PulseAudioOutput::PulseAudioOutput(std::shared_ptr<PulseServer> server, const QString &sink, int sinkRate)
+    : m_server(std::move(server)), m_sink(sink.toUtf8()),
+      m_sampleRate(sinkRate >= 8000 && sinkRate <= 384000 ? sinkRate : fallbackRate) {}
 
-PulseAudioOutput::PulseAudioOutput() : m_loop(pa_threaded_mainloop_new()) {
-    if (!m_loop || pa_threaded_mainloop_start(m_loop.get()) < 0)
-        throw AudioCoreError::engineStart(QStringLiteral("no thread for the sound server"));
-    const Lock lock(m_loop.get());
-    try {
-        connectContext();
-        findSampleRate();
-    } catch (...) {
-        dropContext();
-        throw;
-    }
-}
-
-PulseAudioOutput::~PulseAudioOutput() {
+void PulseAudioOutput::start(Render render, Reports reports) {
     stop();
-    const Lock lock(m_loop.get());
-    dropContext();
-}
-
-void PulseAudioOutput::dropContext() {
-    if (!m_context)
-        return;
-    pa_context_set_state_callback(m_context, nullptr, nullptr);
-    pa_context_disconnect(m_context);
-    pa_context_unref(m_context);
-    m_context = nullptr;
-}
-
-void PulseAudioOutput::throwStartError() const {
-    const int code = m_context ? pa_context_errno(m_context) : PA_ERR_UNKNOWN;
-    // A wait that ran out leaves no error behind.
-    throw AudioCoreError::engineStart(QString::fromUtf8(pa_strerror(code == PA_OK ? PA_ERR_TIMEOUT : code)));
-}
-
-// Lets the library's thread work until `done` holds, the connection breaks or the time is up.
-template <class Done>
-void PulseAudioOutput::waitUntil(Done done) {
-    struct Timeout {
-        pa_threaded_mainloop *loop;
-        bool passed = false;
-    } timeout{m_loop.get()};
-    const auto onTimeout = [](pa_mainloop_api *, pa_time_event *, const timeval *, void *data) {
-        auto *const self = static_cast<Timeout *>(data);
-        self->passed = true;
-        pa_threaded_mainloop_signal(self->loop, 0);
-    };
-    pa_time_event *const timer =
-        pa_context_rttime_new(m_context, pa_rtclock_now() + answerTimeout, onTimeout, &timeout);
-    while (!done() && !timeout.passed && PA_CONTEXT_IS_GOOD(pa_context_get_state(m_context)))
-        pa_threaded_mainloop_wait(m_loop.get());
-    pa_threaded_mainloop_get_api(m_loop.get())->time_free(timer);
-}
-
-void PulseAudioOutput::connectContext() {
-    m_context = pa_context_new(pa_threaded_mainloop_get_api(m_loop.get()), "Vantor");
-    if (!m_context)
-        throwStartError();
-    pa_context_set_state_callback(m_context, Callbacks::contextChanged, this);
-    // No autospawn: sessions that want a server start one by themselves, and where none is wanted a music
-    // player must not leave one behind.
-    if (pa_context_connect(m_context, nullptr, PA_CONTEXT_NOAUTOSPAWN, nullptr) < 0)
-        throwStartError();
-    const auto isReady = [this] { return pa_context_get_state(m_context) == PA_CONTEXT_READY; };
-    waitUntil(isReady);
-    if (!isReady())
-        throwStartError();
-}
-
-// Resampling once, in the decoder, is better than a second time in the server.
-void PulseAudioOutput::findSampleRate() {
-    struct Answer {
-        pa_threaded_mainloop *loop;
-        int rate = 0;
-    } answer{m_loop.get()};
-    const auto onSink = [](pa_context *, const pa_sink_info *info, int, void *data) {
-        auto *const self = static_cast<Answer *>(data);
-        if (info)
-            self->rate = static_cast<int>(info->sample_spec.rate);
-        pa_threaded_mainloop_signal(self->loop, 0);
-    };
-    pa_operation *const query =
-        pa_context_get_sink_info_by_name(m_context, "@DEFAULT_SINK@", onSink, &answer);
-    if (!query)
-        throwStartError();
-    waitUntil([query] { return pa_operation_get_state(query) != PA_OPERATION_RUNNING; });
-    pa_operation_cancel(query);
-    pa_operation_unref(query);
-    if (!PA_CONTEXT_IS_GOOD(pa_context_get_state(m_context)) || answer.rate == 0)
-        throwStartError();
-    m_sampleRate = answer.rate >= 8000 && answer.rate <= 384000 ? answer.rate : fallbackRate;
-}
-
-void PulseAudioOutput::start(Render render, std::function<void(const QString &reason)> onLost) {
-    stop();
-    const Lock lock(m_loop.get());
+    m_reports = std::move(reports);
+    const PulseServer::Lock lock(*m_server);
+    m_mainThread = std::make_unique<QObject>();
     m_render = std::move(render);
-    m_onLost = std::move(onLost);
+    m_isReady = false;
+    m_isSuspended = true;
+    m_lossReason.clear();
+    if (!m_server->context() || !connectStream())
+        streamLost();
+}
 
+bool PulseAudioOutput::connectStream() {
     const pa_sample_spec spec{
         .format = PA_SAMPLE_FLOAT32NE, .rate = static_cast<std::uint32_t>(m_sampleRate), .channels = 2};
     pa_proplist *const properties = pa_proplist_new();
     pa_proplist_sets(properties, PA_PROP_MEDIA_ROLE, "music");
-    m_stream = pa_stream_new_with_proplist(m_context, "Music", &spec, nullptr, properties);
+    m_stream = pa_stream_new_with_proplist(m_server->context(), "Music", &spec, nullptr, properties);
     pa_proplist_free(properties);
     if (!m_stream)
-        throwStartError();
+        return false;
+    m_patience = pa_context_rttime_new(m_server->context(), pa_rtclock_now() + answerTimeout,
+                                       Callbacks::outOfPatience, this);
     pa_stream_set_state_callback(m_stream, Callbacks::streamChanged, this);
+    pa_stream_set_moved_callback(m_stream, Callbacks::streamMoved, this);
     pa_stream_set_write_callback(m_stream, Callbacks::wantsSound, this);
 
     constexpr std::uint32_t serverChooses = static_cast<std::uint32_t>(-1);
@@ -170,46 +78,83 @@ void PulseAudioOutput::start(Render render, std::function<void(const QString &re
     const auto flags =
         static_cast<pa_stream_flags_t>(PA_STREAM_START_CORKED | PA_STREAM_ADJUST_LATENCY |
                                        PA_STREAM_AUTO_TIMING_UPDATE | PA_STREAM_INTERPOLATE_TIMING);
-    const auto state = [this] { return pa_stream_get_state(m_stream); };
-    if (pa_stream_connect_playback(m_stream, nullptr, &buffer, flags, nullptr, nullptr) == 0)
-        waitUntil([&state] { return state() != PA_STREAM_CREATING; });
-    if (state() != PA_STREAM_READY) {
-        dropStream();
-        throwStartError();
+    return pa_stream_connect_playback(m_stream, m_sink.isEmpty() ? nullptr : m_sink.constData(), &buffer,
+                                      flags, nullptr, nullptr) == 0;
+}
+
+void PulseAudioOutput::streamChanged() {
+    const pa_stream_state_t state = pa_stream_get_state(m_stream);
+    if (state == PA_STREAM_READY)
+        streamReady();
+    else if (!PA_STREAM_IS_GOOD(state))
+        streamLost();
+}
+
+void PulseAudioOutput::streamReady() {
+    stopWaiting();
+    m_isReady = true;
+    reportDevice();
+    if (!m_isSuspended)
+        cork(false);
+}
+
+void PulseAudioOutput::stopWaiting() {
+    if (m_patience)
+        m_server->api()->time_free(std::exchange(m_patience, nullptr));
+}
+
+// A stream whose sink is gone ends before the list of sinks is seen without it. Those who hear of the loss
+// shall not choose the same sink again: they hear of it when the list has been looked at.
+void PulseAudioOutput::streamLost() {
+    pa_context *const context = m_server->context();
+    const int code = context ? pa_context_errno(context) : PA_ERR_CONNECTIONTERMINATED;
+    if (m_lossReason.isEmpty())
+        m_lossReason = QString::fromUtf8(pa_strerror(code == PA_OK ? PA_ERR_KILLED : code));
+    if (!context) {
+        reportLoss();
+        return;
     }
-    m_reportsLoss = true;
+    m_server->lookAgain();
+    const auto ignore = [](pa_context *, const pa_server_info *, void *) {};
+    m_lastQuestion = pa_context_get_server_info(context, ignore, nullptr);
+    if (m_lastQuestion)
+        pa_operation_set_state_callback(m_lastQuestion, Callbacks::lastAnswer, this);
+    else
+        reportLoss();
 }
 
 void PulseAudioOutput::stop() {
-    const Lock lock(m_loop.get());
-    dropStream();
-}
-
-void PulseAudioOutput::dropStream() {
-    m_reportsLoss = false;
+    const PulseServer::Lock lock(*m_server);
+    m_mainThread.reset();
+    m_device.reset();
+    stopWaiting();
+    if (m_lastQuestion) {
+        pa_operation_set_state_callback(m_lastQuestion, nullptr, nullptr);
+        pa_operation_cancel(m_lastQuestion);
+        pa_operation_unref(std::exchange(m_lastQuestion, nullptr));
+    }
     if (m_stream) {
         pa_stream_set_state_callback(m_stream, nullptr, nullptr);
+        pa_stream_set_moved_callback(m_stream, nullptr, nullptr);
         pa_stream_set_write_callback(m_stream, nullptr, nullptr);
         pa_stream_disconnect(m_stream);
-        pa_stream_unref(m_stream);
-        m_stream = nullptr;
+        pa_stream_unref(std::exchange(m_stream, nullptr));
     }
     m_render = nullptr;
-    m_onLost = nullptr;
 }
 
 void PulseAudioOutput::setSuspended(bool suspended) {
-    const Lock lock(m_loop.get());
-    if (!m_stream || pa_stream_is_corked(m_stream) == (suspended ? 1 : 0))
-        return;
-    const auto unref = [](pa_operation *operation) {
-        if (operation)
-            pa_operation_unref(operation);
-    };
+    const PulseServer::Lock lock(*m_server);
+    m_isSuspended = suspended;
+    if (m_stream && m_isReady && pa_stream_is_corked(m_stream) != (suspended ? 1 : 0))
+        cork(suspended);
+}
+
+void PulseAudioOutput::cork(bool corked) {
     // The silence that waited since the rest began would only delay the new sound.
-    if (!suspended)
-        unref(pa_stream_flush(m_stream, nullptr, nullptr));
-    unref(pa_stream_cork(m_stream, suspended ? 1 : 0, nullptr, nullptr));
+    if (!corked)
+        forget(pa_stream_flush(m_stream, nullptr, nullptr));
+    forget(pa_stream_cork(m_stream, corked ? 1 : 0, nullptr, nullptr));
 }
 
 void PulseAudioOutput::fillBuffer(std::size_t bytes) {
@@ -235,20 +180,26 @@ double PulseAudioOutput::latency() const {
     return static_cast<double>(std::max<std::int64_t>(left, 0)) * 1e-9;
 }
 
+void PulseAudioOutput::reportDevice() {
+    post([this, device = pa_stream_get_device_index(m_stream)] {
+        m_device = device;
+        const std::function<void()> moved = m_reports.moved;
+        if (moved)
+            moved(); // may delete this
+    });
+}
+
 void PulseAudioOutput::reportLoss() {
-    if (!m_reportsLoss)
-        return;
-    m_reportsLoss = false;
-    const QString reason = QString::fromUtf8(pa_strerror(pa_context_errno(m_context)));
-    QMetaObject::invokeMethod(
-        &m_mainThread,
-        [this, reason] {
-            const std::function<void(const QString &)> onLost = m_onLost;
-            stop();
-            if (onLost)
-                onLost(reason); // may delete this
-        },
-        Qt::QueuedConnection);
+    post([this, wasReady = m_isReady, reason = m_lossReason] {
+        const auto lost = m_reports.lost;
+        stop();
+        if (lost)
+            lost(wasReady, reason); // may delete this
+    });
+}
+
+void PulseAudioOutput::post(std::function<void()> call) {
+    QMetaObject::invokeMethod(m_mainThread.get(), std::move(call), Qt::QueuedConnection);
 }
 
 } // namespace vantor

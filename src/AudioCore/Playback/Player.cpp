@@ -4,6 +4,8 @@
 #include "AudioCore/Playback/PlayerPrivate_p.h"
 #include "AudioCore/Playback/PlayerRules.h"
 
+#include <numeric>
+
 namespace vantor {
 
 QUrl FileTrackResolver::resolve(const Track &track) const {
@@ -13,8 +15,9 @@ QUrl FileTrackResolver::resolve(const Track &track) const {
     return *url;
 }
 
-Player::Player(std::unique_ptr<TrackResolver> resolver, AudioOutputFactory outputs, QObject *parent)
-    : QObject(parent), d(std::make_unique<Private>(*this, std::move(resolver), std::move(outputs))) {}
+Player::Player(std::unique_ptr<TrackResolver> resolver, std::unique_ptr<OutputDeviceProvider> outputDevices,
+               QObject *parent)
+    : QObject(parent), d(std::make_unique<Private>(*this, std::move(resolver), std::move(outputDevices))) {}
 
 Player::~Player() = default;
 
@@ -151,6 +154,19 @@ void Player::enqueue(const std::vector<Track> &tracks) {
     d->editQueue([&](PlayQueue &queue) { queue.append(tracks); });
 }
 
+void Player::insertTracks(const std::vector<Track> &tracks, int row) {
+    d->editQueue([&](PlayQueue &queue) {
+        const int count = queue.count();
+        queue.append(tracks);
+        if (row < 0 || row >= count)
+            return;
+        std::vector<int> order(static_cast<size_t>(queue.count()));
+        std::iota(order.begin(), order.end(), 0);
+        std::rotate(order.begin() + row, order.begin() + count, order.end());
+        queue.reorder(order);
+    });
+}
+
 void Player::removeTrack(int index) {
     d->editQueue([&](PlayQueue &queue) { queue.remove(index); });
 }
@@ -159,8 +175,16 @@ void Player::removeTracks(const IndexSet &indices) {
     d->editQueue([&](PlayQueue &queue) { queue.remove(indices); });
 }
 
+void Player::cropTracks(const IndexSet &keeping) {
+    d->editQueue([&](PlayQueue &queue) { queue.crop(keeping); });
+}
+
 void Player::moveTracks(const IndexSet &indices, int offset) {
     d->editQueue([&](PlayQueue &queue) { queue.move(indices, offset); });
+}
+
+void Player::reorderTracks(const std::vector<int> &order) {
+    d->editQueue([&](PlayQueue &queue) { queue.reorder(order); });
 }
 
 void Player::sortQueue(PlaylistSortKey key) {
@@ -179,11 +203,11 @@ void Player::clearQueue() {
     d->editQueue([](PlayQueue &queue) { queue.removeAll(); });
 }
 
-void Player::restoreQueue(const std::vector<Track> &tracks, std::optional<int> currentIndex,
-                          RepeatMode repeatMode, bool isShuffled) {
+void Player::restoreQueue(std::vector<Track> tracks, std::optional<int> currentIndex, RepeatMode repeatMode,
+                          bool isShuffled) {
     d->stop();
     d->editQueue([&](PlayQueue &queue) {
-        queue = PlayQueue(tracks);
+        queue = PlayQueue(std::move(tracks));
         queue.setRepeatMode(repeatMode);
         if (currentIndex)
             queue.select(*currentIndex);

@@ -4,7 +4,7 @@
 #include "AudioCore/AudioCoreError.h"
 #include "AudioCore/Equalizer/EQState.h"
 #include "AudioCore/NowPlaying/NowPlayingCommandTarget.h"
-#include "AudioCore/Output/AudioOutput.h"
+#include "AudioCore/Output/OutputDeviceProvider.h"
 #include "AudioCore/Playback/PlaybackState.h"
 #include "AudioCore/PlaybackFormat.h"
 #include "AudioCore/Queue/PlayQueue.h"
@@ -31,9 +31,6 @@ class FileTrackResolver final : public TrackResolver {
     [[nodiscard]] QUrl resolve(const Track &track) const override;
 };
 
-/// Makes the output for the graph, at the first sound and again after the last one broke.
-using AudioOutputFactory = std::function<std::unique_ptr<AudioOutput>()>;
-
 /// The playback engine: the queue, the audio graph, volume and balance, the spectrum tap and the decoding
 /// that feeds them. Lives on the main thread; files are opened and decoded elsewhere. Events are delivered on
 /// the main thread after the state that they tell of has been set. Values out of range are clamped.
@@ -41,7 +38,8 @@ class Player : public QObject, public NowPlayingCommandTarget {
     Q_OBJECT
 
   public:
-    Player(std::unique_ptr<TrackResolver> resolver, AudioOutputFactory outputs, QObject *parent = nullptr);
+    Player(std::unique_ptr<TrackResolver> resolver, std::unique_ptr<OutputDeviceProvider> outputDevices,
+           QObject *parent = nullptr);
     ~Player() override;
 
     [[nodiscard]] const PlayQueue &queue() const;
@@ -69,7 +67,17 @@ class Player : public QObject, public NowPlayingCommandTarget {
     /// Of the output in use; empty before the first sound.
     [[nodiscard]] QString outputName() const;
 
+    /// The devices that there are now, in the system's order.
+    [[nodiscard]] std::vector<OutputDeviceDescription> outputDevices() const;
+    /// The one that plays; none before the first sound and without a sound system.
+    [[nodiscard]] std::optional<OutputDeviceDescription> outputDevice() const;
+    /// The key of the device that the user has chosen, whether it is there or not; none follows the system's
+    /// default.
+    [[nodiscard]] std::optional<QString> chosenOutputDevice() const;
+
     void enqueue(const std::vector<Track> &tracks);
+    /// Adds the tracks in front of a row; at the end for a row that there is not.
+    void insertTracks(const std::vector<Track> &tracks, int row);
     void play() override;
     void play(int index);
     void pause() override;
@@ -82,20 +90,30 @@ class Player : public QObject, public NowPlayingCommandTarget {
     void seek(double seconds) override;
     void removeTrack(int index);
     void removeTracks(const IndexSet &indices);
+    void cropTracks(const IndexSet &keeping);
     void moveTracks(const IndexSet &indices, int offset);
+    /// `order`: old indices in their new order; not a permutation changes nothing.
+    void reorderTracks(const std::vector<int> &order);
     void sortQueue(PlaylistSortKey key);
     void reverseQueue();
     void randomizeQueue();
     void clearQueue();
     /// Installs a queue without starting it.
-    void restoreQueue(const std::vector<Track> &tracks, std::optional<int> currentIndex,
-                      RepeatMode repeatMode, bool isShuffled);
+    void restoreQueue(std::vector<Track> tracks, std::optional<int> currentIndex, RepeatMode repeatMode,
+                      bool isShuffled);
 
     void setVolume(float volume);
     void setBalance(float balance);
     void setEq(const EQState &eq);
     void setRepeatMode(RepeatMode mode);
     void setShuffled(bool on);
+
+    /// Plays on the device with that key whenever it is there, else, and with none, on the system's default.
+    /// What plays goes on at the same place. A device that refuses is reported as a failure, and the default
+    /// plays.
+    void chooseOutputDevice(const std::optional<QString> &key);
+    /// Chooses one of the devices that there are now; an unknown id is reported as a failure.
+    void outputDeviceChanged(quint32 deviceID);
 
     PlayerEventToken addEventObserver(std::function<void(const PlayerEvent &)> callback);
     void removeEventObserver(PlayerEventToken token);
@@ -109,6 +127,8 @@ class Player : public QObject, public NowPlayingCommandTarget {
     void volumeChanged();
     void balanceChanged();
     void eqChanged();
+    /// The devices, the chosen one or the one that plays.
+    void outputDevicesChanged();
 
   private:
     class Private;

@@ -23,8 +23,8 @@ static constexpr int analyzerWindow = 1024;
 static constexpr int analyzerRing = 32768;
 
 Player::Private::Private(Player &player, std::unique_ptr<TrackResolver> trackResolver,
-                         AudioOutputFactory outputFactory)
-    : q(player), resolver(std::move(trackResolver)), outputs(std::move(outputFactory)),
+                         std::unique_ptr<OutputDeviceProvider> outputDevices)
+    : q(player), resolver(std::move(trackResolver)), devices(std::move(outputDevices)),
       analyzer(analyzerWindow, analyzerRing),
       streamer([this](const TrackStreamer::Report &report) { streamerReported(report); }) {
     timeUpdates.setSingleShot(true);
@@ -37,6 +37,7 @@ Player::Private::Private(Player &player, std::unique_ptr<TrackResolver> trackRes
         if (output)
             output->setSuspended(true);
     });
+    watchDevices();
 }
 
 // The sound fades out instead of breaking off, which takes as long as it is on its way to the ear.
@@ -46,37 +47,6 @@ Player::Private::~Private() {
     graph->node()->pause();
     const auto onItsWay = std::chrono::duration<double>(std::min(output->latency(), longestFarewell));
     std::this_thread::sleep_for(onItsWay + std::chrono::duration<double>(2 * PlayerNode::fadeSeconds));
-}
-
-void Player::Private::ensureOutput() {
-    if (output)
-        return;
-    std::unique_ptr<AudioOutput> made = outputs();
-    if (!made)
-        throw AudioCoreError::engineStart(QStringLiteral("no output"));
-    graph = std::make_unique<AudioGraph>(made->sampleRate(), &analyzer);
-    graph->setVolume(volume);
-    graph->setBalance(balance);
-    graph->setEqualizer(eq);
-    analyzer.prepare(graph->sampleRate());
-    AudioGraph *const rendered = graph.get();
-    AudioOutput *const started = made.get();
-    made->start([rendered](float *interleaved, int frames) { rendered->render(interleaved, frames); },
-                [this, started](const QString &reason) {
-                    // Not inside the output's own call: it is about to be replaced.
-                    const auto replace = [this, started, reason] {
-                        if (output.get() == started)
-                            outputLost(reason);
-                    };
-                    QMetaObject::invokeMethod(&q, replace, Qt::QueuedConnection);
-                });
-    output = std::move(made);
-    qCInfo(lcPlayer, "output: %s, %d Hz", qUtf8Printable(output->name()), output->sampleRate());
-}
-
-void Player::Private::wakeOutput() {
-    idleTimer.stop();
-    output->setSuspended(false);
 }
 
 void Player::Private::requestFrom(double seconds) {
@@ -145,6 +115,8 @@ void Player::Private::streamerReported(const TrackStreamer::Report &report) {
     setFormat(report.format);
     if (state != PlaybackState::loading)
         return; // a seek has arrived
+    if (!outputMadeFor.isSettled)
+        return; // nothing shall be lost to silence: it is loaded again as soon as the devices are known
     consecutiveFailures = 0;
     if (autoplayAfterLoad)
         resume();
@@ -256,31 +228,6 @@ void Player::Private::trackEnded() {
         return;
     }
     moveToCurrentTrack(true);
-}
-
-void Player::Private::outputLost(const QString &reason) {
-    qCWarning(lcPlayer, "lost the output: %s", qUtf8Printable(reason));
-    const double position = currentTime;
-    output.reset();
-    graph.reset();
-    if (state == PlaybackState::stopped)
-        return;
-    if (state == PlaybackState::loading) {
-        startCurrentTrack(autoplayAfterLoad);
-        return;
-    }
-    ++generation;
-    try {
-        ensureOutput();
-    } catch (const AudioCoreError &error) {
-        fail(error);
-        return;
-    }
-    requestFrom(position);
-    if (state == PlaybackState::playing) {
-        graph->node()->play();
-        wakeOutput();
-    }
 }
 
 } // namespace vantor

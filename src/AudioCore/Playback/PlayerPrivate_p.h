@@ -2,6 +2,7 @@
 
 #include "AudioCore/Graph/AudioGraph.h"
 #include "AudioCore/Playback/Player.h"
+#include "AudioCore/Playback/PlayerRules.h"
 #include "AudioCore/Playback/TrackStreamer.h"
 
 #include <QElapsedTimer>
@@ -15,7 +16,8 @@ namespace vantor {
 /// every start and seek is a new generation, and what an older one still reports is ignored.
 class Player::Private {
   public:
-    Private(Player &player, std::unique_ptr<TrackResolver> trackResolver, AudioOutputFactory outputFactory);
+    Private(Player &player, std::unique_ptr<TrackResolver> trackResolver,
+            std::unique_ptr<OutputDeviceProvider> outputDevices);
     ~Private();
 
     // Telling the observers.
@@ -44,7 +46,6 @@ class Player::Private {
     void fail(const PlaybackError &error);
     void trackEnded();
     void tick();
-    void outputLost(const QString &reason);
 
     // What downloads.
     [[nodiscard]] bool isRemote() const { return !url.isEmpty() && !url.isLocalFile(); }
@@ -54,13 +55,23 @@ class Player::Private {
     void watchDownload();
 
     // The output.
+    void watchDevices();
+    [[nodiscard]] std::optional<OutputDeviceDescription> deviceWith(const std::optional<quint32> &id) const;
+    [[nodiscard]] PlayerRules::OutputTarget outputTarget() const;
     void ensureOutput();
     void wakeOutput();
+    /// After the devices, the default or the choice have changed.
+    void followDevices();
+    void outputMoved();
+    void outputLost(bool wasReady, const QString &reason);
+    [[nodiscard]] double heardNow(bool wasAllHeard) const;
+    void replaceOutput(bool wasAllHeard);
+    void reportOutputFailure(const QString &reason);
     void requestFrom(double seconds);
 
     Player &q;
     const std::unique_ptr<TrackResolver> resolver;
-    const AudioOutputFactory outputs;
+    const std::unique_ptr<OutputDeviceProvider> devices;
 
     PlayQueue queue;
     PlaybackState state = PlaybackState::stopped;
@@ -97,6 +108,12 @@ class Player::Private {
     QTimer timeUpdates;
     QTimer idleTimer;
     QTimer downloadTimer;
+
+    std::optional<QString> chosenDevice;  ///< by its key, also while it is away
+    std::optional<quint32> refusedDevice; ///< does not play although it is there
+    PlayerRules::OutputTarget outputMadeFor;
+    bool outputIsReplacement = false;
+    QTimer switchTimer; ///< runs while the sound fades out on the old device
 
     // In this order: the output stops before what it renders goes away.
     AnalyzerTap analyzer;

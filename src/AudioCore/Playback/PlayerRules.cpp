@@ -31,4 +31,25 @@ double heardTime(double rendered, double latency, double shown, double duration)
     return duration > 0 ? std::min(heard, duration) : heard;
 }
 
+std::optional<quint32> chosenOutput(const std::vector<OutputDeviceDescription> &devices,
+                                    const std::optional<QString> &chosenKey,
+                                    const std::optional<quint32> &refused) {
+    for (const OutputDeviceDescription &device : devices) {
+        if (device.key == chosenKey && device.id != refused)
+            return device.id;
+    }
+    return std::nullopt;
+}
+
+bool needsAnotherOutput(const OutputTarget &madeFor, const OutputTarget &target,
+                        const std::optional<quint32> &device) {
+    if (madeFor.isSettled != target.isSettled || madeFor.chosen != target.chosen)
+        return true;
+    if (target.chosen || !target.systemDefault)
+        return false;
+    const bool isSilent = !madeFor.systemDefault;
+    const bool isLeftBehind = device && device == madeFor.systemDefault && device != target.systemDefault;
+    return isSilent || isLeftBehind;
+}
+
 } // namespace vantor::PlayerRules

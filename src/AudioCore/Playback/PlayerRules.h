@@ -1,5 +1,6 @@
 #pragma once
 
+#include "AudioCore/Output/OutputDeviceProvider.h"
 #include "AudioCore/Queue/PlayQueue.h"
 
 /// What the player decides, free of what it drives. Any thread.
@@ -18,5 +19,24 @@ namespace vantor::PlayerRules {
 
 /// The time of the sound that is heard: never behind what was shown before nor beyond the end.
 [[nodiscard]] double heardTime(double rendered, double latency, double shown, double duration);
+
+/// The chosen device's id, while it is there and has not refused to play.
+[[nodiscard]] std::optional<quint32> chosenOutput(const std::vector<OutputDeviceDescription> &devices,
+                                                  const std::optional<QString> &chosenKey,
+                                                  const std::optional<quint32> &refused);
+
+/// What an output is made for.
+struct OutputTarget {
+    bool isSettled = false;
+    std::optional<quint32> chosen;        ///< none: wherever the system wants it
+    std::optional<quint32> systemDefault; ///< none: there is no sound system
+
+    bool operator==(const OutputTarget &) const = default;
+};
+
+/// Whether an output that was made for one target and plays on `device` must give way for another target. It
+/// need not when the system has moved it by itself, after its default or by the user's hand.
+[[nodiscard]] bool needsAnotherOutput(const OutputTarget &madeFor, const OutputTarget &target,
+                                      const std::optional<quint32> &device);
 
 } // namespace vantor::PlayerRules

@@ -2,18 +2,9 @@
 
 namespace vantor {
 
-namespace {
+using namespace BaseColors;
 
-constexpr QRgb faceColor = qRgb(92, 96, 102);
-constexpr QRgb faceLight = qRgb(146, 150, 156);
-constexpr QRgb faceDark = qRgb(46, 49, 54);
-constexpr QRgb pressedFace = qRgb(74, 78, 84);
-constexpr QRgb ink = qRgb(232, 235, 238);
-constexpr QRgb fieldColor = qRgb(20, 22, 26);
-constexpr QRgb fieldDim = qRgb(84, 90, 98);
-constexpr QRgb fieldLit = qRgb(206, 214, 222);
-constexpr QRgb lamp = qRgb(122, 214, 152);
-constexpr QRgb busyLamp = qRgb(226, 160, 84);
+namespace {
 
 constexpr int frames = 28;
 
@@ -104,8 +95,8 @@ QPoint centre(const QRect &rect, std::initializer_list<const char *> picture) {
 } // namespace
 
 void BaseSpritePainter::paint(const Sprite &sprite) {
-    const bool done = paintFont(sprite) || paintWindow(sprite) || paintTitleBar(sprite) ||
-                      paintSlider(sprite) || paintDisplay(sprite);
+    const bool done = paintFont(sprite) || paintWindow(sprite) || paintPlaylistPiece(sprite) ||
+                      paintTitleBar(sprite) || paintSlider(sprite) || paintDisplay(sprite);
     if (!done)
         paintButton(sprite);
 }
@@ -210,11 +201,8 @@ bool BaseSpritePainter::paintTitleBar(const Sprite &sprite) {
         const QRect places[] = {{169, 2, 7, 10}, {176, 2, 10, 10}, {186, 2, 9, 10},
                                 {195, 2, 9, 10}, {204, 2, 10, 10}, {215, 2, 10, 10}};
         m_canvas.fill({rect.x() + 168, rect.y() + 2, 57, 10}, selected ? faceColor : pressedFace);
-        for (std::size_t i = 0; i < std::size(places); ++i) {
-            const Label *label = labelOf({latin(picture[i])});
-            m_canvas.pattern(centre(places[i].translated(rect.topLeft()), label->picture), label->picture,
-                             ink);
-        }
+        for (std::size_t i = 0; i < std::size(places); ++i)
+            symbol(places[i].translated(rect.topLeft()), picture[i]);
     } else if (has(sprite, "TITLE_BAR")) {
         const QString caption = latin(has(sprite, "EQ_")         ? "EQUALIZER"
                                       : has(sprite, "PLAYLIST_") ? "PLAYLIST"
@@ -330,6 +318,11 @@ bool BaseSpritePainter::paintDisplay(const Sprite &sprite) {
         return false;
     }
     return true;
+}
+
+void BaseSpritePainter::symbol(const QRect &place, const char *button) {
+    const Label *label = labelOf({latin(button)});
+    m_canvas.pattern(centre(place, label->picture), label->picture, ink);
 }
 
 void BaseSpritePainter::paintButton(const Sprite &sprite) {

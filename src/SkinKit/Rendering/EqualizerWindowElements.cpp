@@ -60,7 +60,7 @@ void drawPresets(const SkinCanvas &canvas, const Scene &scene) {
 }
 
 auto graphState(const Scene &scene) {
-    return std::tuple(EQGraph::preampLineY(scene.preamp), EQGraph::curve(scene.bands));
+    return std::tuple(EQGraph::preampLineY(scene.preamp), scene.bands);
 }
 
 void drawGraph(const SkinCanvas &canvas, const Scene &scene) {

@@ -2,6 +2,7 @@
 #include "SkinKit/Layout/MainSliders.h"
 #include "SkinKit/Layout/MainWindowLayout.h"
 #include "SkinKit/Rendering/MainWindowElements_p.h"
+#include "SkinKit/Rendering/MiniTime_p.h"
 #include "SkinKit/Rendering/SkinTextFont.h"
 #include "SkinKit/Rendering/VisualizerPicture_p.h"
 
@@ -22,32 +23,12 @@ void drawTitle(const SkinCanvas &canvas, const Scene &scene) {
     drawTitleButtons(canvas, scene);
 }
 
-using MiniTime = std::array<char16_t, 5>; // sign and digits, 0 for an empty cell
-
-MiniTime miniTime(const Scene &scene) {
-    MiniTime cells{};
-    if (scene.status.blinksTime() && !scene.timeLit)
-        return cells;
-    const TimeDigits digits = scene.status.digits();
-    const auto character = [](std::optional<int> digit) {
-        return digit ? static_cast<char16_t>(u'0' + *digit) : u'\0';
-    };
-    return {scene.status.showsMinus() ? u'-' : u'\0', character(digits.minutesTens),
-            character(digits.minutesOnes), character(digits.secondsTens), character(digits.secondsOnes)};
-}
-
-bool miniTimeDiffers(const Scene &before, const Scene &after) {
-    return miniTime(before) != miniTime(after);
+auto miniTimeState(const Scene &scene) {
+    return miniTime(scene.status, scene.timeLit);
 }
 
 void drawMiniTime(const SkinCanvas &canvas, const Scene &scene) {
-    const QPoint corner = MainShadeLayout::miniTimeHitArea.topLeft();
-    const MiniTime cells = miniTime(scene);
-    for (std::size_t i = 0; i < cells.size(); ++i) {
-        if (cells[i] != 0)
-            canvas.sprites.draw(SkinTextFont::spriteName(cells[i]),
-                                corner + QPoint(MainShadeLayout::miniTimeCellX[i], 0));
-    }
+    drawMiniTime(canvas.sprites, miniTimeState(scene), MainShadeLayout::miniTimeHitArea.topLeft());
 }
 
 // The right half of the frame belongs to the mini time, so the whole picture is drawn at half its width.
@@ -131,7 +112,7 @@ bool titleDiffers(const MainWindowScene &before, const MainWindowScene &after) {
 std::span<const SceneElement<MainWindowScene>> mainShadeElements() {
     static const std::array elements{
         SceneElement<Scene>{QRect({0, 0}, MainWindowLayout::shadeSize), titleDiffers, drawTitle},
-        SceneElement<Scene>{MainShadeLayout::miniTimeHitArea, miniTimeDiffers, drawMiniTime},
+        SceneElement<Scene>{MainShadeLayout::miniTimeHitArea, stateDiffers<miniTimeState>, drawMiniTime},
         SceneElement<Scene>{visualizerArea, visualizerDiffers, drawVisualizer},
         SceneElement<Scene>{Slider::shadePosition.rect(), positionDiffers, drawPosition},
     };

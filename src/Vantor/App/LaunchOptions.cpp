@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QHash>
 
 #include <cmath>
 
@@ -13,21 +14,31 @@ constexpr double longestRun = 86400; // one day, in seconds
 
 QString usage() {
     return QStringLiteral(
-        "usage: vantor [--skin FILE] [--seconds N] [--screenshot FILE] [--version] [--help] "
-        "[audio files, folders, playlists, addresses, .wsz …]");
+        "usage: vantor [--play|--pause|--toggle|--stop|--next|--previous|--enqueue] [--skin FILE]\n"
+        "              [--seconds N] [--screenshot FILE] [--version] [--help] [files]");
 }
 
 QString help() {
     return usage() +
            QStringLiteral(
                "\n\n"
+               "  --play             play: the files, or what is in the queue\n"
+               "  --pause            pause\n"
+               "  --toggle           pause, or play on\n"
+               "  --stop             stop\n"
+               "  --next             go to the next track\n"
+               "  --previous         go to the previous track\n"
+               "  --enqueue          add the files to the end of the queue\n"
                "  --skin FILE        wear a skin: a .wsz archive or a skin folder\n"
                "  --seconds N        stop after N seconds (without a display: 10)\n"
                "  --screenshot FILE  write a picture of the window before stopping\n"
                "                     (without a display: vantor.png)\n"
                "  --version          print the version\n"
                "  --help             print this\n\n"
-               "Audio is queued and played. Without audio the last queue comes back; the first time, and in\n"
+               "Files are audio files, folders, playlists, web addresses and .wsz skins. Audio replaces the "
+               "queue and is played.\n"
+               "A player that runs already on this display takes over what is asked for. Without audio the "
+               "last queue comes back; the first time, and in\n"
                "a run of N seconds, the demo track plays. Without a display the program plays all the\n"
                "same, prints what happens and exits.");
 }
@@ -41,6 +52,20 @@ QUrl urlOf(const QString &argument) {
     if (argument.startsWith(QLatin1String("file:")) || isAddress(argument))
         return QUrl(argument);
     return QUrl::fromLocalFile(QDir::cleanPath(QFileInfo(argument).absoluteFilePath()));
+}
+
+std::optional<LaunchCommand> commandOf(const QString &argument) {
+    static const QHash<QString, LaunchCommand> commands{
+        {QStringLiteral("--play"), LaunchCommand::play},
+        {QStringLiteral("--pause"), LaunchCommand::pause},
+        {QStringLiteral("--toggle"), LaunchCommand::toggle},
+        {QStringLiteral("--stop"), LaunchCommand::stop},
+        {QStringLiteral("--next"), LaunchCommand::next},
+        {QStringLiteral("--previous"), LaunchCommand::previous},
+        {QStringLiteral("--enqueue"), LaunchCommand::enqueue},
+    };
+    const auto found = commands.constFind(argument);
+    return found == commands.cend() ? std::nullopt : std::optional(*found);
 }
 
 std::optional<double> secondsOf(const QString &text) {
@@ -70,7 +95,11 @@ std::variant<LaunchOptions, LaunchOptions::Message> LaunchOptions::parse(const Q
                 options.files.append(urlOf(argument));
             continue;
         }
-        if (argument == QLatin1String("--")) {
+        if (const std::optional<LaunchCommand> command = commandOf(argument)) {
+            if (options.command && options.command != command)
+                return usageError(QStringLiteral("only one command at a time: ") + argument);
+            options.command = command;
+        } else if (argument == QLatin1String("--")) {
             optionsEnded = true;
         } else if (argument == QLatin1String("--help") || argument == QLatin1String("-h")) {
             return Message{help(), 0};
@@ -96,6 +125,12 @@ std::variant<LaunchOptions, LaunchOptions::Message> LaunchOptions::parse(const Q
     }
     if (!options.skin)
         options.skin = skinAmongFiles;
+    const bool takesFiles = !options.command || options.command == LaunchCommand::play ||
+                            options.command == LaunchCommand::enqueue;
+    if (!takesFiles && !options.files.isEmpty())
+        return usageError(QStringLiteral("files go with --play or --enqueue only"));
+    if (options.command == LaunchCommand::enqueue && options.files.isEmpty())
+        return usageError(QStringLiteral("--enqueue needs files"));
     return options;
 }
 

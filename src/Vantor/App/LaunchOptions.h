@@ -10,14 +10,21 @@
 
 namespace vantor {
 
+/// What a start of the program can do to the player, in this process or in the one that runs already.
+enum class LaunchCommand { play, pause, toggle, stop, next, previous, enqueue };
+
 /// What the command line asks for.
 struct LaunchOptions {
-    std::optional<QUrl> skin;          ///< --skin, else the last .wsz among the arguments
-    QList<QUrl> files;                 ///< audio files, folders and playlists in the order given
-    std::optional<double> seconds;     ///< --seconds: how long to run
-    std::optional<QString> screenshot; ///< --screenshot: where the picture of the window goes
+    std::optional<LaunchCommand> command; ///< only play and enqueue go with files
+    std::optional<QUrl> skin;             ///< --skin, else the last .wsz among the arguments
+    QList<QUrl> files;                    ///< audio files, folders and playlists in the order given
+    std::optional<double> seconds;        ///< --seconds: how long to run
+    std::optional<QString> screenshot;    ///< --screenshot: where the picture of the window goes
 
     bool operator==(const LaunchOptions &) const = default;
+
+    /// A run that is watched for a time, or for its picture, and has nothing to do with other ones.
+    [[nodiscard]] bool isOnItsOwn() const { return seconds || screenshot; }
 
     /// A text to print instead of starting: to standard output with status 0, to standard error otherwise.
     struct Message {

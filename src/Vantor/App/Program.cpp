@@ -1,17 +1,19 @@
 #include "Vantor/App/Program.h"
 
 #include "AudioCore/NowPlaying/NowPlayingBridge.h"
-#include "AudioCore/Output/SystemAudioOutput.h"
+#include "AudioCore/Output/SystemOutputDeviceProvider.h"
 #include "AudioCore/Playback/Player.h"
-#include "LocalPlayback/Queue/QueueAutosaver.h"
 #include "Platform/AppPaths.h"
+#include "Vantor/App/CarryOut.h"
 #include "Vantor/App/LaunchOptions.h"
+#include "Vantor/App/SavedQueue.h"
+#include "Vantor/App/SingleInstance.h"
 #include "Vantor/App/TimedRun.h"
 #include "Vantor/Model/PlayerModel.h"
+#include "Vantor/Model/ResumePoint.h"
 #include "Vantor/Mpris/MprisService.h"
-#include "Vantor/Windows/EqualizerWindow.h"
-#include "Vantor/Windows/MainWindow.h"
-#include "Vantor/Windows/SkinAccessibility.h"
+#include "Vantor/Windows/SkinnedWindows.h"
+#include "Vantor/Windows/WelcomeDialog.h"
 
 #include <QApplication>
 #include <QIcon>
@@ -25,7 +27,6 @@ namespace vantor {
 namespace {
 
 constexpr double headlessSeconds = 10;
-constexpr std::chrono::seconds autosaveDelay{1};
 
 bool hasDisplay() {
     return !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
@@ -59,66 +60,44 @@ QUrl demoTrack() {
     return path.isEmpty() ? QUrl() : QUrl::fromLocalFile(path);
 }
 
-bool isOnlyTheDemo(const std::vector<Track> &tracks) {
-    return tracks.size() == 1 && tracks.front().source == Track::Source(demoTrack());
-}
-
-/// The queue of the last run, kept from now on. A timed run neither takes it nor touches it.
-class SavedQueue {
-  public:
-    explicit SavedQueue(Player &player)
-        : m_store(QueueStore::defaultURL()), m_autosaver(player, m_store, autosaveDelay) {
-        if (const std::optional<QueueSnapshot> saved = m_store.load();
-            saved && !isOnlyTheDemo(saved->items)) {
-            player.restoreQueue(saved->items, saved->currentIndex, saved->repeatMode, saved->isShuffled);
-            m_hasTracks = !saved->items.empty();
-        }
-        m_autosaver.start();
-    }
-    ~SavedQueue() { m_autosaver.flush(); }
-
-    /// There was something of the user's own in it.
-    [[nodiscard]] bool hasTracks() const { return m_hasTracks; }
-
-  private:
-    QueueStore m_store;
-    QueueAutosaver m_autosaver;
-    bool m_hasTracks = false;
-};
-
 /// What the desktop shows and commands: its media keys and widgets.
 class DesktopPresence {
   public:
-    DesktopPresence(PlayerModel &model, MainWindow &window)
-        : m_service(model, {.raise = [&window] { bringToFront(window); }, .quit = &QApplication::quit}),
+    DesktopPresence(PlayerModel &model, SkinnedWindows &windows)
+        : m_service(model, {.raise = [&windows] { windows.bringToFront(); }, .quit = &QApplication::quit}),
           m_bridge(model.player(), model.player(), m_service.center()) {
         m_bridge.install();
         m_service.connectToBus();
     }
 
   private:
-    static void bringToFront(MainWindow &window) {
-        window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
-        window.show();
-        window.raise();
-        window.activateWindow();
-    }
-
     MprisService m_service;
     NowPlayingBridge m_bridge;
 };
 
-// The skin asked for, else the one worn last; and the files asked for, else the demo track if there is no
-// saved queue that could be played.
-void openWhatWasAskedFor(PlayerModel &model, const LaunchOptions &options, bool withDemo) {
-    const QUrl skin = options.skin.value_or(model.skins().lastWorn());
+// Once, and where somebody can see it.
+void welcome(PlayerModel &model, MainWindow &window) {
+    if (model.preferences().wasWelcomed() || QGuiApplication::platformName() == QLatin1String("offscreen"))
+        return;
+    model.preferences().setWelcomed();
+    auto *const dialog = new WelcomeDialog(model, &window);
+    // Beside the player, which is what there is to see.
+    dialog->adjustSize();
+    dialog->move(window.frameGeometry().bottomLeft() +
+                 QPoint((window.width() - dialog->width()) / 2, dialog->fontMetrics().height() * 3));
+    dialog->show();
+}
+
+// The skin asked for, else the one worn last.
+void dress(PlayerModel &model, const std::optional<QUrl> &asked) {
+    const QUrl skin = asked.value_or(model.skins().lastWorn());
     if (!skin.isEmpty())
         model.wear(skin);
+}
 
-    if (!options.files.isEmpty())
-        model.open(options.files);
-    const bool nothingToPlay = !model.isImporting() && model.player().queue().count() == 0;
-    if (nothingToPlay && withDemo && demoTrack().isValid())
+void playDemo(PlayerModel &model) {
+    const bool hasSomething = model.isImporting() || model.player().queue().count() > 0;
+    if (!hasSomething && demoTrack().isValid())
         model.open({demoTrack()});
 }
 
@@ -147,36 +126,67 @@ int runProgram(int argc, char **argv) {
     QApplication application(qtArgc, argv);
     setUpApplication();
 
+    SingleInstance instance(SingleInstance::defaultPath());
+    if (!options.isOnItsOwn()) {
+        const SingleInstance::Outcome outcome = instance.claim(options);
+        if (outcome == SingleInstance::Outcome::handedOver)
+            return 0;
+        if (outcome == SingleInstance::Outcome::unanswered)
+            return print({QStringLiteral("Vantor runs already, but does not answer"), 1});
+    }
+
     QSettings settings(QLatin1String(AppPaths::bundleIdentifier), QStringLiteral("vantor"));
-    Player player(std::make_unique<FileTrackResolver>(), makeSystemAudioOutput);
+    Player player(std::make_unique<FileTrackResolver>(), std::make_unique<SystemOutputDeviceProvider>());
     PlayerModel model(player, settings);
     std::optional<SavedQueue> savedQueue;
     if (!options.seconds)
-        savedQueue.emplace(player);
-    EqualizerModel equalizer(player, settings, AppPaths::dataFolder());
-    Commands commands(model);
-    installSkinAccessibility();
-    MainWindow window(model, commands);
-    EqualizerWindow equalizerWindow(model, equalizer, commands);
+        savedQueue.emplace(model, demoTrack());
+    SkinnedWindows windows(model, settings);
     std::optional<TimedRun> timedRun;
-    if (options.seconds)
-        timedRun.emplace(model, window, *options.seconds, options.screenshot.value_or(QString()));
-    window.showIfOpen();
-    equalizerWindow.showIfOpen();
+    if (options.seconds) {
+        timedRun.emplace(model, windows.mainWindow(), *options.seconds,
+                         options.screenshot.value_or(QString()));
+        windows.showUndocked();
+    } else {
+        windows.show();
+    }
+    QObject::connect(&instance, &SingleInstance::requested, &model, [&](const LaunchOptions &request) {
+        carryOut(request, model);
+        if (request == LaunchOptions()) // it only wants to see the player
+            windows.bringToFront();
+    });
     std::optional<DesktopPresence> presence; // from when the window is there
-    const bool withDemo = !savedQueue || !savedQueue->hasTracks();
+    bool hasBegun = false;
+    // What was asked for, else on from where the last run ended, else the demo.
+    const auto begin = [&](bool hasTracks) {
+        hasBegun = true;
+        const bool isAsked = !options.files.isEmpty() || options.command.has_value();
+        if (!isAsked && hasTracks && model.preferences().resumesOnStart())
+            ResumePoint::resume(settings, player);
+        carryOut(options, model);
+        if (!hasTracks && options.files.isEmpty())
+            playDemo(model);
+    };
+    if (savedQueue)
+        QObject::connect(&*savedQueue, &SavedQueue::restored, &model, begin);
     QMetaObject::invokeMethod(
         &model,
         [&] {
-            openWhatWasAskedFor(model, options, withDemo);
-            if (timedRun)
+            dress(model, std::exchange(options.skin, std::nullopt));
+            if (!options.isOnItsOwn())
+                welcome(model, windows.mainWindow());
+            if (timedRun) {
+                begin(false);
                 timedRun->begin();
-            else
-                presence.emplace(model, window);
+            } else {
+                presence.emplace(model, windows);
+            }
         },
         Qt::QueuedConnection);
     const int status = QApplication::exec();
-    if (!timedRun && options.screenshot && !window.savePicture(*options.screenshot))
+    if (savedQueue && hasBegun)
+        ResumePoint::save(settings, player);
+    if (!timedRun && options.screenshot && !windows.mainWindow().savePicture(*options.screenshot))
         return print({QStringLiteral("Could not write ") + *options.screenshot, 1});
     return status;
 }

@@ -21,6 +21,7 @@ void MarqueeLine::setTitle(const QString &title) {
         return;
     m_title = title;
     m_offset = 0;
+    m_rests = false;
     m_pause = pauseAtTheStart;
 }
 
@@ -46,6 +47,16 @@ bool MarqueeLine::scrolls(StatusNotice::Clock::time_point now) const {
     return !m_dragText && Marquee::scrolls(text(now));
 }
 
+bool MarqueeLine::moves(StatusNotice::Clock::time_point now) const {
+    return scrolls(now) && (hasNotice(now) || !m_rests);
+}
+
+void MarqueeLine::setIdle(bool idle) {
+    m_idle = idle;
+    if (!idle)
+        m_rests = false;
+}
+
 int MarqueeLine::offset(StatusNotice::Clock::time_point now) const {
     if (!scrolls(now))
         return 0;
@@ -55,13 +66,18 @@ int MarqueeLine::offset(StatusNotice::Clock::time_point now) const {
 
 void MarqueeLine::advance(double elapsed) {
     m_noticeAge += elapsed;
-    if (m_held)
+    if (m_held || m_rests)
         return;
     m_pause -= elapsed;
     if (m_pause > 0)
         return;
     m_pause = 0;
+    const double before = m_offset;
     moveBy(elapsed * speed);
+    if (!m_idle || m_offset > before)
+        return;
+    m_offset = 0;
+    m_rests = true;
 }
 
 void MarqueeLine::dragBy(int pixels) {

@@ -22,6 +22,10 @@ class MarqueeLine {
     /// Pixels that the text has moved to the left.
     [[nodiscard]] int offset(StatusNotice::Clock::time_point now) const;
     [[nodiscard]] bool scrolls(StatusNotice::Clock::time_point now) const;
+    /// Whether advance() would move anything.
+    [[nodiscard]] bool moves(StatusNotice::Clock::time_point now) const;
+    /// While nothing plays, a title comes round once more and then rests.
+    void setIdle(bool idle);
 
     /// Moves the title on by the time given in seconds, unless a hand holds it.
     void advance(double elapsed);
@@ -39,6 +43,8 @@ class MarqueeLine {
     double m_pause = 0;     ///< seconds left before the title begins to move
     double m_noticeAge = 0; ///< seconds for which the notice has been moving or about to
     bool m_held = false;
+    bool m_idle = false;
+    bool m_rests = false; ///< it has come round while idle
 };
 
 } // namespace vantor

@@ -2,6 +2,7 @@
 
 #include "MusicBackendKit/MarqueeText.h"
 #include "SkinKit/Layout/MainSliders.h"
+#include "Vantor/Model/StoredValue.h"
 
 #include <QLoggingCategory>
 #include <QSettings>
@@ -18,7 +19,7 @@ namespace {
 
 constexpr std::chrono::milliseconds displayInterval{16};
 constexpr std::chrono::milliseconds marqueeInterval{33}; // a pixel a step
-constexpr std::chrono::milliseconds blinkInterval{100};
+constexpr std::chrono::milliseconds blinkInterval{250};
 constexpr double blinkHalfPeriod = 0.5; // seconds
 
 MainWindowStatus::Transport transportOf(PlaybackState state) {
@@ -39,7 +40,8 @@ MainWindowStatus::Transport transportOf(PlaybackState state) {
 
 PlayerModel::PlayerModel(Player &player, QSettings &settings, QObject *parent)
     : QObject(parent), m_player(player), m_settings(settings), m_skin(SkinLoader::defaultSkin()),
-      m_skins(settings), m_windows(settings), m_visualizer(player.analyzer(), settings) {
+      m_preferences(settings), m_skins(settings), m_windows(settings),
+      m_visualizer(player.analyzer(), settings) {
     restoreSettings();
     updateTitle();
     connect(&m_visualizer, &Visualizer::changed, this, &PlayerModel::sceneChanged);
@@ -68,10 +70,7 @@ PlayerModel::PlayerModel(Player &player, QSettings &settings, QObject *parent)
         Q_EMIT skinRefused(name, message);
     });
     connect(&m_importer, &TrackImporter::imported, this, &PlayerModel::takeTracks);
-    connect(&m_importer, &TrackImporter::finished, this,
-            [this](quint64, int added, const std::vector<SkippedFile> &skipped) {
-                finishImport(added, skipped);
-            });
+    connect(&m_importer, &TrackImporter::finished, this, &PlayerModel::finishImport);
 }
 
 PlayerModel::~PlayerModel() {
@@ -119,7 +118,7 @@ MainWindowScene PlayerModel::scene() const {
 std::optional<std::chrono::milliseconds> PlayerModel::frameInterval() const {
     if (m_visualizer.moves(m_player.state()))
         return displayInterval;
-    if (m_marquee.scrolls(StatusNotice::Clock::now()))
+    if (m_marquee.moves(StatusNotice::Clock::now()))
         return marqueeInterval;
     if (m_player.state() == PlaybackState::paused)
         return blinkInterval;
@@ -127,6 +126,7 @@ std::optional<std::chrono::milliseconds> PlayerModel::frameInterval() const {
 }
 
 void PlayerModel::advance(double elapsed) {
+    m_marquee.setIdle(m_player.state() == PlaybackState::stopped);
     m_marquee.advance(elapsed);
     m_blinkTime = m_player.state() == PlaybackState::paused ? m_blinkTime + elapsed : 0;
     m_visualizer.advance(m_player.state(), elapsed);
@@ -155,14 +155,22 @@ void PlayerModel::setSkin(const QUrl &url, const Skin &skin) {
 // Music
 
 void PlayerModel::open(const QList<QUrl> &urls) {
-    startImport(urls, true);
+    startImport(urls, {.replaces = true});
 }
 
 void PlayerModel::enqueue(const QList<QUrl> &urls) {
-    startImport(urls, false);
+    startImport(urls, {});
 }
 
-void PlayerModel::startImport(const QList<QUrl> &urls, bool replace) {
+void PlayerModel::insert(const QList<QUrl> &urls, int row) {
+    const std::vector<Track> &tracks = m_player.queue().tracks();
+    ImportPlan plan{.plays = false};
+    if (row >= 0 && row < m_player.queue().count())
+        plan.before = tracks[static_cast<std::size_t>(row)].id;
+    startImport(urls, plan);
+}
+
+void PlayerModel::startImport(const QList<QUrl> &urls, const ImportPlan &plan) {
     QList<QUrl> music;
     for (const QUrl &url : urls) {
         if (isSkin(url))
@@ -172,28 +180,44 @@ void PlayerModel::startImport(const QList<QUrl> &urls, bool replace) {
     }
     if (music.isEmpty())
         return;
-    if (replace)
+    if (m_holdsImports)
+        m_heldImports.push_back({music, plan});
+    else
+        importMusic(music, plan);
+}
+
+void PlayerModel::releaseImports() {
+    m_holdsImports = false;
+    for (const HeldImport &held : std::exchange(m_heldImports, {}))
+        importMusic(held.music, held.plan);
+}
+
+void PlayerModel::importMusic(const QList<QUrl> &music, const ImportPlan &plan) {
+    if (plan.replaces) {
         m_importer.cancel();
-    ++m_pendingImports;
-    const quint64 import = m_importer.import(music);
-    if (replace)
-        m_replacingImport = import;
+        for (auto &[number, older] : m_imports)
+            older.replaces = false;
+    }
+    m_imports.emplace(m_importer.import(music), plan);
 }
 
 void PlayerModel::takeTracks(quint64 import, const std::vector<Track> &tracks) {
-    const bool replace = m_replacingImport == import;
-    if (replace) {
-        m_replacingImport.reset();
+    ImportPlan &plan = m_imports[import];
+    const bool replaces = std::exchange(plan.replaces, false);
+    if (replaces)
         m_player.clearQueue();
-    }
     const bool idle = m_player.state() == PlaybackState::stopped;
-    const int first = m_player.queue().count();
-    m_player.enqueue(tracks);
-    if (idle || replace)
+    const std::vector<Track> &queued = m_player.queue().tracks();
+    auto place = queued.end();
+    if (plan.before)
+        place = std::ranges::find(queued, *plan.before, &Track::id);
+    const auto first = static_cast<int>(place - queued.begin());
+    m_player.insertTracks(tracks, first);
+    if (plan.plays && (idle || replaces))
         m_player.play(first);
 }
 
-void PlayerModel::finishImport(int added, const std::vector<SkippedFile> &skipped) {
+void PlayerModel::finishImport(quint64 import, int added, const std::vector<SkippedFile> &skipped) {
     for (const SkippedFile &file : skipped) {
         const QString name = file.url.isLocalFile() ? file.url.fileName() : file.url.toDisplayString();
         qCWarning(playerModelLog, "could not play %s: %s", qUtf8Printable(name), qUtf8Printable(file.reason));
@@ -204,7 +228,8 @@ void PlayerModel::finishImport(int added, const std::vector<SkippedFile> &skippe
         notify(*notice);
     else if (added == 0)
         showNotice(tr("No audio files found"));
-    if (--m_pendingImports == 0)
+    m_imports.erase(import);
+    if (m_imports.empty())
         Q_EMIT importsFinished();
 }
 
@@ -349,15 +374,14 @@ void PlayerModel::cancelSlider() {
 // Settings
 
 void PlayerModel::restoreSettings() {
-    const auto number = [this](const char *key, double fallback) {
-        const double value = m_settings.value(QLatin1String(key), fallback).toDouble();
-        return std::isfinite(value) ? value : fallback;
+    const auto number = [this](const char *key, double fallback, double minimum) {
+        return StoredValue::number(m_settings, QLatin1String(key), fallback, minimum, 1);
     };
-    m_player.setVolume(static_cast<float>(std::clamp(number("volume", 0.8), 0.0, 1.0)));
-    m_player.setBalance(static_cast<float>(std::clamp(number("balance", 0), -1.0, 1.0)));
-    m_player.setShuffled(m_settings.value(QStringLiteral("shuffle")).toBool());
-    m_player.setRepeatMode(m_settings.value(QStringLiteral("repeat")).toBool() ? RepeatMode::all
-                                                                               : RepeatMode::off);
+    m_player.setVolume(static_cast<float>(number("volume", 0.8, 0)));
+    m_player.setBalance(static_cast<float>(number("balance", 0, -1)));
+    m_player.setShuffled(StoredValue::boolean(m_settings, QStringLiteral("shuffle"), false));
+    const bool repeats = StoredValue::boolean(m_settings, QStringLiteral("repeat"), false);
+    m_player.setRepeatMode(repeats ? RepeatMode::all : RepeatMode::off);
     m_timeMode = timeModeFromRawValue(m_settings.value(QStringLiteral("timeMode")).toString())
                      .value_or(TimeMode::elapsed);
 }

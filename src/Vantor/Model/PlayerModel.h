@@ -5,6 +5,7 @@
 #include "SkinKit/Rendering/MainWindowScene.h"
 #include "Vantor/Model/FrameClock.h"
 #include "Vantor/Model/MarqueeLine.h"
+#include "Vantor/Model/Preferences.h"
 #include "Vantor/Model/SkinLoader.h"
 #include "Vantor/Model/SkinShelf.h"
 #include "Vantor/Model/TrackImporter.h"
@@ -14,6 +15,7 @@
 #include <QObject>
 
 #include <chrono>
+#include <map>
 #include <optional>
 
 class QSettings;
@@ -36,6 +38,7 @@ class PlayerModel : public QObject {
     /// What the main window shows now, but for what only the window knows (focus and the pressed control).
     [[nodiscard]] MainWindowScene scene() const;
 
+    [[nodiscard]] Preferences &preferences() { return m_preferences; }
     [[nodiscard]] SkinShelf &skins() { return m_skins; }
     [[nodiscard]] WindowState &windows() { return m_windows; }
     [[nodiscard]] const WindowState &windows() const { return m_windows; }
@@ -57,7 +60,13 @@ class PlayerModel : public QObject {
     // adds to the end and plays when nothing else does. Skins among the addresses are worn.
     void open(const QList<QUrl> &urls);
     void enqueue(const QList<QUrl> &urls);
-    [[nodiscard]] bool isImporting() const { return m_pendingImports > 0; }
+    /// Adds in front of a row, or at the end for a row that there is not, and plays nothing by itself. What
+    /// comes in while the queue changes goes in front of the same track.
+    void insert(const QList<QUrl> &urls, int row);
+    [[nodiscard]] bool isImporting() const { return !m_imports.empty() || !m_heldImports.empty(); }
+    /// From here to releaseImports() what is opened and enqueued waits, in its order.
+    void holdImports() { m_holdsImports = true; }
+    void releaseImports();
 
     void setTimeMode(TimeMode mode);
     void toggleShuffle();
@@ -88,11 +97,23 @@ class PlayerModel : public QObject {
     void sliderCancelled(); ///< what was dragged does not follow the pointer any more
 
   private:
+    /// What is done with the tracks of an import.
+    struct ImportPlan {
+        bool replaces = false;         ///< the queue, once the first track is there
+        bool plays = true;             ///< the first one, if it replaces or nothing else plays
+        std::optional<QUuid> before{}; ///< the track in front of which they go, else at the end
+    };
+    struct HeldImport {
+        QList<QUrl> music;
+        ImportPlan plan;
+    };
+
     void handle(const PlayerEvent &event);
     void handleFailure(const PlaybackFailure &failure);
-    void startImport(const QList<QUrl> &urls, bool replace);
+    void startImport(const QList<QUrl> &urls, const ImportPlan &plan);
+    void importMusic(const QList<QUrl> &music, const ImportPlan &plan);
     void takeTracks(quint64 import, const std::vector<Track> &tracks);
-    void finishImport(int added, const std::vector<SkippedFile> &skipped);
+    void finishImport(quint64 import, int added, const std::vector<SkippedFile> &skipped);
     void notify(const StatusNotice &notice);
     void updateTitle();
     void setSkin(const QUrl &url, const Skin &skin);
@@ -108,6 +129,7 @@ class PlayerModel : public QObject {
     QUrl m_skinUrl;
     MarqueeLine m_marquee;
 
+    Preferences m_preferences;
     SkinShelf m_skins;
     WindowState m_windows;
     FrameClock m_clock;
@@ -116,8 +138,9 @@ class PlayerModel : public QObject {
     std::optional<double> m_draggedPosition;
 
     double m_blinkTime = 0;
-    int m_pendingImports = 0;
-    std::optional<quint64> m_replacingImport; ///< its first tracks replace the queue
+    bool m_holdsImports = false;
+    std::vector<HeldImport> m_heldImports;
+    std::map<quint64, ImportPlan> m_imports; ///< under way, by number
 };
 
 } // namespace vantor

@@ -1,6 +1,7 @@
 #include "Vantor/Model/Visualizer.h"
 
 #include "AudioCore/Analysis/AnalyzerTap.h"
+#include "Vantor/Model/StoredValue.h"
 
 #include <QSettings>
 
@@ -52,8 +53,8 @@ Visualizer::Visualizer(AnalyzerTap &tap, QSettings &settings, QObject *parent)
     : QObject(parent), m_tap(tap), m_settings(settings) {
     m_mode = fromName(modeNames, settings.value(QLatin1String(modeKey)).toString(), m_mode);
     m_scopeStyle = fromName(scopeNames, settings.value(QLatin1String(scopeKey)).toString(), m_scopeStyle);
-    m_thinBars = settings.value(QLatin1String(thinKey), m_thinBars).toBool();
-    m_peaks = settings.value(QLatin1String(peaksKey), m_peaks).toBool();
+    m_thinBars = StoredValue::boolean(settings, QLatin1String(thinKey), m_thinBars);
+    m_peaks = StoredValue::boolean(settings, QLatin1String(peaksKey), m_peaks);
     clear();
 }
 

@@ -1,5 +1,7 @@
 #include "Vantor/Model/WindowState.h"
 
+#include "Vantor/Model/StoredValue.h"
+
 #include <QSettings>
 
 #include <algorithm>
@@ -28,11 +30,12 @@ constexpr const char *alwaysOnTopKey = "alwaysOnTop";
 
 WindowState::WindowState(QSettings &settings, QObject *parent) : QObject(parent), m_settings(settings) {
     for (const WindowKind kind : {WindowKind::main, WindowKind::equalizer, WindowKind::playlist}) {
-        of(kind).open = kind == WindowKind::main || settings.value(keyOf(kind, "open")).toBool();
-        of(kind).shaded = settings.value(keyOf(kind, "shaded")).toBool();
+        of(kind).open =
+            kind == WindowKind::main || StoredValue::boolean(settings, keyOf(kind, "open"), false);
+        of(kind).shaded = StoredValue::boolean(settings, keyOf(kind, "shaded"), false);
     }
-    m_doubleSize = settings.value(QLatin1String(doubleSizeKey)).toBool();
-    m_alwaysOnTop = settings.value(QLatin1String(alwaysOnTopKey)).toBool();
+    m_doubleSize = StoredValue::boolean(settings, QLatin1String(doubleSizeKey), false);
+    m_alwaysOnTop = StoredValue::boolean(settings, QLatin1String(alwaysOnTopKey), false);
 }
 
 void WindowState::setOpen(WindowKind kind, bool open) {
@@ -43,7 +46,7 @@ void WindowState::setOpen(WindowKind kind, bool open) {
         m_settings.setValue(keyOf(kind, "open"), open);
     if (std::ranges::none_of(m_windows, &Window::open))
         of(WindowKind::main).open = true; // or there would be no way back
-    Q_EMIT changed();
+    tell();
 }
 
 void WindowState::setShaded(WindowKind kind, bool shaded) {
@@ -58,12 +61,19 @@ void WindowState::setAlwaysOnTop(bool onTop) {
     set(m_alwaysOnTop, onTop, QLatin1String(alwaysOnTopKey));
 }
 
+void WindowState::tell() {
+    if (m_transition)
+        m_transition([this] { Q_EMIT changed(); });
+    else
+        Q_EMIT changed();
+}
+
 void WindowState::set(bool &state, bool value, const QString &key) {
     if (state == value)
         return;
     state = value;
     m_settings.setValue(key, value);
-    Q_EMIT changed();
+    tell();
 }
 
 } // namespace vantor

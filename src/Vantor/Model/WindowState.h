@@ -5,6 +5,7 @@
 #include <QObject>
 
 #include <array>
+#include <functional>
 
 class QSettings;
 
@@ -29,6 +30,12 @@ class WindowState : public QObject {
     void setDoubleSize(bool doubled);
     void setAlwaysOnTop(bool onTop);
 
+    /// What runs around changed(), during which all windows take their new sizes: it is given the emission
+    /// and calls it once.
+    void setTransition(std::function<void(const std::function<void()> &)> transition) {
+        m_transition = std::move(transition);
+    }
+
   Q_SIGNALS:
     void changed();
 
@@ -42,9 +49,11 @@ class WindowState : public QObject {
         return m_windows.at(static_cast<std::size_t>(kind));
     }
     [[nodiscard]] Window &of(WindowKind kind) { return m_windows.at(static_cast<std::size_t>(kind)); }
+    void tell();
     void set(bool &state, bool value, const QString &key);
 
     QSettings &m_settings;
+    std::function<void(const std::function<void()> &)> m_transition;
     std::array<Window, 3> m_windows;
     bool m_doubleSize = false;
     bool m_alwaysOnTop = false;

@@ -1,10 +1,13 @@
 #include "Vantor/Windows/Commands.h"
 
 #include "Vantor/Windows/FileInfoDialog.h"
+#include "Vantor/Windows/JumpToFileDialog.h"
 #include "Vantor/Windows/MainMenu.h"
 #include "Vantor/Windows/OpenDialogs.h"
+#include "Vantor/Windows/PreferencesDialog.h"
 #include "Vantor/Windows/SkinnedWindow.h"
 
+#include <QActionGroup>
 #include <QApplication>
 #include <QMenu>
 #include <QMessageBox>
@@ -63,6 +66,12 @@ void Commands::addCheck(Id id, const QString &text, const QList<QKeySequence> &s
     m_checks.emplace(id, isOn);
 }
 
+void Commands::oneOf(std::initializer_list<Id> ids) {
+    auto *group = new QActionGroup(this);
+    for (const Id id : ids)
+        group->addAction(&action(id));
+}
+
 void Commands::updateChecks() {
     for (const auto &[id, isOn] : m_checks)
         action(id).setChecked(isOn());
@@ -102,9 +111,11 @@ void Commands::addOpening() {
         [this] { OpenDialogs::openFolder(m_model, window()); });
     add(Id::openAddress, tr("Open Address…"), {Qt::CTRL | Qt::Key_L},
         [this] { OpenDialogs::openAddress(m_model, window()); });
+    add(Id::jumpToFile, tr("Jump to File…"), {Qt::Key_J},
+        [this] { (new JumpToFileDialog(m_model, window()))->open(); });
     add(Id::fileInfo, tr("File Info…"), {Qt::ALT | Qt::Key_3}, [this] { showFileInfo(); });
     add(Id::loadSkin, tr("Load Skin…"), {Qt::ALT | Qt::Key_S},
-        [this] { OpenDialogs::loadSkin(m_model, window(), m_model.skins().folder()); });
+        [this] { OpenDialogs::loadSkin(m_model, window()); });
     addCheck(
         Id::defaultSkin, tr("Default Skin"), {}, [this] { return m_model.skinUrl().isEmpty(); },
         [this] { m_model.wearDefaultSkin(); });
@@ -125,19 +136,22 @@ void Commands::addVisualisation() {
             id, text, {}, [&visualizer, thin] { return visualizer.hasThinBars() == thin; },
             [&visualizer, thin] { visualizer.setThinBars(thin); });
     };
-    bars(Id::wideBars, tr("Bars"), false);
-    bars(Id::thinBars, tr("Thin Lines"), true);
+    bars(Id::wideBars, tr("Spectrum as Bars"), false);
+    bars(Id::thinBars, tr("Spectrum as Thin Lines"), true);
     addCheck(
-        Id::peaks, tr("Peaks"), {}, [&visualizer] { return visualizer.showsPeaks(); },
+        Id::peaks, tr("Spectrum with Peaks"), {}, [&visualizer] { return visualizer.showsPeaks(); },
         [&visualizer] { visualizer.setShowsPeaks(!visualizer.showsPeaks()); });
     const auto scope = [&](Id id, const QString &text, ScopeStyle style) {
         addCheck(
             id, text, {}, [&visualizer, style] { return visualizer.scopeStyle() == style; },
             [&visualizer, style] { visualizer.setScopeStyle(style); });
     };
-    scope(Id::scopeDots, tr("Dots"), ScopeStyle::dots);
-    scope(Id::scopeLines, tr("Lines"), ScopeStyle::lines);
-    scope(Id::scopeSolid, tr("Solid"), ScopeStyle::solid);
+    scope(Id::scopeDots, tr("Oscilloscope as Dots"), ScopeStyle::dots);
+    scope(Id::scopeLines, tr("Oscilloscope as Lines"), ScopeStyle::lines);
+    scope(Id::scopeSolid, tr("Oscilloscope, Solid"), ScopeStyle::solid);
+    oneOf({Id::spectrum, Id::oscilloscope, Id::visualizerOff});
+    oneOf({Id::wideBars, Id::thinBars});
+    oneOf({Id::scopeDots, Id::scopeLines, Id::scopeSolid});
 }
 
 void Commands::addWindows() {
@@ -149,6 +163,7 @@ void Commands::addWindows() {
     };
     time(Id::timeElapsed, tr("Time Elapsed"), TimeMode::elapsed);
     time(Id::timeRemaining, tr("Time Remaining"), TimeMode::remaining);
+    oneOf({Id::timeElapsed, Id::timeRemaining});
     add(Id::toggleTime, tr("Toggle Time Display"), {Qt::CTRL | Qt::Key_T}, [this] {
         m_model.setTimeMode(m_model.timeMode() == TimeMode::elapsed ? TimeMode::remaining
                                                                     : TimeMode::elapsed);
@@ -217,7 +232,13 @@ void Commands::showFileInfo() {
         m_model.showNotice(tr("No file is loaded"));
 }
 
-void Commands::showPreferences() {}
+void Commands::showPreferences() {
+    if (!m_preferences)
+        m_preferences = new PreferencesDialog(m_model, window());
+    m_preferences->show();
+    m_preferences->raise();
+    m_preferences->activateWindow();
+}
 
 void Commands::showAbout() {
     auto *box = new QMessageBox(window());

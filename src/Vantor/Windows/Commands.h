@@ -13,6 +13,7 @@ class QMenu;
 
 namespace vantor {
 
+class PreferencesDialog;
 class SkinnedWindow;
 
 /// Every command of the program, once: buttons trigger them, menus list them and their shortcuts work in
@@ -30,6 +31,7 @@ class Commands : public QObject {
         openFiles,
         openFolder,
         openAddress,
+        jumpToFile,
         volumeUp,
         volumeDown,
         seekBack,
@@ -83,6 +85,8 @@ class Commands : public QObject {
     /// A command that is on or off.
     void addCheck(Id id, const QString &text, const QList<QKeySequence> &shortcuts,
                   const std::function<bool()> &isOn, const std::function<void()> &run);
+    /// Of these, each of which is on or off, one is on.
+    void oneOf(std::initializer_list<Id> ids);
     void addPlayback();
     void addOpening();
     void addVisualisation();
@@ -97,7 +101,8 @@ class Commands : public QObject {
 
     PlayerModel &m_model;
     std::vector<QPointer<SkinnedWindow>> m_windows;
-    std::map<Id, QAction *> m_actions; ///< owned by this object
+    QPointer<PreferencesDialog> m_preferences; ///< while it is open
+    std::map<Id, QAction *> m_actions;         ///< owned by this object
     std::map<Id, std::function<bool()>> m_checks;
 };
 

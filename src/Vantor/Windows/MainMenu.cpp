@@ -73,7 +73,7 @@ void fill(QMenu &menu, Commands &commands, PlayerModel &model) {
     QMenu *const playback = menu.addMenu(tr("Playback"));
     add(*playback, {Id::previous, Id::play, Id::pause, Id::stop, Id::next});
     add(*playback, {Id::seekBack, Id::seekForward, Id::volumeUp, Id::volumeDown});
-    add(*playback, {Id::shuffle, Id::repeat});
+    add(*playback, {Id::jumpToFile, Id::shuffle, Id::repeat});
     fillSkins(*menu.addMenu(tr("Skins")), add, model);
     fillVisualisation(*menu.addMenu(tr("Visualisation")), commands);
     QMenu *const windows = menu.addMenu(tr("Windows"));

@@ -71,13 +71,14 @@ void PresetsMenu::popUp(EqualizerModel &model, QWidget &window, QPoint at) {
     menu->popup(at);
 }
 
-/// The one that sounds now is ticked.
 void PresetsMenu::addPresets(QMenu &menu, const std::vector<EQPreset> &presets) {
     for (const EQPreset &preset : presets) {
         QAction *action = menu.addAction(entryText(preset.name()), &m_model,
                                          [&model = m_model, preset] { model.apply(preset); });
-        action->setCheckable(true);
-        action->setChecked(m_model.state().applying(preset) == m_model.state());
+        // Only what sounds now has a tick; a box beside every name would be a thicket.
+        const bool sounds = m_model.state().applying(preset) == m_model.state();
+        action->setCheckable(sounds);
+        action->setChecked(sounds);
     }
 }
 

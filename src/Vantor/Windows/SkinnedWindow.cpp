@@ -1,5 +1,7 @@
 #include "Vantor/Windows/SkinnedWindow.h"
 
+#include "Vantor/Docking/WindowDockingCoordinator.h"
+
 #include <QAccessible>
 #include <QApplication>
 #include <QDragEnterEvent>
@@ -103,6 +105,8 @@ void SkinnedWindow::takeShape() {
 void SkinnedWindow::takeWindowState() {
     stayOnTopIfAsked();
     takeShape();
+    if (m_docking && m_model.windows().isOpen(m_kind) && !isVisible())
+        m_docking->prepareToShow(*this);
     showIfOpen();
 }
 
@@ -132,8 +136,12 @@ void SkinnedWindow::letGo(Control) {}
 void SkinnedWindow::setValue(Control, double) {}
 
 void SkinnedWindow::mousePressEvent(QMouseEvent *event) {
+    if (isMinimized()) // only as asked for: there is no window manager to do it
+        setWindowState(windowState() & ~Qt::WindowMinimized);
     if (!isActiveWindow())
-        activateWindow();       // where there is no window manager to do it
+        activateWindow(); // where there is no window manager to do it
+    if (m_docking)
+        m_docking->raiseGroup(*this);
     focusControl(std::nullopt); // the hand has gone back to the mouse
     if (event->button() != Qt::LeftButton)
         return;
@@ -244,16 +252,35 @@ void SkinnedWindow::drop(const QList<QUrl> &urls, QPoint, Qt::KeyboardModifiers 
 
 // The window's own place
 
+void SkinnedWindow::dock(WindowDockingCoordinator &docking) {
+    m_docking = &docking;
+    docking.register_(*this);
+}
+
 void SkinnedWindow::beginDrag(QPoint global) {
     m_dragStart = global - pos();
+    if (m_docking)
+        m_docking->dragBegan(*this);
 }
 
 void SkinnedWindow::dragTo(QPoint global) {
-    move(global - *m_dragStart);
+    const QPoint to = global - *m_dragStart;
+    if (m_docking)
+        m_docking->drag(*this, to);
+    else
+        move(to);
 }
 
 void SkinnedWindow::endDrag() {
-    m_dragStart.reset();
+    if (std::exchange(m_dragStart, std::nullopt) && m_docking)
+        m_docking->dragEnded(*this);
+}
+
+void SkinnedWindow::resizeDocked(const std::function<void()> &change) {
+    if (m_docking)
+        m_docking->resize(*this, change);
+    else
+        change();
 }
 
 // Controls without a pointer
@@ -418,6 +445,12 @@ bool SkinnedWindow::event(QEvent *event) {
 void SkinnedWindow::changeEvent(QEvent *event) {
     if (event->type() == QEvent::ActivationChange)
         refresh();
+    if (event->type() == QEvent::WindowStateChange && m_docking && m_kind == WindowKind::main) {
+        if (isMinimized())
+            m_docking->skinnedWindowWillMinimize();
+        else
+            m_docking->skinnedWindowDidDeminimize();
+    }
     QWidget::changeEvent(event);
 }
 

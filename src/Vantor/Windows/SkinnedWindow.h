@@ -13,6 +13,8 @@
 
 namespace vantor {
 
+class WindowDockingCoordinator;
+
 /// What the three classic windows have in common: a frameless window at a whole zoom that paints a scene in
 /// the model's skin and only where it changed, has the skin's outline and pointers, is dragged by its
 /// background, rolls up to its title, takes drops, and shares the program's commands and their keys.
@@ -40,6 +42,8 @@ class SkinnedWindow : public QWidget, public SkinWindowController {
     /// By which the window is taken and on which a double click rolls it up, in skin pixels.
     [[nodiscard]] virtual QRect titleBar() const;
 
+    /// From now on the window's moves go through the docking, which is borrowed. Before it is first shown.
+    void dock(WindowDockingCoordinator &docking);
     /// Shows the window, or hides it, as the user last had it. To be called once at the start; from then on
     /// the window follows by itself.
     void showIfOpen() { setVisible(m_model.windows().isOpen(m_kind)); }
@@ -114,12 +118,16 @@ class SkinnedWindow : public QWidget, public SkinWindowController {
     /// Whether the pointer is still on what it grabbed: a button acts only if it is let go there.
     [[nodiscard]] bool isPointerOnGrabbed() const { return m_pointerOnGrabbed; }
     [[nodiscard]] QPoint skinPoint(QPointF at) const;
+    /// Whether a key is for the control that Tab has reached; keyPressEvent() runs it.
+    [[nodiscard]] bool isForFocus(const QKeyEvent &event) const;
     /// Lets go of whatever the pointer holds without acting on it.
     void cancelGrab();
     /// The control that the pointer holds does not follow it any more, and no function is called for that.
     void forgetGrab() { m_grabbed = background; }
     /// Takes over a changed scene and repaints what differs.
     void refresh();
+    /// Runs what gives the window another size for reasons of its own, and moves what is docked to it along.
+    void resizeDocked(const std::function<void()> &change);
     /// Takes over skin, size and outline and repaints everything.
     void takeShape();
 
@@ -147,7 +155,6 @@ class SkinnedWindow : public QWidget, public SkinWindowController {
     void takeWindowState();
     void stayOnTopIfAsked();
     void drawFocus(QPainter &painter) const;
-    [[nodiscard]] bool isForFocus(const QKeyEvent &event) const;
     void tellAssistiveTools();
 
     // What drags the window itself.
@@ -159,6 +166,7 @@ class SkinnedWindow : public QWidget, public SkinWindowController {
     PlayerModel &m_model;
     Commands &m_commands;
     SkinPointers m_pointers;
+    WindowDockingCoordinator *m_docking = nullptr; ///< none: the window moves alone
     Control m_grabbed = background;
     bool m_pointerOnGrabbed = false;
     std::optional<Control> m_focused;

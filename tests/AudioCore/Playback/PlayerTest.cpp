@@ -96,8 +96,8 @@ class PlayerTest : public testing::Test {
     TestOutput::Shared m_output;
     std::vector<std::string> m_events;
     std::vector<PlaybackFailure> m_failures;
-    Player m_player{std::make_unique<FileTrackResolver>(),
-                    [this] { return std::make_unique<TestOutput>(m_output); }};
+    TestOutputDevices *const m_devices = new TestOutputDevices(m_output); // the player's
+    Player m_player{std::make_unique<FileTrackResolver>(), std::unique_ptr<TestOutputDevices>(m_devices)};
 };
 
 double largestStep(const std::vector<StereoFrame> &sound) {
@@ -363,15 +363,16 @@ TEST_F(PlayerTest, ALostOutputIsReplacedAtTheSamePlace) {
     ASSERT_TRUE(pumpUntilHeard(place + 0.3));
     EXPECT_THAT(takeEvents(), ElementsAre());
 
-    m_output.refusesToStart = true;
+    m_output.refusing = 1;
     m_output.current->lose();
     ASSERT_TRUE(pumpUntil(PlaybackState::stopped));
     EXPECT_THAT(takeEvents(), ElementsAre("stopped", "failed a 1"));
-    EXPECT_EQ(m_player.errorMessage(), QStringLiteral("Could not start the audio engine: refused"));
+    EXPECT_EQ(m_player.errorMessage(), QStringLiteral("Could not switch the audio output device: refused"));
     m_player.play();
     ASSERT_TRUE(pumpUntil(PlaybackState::stopped));
     EXPECT_THAT(takeEvents(), ElementsAre("loading", "stopped", "failed a 1")) << "b is not tried";
-    m_output.refusesToStart = false;
+    EXPECT_EQ(m_player.errorMessage(), QStringLiteral("Could not start the audio engine: refused"));
+    m_output.refusing.reset();
     m_player.play();
     EXPECT_TRUE(pumpUntil(PlaybackState::playing));
 }

@@ -1,9 +1,9 @@
 #include "LocalPlayback/Queue/QueueAutosaver.h"
 
-#include "AudioCore/Output/NullAudioOutput.h"
 #include "AudioCore/Playback/Player.h"
 #include "tests/LocalPlayback/FolderFixture.h"
 #include "tests/LocalPlayback/Queue/MadeQueue.h"
+#include "tests/Support/TestOutput.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -16,8 +16,7 @@ namespace {
 class QueueAutosaverTest : public test::FolderFixture {
   protected:
     QueueStore m_store{url(u"new/folder/queue.json"_qs)};
-    Player m_player{std::make_unique<FileTrackResolver>(),
-                    [] { return std::make_unique<NullAudioOutput>(); }};
+    Player m_player{std::make_unique<FileTrackResolver>(), std::make_unique<SilentOutputDevices>()};
     std::vector<Track> m_tracks = test::madeQueue(4).items;
 };
 

@@ -1,0 +1,394 @@
+#include "Vantor/Model/PlaylistModel.h"
+
+#include "AudioCore/Queue/TrackInfo.h"
+#include "LocalPlayback/LocalPlaybackError.h"
+#include "LocalPlayback/Playlists/PlaylistFile.h"
+#include "MusicBackendKit/MarqueeText.h"
+#include "Vantor/Model/TrackFinder.h"
+
+#include <QCollator>
+#include <QFileInfo>
+#include <QFutureWatcher>
+#include <QSettings>
+#include <QtConcurrentRun>
+
+#include <cmath>
+#include <numeric>
+
+namespace vantor {
+
+namespace {
+
+constexpr std::chrono::milliseconds typingPause{1000};
+constexpr const char *sizeKey = "playlist.size";
+constexpr QSize firstSize{275, 232};
+namespace Layout = PlaylistWindowLayout;
+
+QString nameOf(const Track &track) {
+    return MarqueeText::name(track.artist, track.title);
+}
+
+/// Runs `work` on a worker thread and `then` with its result on this one, unless `context` has gone by then.
+template <class Work, class Then>
+void inBackground(QObject *context, Work work, Then then) {
+    using Result = std::invoke_result_t<Work>;
+    auto *watcher = new QFutureWatcher<Result>(context);
+    QObject::connect(watcher, &QFutureWatcher<Result>::finished, context, [watcher, then] {
+        watcher->deleteLater();
+        then(watcher->result());
+    });
+    watcher->setFuture(QtConcurrent::run(work));
+}
+
+struct Lengths {
+    double seconds = 0;
+    bool complete = true;
+
+    void add(const Track &track) {
+        seconds += track.duration;
+        complete = complete && track.duration > 0;
+    }
+    [[nodiscard]] QString text() const {
+        return TrackInfo::durationText(seconds) + (complete ? QString() : QStringLiteral("+"));
+    }
+};
+
+} // namespace
+
+PlaylistModel::PlaylistModel(PlayerModel &model, QSettings &settings, QObject *parent)
+    : QObject(parent), m_model(model), m_settings(settings),
+      m_size(Layout::snapped(settings.value(QLatin1String(sizeKey), firstSize).toSize())) {
+    m_typing.setSingleShot(true);
+    m_typing.setInterval(typingPause);
+    connect(&m_typing, &QTimer::timeout, this, &PlaylistModel::endTyping);
+    connect(&model.player(), &Player::queueChanged, this, &PlaylistModel::takeQueue);
+    m_observer = model.player().addEventObserver([this](const PlayerEvent &event) {
+        if (!std::holds_alternative<PlayerEvents::TrackChanged>(event))
+            return;
+        m_rows.reset();
+        if (const std::optional<int> current = m_model.player().queue().currentIndex())
+            reveal(*current);
+        Q_EMIT changed();
+    });
+    takeQueue();
+    reveal(model.player().queue().currentIndex().value_or(0));
+}
+
+PlaylistModel::~PlaylistModel() {
+    m_model.player().removeEventObserver(m_observer);
+}
+
+// What is seen
+
+PlaylistWindowScene PlaylistModel::scene() const {
+    const MainWindowScene main = m_model.scene();
+    const int lastFirst = Layout::lastFirstRow(count(), m_size);
+    PlaylistWindowScene scene;
+    scene.size = m_size;
+    scene.shaded = m_model.windows().isShaded(WindowKind::playlist);
+    if (!m_rows)
+        m_rows = shownRows();
+    scene.rows = *m_rows;
+    scene.scroll = lastFirst > 0 ? static_cast<double>(m_firstRow) / lastFirst : 0;
+    scene.runningTime = m_typed ? tr("FIND: %1").arg(*m_typed) : runningTime();
+    scene.status = main.status;
+    scene.timeLit = main.timeLit;
+    if (Layout::hasVisualizer(m_size))
+        scene.visualizer = main.visualizer;
+    if (const std::optional<int> current = m_model.player().queue().currentIndex(); current && scene.shaded) {
+        const Track &track = tracks()[static_cast<std::size_t>(*current)];
+        scene.shadeTitle = MarqueeText::track(track.artist, track.title, 0, *current + 1);
+        scene.shadeLength = track.duration > 0 ? TrackInfo::durationText(track.duration) : QString();
+    }
+    return scene;
+}
+
+std::vector<PlaylistRow> PlaylistModel::shownRows() const {
+    const std::optional<int> current = m_model.player().queue().currentIndex();
+    const int end = std::min(count(), m_firstRow + Layout::visibleRows(m_size));
+    std::vector<PlaylistRow> rows;
+    for (int row = m_firstRow; row < end; ++row) {
+        const Track &track = tracks()[static_cast<std::size_t>(row)];
+        rows.push_back({MarqueeText::track(track.artist, track.title, 0, row + 1),
+                        track.duration > 0 ? TrackInfo::durationText(track.duration) : QString(),
+                        row == current, m_selection.contains(track)});
+    }
+    return rows;
+}
+
+QString PlaylistModel::runningTime() const {
+    if (!m_runningTime) {
+        Lengths all;
+        Lengths selected;
+        for (const Track &track : tracks()) {
+            all.add(track);
+            if (hasSelection() && m_selection.contains(track))
+                selected.add(track);
+        }
+        m_runningTime = selected.text() + QLatin1Char('/') + all.text();
+    }
+    return *m_runningTime;
+}
+
+void PlaylistModel::setSize(QSize size) {
+    const QSize snapped = Layout::snapped(size);
+    if (snapped == m_size)
+        return;
+    m_size = snapped;
+    m_settings.setValue(QLatin1String(sizeKey), m_size);
+    m_rows.reset();
+    scrollTo(m_firstRow);
+    Q_EMIT sizeChanged();
+}
+
+void PlaylistModel::scrollTo(int firstRow) {
+    const int first = std::clamp(firstRow, 0, Layout::lastFirstRow(count(), m_size));
+    if (first == m_firstRow)
+        return;
+    m_firstRow = first;
+    m_rows.reset();
+    Q_EMIT changed();
+}
+
+void PlaylistModel::scrollToFraction(double fraction) {
+    scrollTo(static_cast<int>(std::lround(fraction * Layout::lastFirstRow(count(), m_size))));
+}
+
+void PlaylistModel::reveal(int row) {
+    const int visible = Layout::visibleRows(m_size);
+    if (row < m_firstRow)
+        scrollTo(row);
+    else if (row >= m_firstRow + visible)
+        scrollTo(row - visible + 1);
+}
+
+void PlaylistModel::takeQueue() {
+    if (count() < m_count)
+        m_selection.prune(tracks());
+    m_count = count();
+    m_cursor = std::clamp(m_cursor, 0, std::max(0, m_count - 1));
+    m_firstRow = std::min(m_firstRow, Layout::lastFirstRow(m_count, m_size));
+    selectionChanged();
+}
+
+// What is selected
+
+void PlaylistModel::selectionChanged() {
+    m_rows.reset();
+    m_runningTime.reset();
+    Q_EMIT changed();
+}
+
+void PlaylistModel::select(int row, Selecting how) {
+    if (row < 0 || row >= count())
+        return;
+    switch (how) {
+    case Selecting::only:
+        m_selection.click(row, tracks());
+        break;
+    case Selecting::toggling:
+        m_selection.commandClick(row, tracks());
+        break;
+    case Selecting::extending:
+        m_selection.shiftClick(row, tracks());
+        break;
+    }
+    m_cursor = row;
+    reveal(row);
+    selectionChanged();
+}
+
+void PlaylistModel::moveCursor(int by, Selecting how) {
+    if (count() == 0)
+        return;
+    // With nothing selected the first step shows where the cursor is.
+    const int step = !hasSelection() && std::abs(by) == 1 ? 0 : by;
+    select(static_cast<int>(std::clamp<qint64>(qint64{m_cursor} + step, 0, count() - 1)), how);
+}
+
+std::optional<int> PlaylistModel::cursor() const {
+    return count() > 0 ? std::optional(m_cursor) : std::nullopt;
+}
+
+bool PlaylistModel::isSelected(int row) const {
+    const std::optional<Track> found = track(row);
+    return found && m_selection.contains(*found);
+}
+
+std::optional<Track> PlaylistModel::track(int row) const {
+    if (row < 0 || row >= count())
+        return std::nullopt;
+    return tracks()[static_cast<std::size_t>(row)];
+}
+
+void PlaylistModel::selectAll() {
+    m_selection.selectAll(tracks());
+    selectionChanged();
+}
+
+void PlaylistModel::selectNone() {
+    m_selection.selectNone();
+    selectionChanged();
+}
+
+void PlaylistModel::invertSelection() {
+    m_selection.invert(tracks());
+    selectionChanged();
+}
+
+// Type-ahead
+
+void PlaylistModel::beginTyping() {
+    m_typed = QString();
+    m_typing.start();
+    Q_EMIT changed();
+}
+
+void PlaylistModel::endTyping() {
+    m_typed.reset();
+    m_typing.stop();
+    Q_EMIT changed();
+}
+
+void PlaylistModel::type(const QString &letters) {
+    if (!m_typed)
+        beginTyping();
+    m_typing.start();
+    *m_typed += letters;
+    const QString wanted = TrackFinder::folded(*m_typed);
+    const auto matches = [&](int row, bool inside) {
+        const Track &track = tracks()[static_cast<std::size_t>(row)];
+        const QString name = TrackFinder::folded(nameOf(track));
+        return inside ? name.contains(wanted)
+                      : name.startsWith(wanted) || TrackFinder::folded(track.title).startsWith(wanted);
+    };
+    // A further letter may keep the row; a first one moves on, so that it can be pressed again.
+    const int from = m_cursor + (m_typed->size() == letters.size() && hasSelection() ? 1 : 0);
+    for (const bool inside : {false, true}) {
+        for (int step = 0; step < count(); ++step) {
+            const int row = (from + step) % count();
+            if (matches(row, inside)) {
+                select(row, Selecting::only);
+                return;
+            }
+        }
+    }
+    Q_EMIT changed();
+}
+
+// What is done
+
+void PlaylistModel::play(int row) {
+    m_model.player().play(row);
+}
+
+void PlaylistModel::removeRows(const IndexSet &rows) {
+    if (!rows.empty())
+        m_model.player().removeTracks(rows);
+}
+
+void PlaylistModel::removeSelected() {
+    const IndexSet rows = m_selection.indices(tracks());
+    if (rows.empty())
+        return;
+    const int first = *rows.begin();
+    removeRows(rows);
+    select(std::min(first, count() - 1), Selecting::only);
+}
+
+void PlaylistModel::crop() {
+    if (hasSelection())
+        m_model.player().cropTracks(m_selection.indices(tracks()));
+}
+
+void PlaylistModel::removeAll() {
+    m_model.player().clearQueue();
+}
+
+void PlaylistModel::removeMissing() {
+    std::vector<std::pair<QUuid, QString>> files;
+    for (const Track &track : tracks()) {
+        if (const QUrl *file = std::get_if<QUrl>(&track.source); file && file->isLocalFile())
+            files.emplace_back(track.id, file->toLocalFile());
+    }
+    const auto findMissing = [files] {
+        QSet<QUuid> missing;
+        for (const auto &[id, path] : files) {
+            if (!QFileInfo::exists(path))
+                missing.insert(id);
+        }
+        return missing;
+    };
+    inBackground(this, findMissing, [this](const QSet<QUuid> &missing) {
+        PlaylistSelection gone;
+        gone.ids = missing;
+        removeRows(gone.indices(tracks()));
+        m_model.showNotice(tr("Removed %n missing file(s)", nullptr, static_cast<int>(missing.size())));
+    });
+}
+
+void PlaylistModel::removeDuplicates() {
+    QSet<Track::Source> seen;
+    const std::optional<int> current = m_model.player().queue().currentIndex();
+    if (current)
+        seen.insert(tracks()[static_cast<std::size_t>(*current)].source);
+    IndexSet duplicates;
+    for (int row = 0; row < count(); ++row) {
+        const Track::Source &source = tracks()[static_cast<std::size_t>(row)].source;
+        if (row != current && seen.contains(source))
+            duplicates.insert(duplicates.end(), row);
+        seen.insert(source);
+    }
+    removeRows(duplicates);
+    m_model.showNotice(tr("Removed %n duplicate(s)", nullptr, static_cast<int>(duplicates.size())));
+}
+
+int PlaylistModel::moveSelected(int by) {
+    const IndexSet rows = m_selection.indices(tracks());
+    if (rows.empty())
+        return 0;
+    const int step = std::clamp(by, -*rows.begin(), count() - 1 - *rows.rbegin());
+    if (step == 0)
+        return 0;
+    m_model.player().moveTracks(rows, step);
+    m_cursor += step;
+    if (m_selection.anchor)
+        *m_selection.anchor += step;
+    selectionChanged();
+    return step;
+}
+
+void PlaylistModel::sortByTitle() {
+    // Where no language is set, names would be compared by their bytes.
+    QCollator collator(QLocale().language() == QLocale::C ? QLocale(QLocale::English) : QLocale());
+    collator.setCaseSensitivity(Qt::CaseInsensitive);
+    collator.setNumericMode(true);
+    std::vector<QCollatorSortKey> keys;
+    keys.reserve(tracks().size());
+    for (const Track &track : tracks())
+        keys.push_back(collator.sortKey(nameOf(track)));
+    std::vector<int> order(tracks().size());
+    std::iota(order.begin(), order.end(), 0);
+    std::ranges::sort(order, [&](int left, int right) {
+        const int way = keys[static_cast<std::size_t>(left)].compare(keys[static_cast<std::size_t>(right)]);
+        return way < 0 || (way == 0 && left < right);
+    });
+    m_model.player().reorderTracks(order);
+}
+
+void PlaylistModel::save(const QUrl &list) {
+    const auto write = [list, saved = tracks()] {
+        try {
+            PlaylistFile::write(list, saved);
+            return QString();
+        } catch (const LocalPlaybackError &error) {
+            return error.description();
+        }
+    };
+    inBackground(this, write, [this](const QString &failure) {
+        if (!failure.isEmpty())
+            m_model.showNotice(failure);
+    });
+}
+
+} // namespace vantor

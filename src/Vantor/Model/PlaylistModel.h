@@ -1,0 +1,100 @@
+#pragma once
+
+#include "AudioCore/Queue/PlaylistSelection.h"
+#include "SkinKit/Rendering/PlaylistWindowScene.h"
+#include "Vantor/Model/PlayerModel.h"
+
+#include <QObject>
+#include <QTimer>
+
+namespace vantor {
+
+/// The queue as the playlist window shows it and works on it: which rows are seen and selected, and what is
+/// done to them. Main thread; borrows the player's model and the settings. Rows that there are not are
+/// ignored.
+class PlaylistModel : public QObject {
+    Q_OBJECT
+
+  public:
+    PlaylistModel(PlayerModel &model, QSettings &settings, QObject *parent = nullptr);
+    ~PlaylistModel() override;
+
+    /// What the window shows now, but for what only the window knows (focus, what is pressed, pop-ups).
+    [[nodiscard]] PlaylistWindowScene scene() const;
+
+    /// The window's full size in skin pixels, kept in the settings; any size is taken to the nearest step.
+    [[nodiscard]] QSize size() const { return m_size; }
+    void setSize(QSize size);
+
+    // What is seen. Scrolling stops at the ends.
+    [[nodiscard]] int count() const { return static_cast<int>(tracks().size()); }
+    [[nodiscard]] std::optional<Track> track(int row) const;
+    [[nodiscard]] int firstRow() const { return m_firstRow; }
+    void scrollTo(int firstRow);
+    void scrollToFraction(double fraction);
+    void reveal(int row);
+
+    // What is selected. The cursor is the row that the keyboard moves from; none in an empty list.
+    enum class Selecting { only, toggling, extending };
+    void select(int row, Selecting how);
+    /// Moves the cursor by rows, to the ends at most.
+    void moveCursor(int by, Selecting how);
+    [[nodiscard]] std::optional<int> cursor() const;
+    [[nodiscard]] bool isSelected(int row) const;
+    [[nodiscard]] bool hasSelection() const { return !m_selection.ids.isEmpty(); }
+    void selectAll();
+    void selectNone();
+    void invertSelection();
+
+    // Type-ahead: letters that follow each other within a second make one word, by which the next track that
+    // begins with it, or else contains it, is selected.
+    void beginTyping();
+    void type(const QString &letters);
+    void endTyping();
+    [[nodiscard]] bool isTyping() const { return m_typed.has_value(); }
+
+    // What is done.
+    void play(int row);
+    void removeSelected(); ///< and selects the row that takes the first one's place
+    void crop();
+    void removeAll();
+    /// Files that are not there any more; found out on a worker thread.
+    void removeMissing();
+    void removeDuplicates(); ///< of one file or library item the playing entry stays, else the first
+    /// Moves the selected rows together, as far as the list's ends allow; by how many they really moved.
+    int moveSelected(int by);
+    void sortByTitle();
+    void sort(PlaylistSortKey key) { m_model.player().sortQueue(key); }
+    void reverse() { m_model.player().reverseQueue(); }
+    void randomize() { m_model.player().randomizeQueue(); }
+    /// Writes the list on a worker thread; a failure is shown as a notice.
+    void save(const QUrl &list);
+
+  Q_SIGNALS:
+    void changed(); ///< the scene
+    void sizeChanged();
+
+  private:
+    [[nodiscard]] const std::vector<Track> &tracks() const { return m_model.player().queue().tracks(); }
+    void takeQueue();
+    void selectionChanged();
+    void removeRows(const IndexSet &rows);
+    [[nodiscard]] std::vector<PlaylistRow> shownRows() const;
+    [[nodiscard]] QString runningTime() const;
+
+    PlayerModel &m_model;
+    QSettings &m_settings;
+    PlayerEventToken m_observer;
+    PlaylistSelection m_selection;
+    QSize m_size;
+    int m_firstRow = 0;
+    int m_cursor = 0;
+    int m_count = 0; ///< of the queue when it was last looked at
+    std::optional<QString> m_typed;
+    QTimer m_typing;
+    // Made when they are asked for: scenes are, sixty times a second.
+    mutable std::optional<std::vector<PlaylistRow>> m_rows;
+    mutable std::optional<QString> m_runningTime;
+};
+
+} // namespace vantor

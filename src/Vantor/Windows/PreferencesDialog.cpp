@@ -1,0 +1,126 @@
+#include "Vantor/Windows/PreferencesDialog.h"
+
+#include "Vantor/Model/PlayerModel.h"
+#include "Vantor/Windows/FolderField.h"
+
+#include <QCheckBox>
+#include <QDialogButtonBox>
+#include <QGridLayout>
+#include <QLabel>
+#include <QListWidget>
+#include <QStackedWidget>
+
+namespace vantor {
+
+namespace {
+
+/// A page: everything under one another, from the top.
+class Page : public QWidget {
+  public:
+    Page() : m_layout(new QVBoxLayout(this)) {
+        m_layout->setContentsMargins(12, 0, 0, 0);
+        m_layout->addStretch(1);
+    }
+    void add(QWidget *widget) { m_layout->insertWidget(m_layout->count() - 1, widget); }
+    void addGap() { m_layout->insertSpacing(m_layout->count() - 1, 12); }
+
+    /// A sentence about what is above it.
+    void addNote(const QString &text) {
+        auto *note = new QLabel(text);
+        note->setWordWrap(true);
+        note->setForegroundRole(QPalette::PlaceholderText);
+        add(note);
+    }
+    /// A title with the field that it belongs to.
+    void addField(const QString &title, QWidget *field) {
+        auto *label = new QLabel(title);
+        label->setBuddy(field);
+        add(label);
+        add(field);
+    }
+    QCheckBox *addCheck(const QString &text, bool on) {
+        auto *box = new QCheckBox(text);
+        box->setChecked(on);
+        add(box);
+        return box;
+    }
+
+  private:
+    QVBoxLayout *m_layout;
+};
+
+} // namespace
+
+PreferencesDialog::PreferencesDialog(PlayerModel &model, QWidget *parent)
+    : QDialog(parent), m_model(model), m_titles(new QListWidget), m_pages(new QStackedWidget) {
+    setAttribute(Qt::WA_DeleteOnClose);
+    setWindowTitle(tr("Preferences"));
+    m_titles->setAccessibleName(tr("Pages"));
+    addPage(tr("General"), generalPage());
+    addPage(tr("Skins"), skinsPage());
+    addPage(tr("Library"), libraryPage());
+    addPage(tr("Playback"), playbackPage());
+    m_titles->setFixedWidth(m_titles->sizeHintForColumn(0) + 48);
+    connect(m_titles, &QListWidget::currentRowChanged, m_pages, &QStackedWidget::setCurrentIndex);
+    m_titles->setCurrentRow(0);
+
+    auto *buttons = new QDialogButtonBox(QDialogButtonBox::Close);
+    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    auto *layout = new QGridLayout(this);
+    layout->addWidget(m_titles, 0, 0);
+    layout->addWidget(m_pages, 0, 1);
+    layout->addWidget(buttons, 1, 0, 1, 2);
+    layout->setColumnStretch(1, 1);
+    resize(540, 300);
+}
+
+void PreferencesDialog::addPage(const QString &title, QWidget *page) {
+    m_titles->addItem(title);
+    m_pages->addWidget(page);
+}
+
+QWidget *PreferencesDialog::generalPage() {
+    auto *page = new Page;
+    WindowState &windows = m_model.windows();
+    QCheckBox *const doubled = page->addCheck(tr("&Double size"), windows.isDoubleSize());
+    QCheckBox *const onTop = page->addCheck(tr("&Always on top"), windows.isAlwaysOnTop());
+    connect(doubled, &QCheckBox::toggled, &windows, &WindowState::setDoubleSize);
+    connect(onTop, &QCheckBox::toggled, &windows, &WindowState::setAlwaysOnTop);
+    // A key or the menu may change them meanwhile.
+    connect(&windows, &WindowState::changed, page, [&windows, doubled, onTop] {
+        doubled->setChecked(windows.isDoubleSize());
+        onTop->setChecked(windows.isAlwaysOnTop());
+    });
+    return page;
+}
+
+QWidget *PreferencesDialog::skinsPage() {
+    auto *page = new Page;
+    auto *folder = new FolderField(tr("Skins folder"), m_model.skins().folder());
+    page->addField(tr("&Skins folder"), folder);
+    page->addNote(tr("The skins in it are at hand in the main menu, under Skins."));
+    connect(folder, &FolderField::chosen, page,
+            [this](const QString &path) { m_model.skins().setFolder(path); });
+    return page;
+}
+
+QWidget *PreferencesDialog::libraryPage() {
+    auto *page = new Page;
+    auto *folder = new FolderField(tr("Music folder"), m_model.preferences().libraryFolder());
+    page->addField(tr("&Music folder"), folder);
+    page->addNote(tr("Files and folders are looked for here first when you open them."));
+    connect(folder, &FolderField::chosen, page,
+            [this](const QString &path) { m_model.preferences().setLibraryFolder(path); });
+    return page;
+}
+
+QWidget *PreferencesDialog::playbackPage() {
+    auto *page = new Page;
+    QCheckBox *const resume =
+        page->addCheck(tr("&Resume where playback was on start"), m_model.preferences().resumesOnStart());
+    connect(resume, &QCheckBox::toggled, page,
+            [this](bool on) { m_model.preferences().setResumesOnStart(on); });
+    return page;
+}
+
+} // namespace vantor

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QDialog>
+
+class QListWidget;
+class QStackedWidget;
+
+namespace vantor {
+
+class PlayerModel;
+
+/// Everything that the user can set, a page a subject. What is changed holds at once. Deletes itself when
+/// closed. Main thread; borrows the model.
+class PreferencesDialog : public QDialog {
+    Q_OBJECT
+
+  public:
+    PreferencesDialog(PlayerModel &model, QWidget *parent);
+
+  private:
+    void addPage(const QString &title, QWidget *page);
+    [[nodiscard]] QWidget *generalPage();
+    [[nodiscard]] QWidget *skinsPage();
+    [[nodiscard]] QWidget *libraryPage();
+    [[nodiscard]] QWidget *playbackPage();
+
+    PlayerModel &m_model;
+    QListWidget *m_titles;
+    QStackedWidget *m_pages;
+};
+
+} // namespace vantor

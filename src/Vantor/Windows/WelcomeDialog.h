@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QDialog>
+
+namespace vantor {
+
+class PlayerModel;
+
+/// Greets a new user and asks where skins and music are, neither of which has to be answered. Does not hold
+/// up the player. Deletes itself when closed. Main thread; borrows the model.
+class WelcomeDialog : public QDialog {
+    Q_OBJECT
+
+  public:
+    WelcomeDialog(PlayerModel &model, QWidget *parent);
+};
+
+} // namespace vantor

@@ -117,6 +117,13 @@ Seeds playlists() {
             {QStringLiteral("cue"), "3PERFORMER \"p\"\nFILE \"a.wav\" WAVE\n TRACK 01 AUDIO\n  TITLE t\n"}};
 }
 
+Seeds answers() {
+    const QByteArray chunked = "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n";
+    return {{QStringLiteral("radio"), "\4ICY 200 OK\r\nicy-name: x\r\n\r\nabcd\1StreamTitle='1';efgh"},
+            {QStringLiteral("chunks"), '\2' + chunked + "3;a=b\r\nab\0\r\n1\r\nc\r\n0\r\nT: t\r\n\r\n"},
+            {QStringLiteral("counted"), "\1HTTP/1.0 206 Partial\nContent-Length: 3\n\nabc"}};
+}
+
 Seeds queues() {
     return {{QStringLiteral("queue"),
              R"({"currentIndex":1,"items":[
@@ -148,6 +155,7 @@ int main(int argc, char **argv) {
     const bool written = write(folder + QStringLiteral("BMPDecoder"), bitmaps()) &&
                          write(folder + QStringLiteral("CursorBitmap"), cursors()) &&
                          write(folder + QStringLiteral("AniParser"), animations()) &&
+                         write(folder + QStringLiteral("HttpAnswer"), answers()) &&
                          write(folder + QStringLiteral("PlaylistFile"), playlists()) &&
                          write(folder + QStringLiteral("QueueFile"), queues()) &&
                          write(folder + QStringLiteral("SkinArchive"), archives()) &&

@@ -19,6 +19,8 @@ TEST(LaunchOptionsTest, ReadsOptionsFilesAndSkinsInAnyOrder) {
     LaunchOptions all = options("named.zip", {u"a.flac"_qs, u"-odd.mp3"_qs});
     all.seconds = 2.5;
     all.screenshot = u"out.png"_qs;
+    LaunchOptions addressed = options("a.zip", {});
+    addressed.files = {QUrl(u"https://h/b?c=d"_qs)};
     LaunchOptions more = options("B.WSZ", {u"x.ogg"_qs});
     more.command = LaunchCommand::enqueue;
     LaunchOptions next;
@@ -28,6 +30,7 @@ TEST(LaunchOptionsTest, ReadsOptionsFilesAndSkinsInAnyOrder) {
         {"--next", next},
         {"a.flac --seconds 2.5 worn.wsz --skin named.zip --screenshot out.png -- -odd.mp3", all},
         {"a.wsz x.ogg B.WSZ", options("B.WSZ", {u"x.ogg"_qs})},
+        {"--skin a.zip HTTPS://h/b?c=d", addressed},
     };
     for (const auto &[line, expected] : rows) {
         const auto parsed = LaunchOptions::parse(QString::fromLatin1(line).split(u' '));

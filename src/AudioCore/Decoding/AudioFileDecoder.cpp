@@ -2,7 +2,9 @@
 
 #include "AudioCore/AudioCoreError.h"
 #include "AudioCore/Decoding/FileInput.h"
+#include "AudioCore/Decoding/MediaContainer.h"
 #include "AudioCore/Decoding/StereoResampler.h"
+#include "AudioCore/Network/ProgressiveError.h"
 
 #include <cmath>
 
@@ -34,8 +36,9 @@ static std::optional<int> losslessBits(const AVCodecParameters &parameters) {
 
 class AudioFileDecoder::Private {
   public:
-    Private(const QString &path, int sampleRate)
-        : m_path(path), m_resampler(sampleRate), m_packet(av_packet_alloc()), m_frame(av_frame_alloc()) {
+    Private(std::shared_ptr<AudioInput> input, int sampleRate)
+        : m_input(std::move(input)), m_resampler(sampleRate), m_packet(av_packet_alloc()),
+          m_frame(av_frame_alloc()) {
         open();
     }
 
@@ -46,6 +49,8 @@ class AudioFileDecoder::Private {
 
   private:
     void open();
+    void reopen();
+    [[noreturn]] void failFormat() const;
     bool seekFile(double seconds);
     bool nextFrame();
     bool takeFrame();
@@ -55,8 +60,8 @@ class AudioFileDecoder::Private {
         return m_stream->start_time == AV_NOPTS_VALUE ? 0 : m_stream->start_time;
     }
 
-    QString m_path;
-    std::unique_ptr<FileInput> m_input;
+    const std::shared_ptr<AudioInput> m_input;
+    std::unique_ptr<MediaContainer> m_container;
     AVStream *m_stream = nullptr;
     FFmpegHandle<AVCodecContext> m_codec;
     StereoResampler m_resampler;
@@ -72,29 +77,42 @@ class AudioFileDecoder::Private {
 };
 
 void AudioFileDecoder::Private::open() {
-    m_codec.reset();
-    m_input = std::make_unique<FileInput>(m_path);
-    AVFormatContext &format = m_input->format();
+    m_container = std::make_unique<MediaContainer>(m_input);
+    AVFormatContext &format = m_container->format();
     const AVCodec *codec = nullptr;
     const int index = av_find_best_stream(&format, AVMEDIA_TYPE_AUDIO, -1, -1, &codec, 0);
     if (index < 0 || !codec)
-        throw AudioCoreError::openFailure();
+        failFormat();
     for (unsigned i = 0; i < format.nb_streams; ++i)
         format.streams[i]->discard = static_cast<int>(i) == index ? AVDISCARD_DEFAULT : AVDISCARD_ALL;
     m_stream = format.streams[index];
     m_codec.reset(avcodec_alloc_context3(codec));
     if (avcodec_parameters_to_context(m_codec.get(), m_stream->codecpar) < 0)
-        throw AudioCoreError::openFailure();
+        failFormat();
     m_codec->pkt_timebase = m_stream->time_base;
     m_codec->thread_count = 1;
     if (avcodec_open2(m_codec.get(), codec, nullptr) < 0)
-        throw AudioCoreError::openFailure();
+        failFormat();
+}
+
+void AudioFileDecoder::Private::failFormat() const {
+    if (m_input->isProgressive())
+        throw ProgressiveError::formatUnsupported();
+    throw AudioCoreError::openFailure();
+}
+
+void AudioFileDecoder::Private::reopen() {
+    m_codec.reset();
+    m_container.reset();
+    if (!m_input->seek(0))
+        throw AudioCoreError::readFailure();
+    open();
 }
 
 double AudioFileDecoder::Private::duration() const {
     if (m_stream->duration > 0)
         return static_cast<double>(m_stream->duration) * av_q2d(m_stream->time_base);
-    const std::int64_t whole = m_input->format().duration;
+    const std::int64_t whole = m_container->format().duration;
     return whole > 0 ? static_cast<double>(whole) / AV_TIME_BASE : 0.0;
 }
 
@@ -158,9 +176,10 @@ void AudioFileDecoder::Private::feed() {
         countError();
         return;
     }
-    const int result = av_read_frame(&m_input->format(), m_packet.get());
+    const int result = av_read_frame(&m_container->format(), m_packet.get());
+    m_container->throwFailure();
     if (result == AVERROR_EOF) {
-        if (m_input->format().pb->error < 0 && m_input->format().pb->error != AVERROR_EOF)
+        if (m_container->format().pb->error < 0 && m_container->format().pb->error != AVERROR_EOF)
             throw AudioCoreError::readFailure();
         m_inputEnded = true;
         avcodec_send_packet(m_codec.get(), nullptr);
@@ -193,7 +212,7 @@ void AudioFileDecoder::Private::seek(double seconds) {
     if (seekFile(seconds)) {
         avcodec_flush_buffers(m_codec.get());
     } else {
-        open(); // and decode up to the place
+        reopen(); // and decode up to the place
         m_position = 0;
     }
 }
@@ -202,11 +221,17 @@ bool AudioFileDecoder::Private::seekFile(double seconds) {
     const double before = std::max(0.0, seconds - prerollSeconds) / av_q2d(m_stream->time_base);
     const std::int64_t time = origin() + static_cast<std::int64_t>(before);
     m_position = av_rescale_q(time - origin(), m_stream->time_base, {1, std::max(1, m_codec->sample_rate)});
-    return av_seek_frame(&m_input->format(), m_stream->index, time, AVSEEK_FLAG_BACKWARD) >= 0;
+    const bool found =
+        av_seek_frame(&m_container->format(), m_stream->index, time, AVSEEK_FLAG_BACKWARD) >= 0;
+    m_container->throwFailure();
+    return found;
 }
 
+AudioFileDecoder::AudioFileDecoder(std::shared_ptr<AudioInput> input, int sampleRate)
+    : d(std::make_unique<Private>(std::move(input), sampleRate)) {}
+
 AudioFileDecoder::AudioFileDecoder(const QString &path, int sampleRate)
-    : d(std::make_unique<Private>(path, sampleRate)) {}
+    : AudioFileDecoder(std::make_shared<FileInput>(path), sampleRate) {}
 
 AudioFileDecoder::~AudioFileDecoder() = default;
 

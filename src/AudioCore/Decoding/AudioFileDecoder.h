@@ -1,5 +1,6 @@
 #pragma once
 
+#include "AudioCore/Decoding/AudioInput.h"
 #include "AudioCore/Graph/PlayerNode.h"
 #include "AudioCore/PlaybackFormat.h"
 
@@ -10,12 +11,16 @@
 
 namespace vantor {
 
-/// Decodes one local audio file into float stereo at a given rate. Mono plays on both sides at full level,
-/// more than two channels are mixed down. Damaged stretches are skipped. Whatever the file says, no other
-/// file and no network address is opened. One thread at a time.
+/// Decodes one audio file or stream into float stereo at a given rate. Mono plays on both sides at full
+/// level, more than two channels are mixed down. Damaged stretches are skipped. Whatever the file says, no
+/// other file and no network address is opened. One thread at a time.
 class AudioFileDecoder {
   public:
-    /// `sampleRate`: of the output, in Hz. Throws AudioCoreError::openFailure.
+    /// `sampleRate`: of the output, in Hz. Throws AudioCoreError::openFailure, ProgressiveError for
+    /// progressive inputs, and what the input throws; the other functions throw that too. After
+    /// AudioInput::Interrupted the decoder can only be destroyed.
+    AudioFileDecoder(std::shared_ptr<AudioInput> input, int sampleRate);
+    /// Of a local file.
     AudioFileDecoder(const QString &path, int sampleRate);
     ~AudioFileDecoder();
 

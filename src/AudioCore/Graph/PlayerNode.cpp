@@ -49,6 +49,8 @@ void PlayerNode::render(std::span<StereoFrame> frames) {
             break;
         frames = frames.subspan(count);
     }
+    m_isStarved.store(!frames.empty() && m_playing.load(std::memory_order_relaxed),
+                      std::memory_order_relaxed);
     std::fill(frames.begin(), frames.end(), StereoFrame{});
 }
 

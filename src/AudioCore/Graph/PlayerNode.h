@@ -50,6 +50,8 @@ class PlayerNode {
     void pause() { m_playing.store(false, std::memory_order_release); }
     void discardBefore(std::uint32_t generation) { m_wanted.store(generation, std::memory_order_release); }
     [[nodiscard]] Progress progress() const;
+    /// Whether sound was wanted lately and there was none: it has run dry, or nothing is there to play.
+    [[nodiscard]] bool isStarved() const { return m_isStarved.load(std::memory_order_relaxed); }
     /// How often sound was missing in the middle of a segment.
     [[nodiscard]] int underruns() const { return m_underruns.load(std::memory_order_relaxed); }
 
@@ -95,6 +97,7 @@ class PlayerNode {
     std::atomic<std::uint32_t> m_wanted{0};
     std::atomic<std::uint64_t> m_progress{0};
     std::atomic<int> m_underruns{0};
+    std::atomic<bool> m_isStarved{false};
 
     // Decode thread's.
     std::uint64_t m_segmentStart = 0;

@@ -1,5 +1,6 @@
 #include "AudioCore/Playback/Player.h"
 
+#include "AudioCore/Network/ProgressiveInput.h"
 #include "AudioCore/Playback/PlayerPrivate_p.h"
 #include "AudioCore/Playback/PlayerRules.h"
 
@@ -9,7 +10,7 @@ namespace vantor {
 
 QUrl FileTrackResolver::resolve(const Track &track) const {
     const QUrl *const url = std::get_if<QUrl>(&track.source);
-    if (!url || !url->isLocalFile())
+    if (!url || (!url->isLocalFile() && !ProgressiveInput::takes(*url)))
         throw AudioCoreError::unresolvableSource();
     return *url;
 }
@@ -84,7 +85,7 @@ QString Player::outputName() const {
 }
 
 void Player::play() {
-    if (d->state == PlaybackState::paused && d->graph) {
+    if (d->state == PlaybackState::paused && d->graph && !d->isStale()) {
         d->resume();
         return;
     }
@@ -144,7 +145,8 @@ void Player::previous() {
 }
 
 void Player::seek(double seconds) {
-    if (d->state != PlaybackState::stopped)
+    const bool hasPlaces = !d->isRemote() || duration() > 0;
+    if (d->state != PlaybackState::stopped && hasPlaces)
         d->seekTo(PlayerRules::seekTarget(seconds, duration()));
 }
 

@@ -17,14 +17,15 @@
 
 namespace vantor {
 
-/// Finds the local file behind a track; throws AudioCoreError::unresolvableSource when there is none.
+/// Finds the local file or the web address behind a track; throws AudioCoreError::unresolvableSource when
+/// there is none.
 class TrackResolver {
   public:
     virtual ~TrackResolver() = default;
     [[nodiscard]] virtual QUrl resolve(const Track &track) const = 0;
 };
 
-/// Plain files only.
+/// Plain files, and addresses as they are.
 class FileTrackResolver final : public TrackResolver {
   public:
     [[nodiscard]] QUrl resolve(const Track &track) const override;
@@ -47,8 +48,16 @@ class Player : public QObject, public NowPlayingCommandTarget {
     [[nodiscard]] double duration() const;    ///< seconds, of the current track; 0 when unknown
     [[nodiscard]] std::optional<PlaybackFormat> currentFormat() const;
     [[nodiscard]] std::optional<QString> errorMessage() const;
-    [[nodiscard]] float volume() const;  ///< 0…1
-    [[nodiscard]] float balance() const; ///< −1…1
+    /// True while a track that downloads waits for data.
+    [[nodiscard]] bool isBuffering() const;
+    /// Seconds from the start up to where a track that downloads is there; none for radio, for local files
+    /// and while it is not known.
+    [[nodiscard]] std::optional<double> bufferedTime() const;
+    /// What a radio station says it plays now: "Artist - Title" or the like.
+    [[nodiscard]] std::optional<QString> streamTitle() const;
+    [[nodiscard]] std::optional<int> streamBitrate() const; ///< kbit/s, as a radio station says
+    [[nodiscard]] float volume() const;                     ///< 0…1
+    [[nodiscard]] float balance() const;                    ///< −1…1
     [[nodiscard]] const EQState &eq() const;
     [[nodiscard]] RepeatMode repeatMode() const;
     [[nodiscard]] bool isShuffled() const;
@@ -77,6 +86,7 @@ class Player : public QObject, public NowPlayingCommandTarget {
     void stop() override;
     void next() override;
     void previous() override;
+    /// Radio, and what downloads and has no known duration, goes on as it is.
     void seek(double seconds) override;
     void removeTrack(int index);
     void removeTracks(const IndexSet &indices);
@@ -113,6 +123,7 @@ class Player : public QObject, public NowPlayingCommandTarget {
     void stateChanged();
     void currentTimeChanged();
     void formatChanged();
+    void downloadChanged(); ///< buffering, the buffered time, or the stream's title or bit rate
     void volumeChanged();
     void balanceChanged();
     void eqChanged();

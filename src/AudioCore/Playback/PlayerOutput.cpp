@@ -157,7 +157,7 @@ void Player::Private::replaceOutput(bool wasAllHeard) {
     if (!outputIsReplacement)
         return;
     ensureOutput();
-    if (path.isEmpty())
+    if (url.isEmpty())
         return; // there is no track in it
     ++generation;
     requestFrom(currentTime);

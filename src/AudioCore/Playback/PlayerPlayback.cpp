@@ -30,6 +30,7 @@ Player::Private::Private(Player &player, std::unique_ptr<TrackResolver> trackRes
     timeUpdates.setSingleShot(true);
     timeUpdates.setTimerType(Qt::PreciseTimer);
     QObject::connect(&timeUpdates, &QTimer::timeout, &q, [this] { tick(); });
+    QObject::connect(&downloadTimer, &QTimer::timeout, &q, [this] { watchDownload(); });
     idleTimer.setSingleShot(true);
     idleTimer.setInterval(idleBeforeSuspend);
     QObject::connect(&idleTimer, &QTimer::timeout, &q, [this] {
@@ -51,7 +52,7 @@ Player::Private::~Private() {
 void Player::Private::requestFrom(double seconds) {
     graph->node()->discardBefore(generation);
     streamer.play({.generation = generation,
-                   .path = path,
+                   .url = url,
                    .start = seconds,
                    .sampleRate = graph->sampleRate(),
                    .node = graph->node()});
@@ -72,7 +73,8 @@ void Player::Private::startCurrentTrack(bool autoplay) {
     ++generation;
     autoplayAfterLoad = autoplay;
     fileDuration = 0;
-    path.clear();
+    url.clear();
+    download.reset();
     timeUpdates.stop();
     try {
         // Awake, so that the node lets go of what it still holds; a new output has nothing yet, and wakes
@@ -82,7 +84,7 @@ void Player::Private::startCurrentTrack(bool autoplay) {
         ensureOutput();
         graph->node()->pause();
         graph->node()->discardBefore(generation);
-        path = resolver->resolve(*track).toLocalFile();
+        url = resolver->resolve(*track);
         requestFrom(0);
     } catch (const AudioCoreError &error) {
         // Through the event loop like every other failure: a long list of missing files is no recursion.
@@ -98,6 +100,7 @@ void Player::Private::startCurrentTrack(bool autoplay) {
     setFormat(std::nullopt);
     setCurrentTime(0);
     setState(PlaybackState::loading);
+    watchDownload();
 }
 
 void Player::Private::streamerReported(const TrackStreamer::Report &report) {
@@ -108,6 +111,7 @@ void Player::Private::streamerReported(const TrackStreamer::Report &report) {
         return;
     }
     fileDuration = report.duration;
+    download = report.download;
     setFormat(report.format);
     if (state != PlaybackState::loading)
         return; // a seek has arrived
@@ -118,6 +122,7 @@ void Player::Private::streamerReported(const TrackStreamer::Report &report) {
         resume();
     else
         pause();
+    watchDownload();
 }
 
 void Player::Private::resume() {
@@ -134,12 +139,13 @@ void Player::Private::pause() {
     graph->node()->pause();
     timeUpdates.stop();
     idleTimer.start();
+    pausedFor.start();
     setState(PlaybackState::paused);
 }
 
 void Player::Private::seekTo(double seconds) {
     ++generation;
-    if (!path.isEmpty())
+    if (!url.isEmpty())
         requestFrom(seconds);
     setCurrentTime(seconds);
     emitEvent(PlayerEvents::Seeked{seconds});
@@ -157,36 +163,39 @@ void Player::Private::stop() {
     }
     timeUpdates.stop();
     fileDuration = 0;
-    path.clear();
+    url.clear();
+    download.reset();
     setFormat(std::nullopt);
     setCurrentTime(0);
     setState(PlaybackState::stopped);
+    watchDownload();
 }
 
-void Player::Private::trackFailed(const AudioCoreError &error) {
+void Player::Private::trackFailed(const PlaybackError &error) {
     const std::optional<Track> track = queue.current();
-    qCWarning(lcPlayer, "could not play %s: %s", track ? qUtf8Printable(track->title) : "", error.what());
+    qCWarning(lcPlayer, "could not play %s: %s", track ? qUtf8Printable(track->title) : "",
+              qUtf8Printable(error.message));
     const int failures = consecutiveFailures + 1;
-    if (error.isFatal() || !PlayerRules::skipsAfterFailure(queue, failures)) {
+    if (error.isFatal || !PlayerRules::skipsAfterFailure(queue, failures)) {
         fail(error);
         return;
     }
     consecutiveFailures = failures;
-    errorMessage = error.description();
+    errorMessage = error.message;
     const std::uint32_t failed = generation;
-    emitEvent(PlayerEvents::Failed{{track, error.description(), failures, true}});
+    emitEvent(PlayerEvents::Failed{{track, error.message, failures, true}});
     if (failed != generation)
         return; // an observer has given another command
     queue.advanceAfterTrackEnd();
     moveToCurrentTrack(autoplayAfterLoad);
 }
 
-void Player::Private::fail(const AudioCoreError &error) {
+void Player::Private::fail(const PlaybackError &error) {
     const std::optional<Track> track = queue.current();
     const int failures = consecutiveFailures + 1;
     stop();
-    errorMessage = error.description();
-    emitEvent(PlayerEvents::Failed{{track, error.description(), failures, false}});
+    errorMessage = error.message;
+    emitEvent(PlayerEvents::Failed{{track, error.message, failures, false}});
 }
 
 // Called while playing. The next track starts to load as soon as the last frame is rendered, while the output

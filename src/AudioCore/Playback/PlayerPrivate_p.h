@@ -5,6 +5,7 @@
 #include "AudioCore/Playback/PlayerRules.h"
 #include "AudioCore/Playback/TrackStreamer.h"
 
+#include <QElapsedTimer>
 #include <QTimer>
 
 #include <map>
@@ -41,10 +42,17 @@ class Player::Private {
 
     // What happens by itself.
     void streamerReported(const TrackStreamer::Report &report);
-    void trackFailed(const AudioCoreError &error);
-    void fail(const AudioCoreError &error);
+    void trackFailed(const PlaybackError &error);
+    void fail(const PlaybackError &error);
     void trackEnded();
     void tick();
+
+    // What downloads.
+    [[nodiscard]] bool isRemote() const { return !url.isEmpty() && !url.isLocalFile(); }
+    /// Radio that has been paused for so long that what is at hand is old.
+    [[nodiscard]] bool isStale() const;
+    /// Shows how the download stands, now and from time to time while there is one.
+    void watchDownload();
 
     // The output.
     void watchDevices();
@@ -77,14 +85,29 @@ class Player::Private {
     int consecutiveFailures = 0;
     std::optional<QUuid> lastEmittedTrackID;
     bool autoplayAfterLoad = false; ///< whether sound is wanted: what a start that follows by itself inherits
-    QString path;                   ///< of the loaded file
+    QUrl url;                       ///< of the loaded file or stream
     std::uint32_t generation = 0;
     std::optional<std::chrono::steady_clock::time_point> endRenderedAt;
+
+    /// What the observers have been told of the download.
+    struct DownloadState {
+        bool isBuffering = false;
+        std::optional<double> bufferedTime;
+        std::optional<QString> title;
+        std::optional<int> bitrate;
+
+        bool operator==(const DownloadState &) const = default;
+    };
+    [[nodiscard]] DownloadState downloadStateNow() const;
+    std::shared_ptr<const DownloadBuffer> download; ///< of the loaded stream, once it has begun
+    DownloadState downloadState;
+    QElapsedTimer pausedFor;
 
     std::map<PlayerEventToken, std::function<void(const PlayerEvent &)>> observers;
     quint64 lastToken = 0;
     QTimer timeUpdates;
     QTimer idleTimer;
+    QTimer downloadTimer;
 
     std::optional<QString> chosenDevice;  ///< by its key, also while it is away
     std::optional<quint32> refusedDevice; ///< does not play although it is there

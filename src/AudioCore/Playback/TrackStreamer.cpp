@@ -1,5 +1,8 @@
 #include "AudioCore/Playback/TrackStreamer.h"
 
+#include "AudioCore/Decoding/FileInput.h"
+#include "AudioCore/Network/ProgressiveInput.h"
+
 #include <cmath>
 
 namespace vantor {
@@ -18,6 +21,7 @@ TrackStreamer::~TrackStreamer() {
     {
         const MutexLock lock(m_mutex);
         m_quitting = true;
+        m_stop.request_stop();
     }
     m_requested.notify_one();
     m_thread.join();
@@ -26,6 +30,9 @@ TrackStreamer::~TrackStreamer() {
 void TrackStreamer::play(Request request) {
     {
         const MutexLock lock(m_mutex);
+        m_stop.request_stop(); // what waits for a server would not hear of it
+        m_stop = std::stop_source();
+        request.stop = m_stop.get_token();
         m_pending = std::move(request);
     }
     m_requested.notify_one();
@@ -56,12 +63,18 @@ TrackStreamer::Wait TrackStreamer::work() {
         if (std::exchange(m_isNew, false))
             begin();
         return m_request.node ? fill() : Wait::forRequest;
+    } catch (const AudioInput::Interrupted &) {
+        m_decoder.reset(); // in the middle of something
+        return Wait::forRequest;
     } catch (const AudioCoreError &error) {
+        reportFailure(error);
+    } catch (const ProgressiveError &error) {
         reportFailure(error);
     } catch (const std::exception &) { // out of memory
         reportFailure(AudioCoreError::readFailure());
     }
     m_decoder.reset();
+    m_input.reset();
     m_request.node.reset();
     return Wait::forRequest;
 }
@@ -71,18 +84,38 @@ void TrackStreamer::begin() {
     m_hasBegun = false;
     m_isReported = false;
     m_atEnd = false;
-    const bool isOpen = m_decoder && m_decoderPath == m_request.path && m_decoderRate == m_request.sampleRate;
-    if (!m_request.node || !isOpen || m_request.start <= 0)
+    const bool isSame = m_input && m_request.node && m_inputUrl == m_request.url && m_request.start > 0;
+    if (!isSame || m_decoderRate != m_request.sampleRate)
         m_decoder.reset();
+    if (!isSame) {
+        m_input.reset();
+        m_download.reset();
+    }
     if (!m_request.node)
         return;
-    if (!m_decoder) {
-        m_decoder = std::make_unique<AudioFileDecoder>(m_request.path, m_request.sampleRate);
-        m_decoderPath = m_request.path;
-        m_decoderRate = m_request.sampleRate;
-    }
-    if (m_request.start > 0)
+    if (m_input)
+        m_input->setStopToken(m_request.stop);
+    if (!m_decoder)
+        open();
+    if (m_request.start > 0 && m_input->size())
         m_decoder->seek(m_request.start);
+}
+
+void TrackStreamer::open() {
+    if (!m_input || !m_input->size() || !m_input->seek(0)) {
+        m_input.reset(); // before another connection
+        m_inputUrl = m_request.url;
+        if (m_inputUrl.isLocalFile()) {
+            m_input = std::make_shared<FileInput>(m_inputUrl.toLocalFile());
+        } else {
+            auto input = std::make_shared<ProgressiveInput>(m_inputUrl);
+            m_download = input->download();
+            m_input = std::move(input);
+        }
+        m_input->setStopToken(m_request.stop);
+    }
+    m_decoder = std::make_unique<AudioFileDecoder>(m_input, m_request.sampleRate);
+    m_decoderRate = m_request.sampleRate;
 }
 
 // One step; says how long the next one can wait.
@@ -118,11 +151,12 @@ void TrackStreamer::reportBegin() {
     report({.generation = m_request.generation,
             .format = m_decoder->format(),
             .duration = m_decoder->duration(),
+            .download = m_download,
             .error = std::nullopt});
 }
 
-void TrackStreamer::reportFailure(const AudioCoreError &error) {
-    report({.generation = m_request.generation, .format = {}, .duration = 0, .error = error});
+void TrackStreamer::reportFailure(const PlaybackError &error) {
+    report({.generation = m_request.generation, .format = {}, .duration = 0, .download = {}, .error = error});
 }
 
 void TrackStreamer::report(Report report) {

@@ -1,8 +1,9 @@
 #pragma once
 
-#include "AudioCore/AudioCoreError.h"
 #include "AudioCore/Decoding/AudioFileDecoder.h"
 #include "AudioCore/Graph/PlayerNode.h"
+#include "AudioCore/Network/DownloadBuffer.h"
+#include "AudioCore/Playback/PlaybackError.h"
 #include "AudioCore/PlaybackFormat.h"
 #include "Platform/ThreadSafety.h"
 
@@ -16,31 +17,33 @@
 
 namespace vantor {
 
-/// Opens and decodes files on a thread of its own and keeps a player node filled. Only the newest request
-/// counts: one that was replaced before its turn is never opened. Main thread.
+/// Opens and decodes files and streams on a thread of its own and keeps a player node filled. Only the newest
+/// request counts: one that was replaced before its turn is never opened. Main thread.
 class TrackStreamer : public QObject {
     Q_OBJECT
 
   public:
     struct Request {
         std::uint32_t generation = 0;
-        QString path;
-        double start = 0; ///< seconds; above 0 a file that is open already is used again
+        QUrl url;         ///< a local file, or what ProgressiveInput takes
+        double start = 0; ///< seconds; above 0 what is open already is used again, and radio goes on as it is
         int sampleRate = 0;
         std::shared_ptr<PlayerNode> node; ///< none: rest and close the file
+        std::stop_token stop = {};        ///< the streamer's own: something else is wanted
     };
 
     /// The first sound of a request is in the node, or the request failed.
     struct Report {
         std::uint32_t generation = 0;
         PlaybackFormat format;
-        double duration = 0; ///< seconds; 0 when unknown
-        std::optional<AudioCoreError> error;
+        double duration = 0;                            ///< seconds; 0 when unknown
+        std::shared_ptr<const DownloadBuffer> download; ///< none for local files
+        std::optional<PlaybackError> error;
     };
 
     /// Reports arrive through the event loop of the thread that makes the streamer.
     explicit TrackStreamer(std::function<void(const Report &)> onReport);
-    /// Waits for the decoder to finish its present step.
+    /// Waits for the decoder to finish its present step; not for a server.
     ~TrackStreamer() override;
 
     void play(Request request);
@@ -56,10 +59,11 @@ class TrackStreamer : public QObject {
     [[nodiscard]] bool takeRequest(Wait wait);
     [[nodiscard]] Wait work();
     void begin();
+    void open();
     [[nodiscard]] Wait fill();
     void report(Report report);
     void reportBegin();
-    void reportFailure(const AudioCoreError &error);
+    void reportFailure(const PlaybackError &error);
     void deliverReports();
 
     const std::function<void(const Report &)> m_onReport;
@@ -67,6 +71,7 @@ class TrackStreamer : public QObject {
     std::condition_variable m_requested;
     std::optional<Request> m_pending VANTOR_GUARDED_BY(m_mutex);
     std::vector<Report> m_reports VANTOR_GUARDED_BY(m_mutex);
+    std::stop_source m_stop VANTOR_GUARDED_BY(m_mutex); ///< of the newest request
     bool m_quitting VANTOR_GUARDED_BY(m_mutex) = false;
 
     // Decode thread's.
@@ -75,8 +80,10 @@ class TrackStreamer : public QObject {
     bool m_isReported = false;
     bool m_hasBegun = false;
     bool m_atEnd = false;
+    std::shared_ptr<AudioInput> m_input; ///< stays when the decoder goes, so that no download starts again
+    std::shared_ptr<const DownloadBuffer> m_download;
+    QUrl m_inputUrl;
     std::unique_ptr<AudioFileDecoder> m_decoder;
-    QString m_decoderPath;
     int m_decoderRate = 0;
     std::span<const StereoFrame> m_block; ///< decoded and not yet in the node
 

@@ -2,6 +2,7 @@
 
 #include "AudioCore/AudioCoreError.h"
 #include "AudioCore/Decoding/FileInput.h"
+#include "AudioCore/Decoding/MediaContainer.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -57,7 +58,7 @@ void readTags(const QString &path, FileMetadata &metadata) {
 /// Fills in what `metadata` lacks. False when there is no sound that could be decoded. Throws
 /// AudioCoreError::openFailure for what the decoder's library does not know.
 bool readStreams(const QString &path, FileMetadata &metadata) {
-    const FileInput file(path);
+    const MediaContainer file(std::make_shared<FileInput>(path));
     AVFormatContext *const input = &file.format();
     const int index = av_find_best_stream(input, AVMEDIA_TYPE_AUDIO, -1, -1, nullptr, 0);
     if (index < 0)

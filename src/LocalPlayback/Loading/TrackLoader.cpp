@@ -1,6 +1,7 @@
 #include "LocalPlayback/Loading/TrackLoader.h"
 
 #include "AudioCore/AudioCoreError.h"
+#include "LocalPlayback/Loading/AddressLoader.h"
 #include "LocalPlayback/Playlists/PlaylistFile.h"
 
 #include <QDirIterator>
@@ -20,11 +21,13 @@ bool hasOwnTitle(const Track &track, const QUrl &url) {
 
 class Loader {
   public:
-    Loader(const std::atomic_bool &cancelled, const std::function<void(Batch)> &deliver)
-        : m_cancelled(cancelled), m_deliver(deliver) {}
+    Loader(std::stop_token stop, const std::function<void(Batch)> &deliver)
+        : m_stop(std::move(stop)), m_deliver(deliver) {}
 
     void takeAny(const QUrl &url) {
-        if (QFileInfo(url.toLocalFile()).isDir())
+        if (AddressLoader::isAddress(url))
+            takeAddress({url, {}}, true);
+        else if (QFileInfo(url.toLocalFile()).isDir())
             takeFolder(url.toLocalFile());
         else if (PlaylistFile::isPlaylist(url))
             takePlaylist(url);
@@ -39,7 +42,7 @@ class Loader {
     }
 
   private:
-    [[nodiscard]] bool isCancelled() const { return m_cancelled.load(std::memory_order_relaxed); }
+    [[nodiscard]] bool isCancelled() const { return m_stop.stop_requested(); }
 
     void takeFile(const QUrl &url, const QString &listedTitle) {
         if (isCancelled())
@@ -52,6 +55,29 @@ class Loader {
         } catch (const AudioCoreError &error) {
             m_batch.skipped.push_back({url, error.description()});
         }
+        deliverInTime();
+    }
+
+    void takeAddress(const PlaylistEntry &address, bool asks) {
+        if (isCancelled())
+            return;
+        const PlaylistFile::Contents contents = AddressLoader::load(address, asks, m_stop);
+        for (const PlaylistEntry &entry : contents.entries) {
+            Track track;
+            track.id = QUuid::createUuid();
+            track.title = entry.title.isEmpty() ? AddressLoader::titleOf(entry.url) : entry.title;
+            track.source = entry.url;
+            m_batch.tracks.push_back(std::move(track));
+        }
+        take(contents.skipped);
+        deliverInTime();
+    }
+
+    void take(const std::vector<SkippedFile> &skipped) {
+        m_batch.skipped.insert(m_batch.skipped.end(), skipped.begin(), skipped.end());
+    }
+
+    void deliverInTime() {
         if (!m_sinceDelivery.isValid() || m_sinceDelivery.elapsed() >= batchInterval)
             deliver();
     }
@@ -69,12 +95,16 @@ class Loader {
 
     void takePlaylist(const QUrl &list) {
         PlaylistFile::Contents contents = PlaylistFile::read(list);
-        for (const PlaylistEntry &entry : contents.entries)
-            takeFile(entry.url, entry.title);
-        m_batch.skipped.insert(m_batch.skipped.end(), contents.skipped.begin(), contents.skipped.end());
+        for (const PlaylistEntry &entry : contents.entries) {
+            if (AddressLoader::isAddress(entry.url))
+                takeAddress(entry, false);
+            else
+                takeFile(entry.url, entry.title);
+        }
+        take(contents.skipped);
     }
 
-    const std::atomic_bool &m_cancelled;
+    const std::stop_token m_stop;
     const std::function<void(Batch)> &m_deliver;
     Batch m_batch;
     QElapsedTimer m_sinceDelivery;
@@ -94,9 +124,8 @@ const QStringList &audioPatterns() {
     return value;
 }
 
-void load(const QList<QUrl> &urls, const std::atomic_bool &cancelled,
-          const std::function<void(Batch)> &deliver) {
-    Loader loader(cancelled, deliver);
+void load(const QList<QUrl> &urls, const std::stop_token &stop, const std::function<void(Batch)> &deliver) {
+    Loader loader(stop, deliver);
     for (const QUrl &url : urls)
         loader.takeAny(url);
     loader.deliver();

@@ -35,16 +35,21 @@ QString help() {
                "                     (without a display: vantor.png)\n"
                "  --version          print the version\n"
                "  --help             print this\n\n"
-               "Files are audio files, folders, playlists and .wsz skins. Audio replaces the queue and is "
-               "played.\n"
+               "Files are audio files, folders, playlists, web addresses and .wsz skins. Audio replaces the "
+               "queue and is played.\n"
                "A player that runs already on this display takes over what is asked for. Without audio the "
                "last queue comes back; the first time, and in\n"
                "a run of N seconds, the demo track plays. Without a display the program plays all the\n"
                "same, prints what happens and exits.");
 }
 
+bool isAddress(const QString &argument) {
+    return argument.startsWith(QLatin1String("http://"), Qt::CaseInsensitive) ||
+           argument.startsWith(QLatin1String("https://"), Qt::CaseInsensitive);
+}
+
 QUrl urlOf(const QString &argument) {
-    if (argument.startsWith(QLatin1String("file:")))
+    if (argument.startsWith(QLatin1String("file:")) || isAddress(argument))
         return QUrl(argument);
     return QUrl::fromLocalFile(QDir::cleanPath(QFileInfo(argument).absoluteFilePath()));
 }
@@ -84,7 +89,7 @@ std::variant<LaunchOptions, LaunchOptions::Message> LaunchOptions::parse(const Q
     for (qsizetype i = 0; i < arguments.size(); ++i) {
         const QString &argument = arguments[i];
         if (optionsEnded || !argument.startsWith(QLatin1Char('-')) || argument == QLatin1String("-")) {
-            if (argument.endsWith(QLatin1String(".wsz"), Qt::CaseInsensitive))
+            if (!isAddress(argument) && argument.endsWith(QLatin1String(".wsz"), Qt::CaseInsensitive))
                 skinAmongFiles = urlOf(argument);
             else
                 options.files.append(urlOf(argument));

@@ -53,6 +53,10 @@ PlayerModel::PlayerModel(Player &player, QSettings &settings, QObject *parent)
         updateTitle();
         Q_EMIT sceneChanged();
     });
+    connect(&player, &Player::downloadChanged, this, [this] {
+        updateTitle();
+        Q_EMIT sceneChanged();
+    });
     for (const auto signal : {&Player::stateChanged, &Player::currentTimeChanged, &Player::formatChanged,
                               &Player::volumeChanged, &Player::balanceChanged})
         connect(&player, signal, this, &PlayerModel::sceneChanged);
@@ -85,7 +89,7 @@ MainWindowScene PlayerModel::scene() const {
     scene.status.elapsed = m_player.currentTime();
     scene.status.duration = duration;
     if (track) {
-        scene.status.bitrateKbps = track->bitrate;
+        scene.status.bitrateKbps = track->bitrate ? track->bitrate : m_player.streamBitrate();
         scene.status.sampleRate = track->sampleRate;
         scene.status.channels = track->channels;
     }
@@ -259,7 +263,12 @@ void PlayerModel::updateTitle() {
         return;
     }
     const int number = m_player.queue().currentIndex().value_or(0) + 1;
-    m_marquee.setTitle(MarqueeText::track(track->artist, track->title, track->duration, number));
+    if (m_player.isBuffering())
+        m_marquee.setTitle(MarqueeText::buffering());
+    else if (const std::optional<QString> title = m_player.streamTitle())
+        m_marquee.setTitle(MarqueeText::track({}, *title, 0, number));
+    else
+        m_marquee.setTitle(MarqueeText::track(track->artist, track->title, track->duration, number));
 }
 
 void PlayerModel::notify(const StatusNotice &notice) {

@@ -10,10 +10,8 @@ namespace vantor {
 
 namespace {
 
-void run(QPromise<TrackLoader::Batch> &promise, const QList<QUrl> &urls,
-         const std::shared_ptr<std::atomic_bool> &cancelled) {
-    TrackLoader::load(urls, *cancelled,
-                      [&](TrackLoader::Batch batch) { promise.addResult(std::move(batch)); });
+void run(QPromise<TrackLoader::Batch> &promise, const QList<QUrl> &urls, const std::stop_token &stop) {
+    TrackLoader::load(urls, stop, [&](TrackLoader::Batch batch) { promise.addResult(std::move(batch)); });
 }
 
 } // namespace
@@ -23,12 +21,12 @@ TrackImporter::TrackImporter(QObject *parent) : QObject(parent) {
 }
 
 TrackImporter::~TrackImporter() {
-    m_cancelled->store(true);
+    m_stop.request_stop();
 }
 
 void TrackImporter::cancel() {
-    m_cancelled->store(true);
-    m_cancelled = std::make_shared<std::atomic_bool>(false);
+    m_stop.request_stop();
+    m_stop = std::stop_source();
 }
 
 quint64 TrackImporter::import(const QList<QUrl> &urls) {
@@ -51,7 +49,7 @@ quint64 TrackImporter::import(const QList<QUrl> &urls) {
         watcher->deleteLater();
         Q_EMIT finished(number, totals->added, totals->skipped);
     });
-    watcher->setFuture(QtConcurrent::run(&m_pool, run, urls, m_cancelled));
+    watcher->setFuture(QtConcurrent::run(&m_pool, run, urls, m_stop.get_token()));
     return number;
 }
 

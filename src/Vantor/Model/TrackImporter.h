@@ -8,12 +8,13 @@
 #include <QThreadPool>
 #include <QUrl>
 
+#include <stop_token>
 #include <vector>
 
 namespace vantor {
 
-/// Turns files, folders and playlists into tracks on a worker thread (see TrackLoader). Main thread; imports
-/// run one after another in the order in which they were asked for.
+/// Turns files, folders, playlists and web addresses into tracks on a worker thread (see TrackLoader). Main
+/// thread; imports run one after another in the order in which they were asked for.
 class TrackImporter : public QObject {
     Q_OBJECT
 
@@ -34,7 +35,7 @@ class TrackImporter : public QObject {
   private:
     QThreadPool m_pool;
     quint64 m_last = 0;
-    std::shared_ptr<std::atomic_bool> m_cancelled = std::make_shared<std::atomic_bool>(false);
+    std::stop_source m_stop; ///< of the imports under way and waiting
 };
 
 } // namespace vantor

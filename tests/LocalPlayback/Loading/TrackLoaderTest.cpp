@@ -2,6 +2,7 @@
 
 #include "tests/LocalPlayback/FolderFixture.h"
 #include "tests/Support/AudioFileBuilder.h"
+#include "tests/Support/HttpTestServer.h"
 
 using namespace vantor;
 
@@ -12,7 +13,7 @@ class TrackLoaderTest : public test::FolderFixture {
     /// Titles of the tracks, and names and reasons of the others.
     [[nodiscard]] static QStringList load(const QUrl &url) {
         QStringList texts;
-        TrackLoader::load({url}, false, [&](const TrackLoader::Batch &batch) {
+        TrackLoader::load({url}, {}, [&](const TrackLoader::Batch &batch) {
             for (const Track &track : batch.tracks)
                 texts << track.title;
             for (const SkippedFile &file : batch.skipped)
@@ -42,11 +43,50 @@ TEST_F(TrackLoaderTest, AFolderGivesItsAudioAndAListWhatItNames) {
               QStringList(10'000, u"gone.mp3: This audio file could not be read."_qs));
 
     // The first track comes at once, and nothing after cancelling.
-    std::atomic_bool cancelled = false;
+    std::stop_source stop;
     std::vector<size_t> deliveries;
-    TrackLoader::load({list}, cancelled, [&](const TrackLoader::Batch &batch) {
+    TrackLoader::load({list}, stop.get_token(), [&](const TrackLoader::Batch &batch) {
         deliveries.push_back(batch.tracks.size());
-        cancelled = true;
+        stop.request_stop();
     });
     EXPECT_EQ(deliveries, std::vector<size_t>{1});
+}
+
+TEST_F(TrackLoaderTest, AddressesBecomeTracksAndListsThereWhatTheyName) {
+    const auto answer = [](const char *type, const QByteArray &body) {
+        return QByteArray("HTTP/1.1 200 OK\r\nContent-Type: ") + type +
+               "\r\nContent-Length: " + QByteArray::number(body.size()) + "\r\n\r\n" + body;
+    };
+    const HttpTestServer server([&](const HttpTestServer::Request &request,
+                                    HttpTestServer::Connection &connection) {
+        const std::map<QByteArray, QByteArray> answers{
+            {"/radio", "ICY 200 OK\r\nicy-name: The Station\r\n\r\nsound"},
+            {"/listen",
+             answer("audio/x-scpls", "[playlist]\nFile1=http://h/a\nTitle1=One\nFile2=/b/two.mp3\n")},
+            {"/dir/a.m3u", answer("text/plain", "#EXTINF:-1,Named\nc%20d.mp3\nfile:///etc/passwd\nb.m3u\n")},
+            {"/dir/b.m3u", answer("text/plain", "http://other.host/\na.m3u\n")},
+            {"/hls.m3u8", answer("audio/mpegurl", "#EXTM3U\n#EXT-X-TARGETDURATION:5\n#EXTINF:5,\na.ts\n")},
+            {"/big.pls", answer("audio/x-scpls", QByteArray(2 << 20, 'x'))},
+        };
+        const auto found = answers.find(request.path);
+        connection.send(found == answers.end() ? "HTTP/1.1 404 No\r\n\r\n" : found->second);
+    });
+    const QString skipped = u": This audio file could not be read."_qs;
+    const std::pair<const char *, QStringList> rows[] = {
+        {"/radio", {u"The Station"_qs}},
+        {"/listen", {u"One"_qs, u"two"_qs}},
+        {"/dir/a.m3u",
+         {u"Named"_qs, u"a.m3u: This playlist contains itself."_qs, u"other.host"_qs,
+          u"passwd: This kind of address is not supported."_qs}},
+        {"/hls.m3u8", {u"hls.m3u8: This audio file's format is not supported."_qs}},
+        {"/big.pls", {u"big.pls: This playlist file is too large."_qs}},
+        {"/gone", {u"gone"_qs + skipped}},
+        {"/gone%20song.mp3", {u"gone song"_qs}},
+    };
+    for (const auto &[path, expected] : rows)
+        EXPECT_EQ(load(server.url(path)), expected) << path;
+    const QByteArray host = server.url("").toEncoded();
+    EXPECT_EQ(load(write(u"list.m3u"_qs, "#EXTINF:-1,Named\n" + host + "/radio\n" + host + "/listen\n")),
+              (QStringList{u"Named"_qs, u"listen"_qs}))
+        << "the many addresses of a list are not all asked";
 }

@@ -48,8 +48,7 @@ void MprisService::connectToBus() {
     m_pool.start([this] {
         const QDBusConnection bus =
             QDBusConnection::connectToBus(QDBusConnection::SessionBus, connectionName);
-        QMetaObject::invokeMethod(
-            this, [this, bus] { takeConnection(bus); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(this, [this, bus] { takeConnection(bus); }, Qt::QueuedConnection);
     });
 }
 

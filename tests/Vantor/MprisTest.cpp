@@ -7,8 +7,10 @@
 #include <QDBusPendingCall>
 #include <QDir>
 #include <QFileInfo>
-#include <QProcess>
 #include <QStandardPaths>
+
+#include <signal.h>
+#include <sys/wait.h>
 
 using namespace vantor;
 
@@ -42,20 +44,20 @@ class MprisTest : public PlayerFixture {
     static void SetUpTestSuite() {
         if (QStandardPaths::findExecutable(QStringLiteral("dbus-daemon")).isEmpty())
             return;
-        s_daemon.setProcessChannelMode(QProcess::SeparateChannels);
-        s_daemon.start(QStringLiteral("dbus-daemon"),
-                       {QStringLiteral("--session"), QStringLiteral("--nofork"),
-                        QStringLiteral("--nopidfile"), QStringLiteral("--print-address=1")});
-        ASSERT_TRUE(s_daemon.waitForReadyRead(10'000));
-        qputenv("DBUS_SESSION_BUS_ADDRESS", s_daemon.readAllStandardOutput().trimmed());
+        const std::string address = "unix:path=" + s_busFolder.path("bus").toStdString();
+        s_daemon = spawn({"dbus-daemon", "--session", "--nofork", "--nopidfile", "--address=" + address});
+        qputenv("DBUS_SESSION_BUS_ADDRESS", QByteArray::fromStdString(address));
+        EXPECT_TRUE(waitFor([] { return QFile::exists(s_busFolder.path("bus")); }));
     }
     static void TearDownTestSuite() {
-        s_daemon.kill();
-        s_daemon.waitForFinished();
+        if (s_daemon == 0)
+            return;
+        kill(s_daemon, SIGKILL);
+        waitpid(s_daemon, nullptr, 0);
     }
 
     void SetUp() override {
-        if (s_daemon.state() != QProcess::Running)
+        if (s_daemon == 0)
             GTEST_SKIP() << "NOT TESTED: dbus-daemon is not installed";
         qputenv("XDG_CACHE_HOME", QFile::encodeName(m_folder.path()));
         m_bridge.install();
@@ -108,7 +110,8 @@ class MprisTest : public PlayerFixture {
         m_listener.changes.clear();
     }
 
-    inline static QProcess s_daemon;
+    inline static const TestFolder s_busFolder;
+    inline static pid_t s_daemon = 0;
     QDBusConnection m_client =
         QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("client"));
     Listener m_listener;

@@ -71,7 +71,8 @@ PlaylistModel::PlaylistModel(PlayerModel &model, QSettings &settings, QObject *p
         Q_EMIT changed();
     });
     takeQueue();
-    reveal(model.player().queue().currentIndex().value_or(0));
+    // What was played last, with what is around it.
+    scrollTo(model.player().queue().currentIndex().value_or(0) - Layout::visibleRows(m_size) / 2);
 }
 
 PlaylistModel::~PlaylistModel() {

@@ -324,7 +324,9 @@ void PlaylistModel::removeMissing() {
         PlaylistSelection gone;
         gone.ids = missing;
         removeRows(gone.indices(tracks()));
-        m_model.showNotice(tr("Removed %n missing file(s)", nullptr, static_cast<int>(missing.size())));
+        m_model.showNotice(missing.isEmpty()     ? tr("No file is missing")
+                           : missing.size() == 1 ? tr("Removed 1 missing file")
+                                                 : tr("Removed %1 missing files").arg(missing.size()));
     });
 }
 
@@ -341,7 +343,9 @@ void PlaylistModel::removeDuplicates() {
         seen.insert(source);
     }
     removeRows(duplicates);
-    m_model.showNotice(tr("Removed %n duplicate(s)", nullptr, static_cast<int>(duplicates.size())));
+    m_model.showNotice(duplicates.empty()       ? tr("There are no duplicates")
+                       : duplicates.size() == 1 ? tr("Removed 1 duplicate")
+                                                : tr("Removed %1 duplicates").arg(duplicates.size()));
 }
 
 int PlaylistModel::moveSelected(int by) {

@@ -47,12 +47,12 @@ class PlaylistWindow : public SkinnedWindow {
   private:
     /// What the pointer holds, as far as it goes beyond a button.
     struct Held {
-        QPoint at;                         ///< where the press was
-        QPoint pointer;                    ///< where the pointer was last
-        QSize size;                        ///< of the window then
-        int handleGrip = 0;                ///< from the scroll handle's upper edge to the pointer
+        QPoint at;                           ///< where the press was
+        QPoint pointer;                      ///< where the pointer was last
+        QSize size;                          ///< of the window then
+        int handleGrip = 0;                  ///< from the scroll handle's upper edge to the pointer
         std::optional<int> row{};            ///< the one that is dragged
-        bool moved = false;                ///< the pointer has left the button that opened a pop-up
+        bool moved = false;                  ///< the pointer has left the button that opened a pop-up
         std::optional<int> selectsOnLetGo{}; ///< the row that a press on a selected one selects alone
     };
 

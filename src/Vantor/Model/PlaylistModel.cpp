@@ -71,7 +71,8 @@ PlaylistModel::PlaylistModel(PlayerModel &model, QSettings &settings, QObject *p
         Q_EMIT changed();
     });
     takeQueue();
-    reveal(model.player().queue().currentIndex().value_or(0));
+    // What was played last, with what is around it.
+    scrollTo(model.player().queue().currentIndex().value_or(0) - Layout::visibleRows(m_size) / 2);
 }
 
 PlaylistModel::~PlaylistModel() {
@@ -323,7 +324,9 @@ void PlaylistModel::removeMissing() {
         PlaylistSelection gone;
         gone.ids = missing;
         removeRows(gone.indices(tracks()));
-        m_model.showNotice(tr("Removed %n missing file(s)", nullptr, static_cast<int>(missing.size())));
+        m_model.showNotice(missing.isEmpty()     ? tr("No file is missing")
+                           : missing.size() == 1 ? tr("Removed 1 missing file")
+                                                 : tr("Removed %1 missing files").arg(missing.size()));
     });
 }
 
@@ -340,7 +343,9 @@ void PlaylistModel::removeDuplicates() {
         seen.insert(source);
     }
     removeRows(duplicates);
-    m_model.showNotice(tr("Removed %n duplicate(s)", nullptr, static_cast<int>(duplicates.size())));
+    m_model.showNotice(duplicates.empty()       ? tr("There are no duplicates")
+                       : duplicates.size() == 1 ? tr("Removed 1 duplicate")
+                                                : tr("Removed %1 duplicates").arg(duplicates.size()));
 }
 
 int PlaylistModel::moveSelected(int by) {

@@ -24,6 +24,13 @@ List listControl(SkinnedWindow::Control control) {
     return static_cast<List>(control);
 }
 
+/// Small sheets end above the pop-ups; a click then opens the menu of text.
+bool hasSprites(const Skin &skin, PlaylistMenu menu) {
+    return std::ranges::none_of(PlaylistMenus::entries(menu), [&](PlaylistMenuEntry entry) {
+        return skin.image(PlaylistMenus::entrySprite(entry, false)).isNull();
+    });
+}
+
 } // namespace
 
 SkinnedWindow::Control PlaylistWindow::controlAt(QPoint at) const {
@@ -75,7 +82,7 @@ bool PlaylistWindow::grab(Control control, QPoint at, Qt::KeyboardModifiers modi
     } else if (held == List::scrollUp || held == List::scrollDown) {
         m_playlist.scrollTo(m_playlist.firstRow() + (held == List::scrollUp ? -1 : 1));
         m_repeat.start(firstRepeat);
-    } else if (const auto menu = PlaylistMenus::of(held)) {
+    } else if (const auto menu = PlaylistMenus::of(held); menu && hasSprites(model().skin(), *menu)) {
         m_menu = menu;
         m_menuEntry = PlaylistMenus::entryAt(*menu, at, m_playlist.size());
     }

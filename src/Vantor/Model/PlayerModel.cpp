@@ -69,6 +69,9 @@ PlayerModel::PlayerModel(Player &player, QSettings &settings, QObject *parent)
                               &Player::volumeChanged, &Player::balanceChanged})
         connect(&player, signal, this, &PlayerModel::sceneChanged);
 
+    connect(&player, &Player::outputDevicesChanged, this,
+            [this] { store("outputDevice", m_player.chosenOutputDevice().value_or(QString())); });
+
     connect(&m_skinLoader, &SkinLoader::loaded, this, &PlayerModel::setSkin);
     connect(&m_skinLoader, &SkinLoader::refused, this, [this](const QUrl &url, const QString &message) {
         const QString name = url.fileName();
@@ -419,6 +422,8 @@ void PlayerModel::restoreSettings() {
     m_player.setShuffled(m_settings.value(QStringLiteral("shuffle")).toBool());
     m_player.setRepeatMode(m_settings.value(QStringLiteral("repeat")).toBool() ? RepeatMode::all
                                                                                : RepeatMode::off);
+    if (const QString device = m_settings.value(QStringLiteral("outputDevice")).toString(); !device.isEmpty())
+        m_player.chooseOutputDevice(device);
     m_shaded = m_settings.value(QStringLiteral("shaded")).toBool();
     m_doubleSize = m_settings.value(QStringLiteral("doubleSize")).toBool();
     m_alwaysOnTop = m_settings.value(QStringLiteral("alwaysOnTop")).toBool();

@@ -5,7 +5,6 @@
 #include <QCoreApplication>
 #include <QFile>
 #include <QLocalServer>
-#include <QProcess>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 
@@ -102,9 +101,11 @@ class PulseAudioOutputTest : public testing::Test {
     }
     // pactl with these arguments.
     static bool run(const char *arguments) {
-        QProcess process;
-        process.start(QStringLiteral("pactl"), QString::fromLatin1(arguments).split(u' '));
-        return process.waitForFinished() && process.exitCode() == 0;
+        std::vector<std::string> words{"pactl"};
+        for (const QString &word : QString::fromLatin1(arguments).split(u' '))
+            words.push_back(word.toStdString());
+        int status = -1;
+        return waitpid(spawn(words), &status, 0) > 0 && status == 0;
     }
 
     void record() {

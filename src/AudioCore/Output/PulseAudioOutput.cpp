@@ -69,9 +69,11 @@ bool PulseAudioOutput::connectStream() {
     pa_stream_set_moved_callback(m_stream, Callbacks::streamMoved, this);
     pa_stream_set_write_callback(m_stream, Callbacks::wantsSound, this);
 
+    m_targetBytes = pa_usec_to_bytes(targetLatency, &spec);
+    m_silentBytes = 0;
     constexpr std::uint32_t serverChooses = static_cast<std::uint32_t>(-1);
     const pa_buffer_attr buffer{.maxlength = serverChooses,
-                                .tlength = static_cast<std::uint32_t>(pa_usec_to_bytes(targetLatency, &spec)),
+                                .tlength = static_cast<std::uint32_t>(m_targetBytes),
                                 .prebuf = serverChooses,
                                 .minreq = serverChooses,
                                 .fragsize = serverChooses};
@@ -164,8 +166,14 @@ void PulseAudioOutput::fillBuffer(std::size_t bytes) {
         if (pa_stream_begin_write(m_stream, &data, &size) < 0 || size < frameBytes)
             return;
         size = std::min(size, bytes) / frameBytes * frameBytes;
-        m_render(static_cast<float *>(data), static_cast<int>(size / frameBytes));
-        pa_stream_write(m_stream, data, size, nullptr, 0, PA_SEEK_RELATIVE);
+        float *const samples = static_cast<float *>(data);
+        m_render(samples, static_cast<int>(size / frameBytes));
+        // Silence that waits to be played would only delay the first sound, which takes its place.
+        const bool isFirstSound = endsLongSilence({samples, size / sizeof(float)});
+        if (isFirstSound)
+            bytes += m_targetBytes;
+        pa_stream_write(m_stream, data, size, nullptr, 0,
+                        isFirstSound ? PA_SEEK_RELATIVE_ON_READ : PA_SEEK_RELATIVE);
         bytes -= size;
     }
     pa_usec_t latency = 0;
@@ -173,6 +181,16 @@ void PulseAudioOutput::fillBuffer(std::size_t bytes) {
     if (pa_stream_get_latency(m_stream, &latency, &isNegative) == 0 && !isNegative)
         m_heardAt.store(monotonicNanoseconds() + static_cast<std::int64_t>(latency) * 1000,
                         std::memory_order_relaxed);
+}
+
+// Whether there is sound in the samples, and none in what was rendered before and is not played yet.
+bool PulseAudioOutput::endsLongSilence(std::span<const float> samples) {
+    const auto isSound = [](float sample) { return sample != 0; };
+    if (std::ranges::none_of(samples, isSound)) {
+        m_silentBytes += samples.size_bytes();
+        return false;
+    }
+    return std::exchange(m_silentBytes, 0) >= m_targetBytes;
 }
 
 double PulseAudioOutput::latency() const {

@@ -7,6 +7,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <span>
 
 struct pa_operation;
 struct pa_stream;
@@ -41,6 +42,7 @@ class PulseAudioOutput final : public AudioOutput {
     void stopWaiting();
     void cork(bool corked);
     void fillBuffer(std::size_t bytes);
+    [[nodiscard]] bool endsLongSilence(std::span<const float> samples);
     void reportDevice();
     void reportLoss();
     void post(std::function<void()> call);
@@ -57,6 +59,8 @@ class PulseAudioOutput final : public AudioOutput {
     bool m_isReady = false;
     bool m_isSuspended = true;
     QString m_lossReason;
+    std::size_t m_targetBytes = 0; ///< kept rendered ahead of what is heard
+    std::size_t m_silentBytes = 0; ///< rendered since the last sound
 
     // Main thread's.
     Reports m_reports;

@@ -72,8 +72,7 @@ class PlayerNetworkTest : public testing::Test, protected TestFolder {
 
     TestOutput::Shared m_output;
     QStringList m_failures;
-    Player m_player{std::make_unique<FileTrackResolver>(),
-                    [this] { return std::make_unique<TestOutput>(m_output); }};
+    Player m_player{std::make_unique<FileTrackResolver>(), std::make_unique<TestOutputDevices>(m_output)};
 };
 
 } // namespace

@@ -201,11 +201,11 @@ void Player::clearQueue() {
     d->editQueue([](PlayQueue &queue) { queue.removeAll(); });
 }
 
-void Player::restoreQueue(const std::vector<Track> &tracks, std::optional<int> currentIndex,
-                          RepeatMode repeatMode, bool isShuffled) {
+void Player::restoreQueue(std::vector<Track> tracks, std::optional<int> currentIndex, RepeatMode repeatMode,
+                          bool isShuffled) {
     d->stop();
     d->editQueue([&](PlayQueue &queue) {
-        queue = PlayQueue(tracks);
+        queue = PlayQueue(std::move(tracks));
         queue.setRepeatMode(repeatMode);
         if (currentIndex)
             queue.select(*currentIndex);

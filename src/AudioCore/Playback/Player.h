@@ -89,8 +89,8 @@ class Player : public QObject, public NowPlayingCommandTarget {
     void randomizeQueue();
     void clearQueue();
     /// Installs a queue without starting it.
-    void restoreQueue(const std::vector<Track> &tracks, std::optional<int> currentIndex,
-                      RepeatMode repeatMode, bool isShuffled);
+    void restoreQueue(std::vector<Track> tracks, std::optional<int> currentIndex, RepeatMode repeatMode,
+                      bool isShuffled);
 
     void setVolume(float volume);
     void setBalance(float balance);

@@ -1,7 +1,12 @@
 #include "AudioCore/Queue/PlayQueue.h"
 
+#include "AudioCore/Queue/TextOrder.h"
+
+#include <future>
 #include <numeric>
 #include <random>
+#include <span>
+#include <thread>
 
 namespace vantor {
 
@@ -19,19 +24,91 @@ std::vector<int> randomPermutation(int count, QRandomGenerator &generator) {
     return indices;
 }
 
-void insertAtRandom(std::vector<int> &pass, int index, int first) {
-    const int last = static_cast<int>(pass.size());
-    std::uniform_int_distribution<int> places(std::min(first, last), last);
-    pass.insert(pass.begin() + places(*QRandomGenerator::global()), index);
+/// Adds entries to a pass as if one after the other were inserted at a random place, `first` or later: every
+/// order of theirs and every way to mix them with the rest is then equally likely, which is drawn here
+/// without moving the rest once for each.
+void insertAtRandom(std::vector<int> &pass, size_t first, std::vector<int> added) {
+    QRandomGenerator &generator = *QRandomGenerator::global();
+    std::shuffle(added.begin(), added.end(), generator);
+    const size_t present = pass.size();
+    pass.resize(present + added.size());
+    // As many different places as there are entries, each set of them as likely as any other (Floyd's way).
+    std::vector<bool> isAdded(pass.size());
+    for (size_t last = present; last < pass.size(); ++last) {
+        const size_t place = std::uniform_int_distribution(std::min(first, present), last)(generator);
+        isAdded[isAdded[place] ? last : place] = true;
+    }
+    auto old = pass.begin() + static_cast<std::ptrdiff_t>(present);
+    for (size_t place = pass.size(); !added.empty(); --place) {
+        if (isAdded[place - 1]) {
+            pass[place - 1] = added.back();
+            added.pop_back();
+        } else {
+            pass[place - 1] = *--old;
+        }
+    }
 }
 
-/// In code points, because QString compares UTF-16 units, among which surrogates lie below the last of the
-/// basic plane. Library items have no path and come first.
-QList<uint> sortText(const Track &track, PlaylistSortKey key) {
+bool isPermutation(const std::vector<int> &order, int count) {
+    std::vector<bool> seen(static_cast<size_t>(count));
+    for (const int entry : order) {
+        if (entry < 0 || entry >= count || seen[static_cast<size_t>(entry)])
+            return false;
+        seen[static_cast<size_t>(entry)] = true;
+    }
+    return order.size() == seen.size();
+}
+
+/// Library items have no path and come first.
+QString sortText(const Track &track, PlaylistSortKey key) {
     const QUrl *file = std::get_if<QUrl>(&track.source);
     if (!file)
         return {};
-    return (key == PlaylistSortKey::fileName ? file->fileName() : file->toLocalFile()).toUcs4();
+    return key == PlaylistSortKey::fileName ? file->fileName() : file->toLocalFile();
+}
+
+// In several threads, because most of the time goes into waiting for the memory where the addresses are.
+TextOrder sortTexts(const std::vector<Track> &tracks, PlaylistSortKey key) {
+    constexpr size_t leastShare = 10'000; // what a thread is worth being made for
+    const size_t threads = std::clamp<size_t>(tracks.size() / leastShare, 1,
+                                              std::clamp(std::thread::hardware_concurrency(), 1U, 4U));
+    const auto textsOf = [key](std::span<const Track> share) {
+        TextOrder texts;
+        for (const Track &track : share)
+            texts.add(sortText(track, key));
+        return texts;
+    };
+    const std::span<const Track> all(tracks);
+    const size_t share = all.size() / threads;
+    std::vector<std::future<TextOrder>> others;
+    for (size_t thread = 1; thread < threads; ++thread) {
+        const auto its =
+            thread + 1 < threads ? all.subspan(thread * share, share) : all.subspan(thread * share);
+        others.push_back(std::async(std::launch::async, textsOf, its));
+    }
+    TextOrder texts = textsOf(threads > 1 ? all.first(share) : all);
+    for (std::future<TextOrder> &other : others)
+        texts.add(other.get());
+    return texts;
+}
+
+/// Puts the tracks into an order of their old indices without a second list: goes round every ring of tracks
+/// that take each other's places.
+void rearrange(std::vector<Track> &tracks, std::vector<int> order) {
+    for (size_t start = 0; start < order.size(); ++start) {
+        if (order[start] == static_cast<int>(start))
+            continue;
+        Track first = std::move(tracks[start]);
+        size_t place = start;
+        for (;;) {
+            const auto from = static_cast<size_t>(std::exchange(order[place], static_cast<int>(place)));
+            if (from == start)
+                break;
+            tracks[place] = std::move(tracks[from]);
+            place = from;
+        }
+        tracks[place] = std::move(first);
+    }
 }
 
 } // namespace
@@ -39,18 +116,21 @@ QList<uint> sortText(const Track &track, PlaylistSortKey key) {
 std::optional<Track> PlayQueue::current() const {
     if (!m_currentIndex)
         return std::nullopt;
-    return m_tracks[static_cast<size_t>(*m_currentIndex)];
+    return (*m_tracks)[static_cast<size_t>(*m_currentIndex)];
 }
 
 void PlayQueue::append(const std::vector<Track> &tracks) {
-    const int firstNew = count();
-    m_tracks.insert(m_tracks.end(), tracks.begin(), tracks.end());
+    std::vector<int> added = ascending(static_cast<int>(tracks.size()));
+    for (int &index : added)
+        index += count();
+    if (!tracks.empty()) {
+        std::vector<Track> &list = m_tracks.edit();
+        list.insert(list.end(), tracks.begin(), tracks.end());
+    }
     if (!m_isShuffled)
         return;
-    for (int index = firstNew; index < count(); ++index) {
-        insertAtRandom(m_shuffleOrder, index, m_shufflePosition + 1);
-        insertAtRandom(m_nextPass, index, 0);
-    }
+    insertAtRandom(m_shuffleOrder, static_cast<size_t>(m_shufflePosition + 1), added);
+    insertAtRandom(m_nextPass, 0, std::move(added));
 }
 
 void PlayQueue::remove(int index) {
@@ -59,19 +139,23 @@ void PlayQueue::remove(int index) {
 
 // In one go: row by row, clearing half of a long list would take quadratic time.
 void PlayQueue::remove(const IndexSet &indices) {
-    std::vector<int> newIndices(m_tracks.size(), -1); // by old index; -1: removed
+    std::vector<Track> &tracks = m_tracks.edit();
+    std::vector<int> newIndices(tracks.size(), -1); // by old index; -1: removed
     std::vector<Track> kept;
-    kept.reserve(m_tracks.size());
+    kept.reserve(tracks.size());
+    auto removed = indices.lower_bound(0);
     int keptBeforeCurrent = 0;
     for (int old = 0; old < count(); ++old) {
         if (old == m_currentIndex)
             keptBeforeCurrent = static_cast<int>(kept.size());
-        if (indices.contains(old))
+        if (removed != indices.end() && *removed == old) {
+            ++removed;
             continue;
+        }
         newIndices[static_cast<size_t>(old)] = static_cast<int>(kept.size());
-        kept.push_back(std::move(m_tracks[static_cast<size_t>(old)]));
+        kept.push_back(std::move(tracks[static_cast<size_t>(old)]));
     }
-    m_tracks = std::move(kept);
+    tracks = std::move(kept);
 
     const auto isRemoved = [&](int old) { return newIndices[static_cast<size_t>(old)] < 0; };
     const bool currentRemoved = m_currentIndex && isRemoved(*m_currentIndex);
@@ -85,7 +169,7 @@ void PlayQueue::remove(const IndexSet &indices) {
             entry = newIndices[static_cast<size_t>(entry)];
     }
 
-    if (m_tracks.empty()) {
+    if (tracks.empty()) {
         m_currentIndex.reset();
         m_shufflePosition = -1;
     } else if (m_currentIndex && !currentRemoved) {
@@ -112,7 +196,7 @@ void PlayQueue::move(const IndexSet &indices, int offset) {
     if (moved.empty())
         return;
     const int step = std::clamp(offset, -*moved.begin(), count() - 1 - *moved.rbegin());
-    std::vector<int> order(m_tracks.size(), -1);
+    std::vector<int> order(m_tracks->size(), -1);
     for (const int index : moved)
         order[static_cast<size_t>(index + step)] = index;
     int other = 0;
@@ -127,27 +211,14 @@ void PlayQueue::move(const IndexSet &indices, int offset) {
 }
 
 bool PlayQueue::reorder(const std::vector<int> &order) {
-    const std::vector<int> unchanged = ascending(count());
-    if (order == unchanged ||
-        !std::is_permutation(order.begin(), order.end(), unchanged.begin(), unchanged.end()))
+    if (std::ranges::is_sorted(order) || !isPermutation(order, count()))
         return false;
     applyPermutation(order);
     return true;
 }
 
 bool PlayQueue::sort(PlaylistSortKey key) {
-    std::vector<QList<uint>> texts;
-    texts.reserve(m_tracks.size());
-    for (const Track &track : m_tracks)
-        texts.push_back(sortText(track, key));
-    std::vector<int> order = ascending(count());
-    std::ranges::sort(order, [&](int left, int right) {
-        const QList<uint> &leftText = texts[static_cast<size_t>(left)];
-        const QList<uint> &rightText = texts[static_cast<size_t>(right)];
-        return leftText == rightText ? left < right
-                                     : std::ranges::lexicographical_compare(leftText, rightText);
-    });
-    return reorder(order);
+    return reorder(sortTexts(*m_tracks, key).sorted());
 }
 
 bool PlayQueue::reverse() {
@@ -161,7 +232,7 @@ bool PlayQueue::randomize(QRandomGenerator &generator) {
 }
 
 void PlayQueue::removeAll() {
-    m_tracks.clear();
+    m_tracks = {};
     m_currentIndex.reset();
     m_shuffleOrder.clear();
     m_shufflePosition = -1;
@@ -231,7 +302,7 @@ void PlayQueue::setShuffle(bool on, QRandomGenerator &generator) {
 }
 
 std::optional<PlayQueue::Target> PlayQueue::forwardTarget(bool wrap) const {
-    if (m_tracks.empty())
+    if (m_tracks->empty())
         return std::nullopt;
     if (m_isShuffled) {
         const int position = m_shufflePosition + 1;
@@ -275,13 +346,9 @@ void PlayQueue::commit(const Target &target) {
 
 void PlayQueue::applyPermutation(const std::vector<int> &order) {
     std::vector<int> newIndices(order.size());
-    std::vector<Track> tracks;
-    tracks.reserve(order.size());
-    for (const int old : order) {
-        newIndices[static_cast<size_t>(old)] = static_cast<int>(tracks.size());
-        tracks.push_back(std::move(m_tracks[static_cast<size_t>(old)]));
-    }
-    m_tracks = std::move(tracks);
+    for (size_t index = 0; index < order.size(); ++index)
+        newIndices[static_cast<size_t>(order[index])] = static_cast<int>(index);
+    rearrange(m_tracks.edit(), order);
     if (m_currentIndex)
         m_currentIndex = newIndices[static_cast<size_t>(*m_currentIndex)];
     for (std::vector<int> *pass : {&m_shuffleOrder, &m_nextPass}) {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "AudioCore/Queue/RepeatMode.h"
-#include "AudioCore/Queue/Track.h"
+#include "AudioCore/Queue/SharedTracks.h"
 
 #include <QRandomGenerator>
 #include <QString>
@@ -22,7 +22,8 @@ enum class PlaylistSortKey {
 };
 
 /// The ordered list of tracks with the current one, shuffle and repeat. Shuffle keeps a permutation for this
-/// pass and one already drawn for the next, so that stepping back retraces the way. A value; any thread.
+/// pass and one already drawn for the next, so that stepping back retraces the way. A value, cheap to copy;
+/// any thread.
 ///
 /// Invariants: when shuffled, shuffleOrder and nextPass are permutations of all indices, and the entry at a
 /// shufflePosition of 0 or more is currentIndex. Indices outside the queue are ignored by every operation.
@@ -31,8 +32,8 @@ class PlayQueue {
     PlayQueue() = default;
     explicit PlayQueue(std::vector<Track> tracks) : m_tracks(std::move(tracks)) {}
 
-    [[nodiscard]] const std::vector<Track> &tracks() const { return m_tracks; }
-    [[nodiscard]] int count() const { return static_cast<int>(m_tracks.size()); }
+    [[nodiscard]] const std::vector<Track> &tracks() const { return *m_tracks; }
+    [[nodiscard]] int count() const { return static_cast<int>(m_tracks->size()); }
     [[nodiscard]] std::optional<int> currentIndex() const { return m_currentIndex; }
     [[nodiscard]] RepeatMode repeatMode() const { return m_repeatMode; }
     [[nodiscard]] bool isShuffled() const { return m_isShuffled; }
@@ -85,7 +86,7 @@ class PlayQueue {
     void applyPermutation(const std::vector<int> &order);
     [[nodiscard]] bool wraps() const { return m_repeatMode == RepeatMode::all; }
 
-    std::vector<Track> m_tracks;
+    SharedTracks m_tracks;
     std::optional<int> m_currentIndex;
     RepeatMode m_repeatMode = RepeatMode::off;
     bool m_isShuffled = false;

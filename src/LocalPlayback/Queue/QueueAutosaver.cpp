@@ -18,7 +18,10 @@ struct QueueAutosaver::Writer {
     std::atomic_int saveCount = 0;
     std::atomic_bool failed = false;
 
-    void write(QueueSnapshot snapshot) {
+    /// Lets go of the tracks that the queue shares before it writes, so that the next edit need not copy
+    /// them.
+    void write(PlayQueue queue) {
+        QueueSnapshot snapshot = QueueSnapshot::fromQueue(std::exchange(queue, {}));
         if (snapshot == baseline)
             return;
         try {
@@ -62,9 +65,9 @@ void QueueAutosaver::scheduleSave() {
 
 void QueueAutosaver::beginSave() {
     m_pending.stop();
-    m_pool.start([writer = m_writer, snapshot = QueueSnapshot::fromQueue(m_output.queue())]() mutable {
-        writer->write(std::move(snapshot));
-    });
+    // The copy shares the tracks; what takes time is done there.
+    m_pool.start(
+        [writer = m_writer, queue = m_output.queue()]() mutable { writer->write(std::move(queue)); });
 }
 
 void QueueAutosaver::saveNow() {

@@ -3,10 +3,10 @@
 #include "AudioCore/NowPlaying/NowPlayingBridge.h"
 #include "AudioCore/Output/SystemOutputDeviceProvider.h"
 #include "AudioCore/Playback/Player.h"
-#include "LocalPlayback/Queue/QueueAutosaver.h"
 #include "Platform/AppPaths.h"
 #include "Vantor/App/CarryOut.h"
 #include "Vantor/App/LaunchOptions.h"
+#include "Vantor/App/SavedQueue.h"
 #include "Vantor/App/SingleInstance.h"
 #include "Vantor/App/TimedRun.h"
 #include "Vantor/Model/PlayerModel.h"
@@ -27,7 +27,6 @@ namespace vantor {
 namespace {
 
 constexpr double headlessSeconds = 10;
-constexpr std::chrono::seconds autosaveDelay{1};
 
 bool hasDisplay() {
     return !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
@@ -61,33 +60,6 @@ QUrl demoTrack() {
     return path.isEmpty() ? QUrl() : QUrl::fromLocalFile(path);
 }
 
-bool isOnlyTheDemo(const std::vector<Track> &tracks) {
-    return tracks.size() == 1 && tracks.front().source == Track::Source(demoTrack());
-}
-
-/// The queue of the last run, kept from now on. A timed run neither takes it nor touches it.
-class SavedQueue {
-  public:
-    explicit SavedQueue(Player &player)
-        : m_store(QueueStore::defaultURL()), m_autosaver(player, m_store, autosaveDelay) {
-        if (const std::optional<QueueSnapshot> saved = m_store.load();
-            saved && !isOnlyTheDemo(saved->items)) {
-            player.restoreQueue(saved->items, saved->currentIndex, saved->repeatMode, saved->isShuffled);
-            m_hasTracks = !saved->items.empty();
-        }
-        m_autosaver.start();
-    }
-    ~SavedQueue() { m_autosaver.flush(); }
-
-    /// There was something of the user's own in it.
-    [[nodiscard]] bool hasTracks() const { return m_hasTracks; }
-
-  private:
-    QueueStore m_store;
-    QueueAutosaver m_autosaver;
-    bool m_hasTracks = false;
-};
-
 /// What the desktop shows and commands: its media keys and widgets.
 class DesktopPresence {
   public:
@@ -116,14 +88,16 @@ void welcome(PlayerModel &model, MainWindow &window) {
     dialog->show();
 }
 
-// What was asked for; without a skin the one worn last, and without files the demo track if there is no saved
-// queue that could be played.
-void begin(const LaunchOptions &options, PlayerModel &model, bool withDemo) {
-    if (const QUrl lastSkin = model.skins().lastWorn(); !options.skin && !lastSkin.isEmpty())
-        model.wear(lastSkin);
-    carryOut(options, model);
-    const bool nothingToPlay = !model.isImporting() && model.player().queue().count() == 0;
-    if (nothingToPlay && withDemo && demoTrack().isValid())
+// The skin asked for, else the one worn last.
+void dress(PlayerModel &model, const std::optional<QUrl> &asked) {
+    const QUrl skin = asked.value_or(model.skins().lastWorn());
+    if (!skin.isEmpty())
+        model.wear(skin);
+}
+
+void playDemo(PlayerModel &model) {
+    const bool hasSomething = model.isImporting() || model.player().queue().count() > 0;
+    if (!hasSomething && demoTrack().isValid())
         model.open({demoTrack()});
 }
 
@@ -166,7 +140,7 @@ int runProgram(int argc, char **argv) {
     PlayerModel model(player, settings);
     std::optional<SavedQueue> savedQueue;
     if (!options.seconds)
-        savedQueue.emplace(player);
+        savedQueue.emplace(model, demoTrack());
     SkinnedWindows windows(model, settings);
     std::optional<TimedRun> timedRun;
     if (options.seconds) {
@@ -182,24 +156,35 @@ int runProgram(int argc, char **argv) {
             windows.bringToFront();
     });
     std::optional<DesktopPresence> presence; // from when the window is there
-    const bool withDemo = !savedQueue || !savedQueue->hasTracks();
+    bool hasBegun = false;
+    // What was asked for, else on from where the last run ended, else the demo.
+    const auto begin = [&](bool hasTracks) {
+        hasBegun = true;
+        const bool isAsked = !options.files.isEmpty() || options.command.has_value();
+        if (!isAsked && hasTracks && model.preferences().resumesOnStart())
+            ResumePoint::resume(settings, player);
+        carryOut(options, model);
+        if (!hasTracks && options.files.isEmpty())
+            playDemo(model);
+    };
+    if (savedQueue)
+        QObject::connect(&*savedQueue, &SavedQueue::restored, &model, begin);
     QMetaObject::invokeMethod(
         &model,
         [&] {
-            if (savedQueue && model.preferences().resumesOnStart() && options.files.isEmpty() &&
-                !options.command)
-                ResumePoint::resume(settings, player);
-            begin(options, model, withDemo);
+            dress(model, std::exchange(options.skin, std::nullopt));
             if (!options.isOnItsOwn())
                 welcome(model, windows.mainWindow());
-            if (timedRun)
+            if (timedRun) {
+                begin(false);
                 timedRun->begin();
-            else
+            } else {
                 presence.emplace(model, windows);
+            }
         },
         Qt::QueuedConnection);
     const int status = QApplication::exec();
-    if (savedQueue)
+    if (savedQueue && hasBegun)
         ResumePoint::save(settings, player);
     if (!timedRun && options.screenshot && !windows.mainWindow().savePicture(*options.screenshot))
         return print({QStringLiteral("Could not write ") + *options.screenshot, 1});

@@ -1,6 +1,7 @@
 #include "Vantor/Docking/WindowDockingCoordinator.h"
 
 #include "WindowDocking/DesktopSpace.h"
+#include "WindowDocking/ScreenSelection.h"
 #include "WindowDocking/SnapUtils.h"
 #include "WindowDocking/WindowStacking.h"
 
@@ -24,6 +25,10 @@ constexpr auto screensSettleTime = 200ms; // a screen's change comes in parts, a
 Box boxOf(const QRect &rect) {
     return {static_cast<double>(rect.x()), static_cast<double>(rect.y()), static_cast<double>(rect.width()),
             static_cast<double>(rect.height())};
+}
+
+Offset asOffset(QPoint point) {
+    return {static_cast<double>(point.x()), static_cast<double>(point.y())};
 }
 
 QPoint pointOf(Offset topLeft) {
@@ -230,6 +235,22 @@ void WindowDockingCoordinator::watchScreens() {
     connect(qGuiApp, &QGuiApplication::primaryScreenChanged, this, settle);
 }
 
+void WindowDockingCoordinator::prepareToShow(SkinWindowController &appearing) {
+    const std::vector<DockedWindow> windows = dockedWindows();
+    const QSize size = sizeOf(appearing.window());
+    const auto hasRoomBelow = [&](const DockedWindow &above) {
+        const Box place{above.box.x, above.box.bottom(), static_cast<double>(size.width()),
+                        static_cast<double>(size.height())};
+        return std::ranges::none_of(windows, [&](const DockedWindow &other) {
+            const Offset shared = overlap(place, other.box);
+            return shared.x > 0 && shared.y > 0;
+        });
+    };
+    const auto below = std::ranges::find_if(windows, hasRoomBelow);
+    if (below != windows.end())
+        move(appearing, asOffset(showPosition(appearing, *controller(below->kind))));
+}
+
 QPoint WindowDockingCoordinator::showPosition(SkinWindowController &forController,
                                               SkinWindowController &below) {
     const WindowKind kind = forController.windowKind();
@@ -257,9 +278,7 @@ void WindowDockingCoordinator::drag(SkinWindowController &controller, QPoint to)
         controller.window().move(to);
         return;
     }
-    const QPoint delta = to - m_drag->origin;
-    place(m_drag->session.positions({static_cast<double>(delta.x()), static_cast<double>(delta.y())},
-                                    dragLimits()));
+    place(m_drag->session.positions(asOffset(to - m_drag->origin), dragLimits()));
 }
 
 void WindowDockingCoordinator::dragEnded(SkinWindowController &) {
@@ -293,7 +312,30 @@ void WindowDockingCoordinator::resize(SkinWindowController &, const std::functio
         if (const Offset push = pushes.at(window.kind); push != Offset::zero)
             move(*controller(window.kind), SnapUtils::applyDiff(window.box.topLeft(), push));
     }
+    keepReachable();
     layoutDidChange();
+}
+
+// A neighbour may have been pushed off the screen, or a window shown under one at its foot.
+void WindowDockingCoordinator::keepReachable() {
+    const std::vector<DockedWindow> windows = dockedWindows();
+    const DragLimits limits = dragLimits();
+    if (!LayoutRules::dragRecovery(windows, limits.titleBarHeights, limits.screens, limits.primary))
+        return;
+    const auto recovery = LayoutRules::recovery(windows, limits.screens, limits.primary);
+    if (const auto *const shift =
+            recovery ? std::get_if<LayoutRules::Recovery::Shift>(&recovery->kind) : nullptr) {
+        moveAllBy(shift->offset);
+        return;
+    }
+    // They are too far apart to come together. Nobody asked for a new layout: only what is lost moves.
+    for (const DockedWindow &window : windows) {
+        if (LayoutRules::isGrabbable(window.box, limits.titleBarHeights.at(window.kind), limits.screens))
+            continue;
+        const Box screen = ScreenSelection::nearest(window.box, limits.screens, limits.primary);
+        move(*controller(window.kind),
+             SnapUtils::applyDiff(window.box.topLeft(), LayoutRules::gripShift(window.box, screen)));
+    }
 }
 
 // Front and back, parent and child

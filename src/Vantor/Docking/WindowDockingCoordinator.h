@@ -20,8 +20,8 @@ namespace vantor {
 ///
 /// The desktop space is that of Qt: device-independent points, the origin at the top left. Main thread. Make
 /// it before any skinned window is shown, register every window, then call restoreOrDefaultLayout() once;
-/// after the windows are shown, ensureOnScreen(). It borrows the settings and the controllers, which outlive
-/// it.
+/// after the windows are shown, ensureOnScreen(). It borrows the settings, and the controllers for as long as
+/// it is used.
 class WindowDockingCoordinator : public QObject {
     Q_OBJECT
 
@@ -54,10 +54,14 @@ class WindowDockingCoordinator : public QObject {
     void skinnedWindowWillMinimize();
     void skinnedWindowDidDeminimize();
 
-    /// Runs `change`, which gives the window a new size with its corner in place, and moves what is docked
-    /// under it or on its right along.
+    /// Runs `change`, which gives windows new sizes with their corners in place, and moves what is docked
+    /// under them or on their right along.
     void resize(SkinWindowController &controller, const std::function<void()> &change);
 
+    /// Puts a window that is about to be shown again where it last was or, if it cannot be there, under the
+    /// first one with room under it. For use inside of resize(), which then sees to it that it is within
+    /// reach.
+    void prepareToShow(SkinWindowController &controller);
     /// Where a window that is shown again is to stand, given the window under which it goes if its own place
     /// is taken.
     [[nodiscard]] QPoint showPosition(SkinWindowController &forController, SkinWindowController &below);
@@ -82,6 +86,7 @@ class WindowDockingCoordinator : public QObject {
     void move(SkinWindowController &controller, Offset toTopLeft);
     void place(const std::map<WindowKind, Offset> &topLefts);
     void moveAllBy(Offset offset);
+    void keepReachable();
     void stack(std::span<const WindowKind> kinds);
     bool seedFromLegacyFrames();
     void watchScreens();

@@ -177,6 +177,19 @@ void PlayerModel::startImport(const QList<QUrl> &urls, const ImportPlan &plan) {
     }
     if (music.isEmpty())
         return;
+    if (m_holdsImports)
+        m_heldImports.push_back({music, plan});
+    else
+        importMusic(music, plan);
+}
+
+void PlayerModel::releaseImports() {
+    m_holdsImports = false;
+    for (const HeldImport &held : std::exchange(m_heldImports, {}))
+        importMusic(held.music, held.plan);
+}
+
+void PlayerModel::importMusic(const QList<QUrl> &music, const ImportPlan &plan) {
     if (plan.replaces) {
         m_importer.cancel();
         for (auto &[number, older] : m_imports)

@@ -65,7 +65,10 @@ class PlayerModel : public QObject {
     /// Adds in front of a row, or at the end for a row that there is not, and plays nothing by itself. What
     /// comes in while the queue changes goes in front of the same track.
     void insert(const QList<QUrl> &urls, int row);
-    [[nodiscard]] bool isImporting() const { return !m_imports.empty(); }
+    [[nodiscard]] bool isImporting() const { return !m_imports.empty() || !m_heldImports.empty(); }
+    /// From here to releaseImports() what is opened and enqueued waits, in its order.
+    void holdImports() { m_holdsImports = true; }
+    void releaseImports();
 
     void setTimeMode(TimeMode mode);
     void toggleShuffle();
@@ -96,16 +99,21 @@ class PlayerModel : public QObject {
     void sliderCancelled(); ///< what was dragged does not follow the pointer any more
 
   private:
-    void handle(const PlayerEvent &event);
-    void handleFailure(const PlaybackFailure &failure);
     /// What is done with the tracks of an import.
     struct ImportPlan {
-        bool replaces = false;       ///< the queue, once the first track is there
-        bool plays = true;           ///< the first one, if it replaces or nothing else plays
+        bool replaces = false;         ///< the queue, once the first track is there
+        bool plays = true;             ///< the first one, if it replaces or nothing else plays
         std::optional<QUuid> before{}; ///< the track in front of which they go, else at the end
     };
+    struct HeldImport {
+        QList<QUrl> music;
+        ImportPlan plan;
+    };
 
+    void handle(const PlayerEvent &event);
+    void handleFailure(const PlaybackFailure &failure);
     void startImport(const QList<QUrl> &urls, const ImportPlan &plan);
+    void importMusic(const QList<QUrl> &music, const ImportPlan &plan);
     void takeTracks(quint64 import, const std::vector<Track> &tracks);
     void finishImport(quint64 import, int added, const std::vector<SkippedFile> &skipped);
     void notify(const StatusNotice &notice);
@@ -133,6 +141,8 @@ class PlayerModel : public QObject {
     std::optional<double> m_draggedPosition;
 
     double m_blinkTime = 0;
+    bool m_holdsImports = false;
+    std::vector<HeldImport> m_heldImports;
     std::map<quint64, ImportPlan> m_imports; ///< under way, by number
 };
 

@@ -359,7 +359,8 @@ int PlaylistModel::moveSelected(int by) {
 }
 
 void PlaylistModel::sortByTitle() {
-    QCollator collator;
+    // Where no language is set, names would be compared by their bytes.
+    QCollator collator(QLocale().language() == QLocale::C ? QLocale(QLocale::English) : QLocale());
     collator.setCaseSensitivity(Qt::CaseInsensitive);
     collator.setNumericMode(true);
     std::vector<QCollatorSortKey> keys;

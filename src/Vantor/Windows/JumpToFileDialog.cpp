@@ -78,13 +78,13 @@ JumpToFileDialog::JumpToFileDialog(PlayerModel &model, QWidget *parent)
     m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Close);
     QPushButton *play = buttons->addButton(tr("Play"), QDialogButtonBox::AcceptRole);
-    play->setDefault(true);
 
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(m_query);
     layout->addWidget(m_list);
     layout->addWidget(m_summary);
     layout->addWidget(buttons);
+    play->setDefault(true); // it must be in the dialog by now
 
     connect(m_query, &QLineEdit::textChanged, this, &JumpToFileDialog::search);
     connect(m_list, &QListView::doubleClicked, this, &JumpToFileDialog::playChosen);

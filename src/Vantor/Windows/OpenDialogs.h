@@ -11,9 +11,12 @@ class PlayerModel;
 /// such files. Main thread.
 namespace OpenDialogs {
 
-void openFiles(PlayerModel &model, QWidget *parent);
-void openFolder(PlayerModel &model, QWidget *parent);
-void openAddress(PlayerModel &model, QWidget *parent);
+/// Whether what is chosen replaces the queue and plays, or goes to its end.
+enum class Use { open, add };
+
+void openFiles(PlayerModel &model, QWidget *parent, Use use = Use::open);
+void openFolder(PlayerModel &model, QWidget *parent, Use use = Use::open);
+void openAddress(PlayerModel &model, QWidget *parent, Use use = Use::open);
 void loadSkin(PlayerModel &model, QWidget *parent);
 
 } // namespace OpenDialogs

@@ -1,13 +1,12 @@
 #include "Vantor/Windows/PlaylistCommands.h"
 
-#include "LocalPlayback/Loading/TrackLoader.h"
 #include "LocalPlayback/Playlists/PlaylistFile.h"
 #include "Vantor/Windows/FileInfoDialog.h"
+#include "Vantor/Windows/OpenDialogs.h"
 
 #include <QDesktopServices>
 #include <QFileDialog>
 #include <QFileInfo>
-#include <QInputDialog>
 #include <QMenu>
 
 namespace vantor {
@@ -86,21 +85,11 @@ void PlaylistCommands::run(PlaylistMenuEntry entry, QPoint at) {
     };
     switch (entry) {
     case Entry::addUrl:
-        return addAddress();
-    case Entry::addFolder: {
-        auto *dialog = new QFileDialog(&m_window, tr("Add Folder"));
-        dialog->setFileMode(QFileDialog::Directory);
-        return addFiles(*dialog);
-    }
-    case Entry::addFiles: {
-        auto *dialog = new QFileDialog(&m_window, tr("Add Files"));
-        dialog->setFileMode(QFileDialog::ExistingFiles);
-        dialog->setNameFilters(
-            {tr("Audio and playlists (%1)")
-                 .arg((TrackLoader::audioPatterns() + PlaylistFile::patterns()).join(QLatin1Char(' '))),
-             tr("All files (*)")});
-        return addFiles(*dialog);
-    }
+        return OpenDialogs::openAddress(m_model, &m_window, OpenDialogs::Use::add);
+    case Entry::addFolder:
+        return OpenDialogs::openFolder(m_model, &m_window, OpenDialogs::Use::add);
+    case Entry::addFiles:
+        return OpenDialogs::openFiles(m_model, &m_window, OpenDialogs::Use::add);
     case Entry::removeMisc:
         return popUpWith(&PlaylistCommands::fillRemoval);
     case Entry::removeAll:
@@ -215,31 +204,8 @@ void PlaylistCommands::popUpRowMenu(QPoint at) {
 
 // Files
 
-void PlaylistCommands::addAddress() {
-    auto *dialog = new QInputDialog(&m_window);
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
-    dialog->setWindowTitle(tr("Add Address"));
-    dialog->setLabelText(tr("Address of a file or stream:"));
-    dialog->resize(420, dialog->height());
-    connect(dialog, &QInputDialog::textValueSelected, this, [this](const QString &text) {
-        const QUrl url = QUrl::fromUserInput(text.trimmed());
-        if (url.isValid())
-            m_model.insert({url}, m_playlist.count());
-        else
-            m_model.showNotice(tr("That is no address"));
-    });
-    dialog->open();
-}
-
-void PlaylistCommands::addFiles(QFileDialog &dialog) {
-    dialog.setAttribute(Qt::WA_DeleteOnClose);
-    connect(&dialog, &QFileDialog::filesSelected, this,
-            [this, &dialog] { m_model.insert(dialog.selectedUrls(), m_playlist.count()); });
-    dialog.open();
-}
-
 void PlaylistCommands::saveList() {
-    auto *dialog = new QFileDialog(&m_window, tr("Save List"));
+    auto *dialog = new QFileDialog(&m_window, tr("Save List"), m_model.preferences().libraryFolder());
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setAcceptMode(QFileDialog::AcceptSave);
     dialog->setNameFilters({tr("M3U8 playlist (*.m3u8)"), tr("PLS playlist (*.pls)")});
@@ -254,7 +220,7 @@ void PlaylistCommands::saveList() {
 }
 
 void PlaylistCommands::loadList() {
-    auto *dialog = new QFileDialog(&m_window, tr("Load List"));
+    auto *dialog = new QFileDialog(&m_window, tr("Load List"), m_model.preferences().libraryFolder());
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setFileMode(QFileDialog::ExistingFile);
     dialog->setNameFilters(

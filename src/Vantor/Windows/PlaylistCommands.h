@@ -6,7 +6,6 @@
 
 #include <QObject>
 
-class QFileDialog;
 class QMenu;
 
 namespace vantor {
@@ -33,8 +32,6 @@ class PlaylistCommands : public QObject {
     void fillRemoval(QMenu &menu);
     void fillSorting(QMenu &menu);
     void fillOptions(QMenu &menu);
-    void addAddress();
-    void addFiles(QFileDialog &dialog);
     void saveList();
     void loadList();
     void showInFolder();

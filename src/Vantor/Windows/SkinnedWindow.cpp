@@ -101,8 +101,8 @@ void SkinnedWindow::takeShape() {
 void SkinnedWindow::takeWindowState() {
     stayOnTopIfAsked();
     takeShape();
-    if (m_model.windows().isOpen(m_kind) && !isVisible())
-        placeBeforeShown();
+    if (m_docking && m_model.windows().isOpen(m_kind) && !isVisible())
+        m_docking->prepareToShow(*this);
     showIfOpen();
 }
 
@@ -146,26 +146,6 @@ void SkinnedWindow::resizeDocked(const std::function<void()> &change) {
         m_docking->resize(*this, change);
     else
         change();
-}
-
-// A window that comes back without a place of its own goes under the first one with room under it.
-void SkinnedWindow::placeBeforeShown() {
-    if (!m_docking)
-        return;
-    std::vector<SkinnedWindow *> shown;
-    for (QWidget *const widget : QApplication::topLevelWidgets()) {
-        if (auto *const window = qobject_cast<SkinnedWindow *>(widget); window && window->isVisible())
-            shown.push_back(window);
-    }
-    std::ranges::sort(shown, {}, &SkinnedWindow::m_kind);
-    const auto hasRoomBelow = [&](const SkinnedWindow *above) {
-        const QRect place(above->pos() + QPoint(0, above->height()), size());
-        return std::ranges::none_of(
-            shown, [&](const SkinnedWindow *other) { return other->geometry().intersects(place); });
-    };
-    const auto above = std::ranges::find_if(shown, hasRoomBelow);
-    if (!shown.empty())
-        move(m_docking->showPosition(*this, above == shown.end() ? *shown.back() : **above));
 }
 
 // Keys and life

@@ -154,7 +154,6 @@ class SkinnedWindow : public QWidget, public SkinWindowController {
   private:
     void takeWindowState();
     void stayOnTopIfAsked();
-    void placeBeforeShown();
     void drawFocus(QPainter &painter) const;
     void tellAssistiveTools();
 

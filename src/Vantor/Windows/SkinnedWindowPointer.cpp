@@ -32,6 +32,8 @@ void SkinnedWindow::letGo(Control) {}
 void SkinnedWindow::setValue(Control, double) {}
 
 void SkinnedWindow::mousePressEvent(QMouseEvent *event) {
+    if (isMinimized()) // only as asked for: there is no window manager to do it
+        setWindowState(windowState() & ~Qt::WindowMinimized);
     if (!isActiveWindow())
         activateWindow(); // where there is no window manager to do it
     if (m_docking)

@@ -3,6 +3,8 @@
 #include "Platform/AppPaths.h"
 #include "Vantor/Windows/SkinAccessibility.h"
 
+#include <QApplication>
+
 namespace vantor {
 
 SkinnedWindows::SkinnedWindows(PlayerModel &model, QSettings &settings)
@@ -22,6 +24,9 @@ void SkinnedWindows::show() {
     m_equalizer.showIfOpen();
     m_playlist.showIfOpen();
     m_docking.ensureOnScreen();
+    // Where a window manager has put windows by itself is kept too.
+    QObject::connect(qApp, &QCoreApplication::aboutToQuit, &m_docking,
+                     &WindowDockingCoordinator::layoutDidChange);
 }
 
 void SkinnedWindows::bringToFront() {

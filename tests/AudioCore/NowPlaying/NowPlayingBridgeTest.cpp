@@ -2,10 +2,10 @@
 
 #include "AudioCore/NowPlaying/NowPlayingCommandTarget.h"
 #include "AudioCore/NowPlaying/NowPlayingInfoBuilder.h"
-#include "AudioCore/Output/NullAudioOutput.h"
 #include "AudioCore/Playback/Player.h"
 #include "tests/Support/AudioFileBuilder.h"
 #include "tests/Support/TestFolder.h"
+#include "tests/Support/TestOutput.h"
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
@@ -72,8 +72,7 @@ class NowPlayingBridgeTest : public testing::Test {
     }
 
     TestFolder m_folder;
-    Player m_player{std::make_unique<FileTrackResolver>(),
-                    [] { return std::make_unique<NullAudioOutput>(); }};
+    Player m_player{std::make_unique<FileTrackResolver>(), std::make_unique<SilentOutputDevices>()};
     Target m_target;
     Center m_center;
     NowPlayingBridge m_bridge{m_player, m_target, m_center};

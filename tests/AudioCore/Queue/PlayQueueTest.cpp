@@ -124,19 +124,25 @@ TEST(PlayQueueTest, ShufflingAndSelectingLeadWithThatTrack) {
 }
 
 TEST(PlayQueueTest, AppendedTracksComeAnywhereAfterWhatHasPlayed) {
-    std::set<std::string> passes, nextPasses;
+    std::set<std::string> passes, nextPasses, longerPasses, longerNextPasses;
     PlayQueue queue = makeQueue("abc", 0);
     queue.setShuffle(true);
     queue.next();
-    for (int attempt = 0; attempt < 200; ++attempt) {
+    for (int attempt = 0; attempt < 500; ++attempt) {
         PlayQueue longer = queue;
         longer.append(makeTracks("D"));
         passes.insert(titles(longer, longer.shuffleOrder()));
         nextPasses.insert(titles(longer, longer.nextPass()));
+        longer = queue;
+        longer.append(makeTracks("DE"));
+        longerPasses.insert(titles(longer, longer.shuffleOrder()));
+        longerNextPasses.insert(titles(longer, longer.nextPass()));
     }
     const std::string pass = titles(queue, queue.shuffleOrder());
     EXPECT_EQ(passes, (std::set{pass + "D", pass.substr(0, 2) + "D" + pass.substr(2)}));
     EXPECT_EQ(nextPasses.size(), 4U);
+    EXPECT_EQ(longerPasses.size(), 6U); // both orders in every pair of the three places
+    EXPECT_EQ(longerNextPasses.size(), 20U);
 }
 
 TEST(PlayQueueTest, RemovingTheCurrentTrackGoesToItsFollower) {
@@ -194,6 +200,26 @@ TEST(PlayQueueTest, SortsStablyAndSaysWhetherAnythingChanged) {
     for (const std::vector<int> &bad : {std::vector<int>{0, 1}, {0, 1, 1}, {0, 1, 3}, {-1, 0, 1}, {0, 1, 2}})
         EXPECT_FALSE(queue.reorder(bad));
     EXPECT_EQ(titles(queue), "xzy");
+}
+
+TEST(PlayQueueTest, SortsManyLongPathsAsTheirCodePointsAre) {
+    std::mt19937 random(5);
+    std::vector<Track> tracks;
+    for (int i = 0; i < 25'000; ++i) {
+        QString path = QStringLiteral("/a long beginning/");
+        for (unsigned length = random() % 20; length > 0; --length)
+            path += std::array{u"a"_qs, u"b"_qs, u"\uFFFD"_qs, u"𝄞"_qs}[random() % 4];
+        tracks.emplace_back().source = QUrl::fromLocalFile(path);
+    }
+    std::shuffle(tracks.begin(), tracks.end(), random);
+    for (int i = 0; i < 25'000; ++i)
+        tracks[static_cast<size_t>(i)].duration = i;
+    PlayQueue queue(tracks);
+    queue.sort(PlaylistSortKey::path);
+    std::ranges::sort(tracks, {}, [](const Track &track) {
+        return std::pair(std::get<QUrl>(track.source).toLocalFile().toStdU32String(), track.duration);
+    });
+    EXPECT_TRUE(queue.tracks() == tracks);
 }
 
 // Any sequence of edits keeps the invariants; rearranging keeps the current track and the order in which both

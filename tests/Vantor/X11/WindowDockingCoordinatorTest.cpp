@@ -154,6 +154,14 @@ TEST_P(WindowDockingCoordinatorTest, NeighboursFollowAChangeOfSize) {
                        {playlist, {{650, 304}, usual * 2}}}));
 }
 
+TEST_P(WindowDockingCoordinatorTest, NeighbourPushedOffTheScreenBringsTheGroupBack) {
+    start(stack);
+    dragTo(m_equalizer, {938, 276});
+    dragTo(m_main, {1050, 276});
+    m_docking.resize(m_main, [&] { m_main.setFixedSize(usual * 2); });
+    EXPECT_TRUE(stand({{main, {{775, 276}, usual * 2}}, {equalizer, {{1325, 276}, usual}}}));
+}
+
 TEST_P(WindowDockingCoordinatorTest, LayoutIsRestoredAndNewWindowsAreStacked) {
     m_settings.setValue(
         QStringLiteral("windowLayout"),
@@ -165,6 +173,10 @@ TEST_P(WindowDockingCoordinatorTest, LayoutIsRestoredAndNewWindowsAreStacked) {
     EXPECT_EQ(m_docking.showPosition(m_playlist, m_equalizer), QPoint(663, 450));
     dragTo(m_equalizer, {600, 500});
     EXPECT_EQ(m_docking.showPosition(m_playlist, m_main), QPoint(40, 146)) << "its place is taken";
+    dragTo(m_equalizer, {40, 146});
+    m_settings.remove(QStringLiteral("windowLayout"));
+    m_docking.prepareToShow(m_playlist);
+    EXPECT_EQ(m_playlist.pos(), QPoint(40, 262)) << "the first with room under it";
 }
 
 TEST_P(WindowDockingCoordinatorTest, OldFramesAreTakenOver) {

@@ -1,7 +1,7 @@
 #include "AudioCore/Output/SystemOutputDeviceProvider.h"
 #include "FirstPaint.h"
 #include "Vantor/Model/PlayerModel.h"
-#include "Vantor/Windows/MainWindow.h"
+#include "Vantor/Windows/SkinnedWindows.h"
 
 #include <QSettings>
 #include <QTemporaryDir>
@@ -15,9 +15,8 @@ int main(int argc, char **argv) {
     QSettings settings(folder.filePath(QStringLiteral("settings.ini")), QSettings::IniFormat);
     Player player(std::make_unique<FileTrackResolver>(), std::make_unique<SystemOutputDeviceProvider>());
     PlayerModel model(player, settings);
-    Commands commands(model);
-    MainWindow window(model, commands);
-    const QuitAfterFirstPaint quit(window);
-    window.show();
+    SkinnedWindows windows(model, settings);
+    const QuitAfterFirstPaint quit(windows.mainWindow());
+    windows.show();
     return QApplication::exec();
 }

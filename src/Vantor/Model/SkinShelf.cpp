@@ -70,7 +70,8 @@ QList<QUrl> SkinShelf::inFolder() const {
         if (const QUrl url = QUrl::fromLocalFile(entries.next()); isSkin(url))
             skins.append(url);
     }
-    QCollator names;
+    // Without a language set, names would go by the bytes of their letters.
+    QCollator names(QLocale().language() == QLocale::C ? QLocale(QLocale::English) : QLocale());
     names.setNumericMode(true);
     names.setCaseSensitivity(Qt::CaseInsensitive);
     std::ranges::sort(skins, [&names](const QUrl &a, const QUrl &b) {

@@ -15,6 +15,8 @@ namespace vantor {
 class SkinnedWindows {
   public:
     SkinnedWindows(PlayerModel &model, QSettings &settings);
+    ~SkinnedWindows() { m_state.setTransition({}); }
+    Q_DISABLE_COPY_MOVE(SkinnedWindows)
 
     [[nodiscard]] MainWindow &mainWindow() { return m_main; }
 

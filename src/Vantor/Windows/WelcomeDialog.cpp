@@ -17,6 +17,7 @@ WelcomeDialog::WelcomeDialog(PlayerModel &model, QWidget *parent) : QDialog(pare
         new QLabel(tr("Where do you keep your skins and your music? You can leave either empty, and change "
                       "both later in the preferences (Ctrl+P)."));
     intro->setWordWrap(true);
+    intro->setMinimumWidth(fontMetrics().averageCharWidth() * 70); // so that its height is known at once
     auto *skins = new FolderField(tr("Skins folder"), model.skins().folder());
     auto *music = new FolderField(tr("Music folder"), model.preferences().libraryFolder());
     connect(skins, &FolderField::chosen, this,
@@ -38,7 +39,6 @@ WelcomeDialog::WelcomeDialog(PlayerModel &model, QWidget *parent) : QDialog(pare
     layout->addRow(tr("&Skins:"), skins);
     layout->addRow(tr("&Music:"), music);
     layout->addRow(buttons);
-    setMinimumWidth(460);
 }
 
 } // namespace vantor

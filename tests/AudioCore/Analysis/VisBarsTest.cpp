@@ -22,6 +22,14 @@ TEST(VisBarsTest, FourColumnsShowTheirMean) {
     }
 }
 
+TEST(VisBarsTest, ThinLinesShowEachColumnItsOwn) {
+    VisBars bars;
+    bars.columnsPerBar = 1;
+    bars.step(std::vector<float>{0.25F, 0.5F, 1});
+    EXPECT_EQ((std::array{bars.heights[0], bars.heights[1], bars.heights[2], bars.heights[3]}),
+              (std::array{4, 8, 15, 0}));
+}
+
 TEST(VisBarsTest, ABarFallsFromTheTopInTwentySteps) {
     VisBars bars;
     bars.step(level(1));

@@ -157,6 +157,20 @@ TEST(MainWindowRendererTest, VisualizerUsesTheSkinsColours) {
     EXPECT_EQ(at(25, 51), "vis 18");
     EXPECT_EQ(at(25, 58), "vis 22");
     EXPECT_EQ(at(99, 51), "vis 18");
+    // From the top in one column to the bottom in the next: what is lit half-way down and half-way up.
+    const auto lit = [&](int x, int y) { return at(x, y) != "vis 0" && at(x, y) != "vis 1"; };
+    const std::tuple<ScopeStyle, bool, bool, bool> looks[] = {{ScopeStyle::dots, false, false, false},
+                                                              {ScopeStyle::lines, false, true, true},
+                                                              {ScopeStyle::solid, true, false, true}};
+    for (const auto &[style, aboveFirst, aboveSecond, belowSecond] : looks) {
+        scope.style = style;
+        scene.visualizer = scope;
+        EXPECT_EQ(std::tuple(lit(24, 47), lit(25, 47), lit(25, 55)),
+                  std::tuple(aboveFirst, aboveSecond, belowSecond));
+    }
+    bars.thin = true;
+    scene.visualizer = bars;
+    EXPECT_EQ(at(27, 58), "vis 17"); // no gap any more
 }
 
 TEST(MainWindowRendererTest, OnlyWideTitlesScrollAndTheyRepeat) {

@@ -164,7 +164,7 @@ TEST_F(PlayerNetworkTest, WhatDoesNotPlayFollowsTheRulesOfFailure) {
         if (request.path == "/song")
             HttpTestServer::sendFile(request, connection, body);
         else if (request.path == "/mp4")
-            HttpTestServer::sendFile(request, connection, indexed, {.ranges = false});
+            HttpTestServer::sendFile(request, connection, indexed, {.ranges = false, .stallAfter = 100'000});
         else if (request.path == "/text")
             HttpTestServer::sendFile(request, connection, "no song");
         else

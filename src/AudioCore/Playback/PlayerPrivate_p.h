@@ -11,7 +11,9 @@
 namespace vantor {
 
 /// The player's working parts. Commands change the queue and call startCurrentTrack(), seekTo() or stop();
-/// every start and seek is a new generation, and what an older one still reports is ignored.
+/// every start and seek is a new generation, and what an older one still reports is ignored. So is every
+/// follower: the track that is decoded behind the current one, and becomes current when that one's end is
+/// heard.
 class Player::Private {
   public:
     Private(Player &player, std::unique_ptr<TrackResolver> trackResolver, AudioOutputFactory outputFactory);
@@ -37,18 +39,35 @@ class Player::Private {
     void editQueue(const std::function<void(PlayQueue &)> &edit);
     [[nodiscard]] double duration() const;
 
+    // What comes next.
+    /// Hands the streamer what follows the current track, if that is not what it has already.
+    void planFollower();
+    void forgetFollower();
+    /// The current track has been heard to its end: the follower is current.
+    void adoptFollower();
+    [[nodiscard]] bool endIsHeard(const PlayerNode::Progress &progress);
+
     // What happens by itself.
     void streamerReported(const TrackStreamer::Report &report);
     void trackFailed(const AudioCoreError &error);
     void fail(const AudioCoreError &error);
     void trackEnded();
     void tick();
+    void showTime(const PlayerNode::Progress &progress);
     void outputLost(const QString &reason);
 
     // The output.
     void ensureOutput();
     void wakeOutput();
     void requestFrom(double seconds);
+
+    struct Follower {
+        QUuid trackID;
+        std::uint32_t generation = 0;
+        QString path;
+        std::optional<TrackStreamer::Report> report; ///< once its first sound is decoded, or it failed
+    };
+    std::uint32_t newGeneration() { return ++lastGeneration; }
 
     Player &q;
     const std::unique_ptr<TrackResolver> resolver;
@@ -67,8 +86,11 @@ class Player::Private {
     std::optional<QUuid> lastEmittedTrackID;
     bool autoplayAfterLoad = false; ///< whether sound is wanted: what a start that follows by itself inherits
     QString path;                   ///< of the loaded file
-    std::uint32_t generation = 0;
-    std::optional<std::chrono::steady_clock::time_point> endRenderedAt;
+    std::uint32_t generation = 0;   ///< of the current track
+    std::uint32_t lastGeneration = 0;
+    std::optional<Follower> follower;
+    /// When the current track's last frame is heard; known once it has been rendered.
+    std::optional<std::chrono::steady_clock::time_point> endHeardAt;
 
     std::map<PlayerEventToken, std::function<void(const PlayerEvent &)>> observers;
     quint64 lastToken = 0;

@@ -1,10 +1,13 @@
 #pragma once
 
+#include "AudioCore/Graph/PlayerNode.h"
+
 #include <QMap>
 #include <QString>
 
 #include <sys/types.h>
 
+#include <span>
 #include <string>
 #include <vector>
 
@@ -23,6 +26,10 @@ struct AudioFileContent {
 /// Writes an audio file with the ffmpeg program; the name's extension (wav, aiff, flac, mp3, ogg, opus, m4a,
 /// mka) chooses format and codec. Throws std::runtime_error.
 void writeAudioFile(const QString &path, const AudioFileContent &content = {});
+
+/// Encodes a sound (16 bits per sample where the format is lossless). `options` go to the ffmpeg program.
+void encodeAudioFile(const QString &path, std::span<const StereoFrame> sound, int sampleRate,
+                     const std::vector<std::string> &options = {});
 
 /// Starts a program, whose complaints go nowhere. Throws std::runtime_error.
 [[nodiscard]] pid_t spawn(const std::vector<std::string> &words);

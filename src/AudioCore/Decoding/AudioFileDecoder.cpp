@@ -2,16 +2,25 @@
 
 #include "AudioCore/AudioCoreError.h"
 #include "AudioCore/Decoding/FileInput.h"
+#include "AudioCore/Decoding/MP4Length.h"
 #include "AudioCore/Decoding/MediaContainer.h"
 #include "AudioCore/Decoding/StereoResampler.h"
 #include "AudioCore/Network/ProgressiveError.h"
 
+#include <array>
+#include <cinttypes>
 #include <cmath>
+#include <cstdio>
+#include <string_view>
 
 namespace vantor {
 
-// Lossy codecs need a few packets before their sound is right again; more than any of them asks for.
-static constexpr double prerollSeconds = 0.1;
+// Lossy codecs need a few packets before their sound is right again: an MP3 frame may begin in one that is a
+// quarter of a second earlier. The later ones are for places that tell no time, such as the last page of an
+// Ogg file.
+static constexpr std::array prerollSeconds{0.3, 2.0, 8.0, 32.0};
+// What the sound's first frame may be after the file's own start: the encoder's delay, which is cut off.
+static constexpr double longestDelay = 0.1;
 // A damaged stretch this long is the end: some seconds of the usual packets.
 static constexpr int mostErrorsInARow = 256;
 
@@ -34,10 +43,22 @@ static std::optional<int> losslessBits(const AVCodecParameters &parameters) {
     return std::nullopt;
 }
 
+// The length in samples that some encoders write into a tag: "00000000 00000840 000001CC 00000000003F31F4 …"
+// is nothing, delay, padding and length, of which FFmpeg uses the delay.
+static std::optional<std::int64_t> lengthInTag(const AVFormatContext &format) {
+    const AVDictionaryEntry *const tag = av_dict_get(format.metadata, "iTunSMPB", nullptr, 0);
+    unsigned delay = 0, padding = 0;
+    std::uint64_t length = 0;
+    if (!tag || std::sscanf(tag->value, "%*X %X %X %" SCNx64, &delay, &padding, &length) != 3 ||
+        length == 0 || length > std::uint64_t{1} << 48)
+        return std::nullopt;
+    return static_cast<std::int64_t>(length);
+}
+
 class AudioFileDecoder::Private {
   public:
     Private(std::shared_ptr<AudioInput> input, int sampleRate)
-        : m_input(std::move(input)), m_resampler(sampleRate), m_packet(av_packet_alloc()),
+        : m_input(std::move(input)), m_sampleRate(sampleRate), m_packet(av_packet_alloc()),
           m_frame(av_frame_alloc()) {
         open();
     }
@@ -45,6 +66,8 @@ class AudioFileDecoder::Private {
     [[nodiscard]] const AVStream &stream() const { return *m_stream; }
     [[nodiscard]] double duration() const;
     [[nodiscard]] std::span<const StereoFrame> read();
+    [[nodiscard]] bool hasMore();
+    [[nodiscard]] std::optional<std::int64_t> continueFrom(Private &previous);
     void seek(double seconds);
 
   private:
@@ -53,30 +76,52 @@ class AudioFileDecoder::Private {
     [[noreturn]] void failFormat() const;
     bool seekFile(double seconds);
     bool nextFrame();
+    bool receiveFrame();
+    [[nodiscard]] bool isTimed() const;
     bool takeFrame();
+    void trimEnd(std::int64_t start);
+    [[nodiscard]] std::optional<std::int64_t> findEnd();
+    [[nodiscard]] bool isInLastPage();
+    void trimOnlyPage();
+    [[nodiscard]] bool isFormat(std::string_view name) const {
+        return std::string_view(m_container->format().iformat->name).starts_with(name);
+    }
+    [[nodiscard]] std::int64_t samples(std::int64_t time, int rate) const {
+        return av_rescale_q(time, m_stream->time_base, {1, rate});
+    }
     void feed();
     void countError();
-    [[nodiscard]] std::int64_t origin() const {
-        return m_stream->start_time == AV_NOPTS_VALUE ? 0 : m_stream->start_time;
-    }
 
     const std::shared_ptr<AudioInput> m_input;
     std::unique_ptr<MediaContainer> m_container;
     AVStream *m_stream = nullptr;
     FFmpegHandle<AVCodecContext> m_codec;
-    StereoResampler m_resampler;
+    const int m_sampleRate;
+    std::unique_ptr<StereoResampler> m_resampler = std::make_unique<StereoResampler>(m_sampleRate);
     FFmpegHandle<AVPacket> m_packet;
     FFmpegHandle<AVFrame> m_frame;
-    int m_frameDone = 0;            ///< samples of m_frame that are used up
-    std::int64_t m_position = 0;    ///< in samples of the source: where the next decoded frame starts
+    int m_frameDone = 0;         ///< samples of m_frame that are used up
+    std::int64_t m_position = 0; ///< in samples of the source: where the next decoded frame starts
+    /// In samples of the source and the file's time: where the sound starts; known with the first frame.
+    std::optional<std::int64_t> m_origin;
+    /// In samples: the sound's length, where only the file knows it and FFmpeg does not cut there.
+    std::optional<std::int64_t> m_end;
     std::optional<double> m_target; ///< seconds: sound before it is dropped
     std::vector<StereoFrame> m_out;
+    std::int64_t m_seekPlace = -1; ///< in bytes: of the first packet after opening or a seek
+    bool m_isAtStart = true;       ///< no packet has been read
     bool m_inputEnded = false;
     bool m_ended = false;
     int m_errorsInARow = 0;
 };
 
 void AudioFileDecoder::Private::open() {
+    av_frame_unref(m_frame.get());
+    m_frameDone = 0;
+    m_position = 0;
+    m_inputEnded = false;
+    m_seekPlace = -1;
+    m_isAtStart = true;
     m_container = std::make_unique<MediaContainer>(m_input);
     AVFormatContext &format = m_container->format();
     const AVCodec *codec = nullptr;
@@ -93,6 +138,7 @@ void AudioFileDecoder::Private::open() {
     m_codec->thread_count = 1;
     if (avcodec_open2(m_codec.get(), codec, nullptr) < 0)
         failFormat();
+    m_end = findEnd();
 }
 
 void AudioFileDecoder::Private::failFormat() const {
@@ -109,58 +155,134 @@ void AudioFileDecoder::Private::reopen() {
     open();
 }
 
+// FFmpeg cuts the padding off that encoders add at the end of all but MP4 files. What has no known end cannot
+// be read again.
+std::optional<std::int64_t> AudioFileDecoder::Private::findEnd() {
+    AVFormatContext &format = m_container->format();
+    if (!m_input->size() || m_stream->codecpar->codec_id != AV_CODEC_ID_AAC || !isFormat("mov"))
+        return std::nullopt;
+    const std::optional<std::int64_t> length = lengthInTag(format);
+    return length ? length : lengthInMP4(format, *m_stream);
+}
+
+// FFmpeg knows no time there, and makes one up, unless it comes from the page before.
+bool AudioFileDecoder::Private::isInLastPage() {
+    static constexpr int flagsOffset = 5;
+    static constexpr int lastPage = 4;
+    AVIOContext *const io = m_container->format().pb;
+    if (!m_input->size() || !isFormat("ogg") || m_seekPlace < 0)
+        return false;
+    const std::int64_t place = avio_tell(io);
+    avio_seek(io, m_seekPlace + flagsOffset, SEEK_SET);
+    const int flags = avio_r8(io);
+    avio_seek(io, place, SEEK_SET);
+    return (flags & lastPage) != 0;
+}
+
+// In a Vorbis file of one page FFmpeg takes the first packet, which only starts the decoder, for sound, and
+// cuts as much too early.
+void AudioFileDecoder::Private::trimOnlyPage() {
+    if (m_codec->codec_id != AV_CODEC_ID_VORBIS || m_stream->duration <= 0 || !isInLastPage())
+        return;
+    m_codec->flags2 |= AV_CODEC_FLAG2_SKIP_MANUAL;
+    m_end = samples(m_stream->duration, std::max(1, m_codec->sample_rate));
+}
+
 double AudioFileDecoder::Private::duration() const {
+    const AVCodecParameters &codec = *m_stream->codecpar;
+    if (m_end && codec.sample_rate > 0)
+        return static_cast<double>(*m_end) / codec.sample_rate;
+    double seconds = 0;
     if (m_stream->duration > 0)
-        return static_cast<double>(m_stream->duration) * av_q2d(m_stream->time_base);
-    const std::int64_t whole = m_container->format().duration;
-    return whole > 0 ? static_cast<double>(whole) / AV_TIME_BASE : 0.0;
+        seconds = static_cast<double>(m_stream->duration) * av_q2d(m_stream->time_base);
+    else if (const std::int64_t whole = m_container->format().duration; whole > 0)
+        seconds = static_cast<double>(whole) / AV_TIME_BASE;
+    // These count the encoder's delay as well.
+    if (codec.codec_id == AV_CODEC_ID_MP3 && m_stream->start_time > 0)
+        seconds -= static_cast<double>(m_stream->start_time) * av_q2d(m_stream->time_base);
+    else if (codec.codec_id == AV_CODEC_ID_OPUS && codec.sample_rate > 0)
+        seconds -= static_cast<double>(codec.initial_padding) / codec.sample_rate;
+    return std::max(seconds, 0.0);
+}
+
+bool AudioFileDecoder::Private::hasMore() {
+    while (!m_ended && m_frameDone >= m_frame->nb_samples) {
+        if (!nextFrame())
+            return false;
+    }
+    return !m_ended;
 }
 
 std::span<const StereoFrame> AudioFileDecoder::Private::read() {
     m_out.clear();
     while (m_out.empty() && !m_ended) {
-        if (m_frameDone < m_frame->nb_samples) {
-            const int count = m_resampler.convert(*m_frame, m_frameDone, m_out);
+        if (hasMore()) {
+            const int count = m_resampler->convert(*m_frame, m_frameDone, m_out);
             if (count == 0)
                 throw AudioCoreError::readFailure();
             m_frameDone += count;
-        } else if (!nextFrame()) {
-            m_resampler.drain(m_out);
+        } else {
+            m_resampler->drain(m_out);
             m_ended = true;
         }
     }
     return m_out;
 }
 
+std::optional<std::int64_t> AudioFileDecoder::Private::continueFrom(Private &previous) {
+    if (!hasMore() || !previous.m_resampler->canContinue(*m_frame))
+        return std::nullopt;
+    m_resampler = std::exchange(previous.m_resampler, std::make_unique<StereoResampler>(m_sampleRate));
+    return m_resampler->framesDue();
+}
+
 // False at the end.
 bool AudioFileDecoder::Private::nextFrame() {
+    while (receiveFrame()) {
+        if (takeFrame())
+            return true;
+    }
+    return false;
+}
+
+bool AudioFileDecoder::Private::receiveFrame() {
     while (true) {
         const int result = avcodec_receive_frame(m_codec.get(), m_frame.get());
         if (result == 0) {
             m_errorsInARow = 0;
-            if (takeFrame())
-                return true;
-        } else if (result == AVERROR_EOF) {
-            return false;
-        } else {
-            if (result != AVERROR(EAGAIN))
-                countError();
-            feed();
+            return true;
         }
+        if (result == AVERROR_EOF)
+            return false;
+        if (result != AVERROR(EAGAIN))
+            countError();
+        feed();
     }
 }
 
-// Places the decoded frame in time; false when all of it lies before the place that was sought.
+bool AudioFileDecoder::Private::isTimed() const {
+    return m_frame->best_effort_timestamp != AV_NOPTS_VALUE && m_frame->sample_rate > 0;
+}
+
+// Places the decoded frame in time; false when all of it lies before the place that was sought or behind the
+// end.
 bool AudioFileDecoder::Private::takeFrame() {
     const int rate = m_frame->sample_rate;
-    const std::int64_t time = m_frame->best_effort_timestamp;
-    if (time != AV_NOPTS_VALUE && rate > 0)
-        m_position = av_rescale_q(time - origin(), m_stream->time_base, {1, rate});
+    if (isTimed()) {
+        const std::int64_t time = samples(m_frame->best_effort_timestamp, rate);
+        if (!m_origin) {
+            const std::int64_t start =
+                m_stream->start_time == AV_NOPTS_VALUE ? 0 : samples(m_stream->start_time, rate);
+            m_origin = time - start <= std::llround(longestDelay * rate) ? time : start;
+        }
+        m_position = time - *m_origin;
+    }
     const std::int64_t start = m_position;
     m_position += m_frame->nb_samples;
     m_frameDone = 0;
+    trimEnd(start);
     if (!m_target)
-        return true;
+        return m_frame->nb_samples > 0;
     const std::int64_t before = std::llround(*m_target * rate) - start;
     if (before >= m_frame->nb_samples) {
         m_frameDone = m_frame->nb_samples;
@@ -169,6 +291,12 @@ bool AudioFileDecoder::Private::takeFrame() {
     m_frameDone = static_cast<int>(std::max<std::int64_t>(before, 0));
     m_target.reset();
     return true;
+}
+
+void AudioFileDecoder::Private::trimEnd(std::int64_t start) {
+    if (m_end)
+        m_frame->nb_samples =
+            static_cast<int>(std::clamp<std::int64_t>(*m_end - start, 0, m_frame->nb_samples));
 }
 
 void AudioFileDecoder::Private::feed() {
@@ -189,8 +317,14 @@ void AudioFileDecoder::Private::feed() {
         countError();
         return;
     }
-    if (m_packet->stream_index == m_stream->index && avcodec_send_packet(m_codec.get(), m_packet.get()) < 0)
-        countError();
+    if (m_packet->stream_index == m_stream->index) {
+        if (m_seekPlace < 0)
+            m_seekPlace = m_packet->pos;
+        if (std::exchange(m_isAtStart, false))
+            trimOnlyPage();
+        if (avcodec_send_packet(m_codec.get(), m_packet.get()) < 0)
+            countError();
+    }
     av_packet_unref(m_packet.get());
 }
 
@@ -200,31 +334,45 @@ void AudioFileDecoder::Private::countError() {
 }
 
 void AudioFileDecoder::Private::seek(double seconds) {
-    av_frame_unref(m_frame.get());
-    m_frameDone = 0;
-    m_resampler.reset();
-    m_target = seconds;
+    if (!m_origin)
+        static_cast<void>(hasMore());
+    m_resampler = std::make_unique<StereoResampler>(m_sampleRate);
     m_errorsInARow = 0;
-    m_inputEnded = false;
     m_ended = duration() > 0 && seconds >= duration();
     if (m_ended)
         return;
-    if (seekFile(seconds)) {
-        avcodec_flush_buffers(m_codec.get());
-    } else {
-        reopen(); // and decode up to the place
-        m_position = 0;
+    m_target = seconds;
+    for (const double preroll : prerollSeconds) {
+        if (!seekFile(seconds - preroll))
+            break;
+        if (receiveFrame() && isTimed() && !isInLastPage() &&
+            samples(m_frame->best_effort_timestamp, m_frame->sample_rate) - m_origin.value_or(0) <=
+                std::llround(seconds * m_frame->sample_rate)) {
+            takeFrame();
+            return;
+        }
     }
+    reopen(); // and decode up to the place
 }
 
 bool AudioFileDecoder::Private::seekFile(double seconds) {
-    const double before = std::max(0.0, seconds - prerollSeconds) / av_q2d(m_stream->time_base);
-    const std::int64_t time = origin() + static_cast<std::int64_t>(before);
-    m_position = av_rescale_q(time - origin(), m_stream->time_base, {1, std::max(1, m_codec->sample_rate)});
+    const int rate = std::max(1, m_codec->sample_rate);
+    const std::int64_t place = std::llround(std::max(0.0, seconds) * rate) + m_origin.value_or(0);
+    std::int64_t time = av_rescale_q(place, {1, rate}, m_stream->time_base);
+    if (seconds <= 0 && avformat_index_get_entries_count(m_stream) > 0) // that may be before the sound
+        time = std::min(time, avformat_index_get_entry(m_stream, 0)->timestamp);
+    av_frame_unref(m_frame.get());
+    m_frameDone = 0;
+    m_inputEnded = false;
+    m_seekPlace = -1;
+    m_isAtStart = false;
     const bool found =
         av_seek_frame(&m_container->format(), m_stream->index, time, AVSEEK_FLAG_BACKWARD) >= 0;
     m_container->throwFailure();
-    return found;
+    if (!found)
+        return false;
+    avcodec_flush_buffers(m_codec.get());
+    return true;
 }
 
 AudioFileDecoder::AudioFileDecoder(std::shared_ptr<AudioInput> input, int sampleRate)
@@ -249,6 +397,14 @@ double AudioFileDecoder::duration() const {
 
 std::span<const StereoFrame> AudioFileDecoder::read() {
     return d->read();
+}
+
+bool AudioFileDecoder::hasMore() {
+    return d->hasMore();
+}
+
+std::optional<std::int64_t> AudioFileDecoder::continueFrom(AudioFileDecoder &previous) {
+    return d->continueFrom(*previous.d);
 }
 
 void AudioFileDecoder::seek(double seconds) {

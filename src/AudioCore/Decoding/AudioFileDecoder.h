@@ -31,6 +31,13 @@ class AudioFileDecoder {
     /// The next frames, valid until the next call; empty at the end. Throws AudioCoreError::readFailure when
     /// nothing but damage is left.
     [[nodiscard]] std::span<const StereoFrame> read();
+    /// Whether there is more sound in the file. If not, read() still gives what the change of the sample rate
+    /// holds back. Throws as read() does.
+    [[nodiscard]] bool hasMore();
+    /// Before the first read(): takes over what a file without more sound holds back, so that both are
+    /// resampled as one sound. The number of frames that read() gives next and that still belong to
+    /// `previous`, which is at its end now; none when there is nothing to take over. Throws as read() does.
+    [[nodiscard]] std::optional<std::int64_t> continueFrom(AudioFileDecoder &previous);
     /// Goes on at the frame nearest to a time of 0 or more: exactly there for lossless formats, within one
     /// codec frame for others. Behind the end there is nothing to read.
     void seek(double seconds);

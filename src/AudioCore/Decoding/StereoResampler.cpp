@@ -15,12 +15,20 @@ static constexpr int mostChannels = 64; // the library's own limit
 // What one call makes of a frame, about.
 static constexpr std::int64_t pieceFrames = 8192;
 
-bool StereoResampler::configure(const AVFrame &frame) {
+bool StereoResampler::isMadeFor(const AVFrame &frame) const {
+    return frame.format == m_format && frame.sample_rate == m_rate &&
+           av_channel_layout_compare(&frame.ch_layout, &m_layout) == 0;
+}
+
+std::int64_t StereoResampler::framesDue() const {
+    return m_swr ? av_rescale(m_samplesIn, m_outputRate, m_rate) - m_framesOut : 0;
+}
+
+bool StereoResampler::configure(const AVFrame &frame, std::vector<StereoFrame> &out) {
     const AVChannelLayout &layout = frame.ch_layout;
-    if (m_swr && frame.format == m_format && frame.sample_rate == m_rate &&
-        av_channel_layout_compare(&layout, &m_layout) == 0)
+    if (m_swr && isMadeFor(frame))
         return true;
-    m_swr.reset();
+    drain(out);
     if (frame.sample_rate < lowestRate || frame.sample_rate > highestRate || layout.nb_channels < 1 ||
         layout.nb_channels > mostChannels)
         return false;
@@ -58,7 +66,7 @@ bool StereoResampler::configure(const AVFrame &frame) {
 }
 
 int StereoResampler::convert(const AVFrame &frame, int first, std::vector<StereoFrame> &out) {
-    if (!configure(frame))
+    if (!configure(frame, out))
         return 0;
     const auto format = static_cast<AVSampleFormat>(frame.format);
     const bool planar = av_sample_fmt_is_planar(format) != 0;
@@ -75,8 +83,15 @@ int StereoResampler::convert(const AVFrame &frame, int first, std::vector<Stereo
 }
 
 void StereoResampler::drain(std::vector<StereoFrame> &out) {
-    if (m_swr)
+    if (!m_swr)
+        return;
+    // The library may give a few frames more or less.
+    const std::size_t end = out.size() + static_cast<std::size_t>(std::max<std::int64_t>(framesDue(), 0));
+    if (m_rate != m_outputRate)
         static_cast<void>(convertSome(nullptr, 0, out));
+    out.resize(end, out.empty() ? StereoFrame{} : out.back());
+    m_swr.reset();
+    m_samplesIn = m_framesOut = 0;
 }
 
 bool StereoResampler::convertSome(const std::uint8_t *const *data, int samples,
@@ -91,6 +106,8 @@ bool StereoResampler::convertSome(const std::uint8_t *const *data, int samples,
     const int count =
         swr_convert(m_swr.get(), &target, room, const_cast<const std::uint8_t **>(data), samples);
     out.resize(before + static_cast<std::size_t>(std::max(count, 0)));
+    m_samplesIn += samples;
+    m_framesOut += std::max(count, 0);
     return count >= 0;
 }
 

@@ -51,20 +51,24 @@ void PlayerNode::render(std::span<StereoFrame> frames) {
     }
     m_isStarved.store(!frames.empty() && m_playing.load(std::memory_order_relaxed),
                       std::memory_order_relaxed);
+    if (!frames.empty())
+        m_isJoining = false;
     std::fill(frames.begin(), frames.end(), StereoFrame{});
 }
 
 std::size_t PlayerNode::renderSome(std::span<StereoFrame> frames) {
-    const std::uint32_t wanted = m_wanted.load(std::memory_order_acquire);
+    const Wanted wanted = m_wanted.load(std::memory_order_acquire);
     const bool playing = m_playing.load(std::memory_order_acquire);
     const auto silent = [this] { return m_buffering || m_gain.value() == 0.0F; };
-    if (!m_inSegment || (m_generation != wanted && silent())) {
+    if (!m_inSegment || (!wanted.contains(m_generation) && silent())) {
         m_inSegment = false;
-        if (!skipToSegment(wanted) || !playing)
+        // A pause that comes just before a join ends its fade behind it.
+        const bool fadesAcross = m_isJoining && m_gain.value() != 0.0F;
+        if (!skipToSegment(wanted) || (!playing && !fadesAcross))
             return 0;
         enterSegment();
     }
-    const bool audible = playing && m_generation == wanted;
+    const bool audible = playing && wanted.contains(m_generation);
     if (!audible && silent())
         return 0;
 
@@ -86,7 +90,7 @@ std::size_t PlayerNode::renderSome(std::span<StereoFrame> frames) {
         return 0;
     }
     m_buffering = false;
-    return copyFaded(frames, available, audible, mark.has_value());
+    return copyFaded(frames, available, audible, mark.has_value(), wanted);
 }
 
 std::optional<PlayerNode::Mark> PlayerNode::nextMark() const {
@@ -96,14 +100,14 @@ std::optional<PlayerNode::Mark> PlayerNode::nextMark() const {
     return m_marks.at(number);
 }
 
-// Lets go of everything before the wanted generation's segment. A newer one stays: its request is on the way.
-bool PlayerNode::skipToSegment(std::uint32_t wanted) {
+// Lets go of everything before the next wanted segment. One that is too new stays: its request is on the way.
+bool PlayerNode::skipToSegment(const Wanted &wanted) {
     const std::uint64_t written = m_frames.written();
     while (const std::optional<Mark> mark = nextMark()) {
         m_read = mark->number;
-        if (!mark->isEnd && mark->generation >= wanted) {
+        if (!mark->isEnd && !wanted.isOutOfDate(mark->generation)) {
             m_frames.release(m_read);
-            return mark->generation == wanted;
+            return wanted.contains(mark->generation);
         }
         m_marks.release(m_marks.released() + 1);
     }
@@ -118,8 +122,11 @@ void PlayerNode::enterSegment() {
     m_generation = mark.generation;
     m_position = mark.startFrame;
     m_inSegment = true;
-    m_buffering = true;
-    m_gain.set(mark.startFrame == 0 ? 1.0F : 0.0F);
+    // What fades across a join goes on.
+    const bool isFading = std::exchange(m_isJoining, false) && mark.startFrame == 0 && m_gain.value() != 1.0F;
+    m_buffering = !isFading;
+    if (!isFading)
+        m_gain.set(mark.startFrame == 0 ? 1.0F : 0.0F);
     publish(false);
 }
 
@@ -128,12 +135,23 @@ void PlayerNode::leaveSegment() {
     m_inSegment = false;
     if (m_marks.at(m_marks.released()).isEnd) {
         m_marks.release(m_marks.released() + 1);
+        m_isJoining = true;
         publish(true);
     }
 }
 
+// Whether another wanted segment begins where this one ends.
+bool PlayerNode::isJoined(const Wanted &wanted) const {
+    const std::uint64_t number = m_marks.released();
+    if (m_marks.written() - number < 2 || !wanted.contains(m_generation))
+        return false;
+    const Mark &end = m_marks.at(number);
+    const Mark &next = m_marks.at(number + 1);
+    return end.isEnd && !next.isEnd && wanted.contains(next.generation) && next.number == end.number;
+}
+
 std::size_t PlayerNode::copyFaded(std::span<StereoFrame> frames, std::size_t available, bool audible,
-                                  bool endKnown) {
+                                  bool endKnown, const Wanted &wanted) {
     // The last frames before the sound runs dry fade out; they are kept for that as long as more may come.
     const std::size_t fade = static_cast<std::size_t>(m_fadeFrames);
     std::size_t count = std::min(frames.size(), available);
@@ -143,7 +161,8 @@ std::size_t PlayerNode::copyFaded(std::span<StereoFrame> frames, std::size_t ava
         if (!fadesOut)
             count = std::min(count, available - fade);
     }
-    m_gain.moveTo(fadesOut ? 0.0F : 1.0F, static_cast<int>(fadesOut ? std::min(fade, available) : fade));
+    const bool mustBeShort = fadesOut && !isJoined(wanted);
+    m_gain.moveTo(fadesOut ? 0.0F : 1.0F, static_cast<int>(mustBeShort ? std::min(fade, available) : fade));
     for (std::size_t i = 0; i < count; ++i) {
         const StereoFrame &frame = m_frames.at(m_read + i);
         const float gain = m_gain.next();

@@ -19,11 +19,12 @@ struct StereoFrame {
 
 /// The source of the graph: plays segments of decoded sound, one after the other without a gap.
 ///
-/// A segment belongs to a generation, a number from 1 up to 2^23 that only grows. discardBefore() makes older
-/// segments fade out and vanish, whatever is still queued of them, and newer ones follow in their place; so a
-/// seek or another track needs no co-operation between the threads. Pause, resume, discard and a segment that
-/// starts inside a track fade over a few milliseconds; a segment that starts at a track's first frame plays
-/// as it is.
+/// A segment belongs to a generation, a number from 1 up to 2^23 that only grows. Two generations may be
+/// heard: the current one and the one that is to follow it. discardBefore() and follow() make all others fade
+/// out and vanish, whatever is still queued of them, and newer ones take their place; so a seek, another
+/// track or a change of what comes next needs no co-operation between the threads. Pause, resume, discard and
+/// a segment that starts inside a track fade over a few milliseconds; a segment that starts at a track's
+/// first frame plays as it is, right behind the last frame of the one before.
 ///
 /// Three threads take part, each with its own section below; none ever waits for another.
 class PlayerNode {
@@ -48,7 +49,15 @@ class PlayerNode {
     // Main thread.
     void play() { m_playing.store(true, std::memory_order_release); }
     void pause() { m_playing.store(false, std::memory_order_release); }
-    void discardBefore(std::uint32_t generation) { m_wanted.store(generation, std::memory_order_release); }
+    /// What is to be heard now; nothing follows it yet.
+    void discardBefore(std::uint32_t generation) {
+        m_wanted.store({.current = generation}, std::memory_order_release);
+    }
+    /// What is to be heard when the current generation has ended; 0: nothing.
+    void follow(std::uint32_t generation) {
+        const std::uint32_t current = m_wanted.load(std::memory_order_relaxed).current;
+        m_wanted.store({current, generation}, std::memory_order_release);
+    }
     [[nodiscard]] Progress progress() const;
     /// Whether sound was wanted lately and there was none: it has run dry, or nothing is there to play.
     [[nodiscard]] bool isStarved() const { return m_isStarved.load(std::memory_order_relaxed); }
@@ -64,6 +73,8 @@ class PlayerNode {
     [[nodiscard]] bool endSegment();
     /// Frames of the last begun segment that wait to be played.
     [[nodiscard]] std::int64_t framesAhead() const;
+    /// Whether some of the last begun segment has been played.
+    [[nodiscard]] bool isSounding() const { return m_frames.released() > m_segmentStart; }
     /// Whether the last begun segment could sound now.
     [[nodiscard]] bool hasEnoughToStart() const {
         return framesAhead() >= static_cast<std::int64_t>(m_prebufferFrames);
@@ -74,6 +85,20 @@ class PlayerNode {
     void render(std::span<StereoFrame> frames);
 
   private:
+    // In one atomic word, so that no reader pairs a follower with the wrong track.
+    struct Wanted {
+        std::uint32_t current = 0;
+        std::uint32_t follower = 0;
+
+        [[nodiscard]] bool contains(std::uint32_t generation) const {
+            return generation == current || (generation == follower && follower != 0);
+        }
+        [[nodiscard]] bool isOutOfDate(std::uint32_t generation) const {
+            return !contains(generation) && generation < std::max(current, follower);
+        }
+    };
+    static_assert(std::atomic<Wanted>::is_always_lock_free);
+
     struct Mark {
         std::uint64_t number = 0; ///< of the first frame behind the mark
         std::uint32_t generation = 0;
@@ -83,10 +108,12 @@ class PlayerNode {
 
     std::size_t renderSome(std::span<StereoFrame> frames);
     [[nodiscard]] std::optional<Mark> nextMark() const;
-    [[nodiscard]] bool skipToSegment(std::uint32_t wanted);
+    [[nodiscard]] bool skipToSegment(const Wanted &wanted);
     void enterSegment();
     void leaveSegment();
-    std::size_t copyFaded(std::span<StereoFrame> frames, std::size_t available, bool audible, bool endKnown);
+    std::size_t copyFaded(std::span<StereoFrame> frames, std::size_t available, bool audible, bool endKnown,
+                          const Wanted &wanted);
+    [[nodiscard]] bool isJoined(const Wanted &wanted) const;
     void publish(bool ended);
 
     const int m_fadeFrames;
@@ -94,7 +121,7 @@ class PlayerNode {
     SpscRing<StereoFrame> m_frames;
     SpscRing<Mark> m_marks{64};
     std::atomic<bool> m_playing{false};
-    std::atomic<std::uint32_t> m_wanted{0};
+    std::atomic<Wanted> m_wanted{};
     std::atomic<std::uint64_t> m_progress{0};
     std::atomic<int> m_underruns{0};
     std::atomic<bool> m_isStarved{false};
@@ -108,6 +135,7 @@ class PlayerNode {
     std::int64_t m_position = 0;
     bool m_inSegment = false;
     bool m_buffering = false;
+    bool m_isJoining = false; ///< a segment has just ended, and nothing was heard since
     Ramp m_gain;
 };
 

@@ -226,8 +226,10 @@ void Player::Private::editQueue(const std::function<void(PlayQueue &)> &edit) {
     if (!after && state != PlaybackState::stopped)
         stop();
     Q_EMIT q.queueChanged();
-    if (after == before)
+    if (after == before) {
+        planFollower();
         return;
+    }
     const bool plays = state != PlaybackState::stopped;
     announceTrack();
     if (plays)

@@ -159,7 +159,6 @@ void Player::Private::replaceOutput(bool wasAllHeard) {
     ensureOutput();
     if (url.isEmpty())
         return; // there is no track in it
-    ++generation;
     requestFrom(currentTime);
     if (state == PlaybackState::playing) {
         graph->node()->play();

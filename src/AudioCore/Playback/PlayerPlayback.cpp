@@ -50,6 +50,8 @@ Player::Private::~Private() {
 }
 
 void Player::Private::requestFrom(double seconds) {
+    generation = newGeneration();
+    forgetFollower();
     graph->node()->discardBefore(generation);
     streamer.play({.generation = generation,
                    .url = url,
@@ -57,7 +59,6 @@ void Player::Private::requestFrom(double seconds) {
                    .sampleRate = graph->sampleRate(),
                    .node = graph->node()});
     analyzer.resetCursor();
-    endRenderedAt.reset();
 }
 
 void Player::Private::moveToCurrentTrack(bool autoplay) {
@@ -70,7 +71,8 @@ void Player::Private::startCurrentTrack(bool autoplay) {
     const std::optional<Track> track = queue.current();
     if (!track)
         return;
-    ++generation;
+    generation = newGeneration();
+    forgetFollower();
     autoplayAfterLoad = autoplay;
     fileDuration = 0;
     url.clear();
@@ -104,6 +106,8 @@ void Player::Private::startCurrentTrack(bool autoplay) {
 }
 
 void Player::Private::streamerReported(const TrackStreamer::Report &report) {
+    if (follower && report.generation == follower->generation)
+        follower->report = report;
     if (report.generation != generation)
         return;
     if (report.error) {
@@ -123,6 +127,7 @@ void Player::Private::streamerReported(const TrackStreamer::Report &report) {
     else
         pause();
     watchDownload();
+    planFollower();
 }
 
 void Player::Private::resume() {
@@ -137,16 +142,16 @@ void Player::Private::resume() {
 void Player::Private::pause() {
     autoplayAfterLoad = false;
     graph->node()->pause();
-    timeUpdates.stop();
+    timeUpdates.start(timeUpdatePeriod);
     idleTimer.start();
     pausedFor.start();
     setState(PlaybackState::paused);
 }
 
 void Player::Private::seekTo(double seconds) {
-    ++generation;
     if (!url.isEmpty())
         requestFrom(seconds);
+    planFollower();
     setCurrentTime(seconds);
     emitEvent(PlayerEvents::Seeked{seconds});
 }
@@ -154,7 +159,8 @@ void Player::Private::seekTo(double seconds) {
 void Player::Private::stop() {
     consecutiveFailures = 0;
     autoplayAfterLoad = false;
-    ++generation;
+    generation = newGeneration();
+    forgetFollower();
     streamer.rest();
     if (graph) {
         graph->node()->pause();
@@ -198,36 +204,37 @@ void Player::Private::fail(const PlaybackError &error) {
     emitEvent(PlayerEvents::Failed{{track, error.message, failures, false}});
 }
 
-// Called while playing. The next track starts to load as soon as the last frame is rendered, while the output
-// still plays its latency's worth; without one the player stops when that has been heard.
+// Called while playing, and for a while in a pause, when the end of a track is still on its way to the ear.
 void Player::Private::tick() {
     const PlayerNode::Progress progress = graph->node()->progress();
-    std::chrono::milliseconds next = timeUpdatePeriod;
-    if (progress.generation == generation) {
-        const double rendered = static_cast<double>(progress.frame) / graph->sampleRate();
-        const double latency = output->latency();
-        if (progress.ended) {
-            if (!endRenderedAt)
-                endRenderedAt = Clock::now() + std::chrono::duration_cast<Clock::duration>(latency * 1s);
-            if (queue.indexAfterCurrentEnds() || Clock::now() >= *endRenderedAt) {
-                trackEnded();
-                return;
-            }
-        }
-        if (duration() > 0 && duration() - rendered < endWatchSeconds)
-            next = endWatchPeriod;
-        setCurrentTime(PlayerRules::heardTime(rendered, latency, currentTime, duration()));
+    if (state == PlaybackState::paused && progress.generation <= generation)
+        return;
+    planFollower(); // a seek or a new output has forgotten it
+    if (endIsHeard(progress)) {
+        trackEnded();
+        return;
     }
     if (state == PlaybackState::playing)
-        timeUpdates.start(next);
+        showTime(progress);
+    const bool isNearEnd = duration() > 0 && duration() - currentTime < output->latency() + endWatchSeconds;
+    if (state == PlaybackState::playing || endHeardAt)
+        timeUpdates.start(isNearEnd || endHeardAt ? endWatchPeriod : timeUpdatePeriod);
+}
+
+void Player::Private::showTime(const PlayerNode::Progress &progress) {
+    double rendered = static_cast<double>(progress.frame) / graph->sampleRate();
+    if (progress.generation > generation && duration() > 0)
+        rendered += duration(); // the follower sounds
+    else if (progress.generation != generation)
+        return;
+    setCurrentTime(PlayerRules::heardTime(rendered, output->latency(), currentTime, duration()));
 }
 
 void Player::Private::trackEnded() {
-    if (!queue.advanceAfterTrackEnd()) {
+    if (follower)
+        adoptFollower();
+    else
         stop();
-        return;
-    }
-    moveToCurrentTrack(true);
 }
 
 } // namespace vantor

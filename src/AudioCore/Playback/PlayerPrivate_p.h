@@ -13,7 +13,9 @@
 namespace vantor {
 
 /// The player's working parts. Commands change the queue and call startCurrentTrack(), seekTo() or stop();
-/// every start and seek is a new generation, and what an older one still reports is ignored.
+/// every start and seek is a new generation, and what an older one still reports is ignored. So is every
+/// follower: the track that is decoded behind the current one, and becomes current when that one's end is
+/// heard.
 class Player::Private {
   public:
     Private(Player &player, std::unique_ptr<TrackResolver> trackResolver,
@@ -40,12 +42,21 @@ class Player::Private {
     void editQueue(const std::function<void(PlayQueue &)> &edit);
     [[nodiscard]] double duration() const;
 
+    // What comes next.
+    /// Hands the streamer what follows the current track, if that is not what it has already.
+    void planFollower();
+    void forgetFollower();
+    /// The current track has been heard to its end: the follower is current.
+    void adoptFollower();
+    [[nodiscard]] bool endIsHeard(const PlayerNode::Progress &progress);
+
     // What happens by itself.
     void streamerReported(const TrackStreamer::Report &report);
     void trackFailed(const PlaybackError &error);
     void fail(const PlaybackError &error);
     void trackEnded();
     void tick();
+    void showTime(const PlayerNode::Progress &progress);
 
     // What downloads.
     [[nodiscard]] bool isRemote() const { return !url.isEmpty() && !url.isLocalFile(); }
@@ -69,6 +80,14 @@ class Player::Private {
     void reportOutputFailure(const QString &reason);
     void requestFrom(double seconds);
 
+    struct Follower {
+        QUuid trackID;
+        std::uint32_t generation = 0;
+        QUrl url;
+        std::optional<TrackStreamer::Report> report; ///< once its first sound is decoded, or it failed
+    };
+    std::uint32_t newGeneration() { return ++lastGeneration; }
+
     Player &q;
     const std::unique_ptr<TrackResolver> resolver;
     const std::unique_ptr<OutputDeviceProvider> devices;
@@ -86,8 +105,11 @@ class Player::Private {
     std::optional<QUuid> lastEmittedTrackID;
     bool autoplayAfterLoad = false; ///< whether sound is wanted: what a start that follows by itself inherits
     QUrl url;                       ///< of the loaded file or stream
-    std::uint32_t generation = 0;
-    std::optional<std::chrono::steady_clock::time_point> endRenderedAt;
+    std::uint32_t generation = 0;   ///< of the current track
+    std::uint32_t lastGeneration = 0;
+    std::optional<Follower> follower;
+    /// When the current track's last frame is heard; known once it has been rendered.
+    std::optional<std::chrono::steady_clock::time_point> endHeardAt;
 
     /// What the observers have been told of the download.
     struct DownloadState {

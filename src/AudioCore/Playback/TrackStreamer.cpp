@@ -7,7 +7,10 @@
 
 namespace vantor {
 
-static constexpr int secondsAhead = 2;
+// How much is decoded ahead of what is heard, in seconds. What waits behind another track gets less: it may
+// be exchanged for something else several times, and each leaves its part in the node until the join.
+static constexpr double ahead = 2;
+static constexpr double aheadInWaiting = 0.5;
 // How long the thread rests when the node has enough, and when the node must let something go first.
 static constexpr std::chrono::milliseconds restWhenFull{200};
 static constexpr std::chrono::milliseconds restWhenBlocked{10};
@@ -22,6 +25,7 @@ TrackStreamer::~TrackStreamer() {
         const MutexLock lock(m_mutex);
         m_quitting = true;
         m_stop.request_stop();
+        m_followUpStop.request_stop();
     }
     m_requested.notify_one();
     m_thread.join();
@@ -30,10 +34,30 @@ TrackStreamer::~TrackStreamer() {
 void TrackStreamer::play(Request request) {
     {
         const MutexLock lock(m_mutex);
-        m_stop.request_stop(); // what waits for a server would not hear of it
+        // What waits for a server would not hear of it.
+        m_stop.request_stop();
+        m_followUpStop.request_stop();
         m_stop = std::stop_source();
+        m_followUpGeneration = 0;
         request.stop = m_stop.get_token();
         m_pending = std::move(request);
+        m_pendingFollowUp.reset();
+    }
+    m_requested.notify_one();
+}
+
+void TrackStreamer::follow(std::uint32_t after, std::optional<Request> request) {
+    {
+        const MutexLock lock(m_mutex);
+        if (after == m_followUpGeneration)
+            m_stop = m_followUpStop; // it is the current one now
+        else
+            m_followUpStop.request_stop();
+        m_followUpStop = std::stop_source();
+        m_followUpGeneration = request ? request->generation : 0;
+        if (request)
+            request->stop = m_followUpStop.get_token();
+        m_pendingFollowUp = FollowUp{after, std::move(request)};
     }
     m_requested.notify_one();
 }
@@ -44,25 +68,45 @@ void TrackStreamer::run() {
         wait = work();
 }
 
+bool TrackStreamer::hasNews() const {
+    return m_pending || m_pendingFollowUp || m_quitting;
+}
+
 // False when the streamer ends.
 bool TrackStreamer::takeRequest(Wait wait) {
     MutexLock lock(m_mutex);
-    while (wait == Wait::forRequest && !m_pending && !m_quitting)
+    while (wait == Wait::forRequest && !hasNews())
         lock.wait(m_requested);
-    if ((wait == Wait::forRoom || wait == Wait::shortly) && !m_pending && !m_quitting)
+    if ((wait == Wait::forRoom || wait == Wait::shortly) && !hasNews())
         lock.waitFor(m_requested, wait == Wait::forRoom ? restWhenFull : restWhenBlocked);
-    if (m_pending) {
-        m_request = *std::exchange(m_pending, std::nullopt);
-        m_isNew = true;
-    }
+    if (m_pending)
+        become(*std::exchange(m_pending, std::nullopt));
+    if (m_pendingFollowUp)
+        takeFollowUp(*std::exchange(m_pendingFollowUp, std::nullopt));
     return !m_quitting;
+}
+
+void TrackStreamer::become(Request request) {
+    m_request = std::move(request);
+    m_follower.reset();
+    m_isNew = true;
+    m_isComplete = false;
+}
+
+void TrackStreamer::takeFollowUp(FollowUp followUp) {
+    if (followUp.after == m_request.generation)
+        m_follower = std::move(followUp.request);
+    else
+        become(followUp.request.value_or(Request{}));
+    if (m_isComplete && m_follower)
+        become(*std::exchange(m_follower, std::nullopt));
 }
 
 TrackStreamer::Wait TrackStreamer::work() {
     try {
         if (std::exchange(m_isNew, false))
             begin();
-        return m_request.node ? fill() : Wait::forRequest;
+        return m_request.node && !m_isComplete ? fill() : Wait::forRequest;
     } catch (const AudioInput::Interrupted &) {
         m_decoder.reset(); // in the middle of something
         return Wait::forRequest;
@@ -80,10 +124,16 @@ TrackStreamer::Wait TrackStreamer::work() {
 }
 
 void TrackStreamer::begin() {
-    m_block = {};
     m_hasBegun = false;
     m_isReported = false;
     m_atEnd = false;
+    const bool isJoined = m_request.node && m_joined == m_request.generation;
+    m_block = std::exchange(m_rest, {});
+    m_joined = 0;
+    m_framesOfTail = 0;
+    if (isJoined)
+        return;
+    m_block = {};
     const bool isSame = m_input && m_request.node && m_inputUrl == m_request.url && m_request.start > 0;
     if (!isSame || m_decoderRate != m_request.sampleRate)
         m_decoder.reset();
@@ -122,9 +172,9 @@ void TrackStreamer::open() {
 TrackStreamer::Wait TrackStreamer::fill() {
     PlayerNode &node = *m_request.node;
     if (m_block.empty() && !m_atEnd) {
-        if (m_hasBegun && node.framesAhead() >= std::int64_t{secondsAhead} * m_request.sampleRate)
+        if (m_hasBegun && hasEnoughAhead())
             return Wait::forRoom;
-        m_block = m_decoder->read();
+        readBlock();
         m_atEnd = m_block.empty();
         if (m_atEnd && !m_hasBegun && m_request.start <= 0)
             throw AudioCoreError::readFailure(); // a song without a single frame
@@ -142,7 +192,59 @@ TrackStreamer::Wait TrackStreamer::fill() {
         return Wait::shortly;
     if (!m_atEnd)
         return Wait::none;
-    return node.endSegment() ? Wait::forRequest : Wait::shortly;
+    return finish();
+}
+
+void TrackStreamer::readBlock() {
+    if (m_joined == 0 && m_follower && m_hasBegun && !m_decoder->hasMore())
+        joinFollower();
+    if (m_joined == 0) {
+        m_block = m_decoder->read();
+        return;
+    }
+    m_rest = m_framesOfTail > 0 ? m_decoder->read() : m_rest;
+    const std::size_t count = std::min(m_rest.size(), static_cast<std::size_t>(m_framesOfTail));
+    m_block = m_rest.first(count);
+    m_rest = m_rest.subspan(count);
+    m_framesOfTail -= static_cast<std::int64_t>(count);
+}
+
+// Worth it where the sample rate is changed; otherwise a file's end needs to know nothing of what follows.
+void TrackStreamer::joinFollower() {
+    if (m_decoder->format().sampleRate == m_request.sampleRate || !m_follower->url.isLocalFile() ||
+        std::exchange(m_joinTried, m_follower->generation) == m_follower->generation)
+        return;
+    try {
+        auto input = std::make_shared<FileInput>(m_follower->url.toLocalFile());
+        auto next = std::make_unique<AudioFileDecoder>(input, m_follower->sampleRate);
+        const std::optional<std::int64_t> frames = next->continueFrom(*m_decoder);
+        if (!frames)
+            return;
+        if (!m_isReported)
+            reportBegin();
+        m_decoder = std::move(next);
+        m_input = std::move(input);
+        m_inputUrl = m_follower->url;
+        m_download.reset();
+        m_framesOfTail = *frames;
+        m_joined = m_follower->generation;
+    } catch (const std::exception &) { // it will fail again when its turn has come
+    }
+}
+
+bool TrackStreamer::hasEnoughAhead() const {
+    const double seconds = m_request.node->isSounding() ? ahead : aheadInWaiting;
+    return static_cast<double>(m_request.node->framesAhead()) >= seconds * m_request.sampleRate;
+}
+
+TrackStreamer::Wait TrackStreamer::finish() {
+    if (!m_request.node->endSegment())
+        return Wait::shortly;
+    m_isComplete = true;
+    if (!m_follower)
+        return Wait::forRequest;
+    become(*std::exchange(m_follower, std::nullopt));
+    return Wait::none;
 }
 
 // Not before the node would sound: an output that wakes to silence may rest for a while before it asks again.

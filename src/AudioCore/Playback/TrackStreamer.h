@@ -18,7 +18,8 @@
 namespace vantor {
 
 /// Opens and decodes files and streams on a thread of its own and keeps a player node filled. Only the newest
-/// request counts: one that was replaced before its turn is never opened. Main thread.
+/// request counts: one that was replaced before its turn is never opened. What is to follow a request is
+/// begun as soon as that one is decoded to its end, right behind it in the node. Main thread.
 class TrackStreamer : public QObject {
     Q_OBJECT
 
@@ -46,21 +47,36 @@ class TrackStreamer : public QObject {
     /// Waits for the decoder to finish its present step; not for a server.
     ~TrackStreamer() override;
 
+    /// Takes the place of all that was asked for before.
     void play(Request request);
     void rest() { play({}); }
+    /// What is to come after the request of generation `after`, or nothing. If something else has already
+    /// been begun in that place, it is given up.
+    void follow(std::uint32_t after, std::optional<Request> request);
 
   Q_SIGNALS:
     void reported();
 
   private:
     enum class Wait { none, shortly, forRoom, forRequest };
+    struct FollowUp {
+        std::uint32_t after = 0;
+        std::optional<Request> request;
+    };
 
     void run();
     [[nodiscard]] bool takeRequest(Wait wait);
+    void takeFollowUp(FollowUp followUp);
+    void become(Request request);
+    [[nodiscard]] bool hasNews() const VANTOR_REQUIRES(m_mutex);
     [[nodiscard]] Wait work();
     void begin();
     void open();
+    void readBlock();
+    void joinFollower();
     [[nodiscard]] Wait fill();
+    [[nodiscard]] Wait finish();
+    [[nodiscard]] bool hasEnoughAhead() const;
     void report(Report report);
     void reportBegin();
     void reportFailure(const PlaybackError &error);
@@ -70,12 +86,18 @@ class TrackStreamer : public QObject {
     Mutex m_mutex;
     std::condition_variable m_requested;
     std::optional<Request> m_pending VANTOR_GUARDED_BY(m_mutex);
+    std::optional<FollowUp> m_pendingFollowUp VANTOR_GUARDED_BY(m_mutex);
     std::vector<Report> m_reports VANTOR_GUARDED_BY(m_mutex);
-    std::stop_source m_stop VANTOR_GUARDED_BY(m_mutex); ///< of the newest request
+    // What ends the waits of the newest request and of what is to follow it.
+    std::stop_source m_stop VANTOR_GUARDED_BY(m_mutex);
+    std::stop_source m_followUpStop VANTOR_GUARDED_BY(m_mutex);
+    std::uint32_t m_followUpGeneration VANTOR_GUARDED_BY(m_mutex) = 0;
     bool m_quitting VANTOR_GUARDED_BY(m_mutex) = false;
 
     // Decode thread's.
     Request m_request;
+    std::optional<Request> m_follower; ///< of m_request
+    bool m_isComplete = false;         ///< all of m_request is in the node
     bool m_isNew = false;
     bool m_isReported = false;
     bool m_hasBegun = false;
@@ -86,6 +108,13 @@ class TrackStreamer : public QObject {
     std::unique_ptr<AudioFileDecoder> m_decoder;
     int m_decoderRate = 0;
     std::span<const StereoFrame> m_block; ///< decoded and not yet in the node
+
+    // Between the end of a file whose sample rate is changed and its follower's beginning: both are resampled
+    // as one sound, so the first frames that the follower's decoder gives are the file's last.
+    std::uint32_t m_joined = 0;          ///< generation of the follower that m_decoder belongs to already
+    std::int64_t m_framesOfTail = 0;     ///< still to be read
+    std::span<const StereoFrame> m_rest; ///< read with them: the follower's
+    std::uint32_t m_joinTried = 0;       ///< generation of a follower
 
     std::thread m_thread; ///< last: it uses the others
 };

@@ -49,6 +49,61 @@ TEST(PlayerNodeTest, SegmentsPlayBackToBackWithoutAnyChange) {
     EXPECT_EQ(node.underruns(), 0);
 }
 
+TEST(PlayerNodeTest, OnlyTheCurrentSegmentAndItsFollowerAreHeard) {
+    const struct {
+        const char *name;
+        std::uint32_t follower;
+        int followsFrom; ///< of the ramp that is heard behind the first segment; 0: silence
+    } rows[] = {{"planned", 2, 2001}, {"replaced", 3, 3001}, {"not yet there", 4, 0}, {"none", 0, 0}};
+    for (const auto &row : rows) {
+        SCOPED_TRACE(row.name);
+        StartedNode node;
+        node.follow(2);
+        for (const int generation : {1, 2, 3}) {
+            feed(node, static_cast<std::uint32_t>(generation), 0, ramp(generation * 1000 + 1, 500));
+            ASSERT_TRUE(node.endSegment());
+        }
+        node.play();
+        std::vector<StereoFrame> heard = render(node, 300);
+        node.follow(row.follower);
+        for (const StereoFrame &frame : render(node, 700))
+            heard.push_back(frame);
+        std::vector<StereoFrame> expected = ramp(1001, 500);
+        if (row.followsFrom > 0)
+            for (const StereoFrame &frame : ramp(row.followsFrom, 500))
+                expected.push_back(frame);
+        expected.resize(1000);
+        EXPECT_EQ(heard, expected);
+        const bool follows = row.followsFrom > 0;
+        EXPECT_EQ(node.progress(), (PlayerNode::Progress{follows ? row.follower : 1, 500, !follows}));
+    }
+}
+
+TEST(PlayerNodeTest, PausingAtAJoinFadesAcrossItAndGoesOnBehindIt) {
+    const std::vector<StereoFrame> second(rate, StereoFrame{1, 1});
+    StartedNode node;
+    node.follow(2);
+    feed(node, 1, 0, second);
+    ASSERT_TRUE(node.endSegment());
+    feed(node, 2, 0, second);
+    node.play();
+    render(node, rate - 5); // much less is left than the fade takes
+    node.pause();
+    std::vector<StereoFrame> heard = render(node, 1000);
+    EXPECT_EQ(heard.back(), StereoFrame{});
+    node.play();
+    for (const StereoFrame &frame : render(node, 1000))
+        heard.push_back(frame);
+    EXPECT_EQ(heard.back(), (StereoFrame{1, 1}));
+    EXPECT_EQ(node.progress().generation, 2U);
+    for (std::size_t i = 1; i < heard.size(); ++i)
+        ASSERT_NEAR(heard[i].left, heard[i - 1].left, 0.004) << i;
+    node.discardBefore(3);
+    heard = render(node, 1000);
+    EXPECT_EQ(heard.back(), StereoFrame{});
+    EXPECT_NEAR(heard.front().left, 1, 0.004) << "a follower that was entered fades out as well";
+}
+
 TEST(PlayerNodeTest, DiscardedSoundVanishesAlsoWhilePaused) {
     StartedNode node;
     feed(node, 1, 0, ramp(1, rate));

@@ -118,8 +118,7 @@ TEST_F(PlayerTest, PlaysAQueueToItsEndInOrder) {
     m_player.play();
     EXPECT_EQ(m_player.state(), PlaybackState::loading);
     ASSERT_TRUE(pumpUntil(PlaybackState::stopped));
-    EXPECT_THAT(takeEvents(),
-                ElementsAre("track a", "loading", "playing", "track b", "loading", "playing", "stopped"));
+    EXPECT_THAT(takeEvents(), ElementsAre("track a", "loading", "playing", "track b", "stopped"));
     EXPECT_EQ(m_player.currentTime(), 0);
     EXPECT_EQ(m_player.currentFormat(), std::nullopt);
     EXPECT_EQ(m_player.queue().currentIndex(), 1) << "the last track stays current";
@@ -129,9 +128,9 @@ TEST_F(PlayerTest, PlaysAQueueToItsEndInOrder) {
     EXPECT_NEAR(static_cast<double>(loud), 0.6 * 44100, 20) << "every sample once; a sine has some zeros";
     m_player.setRepeatMode(RepeatMode::one);
     m_player.play();
-    ASSERT_TRUE(pump([&] { return std::count(m_events.begin(), m_events.end(), "playing") == 2; }));
-    EXPECT_THAT(takeEvents(), ElementsAre("loading", "playing", "loading", "playing"))
-        << "the same entry is not announced again";
+    m_output.heard.clear();
+    ASSERT_TRUE(pump([&] { return m_output.heard.size() > 44100; }));
+    EXPECT_THAT(takeEvents(), ElementsAre("loading", "playing")) << "the same entry is not announced again";
 }
 
 TEST_F(PlayerTest, NoCommandEverClicks) {

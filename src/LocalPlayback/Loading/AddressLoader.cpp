@@ -72,7 +72,7 @@ class Loader {
             takeList(address.url, info, readAll(input));
             m_open.removeLast();
         } else {
-            add({address.url, address.title.isEmpty() ? info.stationName : address.title});
+            add({address.url, address.title.isEmpty() ? info.stationName : address.title, address.artist});
         }
     }
 
@@ -101,7 +101,7 @@ class Loader {
             if (m_stop.stop_requested())
                 return;
             if (isAddress(url))
-                take({url, line.title}, false);
+                take({url, line.title, line.artist}, false);
             else
                 skip(url, unsupportedAddress); // files of this machine are none of the list's business
         }

@@ -15,7 +15,7 @@ class TrackLoaderTest : public test::FolderFixture {
         QStringList texts;
         TrackLoader::load({url}, {}, [&](const TrackLoader::Batch &batch) {
             for (const Track &track : batch.tracks)
-                texts << track.title;
+                texts << (track.artist.isEmpty() ? track.title : track.artist + u": "_qs + track.title);
             for (const SkippedFile &file : batch.skipped)
                 texts << file.url.fileName() + u": "_qs + file.reason;
         });
@@ -39,6 +39,9 @@ TEST_F(TrackLoaderTest, AFolderGivesItsAudioAndAListWhatItNames) {
     EXPECT_EQ(load(list), (QStringList{u"Somebody - Listed"_qs, u"Tagged"_qs,
                                        u"album: This file is not a supported audio file."_qs,
                                        u"notes.txt: This file is not a supported audio file."_qs}));
+    EXPECT_EQ(load(write(u"sheet.cue"_qs, "PERFORMER Ana\nTITLE Dusk\nFILE album/a.wav WAVE\n"
+                                          "FILE album/b.ape WAVE\nFILE album/c.wav WAVE")),
+              (QStringList{u"Ana: Dusk"_qs, u"Tagged"_qs, u"c.wav: This audio file could not be read."_qs}));
     EXPECT_EQ(load(write(u"gone.m3u"_qs, QByteArray("gone.mp3\n").repeated(10'000))),
               QStringList(10'000, u"gone.mp3: This audio file could not be read."_qs));
 

@@ -71,6 +71,11 @@ TEST_F(TrackLoaderTest, AddressesBecomeTracksAndListsThereWhatTheyName) {
             {"/hls.m3u8", answer("audio/mpegurl", "#EXTM3U\n#EXT-X-TARGETDURATION:5\n#EXTINF:5,\na.ts\n")},
             {"/big.pls", answer("audio/x-scpls", QByteArray(2 << 20, 'x'))},
         };
+        if (request.path.startsWith("/list") && request.path.endsWith(".m3u")) {
+            const int next = request.path.mid(5, 1).toInt() + 1;
+            connection.send(answer("text/plain", "song.mp3\n/list" + QByteArray::number(next) + ".m3u\n"));
+            return;
+        }
         const auto found = answers.find(request.path);
         connection.send(found == answers.end() ? "HTTP/1.1 404 No\r\n\r\n" : found->second);
     });
@@ -82,6 +87,9 @@ TEST_F(TrackLoaderTest, AddressesBecomeTracksAndListsThereWhatTheyName) {
          {u"Named"_qs, u"a.m3u: This playlist contains itself."_qs, u"other.host"_qs,
           u"passwd: This kind of address is not supported."_qs}},
         {"/hls.m3u8", {u"hls.m3u8: This audio file's format is not supported."_qs}},
+        {"/list0.m3u",
+         {u"list5.m3u: This playlist lies too deep inside other playlists."_qs, u"song"_qs, u"song"_qs,
+          u"song"_qs, u"song"_qs, u"song"_qs}},
         {"/big.pls", {u"big.pls: This playlist file is too large."_qs}},
         {"/gone", {u"gone"_qs + skipped}},
         {"/gone%20song.mp3", {u"gone song"_qs}},

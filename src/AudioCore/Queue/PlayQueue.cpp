@@ -113,6 +113,29 @@ void rearrange(std::vector<Track> &tracks, std::vector<int> order) {
 
 } // namespace
 
+PlayQueue::PlayQueue(std::vector<Track> tracks, std::optional<int> currentIndex, RepeatMode repeatMode,
+                     bool isShuffled, std::vector<int> shuffleOrder, int shufflePosition,
+                     std::vector<int> nextPass)
+    : m_tracks(std::move(tracks)), m_repeatMode(repeatMode) {
+    if (currentIndex && *currentIndex >= 0 && *currentIndex < count())
+        m_currentIndex = currentIndex;
+    if (!isShuffled)
+        return;
+    const auto isPlace = [&] {
+        return shufflePosition >= 0 && shufflePosition < count() &&
+               shuffleOrder[static_cast<size_t>(shufflePosition)] == m_currentIndex;
+    };
+    if (!isPermutation(shuffleOrder, count()) || !isPermutation(nextPass, count()) ||
+        !(m_currentIndex ? isPlace() : shufflePosition == -1)) {
+        setShuffle(true);
+        return;
+    }
+    m_isShuffled = true;
+    m_shuffleOrder = std::move(shuffleOrder);
+    m_shufflePosition = shufflePosition;
+    m_nextPass = std::move(nextPass);
+}
+
 std::optional<Track> PlayQueue::current() const {
     if (!m_currentIndex)
         return std::nullopt;

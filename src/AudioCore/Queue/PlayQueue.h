@@ -31,6 +31,10 @@ class PlayQueue {
   public:
     PlayQueue() = default;
     explicit PlayQueue(std::vector<Track> tracks) : m_tracks(std::move(tracks)) {}
+    /// From every field. A current index outside counts as none; passes that break the invariants are drawn
+    /// anew.
+    PlayQueue(std::vector<Track> tracks, std::optional<int> currentIndex, RepeatMode repeatMode,
+              bool isShuffled, std::vector<int> shuffleOrder, int shufflePosition, std::vector<int> nextPass);
 
     [[nodiscard]] const std::vector<Track> &tracks() const { return *m_tracks; }
     [[nodiscard]] int count() const { return static_cast<int>(m_tracks->size()); }

@@ -14,6 +14,7 @@ constexpr QLatin1String tooLarge("This playlist file is too large.");
 constexpr QLatin1String damaged("This playlist file is damaged.");
 constexpr QLatin1String tooMany("This playlist is too long; its end was left out.");
 constexpr QLatin1String circular("This playlist contains itself.");
+constexpr QLatin1String tooDeep("This playlist lies too deep inside other playlists.");
 constexpr QLatin1String tooManyLists("Too many playlists are inside each other.");
 constexpr QLatin1String unsupportedAddress("This kind of address is not supported.");
 
@@ -49,6 +50,8 @@ class Loader {
             return add(address);
         if (isList && m_open.contains(address.url))
             return skip(address.url, circular);
+        if (isList && m_open.size() > PlaylistFile::maxDepth)
+            return skip(address.url, tooDeep);
         if (m_lists >= maxLists)
             return skip(address.url, tooManyLists);
         try {
@@ -72,7 +75,7 @@ class Loader {
             takeList(address.url, info, readAll(input));
             m_open.removeLast();
         } else {
-            add({address.url, address.title.isEmpty() ? info.stationName : address.title});
+            add({address.url, address.title.isEmpty() ? info.stationName : address.title, address.artist});
         }
     }
 
@@ -101,7 +104,7 @@ class Loader {
             if (m_stop.stop_requested())
                 return;
             if (isAddress(url))
-                take({url, line.title}, false);
+                take({url, line.title, line.artist}, false);
             else
                 skip(url, unsupportedAddress); // files of this machine are none of the list's business
         }

@@ -32,7 +32,7 @@ class Loader {
         else if (PlaylistFile::isPlaylist(url))
             takePlaylist(url);
         else
-            takeFile(url, {});
+            takeFile({url, {}});
     }
 
     void deliver() {
@@ -44,16 +44,18 @@ class Loader {
   private:
     [[nodiscard]] bool isCancelled() const { return m_stop.stop_requested(); }
 
-    void takeFile(const QUrl &url, const QString &listedTitle) {
+    void takeFile(const PlaylistEntry &entry) {
         if (isCancelled())
             return;
         try {
-            Track track = Track::file(url);
-            if (!listedTitle.isEmpty() && !hasOwnTitle(track, url))
-                track.title = listedTitle;
+            Track track = Track::file(entry.url);
+            if (!entry.title.isEmpty() && !hasOwnTitle(track, entry.url)) {
+                track.title = entry.title;
+                track.artist = entry.artist;
+            }
             m_batch.tracks.push_back(std::move(track));
         } catch (const AudioCoreError &error) {
-            m_batch.skipped.push_back({url, error.description()});
+            m_batch.skipped.push_back({entry.url, error.description()});
         }
         deliverInTime();
     }
@@ -66,6 +68,7 @@ class Loader {
             Track track;
             track.id = QUuid::createUuid();
             track.title = entry.title.isEmpty() ? AddressLoader::titleOf(entry.url) : entry.title;
+            track.artist = entry.artist;
             track.source = entry.url;
             m_batch.tracks.push_back(std::move(track));
         }
@@ -90,7 +93,7 @@ class Loader {
             files.append(walk.next());
         files.sort(Qt::CaseInsensitive);
         for (const QString &file : files)
-            takeFile(QUrl::fromLocalFile(file), {});
+            takeFile({QUrl::fromLocalFile(file), {}});
     }
 
     void takePlaylist(const QUrl &list) {
@@ -99,7 +102,7 @@ class Loader {
             if (AddressLoader::isAddress(entry.url))
                 takeAddress(entry, false);
             else
-                takeFile(entry.url, entry.title);
+                takeFile(entry);
         }
         take(contents.skipped);
     }

@@ -1,5 +1,7 @@
 #include "LocalPlayback/Playlists/PlaylistFile.h"
 
+#include "LocalPlayback/Loading/AddressLoader.h"
+#include "LocalPlayback/Loading/TrackLoader.h"
 #include "LocalPlayback/Playlists/PlaylistParser.h"
 
 #include <QDir>
@@ -48,9 +50,23 @@ QUrl resolved(const QDir &folder, const PlaylistParser::Line &line) {
     return resolvedPath(folder, line.location);
 }
 
+/// The file itself, or the one of the same name beside it: cue sheets keep the names that files had before
+/// they were compressed.
+QUrl asKeptNow(const QUrl &file) {
+    const QFileInfo info(file.toLocalFile());
+    if (!file.isLocalFile() || info.exists())
+        return file;
+    const QString stem = info.path() + QLatin1Char('/') + info.completeBaseName();
+    for (const QString &pattern : TrackLoader::audioPatterns()) {
+        const QString other = stem + pattern.sliced(1);
+        if (QFileInfo::exists(other))
+            return QUrl::fromLocalFile(other);
+    }
+    return file;
+}
+
 bool isSupported(const QUrl &url) {
-    return (url.isLocalFile() && !url.toLocalFile().isEmpty()) || url.scheme() == QLatin1String("http") ||
-           url.scheme() == QLatin1String("https");
+    return (url.isLocalFile() && !url.toLocalFile().isEmpty()) || AddressLoader::isAddress(url);
 }
 
 class Reader {
@@ -79,13 +95,16 @@ class Reader {
   private:
     void take(const QUrl &list, const QFileInfo &info, const QByteArray &bytes) {
         const auto format = PlaylistParser::formatOf(bytes, info.suffix().toLower());
-        const auto parsed = PlaylistParser::parse(bytes, format, maxEntries - m_taken);
+        const auto parsed = PlaylistParser::parse(bytes, format, room());
         const QDir folder = info.absoluteDir();
         bool isCut = parsed.isCut;
         for (const PlaylistParser::Line &line : parsed.lines) {
-            isCut = isCut || m_taken >= maxEntries; // lists inside this one take room as well
-            if (m_taken < maxEntries)
-                takeLine(folder, line);
+            if (room() == 0) { // lists inside this one take room as well
+                isCut = true;
+                break;
+            }
+            const QUrl url = resolved(folder, line);
+            takeLine(format == PlaylistParser::Format::cue ? asKeptNow(url) : url, line);
         }
         if (isCut)
             skip(list, tooMany);
@@ -93,21 +112,22 @@ class Reader {
             skip(list, damaged);
     }
 
-    void takeLine(const QDir &folder, const PlaylistParser::Line &line) {
-        const QUrl url = resolved(folder, line);
+    void takeLine(const QUrl &url, const PlaylistParser::Line &line) {
         if (isPlaylist(url))
-            return read(url);
-        ++m_taken;
-        if (isSupported(url))
-            contents.entries.push_back({url, line.title});
+            read(url);
+        else if (isSupported(url))
+            contents.entries.push_back({url, line.title, line.artist});
         else
             skip(url, unsupportedAddress);
     }
 
+    /// What is left out takes room too: lists that name each other are many lines in little space.
+    [[nodiscard]] size_t room() const {
+        return maxEntries - std::min(maxEntries, contents.entries.size() + contents.skipped.size());
+    }
     void skip(const QUrl &url, QLatin1String reason) { contents.skipped.push_back({url, reason}); }
 
     QStringList m_open; ///< the lists around the present one, and itself
-    size_t m_taken = 0;
     int m_lists = 0;
 };
 

@@ -11,8 +11,9 @@ namespace vantor {
 
 /// One thing to play that a playlist names.
 struct PlaylistEntry {
-    QUrl url;      ///< a local file, which need not exist, or an http(s) address
-    QString title; ///< the list's own words, "Artist - Title" or the like; may be empty
+    QUrl url;         ///< a local file, which need not exist, or an http(s) address
+    QString title;    ///< the list's own words; may be empty, or "Artist - Title"
+    QString artist{}; ///< where the list keeps it apart
 
     bool operator==(const PlaylistEntry &) const = default;
 };
@@ -39,8 +40,8 @@ struct Contents {
 [[nodiscard]] bool isPlaylist(const QUrl &url);
 
 /// The entries in order, those of local lists inside in their places. A cue sheet gives each of its files
-/// once, since a queue entry is a whole file. What was left out, and the list itself when it cannot be read,
-/// is in `skipped` with a sentence that says why.
+/// once, since a queue entry is a whole file, and a compressed one for a file that is gone. What was left
+/// out, and the list itself when it cannot be read, is in `skipped` with a sentence that says why.
 [[nodiscard]] Contents read(const QUrl &list);
 
 /// Writes PLS for the extension "pls" and M3U8 for every other. Files in the list's folder or below it are

@@ -3,6 +3,7 @@
 #include "Platform/TextDecoding.h"
 #include "Platform/TextLines.h"
 
+#include <QHash>
 #include <QXmlStreamReader>
 
 #include <map>
@@ -16,10 +17,6 @@ constexpr qsizetype longestTitle = 1024; // as of a tag; the rest is dropped
 
 QString tidy(QStringView text) {
     return text.left(longestTitle).toString().simplified();
-}
-
-QString joined(const QString &artist, const QString &title) {
-    return artist.isEmpty() || title.isEmpty() ? title : artist + QStringLiteral(" - ") + title;
 }
 
 /// Adds a line unless the list is full. Whether to go on.
@@ -106,19 +103,16 @@ void skipElement(QXmlStreamReader &xml) {
 Line xspfTrack(QXmlStreamReader &xml) {
     Line line;
     line.isURI = true;
-    QString artist;
-    QString title;
     while (xml.readNextStartElement()) {
         if (xml.name() == u"location" && line.location.isEmpty()) // others are the same music elsewhere
             line.location = xml.readElementText().trimmed();
         else if (xml.name() == u"title")
-            title = tidy(xml.readElementText());
+            line.title = tidy(xml.readElementText());
         else if (xml.name() == u"creator")
-            artist = tidy(xml.readElementText());
+            line.artist = tidy(xml.readElementText());
         else
             skipElement(xml);
     }
-    line.title = joined(artist, title);
     return line;
 }
 
@@ -148,9 +142,16 @@ Result parseXSPF(const QByteArray &bytes, size_t maxLines) {
     return result;
 }
 
+/// Up to the first blank, and what is behind it.
+std::pair<QStringView, QStringView> splitWord(QStringView text) {
+    text = text.trimmed();
+    const auto *const end = std::ranges::find_if(text, [](QChar c) { return c.isSpace(); });
+    const QStringView word = text.first(end - text.begin());
+    return {word, text.sliced(word.size()).trimmed()};
+}
+
 /// The rest of a cue line behind the command: without its quotes, or of a FILE line without the type.
 QString cueValue(QStringView rest, bool hasType) {
-    rest = rest.trimmed();
     const qsizetype end = rest.startsWith(u'"') ? rest.indexOf(u'"', 1) : -1;
     if (end > 0)
         return rest.sliced(1, end - 1).toString();
@@ -166,29 +167,33 @@ class CueReader {
 
     /// Whether to go on.
     bool take(QStringView line) {
-        line = line.trimmed();
-        const QStringView command = line.first(std::max<qsizetype>(line.indexOf(u' '), 0));
-        const QStringView rest = line.sliced(command.size());
-        const auto is = [&](QStringView name) { return command.compare(name, Qt::CaseInsensitive) == 0; };
-        if (is(u"FILE")) {
-            const bool room = endFile();
-            m_file = cueValue(rest, true);
-            return room;
-        }
+        const auto [command, rest] = splitWord(line);
+        const auto is = [word = command](QStringView name) {
+            return word.compare(name, Qt::CaseInsensitive) == 0;
+        };
+        if (is(u"FILE"))
+            return takeFile(cueValue(rest, true));
         if (is(u"TRACK")) {
-            ++m_tracks;
-            m_track = m_album;
-            m_track.title.clear();
+            endTrack();
+            m_track = Track{.names = {.artist = m_album.artist, .title = {}}, .file = m_file};
+        } else if (is(u"INDEX") && m_track && splitWord(rest).first.toInt() == 1) {
+            m_track->file = m_file; // the pause before a track may end the file before
         } else if (is(u"TITLE")) {
-            (m_tracks > 0 ? m_track : m_album).title = tidy(cueValue(rest, false));
+            (m_track ? m_track->names : m_album).title = tidy(cueValue(rest, false));
         } else if (is(u"PERFORMER")) {
-            (m_tracks > 0 ? m_track : m_album).artist = tidy(cueValue(rest, false));
+            (m_track ? m_track->names : m_album).artist = tidy(cueValue(rest, false));
         }
         return true;
     }
 
     Result finish() {
-        endFile();
+        endTrack();
+        for (size_t i = 0; i < m_files.size(); ++i) {
+            const File &file = m_files[i];
+            const Names &names = file.tracks == 1 && !file.track.title.isEmpty() ? file.track : m_album;
+            m_result.lines[i].title = names.title;
+            m_result.lines[i].artist = names.artist;
+        }
         return std::move(m_result);
     }
 
@@ -197,22 +202,48 @@ class CueReader {
         QString artist;
         QString title;
     };
+    struct File {
+        int tracks = 0;
+        Names track; ///< the last
+    };
+    struct Track {
+        Names names;
+        std::optional<size_t> file;
+    };
 
-    bool endFile() {
-        const Names &names = m_tracks == 1 && !m_track.title.isEmpty() ? m_track : m_album;
-        m_tracks = 0;
-        const QString file = std::exchange(m_file, {});
-        if (file.isEmpty())
+    bool takeFile(const QString &location) {
+        m_file.reset();
+        if (location.isEmpty())
             return true;
-        return add(m_result, {.location = file, .title = joined(names.artist, names.title)}, m_maxLines);
+        const auto known = m_numbers.constFind(location); // some sheets name the file again for every track
+        if (known != m_numbers.constEnd()) {
+            m_file = *known;
+            return true;
+        }
+        if (!add(m_result, {.location = location, .title = {}}, m_maxLines))
+            return false;
+        m_file = m_files.size();
+        m_numbers.insert(location, m_files.size());
+        m_files.emplace_back();
+        return true;
+    }
+
+    void endTrack() {
+        if (m_track && m_track->file) {
+            File &file = m_files[*m_track->file];
+            ++file.tracks;
+            file.track = m_track->names;
+        }
+        m_track.reset();
     }
 
     Result m_result;
     size_t m_maxLines;
-    QString m_file;
-    int m_tracks = 0; ///< of this file
+    std::vector<File> m_files; ///< of each line of the result
+    QHash<QString, size_t> m_numbers;
+    std::optional<size_t> m_file;
     Names m_album;
-    Names m_track;
+    std::optional<Track> m_track;
 };
 
 Result parseCue(const QString &text, size_t maxLines) {

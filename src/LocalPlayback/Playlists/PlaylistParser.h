@@ -12,8 +12,9 @@ enum class Format { m3u, pls, xspf, cue };
 
 struct Line {
     QString location;   ///< as written: a path or an address
-    QString title;      ///< "Artist - Title" or the like; empty when the file does not say
+    QString title;      ///< empty when the file does not say; "Artist - Title" where the format has one text
     bool isURI = false; ///< the format wants an address, in which blanks and such are percent-encoded
+    QString artist{};   ///< where the format keeps it apart
 
     bool operator==(const Line &) const = default;
 };

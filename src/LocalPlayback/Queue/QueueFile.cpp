@@ -1,5 +1,6 @@
 #include "LocalPlayback/Queue/QueueFile.h"
 
+#include "LocalPlayback/Loading/AddressLoader.h"
 #include "LocalPlayback/LocalPlaybackError.h"
 
 #include <QIODevice>
@@ -39,18 +40,21 @@ RepeatMode repeatModeNamed(const QString &name) {
     return mode == allRepeatModes.end() ? RepeatMode::off : *mode;
 }
 
-// The local file of an item.
+// The local file of an item, or its web address, which stands in the path's place: no path from the root
+// looks like one.
 namespace StoredSource {
 
-QJsonObject encode(const QUrl &file) {
-    return {{QStringLiteral("kind"), QStringLiteral("file")}, {QStringLiteral("path"), file.toLocalFile()}};
+QJsonObject encode(const QUrl &url) {
+    const QString path = url.isLocalFile() ? url.toLocalFile() : url.toString(QUrl::FullyEncoded);
+    return {{QStringLiteral("kind"), QStringLiteral("file")}, {QStringLiteral("path"), path}};
 }
 
 QUrl decode(const QJsonObject &object) {
     const QString path = object.value(QLatin1String("path")).toString();
     if (object.value(QLatin1String("kind")) != QLatin1String("file") || path.isEmpty())
         throw LocalPlaybackError::unknownSourceKind();
-    return QUrl::fromLocalFile(path);
+    const QUrl address(path);
+    return AddressLoader::isAddress(address) ? address : QUrl::fromLocalFile(path);
 }
 
 } // namespace StoredSource
@@ -59,7 +63,7 @@ namespace StoredItem {
 
 bool canBeStored(const Track &track) {
     const QUrl *url = std::get_if<QUrl>(&track.source);
-    return url == nullptr || url->isLocalFile();
+    return url == nullptr || url->isLocalFile() || AddressLoader::isAddress(*url);
 }
 
 QJsonObject encode(const Track &track) {

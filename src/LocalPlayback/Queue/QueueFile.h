@@ -17,9 +17,9 @@ struct Decoded {
     int dropped = 0; ///< items that could not be decoded
 };
 
-/// Writes item by item, so that a long queue takes little memory. Items that are neither a local file nor a
-/// library item have no form and are left out. False when the device fails; LocalPlaybackError::queueTooLarge
-/// above the limits.
+/// Writes item by item, so that a long queue takes little memory. Items that are neither a file, a web
+/// address nor a library item have no form and are left out. False when the device fails;
+/// LocalPlaybackError::queueTooLarge above the limits.
 [[nodiscard]] bool write(const QueueSnapshot &snapshot, QIODevice &device);
 
 /// None for what is no queue file, is of another version or exceeds the limits. Never throws.

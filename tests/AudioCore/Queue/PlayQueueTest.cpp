@@ -123,6 +123,35 @@ TEST(PlayQueueTest, ShufflingAndSelectingLeadWithThatTrack) {
     EXPECT_EQ(queue, before);
 }
 
+TEST(PlayQueueTest, IsBuiltFromItsFieldsAsFarAsTheyAgree) {
+    struct Fields {
+        std::optional<int> current;
+        std::vector<int> order;
+        int position;
+        std::vector<int> nextPass;
+        bool areKept;
+    };
+    const Fields rows[] = {
+        {1, {2, 1, 0}, 1, {0, 2, 1}, true},   {{}, {2, 1, 0}, -1, {0, 2, 1}, true},
+        {1, {2, 1, 0}, 2, {0, 2, 1}, false},  {1, {2, 1, 0}, -1, {0, 2, 1}, false},
+        {{}, {2, 1, 0}, 0, {0, 2, 1}, false}, {1, {2, 1, 0}, 3, {0, 2, 1}, false},
+        {1, {1, 1, 0}, 0, {0, 2, 1}, false},  {1, {1, 2, 0}, 0, {}, false},
+        {3, {2, 1, 0}, 0, {0, 2, 1}, false},
+    };
+    for (const Fields &row : rows) {
+        SCOPED_TRACE(&row - rows);
+        const PlayQueue queue(makeTracks("abc"), row.current, RepeatMode::one, true, row.order, row.position,
+                              row.nextPass);
+        expectInvariants(queue);
+        EXPECT_EQ(queue.repeatMode(), RepeatMode::one);
+        EXPECT_EQ(queue.currentIndex(), row.current == 3 ? std::nullopt : row.current);
+        if (row.areKept)
+            EXPECT_EQ(std::tuple(queue.shuffleOrder(), queue.shufflePosition(), queue.nextPass()),
+                      std::tuple(row.order, row.position, row.nextPass));
+    }
+    expectInvariants(PlayQueue(makeTracks("abc"), 1, RepeatMode::off, false, {2, 1, 0}, 1, {0, 2, 1}));
+}
+
 TEST(PlayQueueTest, AppendedTracksComeAnywhereAfterWhatHasPlayed) {
     std::set<std::string> passes, nextPasses, longerPasses, longerNextPasses;
     PlayQueue queue = makeQueue("abc", 0);

@@ -15,7 +15,7 @@ class TrackLoaderTest : public test::FolderFixture {
         QStringList texts;
         TrackLoader::load({url}, {}, [&](const TrackLoader::Batch &batch) {
             for (const Track &track : batch.tracks)
-                texts << track.title;
+                texts << (track.artist.isEmpty() ? track.title : track.artist + u": "_qs + track.title);
             for (const SkippedFile &file : batch.skipped)
                 texts << file.url.fileName() + u": "_qs + file.reason;
         });
@@ -39,6 +39,9 @@ TEST_F(TrackLoaderTest, AFolderGivesItsAudioAndAListWhatItNames) {
     EXPECT_EQ(load(list), (QStringList{u"Somebody - Listed"_qs, u"Tagged"_qs,
                                        u"album: This file is not a supported audio file."_qs,
                                        u"notes.txt: This file is not a supported audio file."_qs}));
+    EXPECT_EQ(load(write(u"sheet.cue"_qs, "PERFORMER Ana\nTITLE Dusk\nFILE album/a.wav WAVE\n"
+                                          "FILE album/b.ape WAVE\nFILE album/c.wav WAVE")),
+              (QStringList{u"Ana: Dusk"_qs, u"Tagged"_qs, u"c.wav: This audio file could not be read."_qs}));
     EXPECT_EQ(load(write(u"gone.m3u"_qs, QByteArray("gone.mp3\n").repeated(10'000))),
               QStringList(10'000, u"gone.mp3: This audio file could not be read."_qs));
 
@@ -68,6 +71,11 @@ TEST_F(TrackLoaderTest, AddressesBecomeTracksAndListsThereWhatTheyName) {
             {"/hls.m3u8", answer("audio/mpegurl", "#EXTM3U\n#EXT-X-TARGETDURATION:5\n#EXTINF:5,\na.ts\n")},
             {"/big.pls", answer("audio/x-scpls", QByteArray(2 << 20, 'x'))},
         };
+        if (request.path.startsWith("/list") && request.path.endsWith(".m3u")) {
+            const int next = request.path.mid(5, 1).toInt() + 1;
+            connection.send(answer("text/plain", "song.mp3\n/list" + QByteArray::number(next) + ".m3u\n"));
+            return;
+        }
         const auto found = answers.find(request.path);
         connection.send(found == answers.end() ? "HTTP/1.1 404 No\r\n\r\n" : found->second);
     });
@@ -79,6 +87,9 @@ TEST_F(TrackLoaderTest, AddressesBecomeTracksAndListsThereWhatTheyName) {
          {u"Named"_qs, u"a.m3u: This playlist contains itself."_qs, u"other.host"_qs,
           u"passwd: This kind of address is not supported."_qs}},
         {"/hls.m3u8", {u"hls.m3u8: This audio file's format is not supported."_qs}},
+        {"/list0.m3u",
+         {u"list5.m3u: This playlist lies too deep inside other playlists."_qs, u"song"_qs, u"song"_qs,
+          u"song"_qs, u"song"_qs, u"song"_qs}},
         {"/big.pls", {u"big.pls: This playlist file is too large."_qs}},
         {"/gone", {u"gone"_qs + skipped}},
         {"/gone%20song.mp3", {u"gone song"_qs}},

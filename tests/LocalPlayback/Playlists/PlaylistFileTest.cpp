@@ -75,6 +75,9 @@ TEST_F(PlaylistFileTest, FollowsListsWithinBoundsAndSaysWhatWasLeftOut) {
     for (const auto &row : rows)
         EXPECT_TRUE(summary(PlaylistFile::read(write(row.name, row.bytes))) == row.expected)
             << row.name.toStdString();
+    write(u"self.m3u"_qs, QByteArray("self.m3u\n").repeated(60'000));
+    const QUrl selves = write(u"selves.m3u"_qs, QByteArray("self.m3u\n").repeated(3));
+    EXPECT_LT(PlaylistFile::read(selves).skipped.size(), PlaylistFile::maxEntries + 5);
 }
 
 TEST_F(PlaylistFileTest, WhatIsWrittenIsReadBack) {

@@ -39,7 +39,7 @@ TEST(PlaylistParserTest, ReadsEveryFormat) {
             <track><location> a%20b.mp3 </location><title>T &amp; U</title><creator>A</creator>
               <location>other</location><extension><deep/></extension></track>
             <track><title>nowhere</title></track><track><location>c</location></track></trackList></playlist>)",
-         lines({{u"a%20b.mp3"_qs, u"A - T & U"_qs}, {u"c"_qs, {}}}, true)},
+         lines({{u"a%20b.mp3"_qs, u"T & U"_qs, true, u"A"_qs}, {u"c"_qs, {}}}, true)},
         {"xspf that breaks off", "xspf",
          "<playlist><trackList><track><location>a</location></track><track><location>b</loc",
          lines({{u"a"_qs, {}}}, true, true)},
@@ -49,11 +49,20 @@ TEST(PlaylistParserTest, ReadsEveryFormat) {
         {"cue of one file", "cue",
          "PERFORMER \"P\"\nTITLE \"Album\"\nFILE \"disc one.wav\" WAVE\n  TRACK 01 AUDIO\n    TITLE \"One\"\n"
          "    INDEX 01 00:00:00\n  TRACK 02 AUDIO\n    TITLE \"Two\"\n",
-         lines({{u"disc one.wav"_qs, u"P - Album"_qs}})},
+         lines({{u"disc one.wav"_qs, u"Album"_qs, false, u"P"_qs}})},
         {"cue of a file each", "cue",
          "PERFORMER P\nFILE a.wav WAVE\nTRACK 01 AUDIO\nTITLE \"One\"\nFILE b c.wav WAVE\nTRACK 02 AUDIO\n"
          "TITLE Two Words\nPERFORMER \"Q\"",
-         lines({{u"a.wav"_qs, u"P - One"_qs}, {u"b c.wav"_qs, u"Q - Two Words"_qs}})},
+         lines({{u"a.wav"_qs, u"One"_qs, false, u"P"_qs}, {u"b c.wav"_qs, u"Two Words"_qs, false, u"Q"_qs}})},
+        {"cue whose pauses end the file before", "cue",
+         "TITLE Album\nFILE\ta.wav WAVE\nTRACK 01 AUDIO\nTITLE One\nINDEX 01 00:00:00\nTRACK 02 AUDIO\n"
+         "TITLE Two\nINDEX 00 03:00:00\nFILE b.wav WAVE\nINDEX 01 00:00:00\nTRACK 03 AUDIO\nTITLE Three\n"
+         "INDEX 00 04:00:00\nFILE c.wav WAVE\nINDEX 01 00:00:00",
+         lines({{u"a.wav"_qs, u"One"_qs}, {u"b.wav"_qs, u"Two"_qs}, {u"c.wav"_qs, u"Three"_qs}})},
+        {"cue that names its file for every track", "cue",
+         "TITLE Album\nFILE a.wav WAVE\nTRACK 01 AUDIO\nTITLE One\nFILE a.wav WAVE\nTRACK 02 AUDIO\nTITLE "
+         "Two",
+         lines({{u"a.wav"_qs, u"Album"_qs}})},
         {"no text", "m3u", QByteArray("\x89PNG\0\1\2", 7), lines({}, false, true)},
         {"nothing", "pls", "", lines({})},
     };

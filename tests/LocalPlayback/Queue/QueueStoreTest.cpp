@@ -35,9 +35,10 @@ TEST_F(QueueStoreTest, EveryFieldSurvivesOfWhatHasAForm) {
         m_store.save(snapshot);
         EXPECT_EQ(m_store.load(), snapshot);
     }
-    QueueSnapshot withStream = snapshot;
-    withStream.items[0].source = QUrl(u"https://example.org/stream"_qs);
-    m_store.save(withStream);
+    snapshot.items[2].source = QUrl(u"https://example.org/a%20b?c=%2F"_qs);
+    QueueSnapshot withOther = snapshot;
+    withOther.items[0].source = QUrl(u"ftp://example.org/stream"_qs);
+    m_store.save(withOther);
     snapshot.items.erase(snapshot.items.begin());
     snapshot.currentIndex = 1;
     EXPECT_EQ(m_store.load(), snapshot);

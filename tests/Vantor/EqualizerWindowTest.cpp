@@ -138,6 +138,13 @@ TEST_F(EqualizerWindowTest, ShadedItHasThePlayersSliders) {
     EXPECT_FALSE(m_window.isVisible());
 }
 
+TEST_F(EqualizerWindowTest, ItIsStillOpenAfterTheProgramHasEnded) {
+    m_model.windows().setOpen(WindowKind::equalizer, true);
+    QTimer::singleShot(0, &m_window, [this] { m_commands.trigger(Commands::Id::quit); });
+    QApplication::exec();
+    EXPECT_TRUE(m_model.windows().isOpen(WindowKind::equalizer));
+}
+
 // Else the next movement would set a band of the new track from where the pointer happens to be.
 TEST_F(EqualizerWindowTest, ASliderLetsGoWhenAnotherTrackBringsItsSetting) {
     m_player.enqueue({Track::file(writeTone("a.wav", 60)), Track::file(writeTone("b.wav", 60))});

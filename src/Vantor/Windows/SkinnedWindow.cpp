@@ -205,10 +205,15 @@ void SkinnedWindow::leaveEvent(QEvent *event) {
     m_pointers.rest();
 }
 
+// QApplication::quit() would close every window first, and each would be remembered as closed by the user.
+void SkinnedWindow::quitProgram() {
+    QCoreApplication::exit();
+}
+
 void SkinnedWindow::closeEvent(QCloseEvent *event) {
     QWidget::closeEvent(event);
     if (m_kind == WindowKind::main)
-        QApplication::quit();
+        quitProgram();
     else
         m_model.windows().setOpen(m_kind, false);
 }

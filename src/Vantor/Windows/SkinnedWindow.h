@@ -61,6 +61,9 @@ class SkinnedWindow : public QWidget, public SkinWindowController {
     [[nodiscard]] std::optional<Control> focusedControl() const { return m_focused; }
     void focusControl(std::optional<Control> id);
 
+    /// Ends the program and leaves the windows open for its next start.
+    static void quitProgram();
+
     [[nodiscard]] QPoint globalPoint(QPoint at) const { return mapToGlobal(at * zoom()); }
 
     /// The window as it looks now, at one image pixel per window pixel; outside its outline transparent.

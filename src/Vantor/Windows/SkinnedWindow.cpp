@@ -188,7 +188,7 @@ void SkinnedWindow::showEvent(QShowEvent *event) {
 // Only the system's window knows that it has gone to another desktop.
 bool SkinnedWindow::eventFilter(QObject *watched, QEvent *event) {
     if (watched == windowHandle() && event->type() == QEvent::Expose) {
-        m_model.clock().setWatched(this, windowHandle()->isExposed());
+        m_model.clock().setWatched(this, moves() && windowHandle()->isExposed());
         refresh();
     }
     return QWidget::eventFilter(watched, event);

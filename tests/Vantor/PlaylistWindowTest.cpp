@@ -127,6 +127,18 @@ TEST_F(PlaylistWindowTest, KeysThatCommandsHaveTooAreTheLists) {
     EXPECT_EQ(m_player.queue().currentIndex(), 0);
 }
 
+TEST_F(PlaylistWindowTest, TheMenuKeyIsForTheRowOfTheCursor) {
+    click(line(3));
+    const QPoint middle = m_window.rect().center();
+    QContextMenuEvent event(QContextMenuEvent::Keyboard, middle, m_window.mapToGlobal(middle));
+    QCoreApplication::sendEvent(&m_window, &event);
+    QWidget *const menu = QApplication::activePopupWidget();
+    ASSERT_TRUE(menu);
+    EXPECT_EQ(menu->pos(), m_window.mapToGlobal(line(3)));
+    menu->close();
+    EXPECT_EQ(shown(), "abc[d]efgh");
+}
+
 TEST_F(PlaylistWindowTest, PopUpsRunWhatThePointerIsLetGoOn) {
     const QSize size = m_playlist.size();
     const auto entry = [&](PlaylistMenu menu, int index) {

@@ -107,6 +107,8 @@ class SkinnedWindow : public QWidget, public SkinWindowController {
     virtual void wheel(double notches, QPoint at);
     /// Any press of the right button opens the main menu unless a subclass has a better idea.
     virtual void popUpMenu(QPoint at, QPoint global);
+    /// What the menu key means, which has no place of its own: the control that Tab has reached, or none.
+    [[nodiscard]] virtual QPoint menuPlace() const;
     virtual void drop(const QList<QUrl> &urls, QPoint at, Qt::KeyboardModifiers modifiers);
 
     /// True: the key goes to keyPressEvent() even if a command has it as its shortcut.

@@ -1,6 +1,6 @@
-#include "AudioCore/Output/NullAudioOutput.h"
 #include "AudioCore/Playback/Player.h"
 #include "AudioCore/Queue/PlaylistSelection.h"
+#include "tests/Support/TestOutput.h"
 
 #include <QCoreApplication>
 
@@ -55,8 +55,7 @@ void command(benchmark::State &state, const std::function<void(Player &)> &run, 
     for (auto _ : state) {
         state.PauseTiming();
         {
-            Player player(std::make_unique<FileTrackResolver>(),
-                          [] { return std::make_unique<NullAudioOutput>(); });
+            Player player(std::make_unique<FileTrackResolver>(), std::make_unique<SilentOutputDevices>());
             player.restoreQueue(tracks(), longQueue / 2, RepeatMode::all, shuffled);
             state.ResumeTiming();
             run(player);

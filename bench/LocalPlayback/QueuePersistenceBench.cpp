@@ -1,7 +1,7 @@
-#include "AudioCore/Output/NullAudioOutput.h"
 #include "AudioCore/Playback/Player.h"
 #include "LocalPlayback/Queue/QueueAutosaver.h"
 #include "tests/LocalPlayback/Queue/MadeQueue.h"
+#include "tests/Support/TestOutput.h"
 
 #include <QCoreApplication>
 #include <QTemporaryDir>
@@ -40,7 +40,7 @@ void autosave(benchmark::State &state) {
     char *name = nullptr;
     const QCoreApplication application(count, &name);
     const QTemporaryDir folder;
-    Player player(std::make_unique<FileTrackResolver>(), [] { return std::make_unique<NullAudioOutput>(); });
+    Player player(std::make_unique<FileTrackResolver>(), std::make_unique<SilentOutputDevices>());
     player.restoreQueue(test::madeQueue(longQueue).items, 0, RepeatMode::off, state.range(0) != 0);
     QueueAutosaver saver(player, storeIn(folder), std::chrono::milliseconds(0));
     saver.start();
@@ -61,7 +61,7 @@ void editDuringSave(benchmark::State &state) {
     char *name = nullptr;
     const QCoreApplication application(count, &name);
     const QTemporaryDir folder;
-    Player player(std::make_unique<FileTrackResolver>(), [] { return std::make_unique<NullAudioOutput>(); });
+    Player player(std::make_unique<FileTrackResolver>(), std::make_unique<SilentOutputDevices>());
     player.restoreQueue(test::madeQueue(longQueue).items, 0, RepeatMode::off, true);
     QueueAutosaver saver(player, storeIn(folder), std::chrono::milliseconds(0));
     saver.start();

@@ -81,6 +81,24 @@ TEST_F(EqualizerWindowTest, RightClickWheelAndScaleSetLevels) {
     EXPECT_EQ(m_player.eq(), EQState());
 }
 
+// The system sends the key with the middle of the window, where a band is.
+TEST_F(EqualizerWindowTest, TheMenuKeyIsForWhatTabHasReached) {
+    m_equalizer.setAllBands(12);
+    const auto pressMenuKey = [&] {
+        const QPoint middle = m_window.rect().center();
+        QContextMenuEvent event(QContextMenuEvent::Keyboard, middle, m_window.mapToGlobal(middle));
+        QCoreApplication::sendEvent(&m_window, &event);
+    };
+    pressMenuKey();
+    QWidget *const menu = QApplication::activePopupWidget();
+    ASSERT_TRUE(menu);
+    menu->close();
+    EXPECT_EQ(m_player.eq().band(3), 12);
+    m_window.focusControl(static_cast<int>(bandControl(9)));
+    pressMenuKey();
+    EXPECT_EQ(m_player.eq().band(9), 0);
+}
+
 TEST_F(EqualizerWindowTest, ButtonsSwitchAndShowIt) {
     const QImage before = m_window.picture();
     click(EQLayout::onButton);
@@ -136,6 +154,13 @@ TEST_F(EqualizerWindowTest, ShadedItHasThePlayersSliders) {
     click(EQLayout::closeButton);
     EXPECT_FALSE(m_model.windows().isOpen(WindowKind::equalizer));
     EXPECT_FALSE(m_window.isVisible());
+}
+
+TEST_F(EqualizerWindowTest, ItIsStillOpenAfterTheProgramHasEnded) {
+    m_model.windows().setOpen(WindowKind::equalizer, true);
+    QTimer::singleShot(0, &m_window, [this] { m_commands.trigger(Commands::Id::quit); });
+    QApplication::exec();
+    EXPECT_TRUE(m_model.windows().isOpen(WindowKind::equalizer));
 }
 
 // Else the next movement would set a band of the new track from where the pointer happens to be.

@@ -6,6 +6,7 @@
 #include <QDropEvent>
 #include <QMenu>
 #include <QMimeData>
+#include <QScreen>
 #include <QTest>
 
 using namespace vantor;
@@ -127,6 +128,18 @@ TEST_F(PlaylistWindowTest, KeysThatCommandsHaveTooAreTheLists) {
     EXPECT_EQ(m_player.queue().currentIndex(), 0);
 }
 
+TEST_F(PlaylistWindowTest, TheMenuKeyIsForTheRowOfTheCursor) {
+    click(line(3));
+    const QPoint middle = m_window.rect().center();
+    QContextMenuEvent event(QContextMenuEvent::Keyboard, middle, m_window.mapToGlobal(middle));
+    QCoreApplication::sendEvent(&m_window, &event);
+    QWidget *const menu = QApplication::activePopupWidget();
+    ASSERT_TRUE(menu);
+    EXPECT_EQ(menu->pos(), m_window.mapToGlobal(line(3)));
+    menu->close();
+    EXPECT_EQ(shown(), "abc[d]efgh");
+}
+
 TEST_F(PlaylistWindowTest, PopUpsRunWhatThePointerIsLetGoOn) {
     const QSize size = m_playlist.size();
     const auto entry = [&](PlaylistMenu menu, int index) {
@@ -195,6 +208,23 @@ TEST_F(PlaylistWindowTest, TheGripAndTheHandleFollowThePointer) {
     move(centre(List::resize) + QPoint(50, 300));
     release(centre(List::resize));
     EXPECT_EQ(m_playlist.size(), QSize(325, 116));
+}
+
+TEST_F(PlaylistWindowTest, KeysChangeTheSizeByATile) {
+    const QSize before = m_window.size();
+    key(Qt::Key_Right, Qt::ControlModifier | Qt::ShiftModifier);
+    key(Qt::Key_Down, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(m_window.size(), before + Layout::step);
+    key(Qt::Key_Left, Qt::ControlModifier | Qt::ShiftModifier);
+    key(Qt::Key_Up, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(m_window.size(), before);
+}
+
+TEST_F(PlaylistWindowTest, ASizeFromALargerScreenIsTakenBack) {
+    const QSize screen = m_window.screen()->size();
+    m_playlist.setSize(screen * 2);
+    const PlaylistWindow again(m_playlist, m_model, m_commands);
+    EXPECT_EQ(again.size().boundedTo(screen), again.size());
 }
 
 TEST_F(PlaylistWindowTest, DropsGoBetweenTheRowsUnderThem) {

@@ -20,27 +20,25 @@ QString usage() {
 
 QString help() {
     return usage() +
-           QStringLiteral(
-               "\n\n"
-               "  --play             play: the files, or what is in the queue\n"
-               "  --pause            pause\n"
-               "  --toggle           pause, or play on\n"
-               "  --stop             stop\n"
-               "  --next             go to the next track\n"
-               "  --previous         go to the previous track\n"
-               "  --enqueue          add the files to the end of the queue\n"
-               "  --skin FILE        wear a skin: a .wsz archive or a skin folder\n"
-               "  --seconds N        stop after N seconds (without a display: 10)\n"
-               "  --screenshot FILE  write a picture of the window before stopping\n"
-               "                     (without a display: vantor.png)\n"
-               "  --version          print the version\n"
-               "  --help             print this\n\n"
-               "Files are audio files, folders, playlists, web addresses and .wsz skins. Audio replaces the "
-               "queue and is played.\n"
-               "A player that runs already on this display takes over what is asked for. Without audio the "
-               "last queue comes back; the first time, and in\n"
-               "a run of N seconds, the demo track plays. Without a display the program plays all the\n"
-               "same, prints what happens and exits.");
+           QStringLiteral("\n\n"
+                          "  --play             play: the files, or what is in the queue\n"
+                          "  --pause            pause\n"
+                          "  --toggle           pause, or play on\n"
+                          "  --stop             stop\n"
+                          "  --next             go to the next track\n"
+                          "  --previous         go to the previous track\n"
+                          "  --enqueue          add the files to the end of the queue\n"
+                          "  --skin FILE        wear a skin: a .wsz archive or a skin folder\n"
+                          "  --seconds N        stop after N seconds (without a display: 10)\n"
+                          "  --screenshot FILE  write a picture of the window before stopping\n"
+                          "                     (without a display: vantor.png)\n"
+                          "  --version          print the version\n"
+                          "  --help             print this\n\n"
+                          "Files are audio files, folders, playlists, web addresses and .wsz skins. Audio\n"
+                          "replaces the queue and is played. A player that runs already on this display\n"
+                          "takes over what is asked for. Without audio the last queue comes back; the\n"
+                          "first time, and in a run of N seconds, the demo track plays. Without a display\n"
+                          "the program plays all the same, prints what happens and exits.");
 }
 
 bool isAddress(const QString &argument) {

@@ -64,7 +64,8 @@ QUrl demoTrack() {
 class DesktopPresence {
   public:
     DesktopPresence(PlayerModel &model, SkinnedWindows &windows)
-        : m_service(model, {.raise = [&windows] { windows.bringToFront(); }, .quit = &QApplication::quit}),
+        : m_service(model,
+                    {.raise = [&windows] { windows.bringToFront(); }, .quit = &SkinnedWindow::quitProgram}),
           m_bridge(model.player(), model.player(), m_service.center()) {
         m_bridge.install();
         m_service.connectToBus();

@@ -193,7 +193,16 @@ void WindowDockingCoordinator::stack(std::span<const WindowKind> kinds) {
         const Box box = boxOf(frame(*controller(kind)));
         sizes[kind] = {box.width, box.height};
     }
-    place(LayoutRules::stackedAndCentered(sizes, allWindowKinds, primaryOf(screenBoxes())));
+    const Box area = primaryOf(screenBoxes());
+    std::map<WindowKind, Offset> places = LayoutRules::stackedAndCentered(sizes, allWindowKinds, area);
+    // A stack larger than the screen begins at its edge: in the middle, narrow windows would be outside.
+    if (!places.empty()) {
+        const Offset first = places.begin()->second; // they share the left edge, and it is the topmost
+        const Offset in{std::max(0.0, area.x - first.x), std::max(0.0, area.y - first.y)};
+        for (auto &[kind, topLeft] : places)
+            topLeft = SnapUtils::applyDiff(topLeft, in);
+    }
+    place(places);
     layoutDidChange();
 }
 

@@ -196,7 +196,7 @@ void Commands::addWindows() {
     });
     add(Id::preferences, tr("Preferences…"), {Qt::CTRL | Qt::Key_P}, [this] { showPreferences(); });
     add(Id::about, tr("About Vantor"), {}, [this] { showAbout(); });
-    add(Id::quit, tr("Exit"), {Qt::CTRL | Qt::Key_Q, Qt::ALT | Qt::Key_F4}, [] { QApplication::quit(); });
+    add(Id::quit, tr("Exit"), {Qt::CTRL | Qt::Key_Q, Qt::ALT | Qt::Key_F4}, &SkinnedWindow::quitProgram);
 }
 
 void Commands::popUpMainMenu(QPoint at) {

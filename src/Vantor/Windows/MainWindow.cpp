@@ -208,7 +208,8 @@ QStringList MainWindow::pointerNames(Control control, QPoint at) const {
     case MainWindowControl::shade:
         return {QStringLiteral("WINBUT")};
     case MainWindowControl::options:
-        return {QStringLiteral("MAINMENU")};
+        return isShaded() ? QStringList{QStringLiteral("MMENU"), QStringLiteral("MAINMENU")}
+                          : QStringList{QStringLiteral("MAINMENU")};
     case MainWindowControl::volume:
     case MainWindowControl::balance:
         return {QStringLiteral("VOLBAL")};

@@ -218,6 +218,15 @@ void PlaylistWindow::popUpMenu(QPoint at, QPoint global) {
     m_entries->popUpRowMenu(global);
 }
 
+/// The row of the cursor, as long as no control has been reached by Tab.
+QPoint PlaylistWindow::menuPlace() const {
+    const int line = m_playlist.cursor().value_or(-1) - m_playlist.firstRow();
+    const bool isShown = line >= 0 && line < Layout::visibleRows(m_playlist.size());
+    if (focusedControl() || isShaded() || !isShown)
+        return SkinnedWindow::menuPlace();
+    return Layout::row(line, m_playlist.size()).center();
+}
+
 // Pop-ups
 
 void PlaylistWindow::closeMenu() {

@@ -4,6 +4,7 @@
 
 #include <QHash>
 #include <QKeyEvent>
+#include <QScreen>
 
 namespace vantor {
 
@@ -28,6 +29,9 @@ PlaylistWindow::PlaylistWindow(PlaylistModel &playlist, PlayerModel &model, Comm
     : SkinnedWindow(WindowKind::playlist, model, commands), m_playlist(playlist),
       m_entries(new PlaylistCommands(playlist, model, commands, *this)) {
     setWindowTitle(tr("Playlist"));
+    // The size may be from a larger screen, and the grip would be out of reach. setSize() rounds.
+    const QSize room = screen()->availableVirtualSize() / zoom() - Layout::step / 2;
+    m_playlist.setSize(m_playlist.size().boundedTo(room));
     connect(&playlist, &PlaylistModel::changed, this, &PlaylistWindow::refresh);
     connect(&playlist, &PlaylistModel::sizeChanged, this, [this] { resizeDocked([this] { takeShape(); }); });
     connect(&m_repeat, &QTimer::timeout, this, &PlaylistWindow::repeat);
@@ -181,6 +185,10 @@ std::function<void()> PlaylistWindow::keyAction(const QKeyEvent &event) const {
             };
     }
     using Action = std::function<void()>;
+    const auto resize = [&list](int columns, int rows) {
+        const QSize by(columns * Layout::step.width(), rows * Layout::step.height());
+        return [&list, by] { list.setSize(list.size() + by); };
+    };
     const QList<std::pair<QKeyCombination, Action>> actions{
         {Qt::Key_Return, [&list] { list.play(list.cursor().value_or(-1)); }},
         {Qt::Key_Enter, [&list] { list.play(list.cursor().value_or(-1)); }},
@@ -191,6 +199,10 @@ std::function<void()> PlaylistWindow::keyAction(const QKeyEvent &event) const {
         {Qt::ALT | Qt::Key_Up, [&list] { list.moveSelected(-1); }},
         {Qt::ALT | Qt::Key_Down, [&list] { list.moveSelected(1); }},
         {Qt::ALT | Qt::Key_3, [this] { m_entries->showFileInfo(); }},
+        {Qt::CTRL | Qt::SHIFT | Qt::Key_Left, resize(-1, 0)},
+        {Qt::CTRL | Qt::SHIFT | Qt::Key_Right, resize(1, 0)},
+        {Qt::CTRL | Qt::SHIFT | Qt::Key_Up, resize(0, isShaded() ? 0 : -1)},
+        {Qt::CTRL | Qt::SHIFT | Qt::Key_Down, resize(0, isShaded() ? 0 : 1)},
         {Qt::Key_Escape, [&list] { list.isTyping() ? list.endTyping() : list.selectNone(); }},
     };
     for (const auto &[combination, action] : actions) {

@@ -34,6 +34,7 @@ class PlaylistWindow : public SkinnedWindow {
     bool doubleClick(Control control, QPoint at) override;
     void wheel(double notches, QPoint at) override;
     void popUpMenu(QPoint at, QPoint global) override;
+    [[nodiscard]] QPoint menuPlace() const override;
     void drop(const QList<QUrl> &urls, QPoint at, Qt::KeyboardModifiers modifiers) override;
     [[nodiscard]] bool wantsKey(const QKeyEvent &event) const override;
     void setValue(Control slider, double value) override;

@@ -188,7 +188,7 @@ void SkinnedWindow::showEvent(QShowEvent *event) {
 // Only the system's window knows that it has gone to another desktop.
 bool SkinnedWindow::eventFilter(QObject *watched, QEvent *event) {
     if (watched == windowHandle() && event->type() == QEvent::Expose) {
-        m_model.clock().setWatched(this, windowHandle()->isExposed());
+        m_model.clock().setWatched(this, moves() && windowHandle()->isExposed());
         refresh();
     }
     return QWidget::eventFilter(watched, event);
@@ -205,10 +205,15 @@ void SkinnedWindow::leaveEvent(QEvent *event) {
     m_pointers.rest();
 }
 
+// QApplication::quit() would close every window first, and each would be remembered as closed by the user.
+void SkinnedWindow::quitProgram() {
+    QCoreApplication::exit();
+}
+
 void SkinnedWindow::closeEvent(QCloseEvent *event) {
     QWidget::closeEvent(event);
     if (m_kind == WindowKind::main)
-        QApplication::quit();
+        quitProgram();
     else
         m_model.windows().setOpen(m_kind, false);
 }

@@ -61,6 +61,9 @@ class SkinnedWindow : public QWidget, public SkinWindowController {
     [[nodiscard]] std::optional<Control> focusedControl() const { return m_focused; }
     void focusControl(std::optional<Control> id);
 
+    /// Ends the program and leaves the windows open for its next start.
+    static void quitProgram();
+
     [[nodiscard]] QPoint globalPoint(QPoint at) const { return mapToGlobal(at * zoom()); }
 
     /// The window as it looks now, at one image pixel per window pixel; outside its outline transparent.
@@ -80,6 +83,9 @@ class SkinnedWindow : public QWidget, public SkinWindowController {
     /// Draws the scene that is kept, one skin pixel being `zoom` painter units. What lies outside the
     /// painter's clip need not be drawn.
     virtual void draw(QPainter &painter, int zoom) const = 0;
+
+    /// Whether anything in it moves by itself: if not, nothing is reckoned for its sake.
+    [[nodiscard]] virtual bool moves() const { return true; }
 
     // The pointer. A press on a control grabs it: until it is let go, all movements are the control's. A grab
     // on the background drags the window and reaches the subclass only through grab().
@@ -101,6 +107,8 @@ class SkinnedWindow : public QWidget, public SkinWindowController {
     virtual void wheel(double notches, QPoint at);
     /// Any press of the right button opens the main menu unless a subclass has a better idea.
     virtual void popUpMenu(QPoint at, QPoint global);
+    /// What the menu key means, which has no place of its own: the control that Tab has reached, or none.
+    [[nodiscard]] virtual QPoint menuPlace() const;
     virtual void drop(const QList<QUrl> &urls, QPoint at, Qt::KeyboardModifiers modifiers);
 
     /// True: the key goes to keyPressEvent() even if a command has it as its shortcut.

@@ -113,6 +113,11 @@ void SkinnedWindow::keyPressEvent(QKeyEvent *event) {
     }
 }
 
+QPoint SkinnedWindow::menuPlace() const {
+    const std::optional<SkinControl> focused = m_focused ? control(*m_focused) : std::nullopt;
+    return focused ? focused->rect.center() : titleBar().bottomLeft();
+}
+
 // Black and white by turns shows on every skin.
 void SkinnedWindow::drawFocus(QPainter &painter) const {
     const std::optional<SkinControl> focused = m_focused ? control(*m_focused) : std::nullopt;

@@ -123,7 +123,10 @@ void SkinnedWindow::popUpMenu(QPoint, QPoint global) {
 
 void SkinnedWindow::contextMenuEvent(QContextMenuEvent *event) {
     cancelGrab();
-    popUpMenu(skinPoint(event->pos()), event->globalPos());
+    if (event->reason() == QContextMenuEvent::Keyboard) // comes with the middle of the window
+        popUpMenu(menuPlace(), globalPoint(menuPlace()));
+    else
+        popUpMenu(skinPoint(event->pos()), event->globalPos());
 }
 
 void SkinnedWindow::dragEnterEvent(QDragEnterEvent *event) {

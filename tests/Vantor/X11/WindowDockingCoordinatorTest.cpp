@@ -179,6 +179,11 @@ TEST_P(WindowDockingCoordinatorTest, LayoutIsRestoredAndNewWindowsAreStacked) {
     EXPECT_EQ(m_playlist.pos(), QPoint(40, 262)) << "the first with room under it";
 }
 
+TEST_P(WindowDockingCoordinatorTest, StackWiderThanTheScreenIsWithinReach) {
+    m_playlist.setFixedSize(2100, 116);
+    start({{main, {0, 276, 275, 116}}, {equalizer, {0, 392, 275, 116}}});
+}
+
 TEST_P(WindowDockingCoordinatorTest, OldFramesAreTakenOver) {
     m_settings.setValue(QStringLiteral("NSWindow Frame MainWindow"),
                         QStringLiteral("40 700 275 116 0 0 1600 900 "));

@@ -65,6 +65,7 @@ class AudioFileDecoder::Private {
 
     [[nodiscard]] const AVStream &stream() const { return *m_stream; }
     [[nodiscard]] double duration() const;
+    [[nodiscard]] ReplayGain replayGain() const;
     [[nodiscard]] std::span<const StereoFrame> read();
     [[nodiscard]] bool hasMore();
     [[nodiscard]] std::optional<std::int64_t> continueFrom(Private &previous);
@@ -203,6 +204,16 @@ double AudioFileDecoder::Private::duration() const {
     else if (codec.codec_id == AV_CODEC_ID_OPUS && codec.sample_rate > 0)
         seconds -= static_cast<double>(codec.initial_padding) / codec.sample_rate;
     return std::max(seconds, 0.0);
+}
+
+ReplayGain AudioFileDecoder::Private::replayGain() const {
+    return ReplayGain::fromTags([this](const char *name) {
+        for (const AVDictionary *tags : {m_container->format().metadata, m_stream->metadata}) {
+            if (const AVDictionaryEntry *tag = av_dict_get(tags, name, nullptr, 0))
+                return QByteArray(tag->value);
+        }
+        return QByteArray();
+    });
 }
 
 bool AudioFileDecoder::Private::hasMore() {
@@ -393,6 +404,10 @@ PlaybackFormat AudioFileDecoder::format() const {
 
 double AudioFileDecoder::duration() const {
     return d->duration();
+}
+
+ReplayGain AudioFileDecoder::replayGain() const {
+    return d->replayGain();
 }
 
 std::span<const StereoFrame> AudioFileDecoder::read() {

@@ -3,6 +3,7 @@
 #include "AudioCore/Decoding/AudioInput.h"
 #include "AudioCore/Graph/PlayerNode.h"
 #include "AudioCore/PlaybackFormat.h"
+#include "AudioCore/ReplayGain.h"
 
 #include <QString>
 
@@ -25,6 +26,8 @@ class AudioFileDecoder {
     ~AudioFileDecoder();
 
     [[nodiscard]] PlaybackFormat format() const;
+    /// What the file's tags say.
+    [[nodiscard]] ReplayGain replayGain() const;
     /// Seconds; 0 when unknown.
     [[nodiscard]] double duration() const;
 

@@ -13,7 +13,7 @@ static constexpr int blockFrames = 512;
 
 AudioGraph::AudioGraph(int sampleRate, AnalyzerTap *tap)
     : m_sampleRate(sampleRate), m_rampFrames(static_cast<int>(sampleRate * rampSeconds)),
-      m_node(std::make_shared<PlayerNode>(sampleRate)), m_tap(tap) {
+      m_node(std::make_shared<PlayerNode>(sampleRate)), m_limiter(sampleRate), m_tap(tap) {
     m_equalizer.prepare(sampleRate);
 }
 
@@ -47,12 +47,15 @@ void AudioGraph::renderBlock(std::span<StereoFrame> frames) {
     m_left.moveTo(left, m_rampFrames);
     m_right.moveTo(right, m_rampFrames);
 
-    float peak = 0;
     for (StereoFrame &frame : frames) {
         frame.left *= m_left.next();
         frame.right *= m_right.next();
-        peak = std::max({peak, std::abs(frame.left), std::abs(frame.right)});
     }
+    m_limiter.process(frames);
+
+    float peak = 0;
+    for (const StereoFrame &frame : frames)
+        peak = std::max({peak, std::abs(frame.left), std::abs(frame.right)});
     float known = m_peak.load(std::memory_order_relaxed);
     while (peak > known && !m_peak.compare_exchange_weak(known, peak, std::memory_order_relaxed)) {
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "AudioCore/Equalizer/EqualizerUnit.h"
+#include "AudioCore/Graph/Limiter.h"
 #include "AudioCore/Graph/PlayerNode.h"
 #include "AudioCore/Graph/Ramp.h"
 
@@ -12,7 +13,8 @@ namespace vantor {
 class AnalyzerTap;
 
 /// Everything between decoded sound and the output: the player node, the equalizer, then the mixer's volume
-/// and balance. The analyser listens before the mixer, so that its picture does not shrink with the volume.
+/// and balance, and a limiter. The analyser listens before the mixer, so that its picture does not shrink
+/// with the volume.
 class AudioGraph {
   public:
     /// Hz; the tap outlives the graph and may be null.
@@ -28,6 +30,8 @@ class AudioGraph {
     void setVolume(float volume) { m_volume.store(volume, std::memory_order_relaxed); }
     /// −1…1: attenuates the other side. Any thread; changes ramp.
     void setBalance(float balance) { m_balance.store(balance, std::memory_order_relaxed); }
+    /// Off at first. Any thread; changes cross over.
+    void setLimiterEnabled(bool enabled) { m_limiter.setEnabled(enabled); }
     /// The largest sample, 0…1 and above, rendered since the last call. Any thread.
     [[nodiscard]] float takePeak() { return m_peak.exchange(0, std::memory_order_relaxed); }
 
@@ -41,6 +45,7 @@ class AudioGraph {
     const int m_rampFrames;
     std::shared_ptr<PlayerNode> m_node;
     EqualizerUnit m_equalizer;
+    Limiter m_limiter;
     AnalyzerTap *m_tap;
     std::atomic<float> m_volume{1};
     std::atomic<float> m_balance{0};

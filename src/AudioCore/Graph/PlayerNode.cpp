@@ -9,8 +9,12 @@ static constexpr std::uint64_t frameMask = (std::uint64_t{1} << frameBits) - 1;
 static constexpr std::uint64_t endBit = std::uint64_t{1} << frameBits;
 static constexpr std::uint32_t generationMask = (std::uint32_t{1} << 23) - 1;
 
+// A change of loudness by several decibels is no jerk.
+static constexpr double levelSeconds = 0.1;
+
 PlayerNode::PlayerNode(int sampleRate)
     : m_fadeFrames(static_cast<int>(sampleRate * fadeSeconds)),
+      m_levelFrames(static_cast<int>(sampleRate * levelSeconds)),
       m_prebufferFrames(static_cast<std::uint64_t>(sampleRate * prebufferSeconds)),
       m_frames(static_cast<std::size_t>(sampleRate * ringSeconds)) {}
 
@@ -27,9 +31,13 @@ void PlayerNode::publish(bool ended) {
     m_progress.store(generation << (frameBits + 1) | (ended ? endBit : 0) | frame, std::memory_order_release);
 }
 
-bool PlayerNode::beginSegment(std::uint32_t generation, std::int64_t startFrame) {
+bool PlayerNode::beginSegment(std::uint32_t generation, std::int64_t startFrame,
+                              const ReplayGain &replayGain) {
     m_segmentStart = m_frames.written();
-    const Mark mark{.number = m_segmentStart, .generation = generation, .startFrame = startFrame};
+    const Mark mark{.number = m_segmentStart,
+                    .generation = generation,
+                    .startFrame = startFrame,
+                    .replayGain = replayGain};
     return m_marks.write({&mark, 1}) == 1;
 }
 
@@ -42,7 +50,14 @@ std::int64_t PlayerNode::framesAhead() const {
     return static_cast<std::int64_t>(m_frames.written() - std::max(m_segmentStart, m_frames.released()));
 }
 
+void PlayerNode::followLoudness() {
+    const Loudness loudness = m_loudness.load(std::memory_order_relaxed);
+    if (std::exchange(m_appliedLoudness, loudness) != loudness)
+        m_level.moveTo(m_replayGain.factor(loudness.mode, loudness.holdsPeaks), m_levelFrames);
+}
+
 void PlayerNode::render(std::span<StereoFrame> frames) {
+    followLoudness();
     while (!frames.empty()) {
         const std::size_t count = renderSome(frames);
         if (count == 0)
@@ -121,6 +136,8 @@ void PlayerNode::enterSegment() {
     m_marks.release(m_marks.released() + 1);
     m_generation = mark.generation;
     m_position = mark.startFrame;
+    m_replayGain = mark.replayGain;
+    m_level.set(m_replayGain.factor(m_appliedLoudness.mode, m_appliedLoudness.holdsPeaks));
     m_inSegment = true;
     // What fades across a join goes on.
     const bool isFading = std::exchange(m_isJoining, false) && mark.startFrame == 0 && m_gain.value() != 1.0F;
@@ -165,7 +182,7 @@ std::size_t PlayerNode::copyFaded(std::span<StereoFrame> frames, std::size_t ava
     m_gain.moveTo(fadesOut ? 0.0F : 1.0F, static_cast<int>(mustBeShort ? std::min(fade, available) : fade));
     for (std::size_t i = 0; i < count; ++i) {
         const StereoFrame &frame = m_frames.at(m_read + i);
-        const float gain = m_gain.next();
+        const float gain = m_gain.next() * m_level.next();
         frames[i] = {frame.left * gain, frame.right * gain};
         if (fadesOut && !m_gain.isMoving()) {
             count = i + 1; // silent now: what follows waits, or is dropped

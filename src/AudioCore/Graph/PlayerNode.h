@@ -2,6 +2,7 @@
 
 #include "AudioCore/Graph/Ramp.h"
 #include "AudioCore/Graph/SpscRing.h"
+#include "AudioCore/ReplayGain.h"
 
 #include <atomic>
 #include <cstdint>
@@ -58,6 +59,10 @@ class PlayerNode {
         const std::uint32_t current = m_wanted.load(std::memory_order_relaxed).current;
         m_wanted.store({current, generation}, std::memory_order_release);
     }
+    /// How loud segments are, by what their files say; changes ramp.
+    void setReplayGain(ReplayGainMode mode, bool holdsPeaks) {
+        m_loudness.store({mode, holdsPeaks}, std::memory_order_relaxed);
+    }
     [[nodiscard]] Progress progress() const;
     /// Whether sound was wanted lately and there was none: it has run dry, or nothing is there to play.
     [[nodiscard]] bool isStarved() const { return m_isStarved.load(std::memory_order_relaxed); }
@@ -66,7 +71,8 @@ class PlayerNode {
 
     // Decode thread.
     /// What follows belongs to a new segment that starts at a frame of its track. False: try again later.
-    [[nodiscard]] bool beginSegment(std::uint32_t generation, std::int64_t startFrame);
+    [[nodiscard]] bool beginSegment(std::uint32_t generation, std::int64_t startFrame,
+                                    const ReplayGain &replayGain = {});
     /// Takes what fits and says how much that was.
     [[nodiscard]] std::size_t write(std::span<const StereoFrame> frames) { return m_frames.write(frames); }
     /// The segment is complete. False: try again later.
@@ -104,7 +110,15 @@ class PlayerNode {
         std::uint32_t generation = 0;
         bool isEnd = false;
         std::int64_t startFrame = 0;
+        ReplayGain replayGain = {};
     };
+    struct Loudness {
+        ReplayGainMode mode = ReplayGainMode::off;
+        bool holdsPeaks = true;
+
+        bool operator==(const Loudness &) const = default;
+    };
+    static_assert(std::atomic<Loudness>::is_always_lock_free);
 
     std::size_t renderSome(std::span<StereoFrame> frames);
     [[nodiscard]] std::optional<Mark> nextMark() const;
@@ -115,8 +129,10 @@ class PlayerNode {
                           const Wanted &wanted);
     [[nodiscard]] bool isJoined(const Wanted &wanted) const;
     void publish(bool ended);
+    void followLoudness();
 
     const int m_fadeFrames;
+    const int m_levelFrames;
     const std::uint64_t m_prebufferFrames;
     SpscRing<StereoFrame> m_frames;
     SpscRing<Mark> m_marks{64};
@@ -124,6 +140,7 @@ class PlayerNode {
     std::atomic<Wanted> m_wanted{};
     std::atomic<std::uint64_t> m_progress{0};
     std::atomic<int> m_underruns{0};
+    std::atomic<Loudness> m_loudness{};
     std::atomic<bool> m_isStarved{false};
 
     // Decode thread's.
@@ -137,6 +154,9 @@ class PlayerNode {
     bool m_buffering = false;
     bool m_isJoining = false; ///< a segment has just ended, and nothing was heard since
     Ramp m_gain;
+    Loudness m_appliedLoudness;
+    ReplayGain m_replayGain; ///< of the present segment
+    Ramp m_level{1};         ///< what the two come to
 };
 
 } // namespace vantor

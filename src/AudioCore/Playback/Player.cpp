@@ -64,6 +64,14 @@ const EQState &Player::eq() const {
     return d->eq;
 }
 
+ReplayGainMode Player::replayGainMode() const {
+    return d->replayGainMode;
+}
+
+bool Player::isLimiterEnabled() const {
+    return d->limiterEnabled;
+}
+
 RepeatMode Player::repeatMode() const {
     return d->queue.repeatMode();
 }
@@ -255,6 +263,25 @@ void Player::setEq(const EQState &eq) {
     if (d->graph)
         d->graph->setEqualizer(eq);
     Q_EMIT eqChanged();
+}
+
+void Player::setReplayGainMode(ReplayGainMode mode) {
+    d->replayGainMode = mode;
+    d->applyLoudness();
+    Q_EMIT loudnessChanged();
+}
+
+void Player::setLimiterEnabled(bool enabled) {
+    d->limiterEnabled = enabled;
+    d->applyLoudness();
+    Q_EMIT loudnessChanged();
+}
+
+void Player::Private::applyLoudness() {
+    if (!graph)
+        return;
+    graph->node()->setReplayGain(replayGainMode, !limiterEnabled);
+    graph->setLimiterEnabled(limiterEnabled);
 }
 
 void Player::setRepeatMode(RepeatMode mode) {

@@ -8,6 +8,7 @@
 #include "AudioCore/Playback/PlaybackState.h"
 #include "AudioCore/PlaybackFormat.h"
 #include "AudioCore/Queue/PlayQueue.h"
+#include "AudioCore/ReplayGain.h"
 
 #include <QObject>
 
@@ -59,6 +60,8 @@ class Player : public QObject, public NowPlayingCommandTarget {
     [[nodiscard]] float volume() const;                     ///< 0…1
     [[nodiscard]] float balance() const;                    ///< −1…1
     [[nodiscard]] const EQState &eq() const;
+    [[nodiscard]] ReplayGainMode replayGainMode() const;
+    [[nodiscard]] bool isLimiterEnabled() const;
     [[nodiscard]] RepeatMode repeatMode() const;
     [[nodiscard]] bool isShuffled() const;
     [[nodiscard]] AnalyzerTap &analyzer();
@@ -105,6 +108,11 @@ class Player : public QObject, public NowPlayingCommandTarget {
     void setVolume(float volume);
     void setBalance(float balance);
     void setEq(const EQState &eq);
+    /// Plays files as loud as their tags ask for, before the preamp. Off at first. Without the limiter a gain
+    /// stays so small that the peak which the tags tell is not clipped.
+    void setReplayGainMode(ReplayGainMode mode);
+    /// Holds down what would go beyond full scale, after everything else. Off at first.
+    void setLimiterEnabled(bool enabled);
     void setRepeatMode(RepeatMode mode);
     void setShuffled(bool on);
 
@@ -127,6 +135,7 @@ class Player : public QObject, public NowPlayingCommandTarget {
     void volumeChanged();
     void balanceChanged();
     void eqChanged();
+    void loudnessChanged(); ///< replay gain or limiter
     /// The devices, the chosen one or the one that plays.
     void outputDevicesChanged();
 

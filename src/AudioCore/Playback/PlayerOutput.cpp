@@ -70,6 +70,7 @@ void Player::Private::ensureOutput() {
     graph->setVolume(volume);
     graph->setBalance(balance);
     graph->setEqualizer(eq);
+    applyLoudness();
     analyzer.prepare(graph->sampleRate());
     qCInfo(lcPlayer, "output: %s, %d Hz", qUtf8Printable(output->name()), output->sampleRate());
     AudioGraph *const rendered = graph.get();

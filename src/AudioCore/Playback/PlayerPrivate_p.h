@@ -70,6 +70,7 @@ class Player::Private {
     [[nodiscard]] std::optional<OutputDeviceDescription> deviceWith(const std::optional<quint32> &id) const;
     [[nodiscard]] PlayerRules::OutputTarget outputTarget() const;
     void ensureOutput();
+    void applyLoudness();
     void wakeOutput();
     /// After the devices, the default or the choice have changed.
     void followDevices();
@@ -101,6 +102,8 @@ class Player::Private {
     float volume = 1;
     float balance = 0;
     EQState eq;
+    ReplayGainMode replayGainMode = ReplayGainMode::off;
+    bool limiterEnabled = false;
     int consecutiveFailures = 0;
     std::optional<QUuid> lastEmittedTrackID;
     bool autoplayAfterLoad = false; ///< whether sound is wanted: what a start that follows by itself inherits

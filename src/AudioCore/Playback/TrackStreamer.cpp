@@ -181,7 +181,7 @@ TrackStreamer::Wait TrackStreamer::fill() {
     }
     if (!m_hasBegun) {
         const std::int64_t startFrame = std::llround(m_request.start * m_request.sampleRate);
-        if (!node.beginSegment(m_request.generation, startFrame))
+        if (!node.beginSegment(m_request.generation, startFrame, m_decoder->replayGain()))
             return Wait::shortly;
         m_hasBegun = true;
     }

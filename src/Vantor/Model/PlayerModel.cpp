@@ -61,6 +61,11 @@ PlayerModel::PlayerModel(Player &player, QSettings &settings, QObject *parent)
                               &Player::volumeChanged, &Player::balanceChanged})
         connect(&player, signal, this, &PlayerModel::sceneChanged);
 
+    connect(&player, &Player::loudnessChanged, this, [this] {
+        store("replayGain", rawValue(m_player.replayGainMode()));
+        store("limiter", m_player.isLimiterEnabled());
+    });
+
     connect(&m_skinLoader, &SkinLoader::loaded, this, &PlayerModel::setSkin);
     connect(&m_skinLoader, &SkinLoader::refused, this, [this](const QUrl &url, const QString &message) {
         const QString name = url.fileName();
@@ -383,6 +388,10 @@ void PlayerModel::restoreSettings() {
     m_player.setShuffled(StoredValue::boolean(m_settings, QStringLiteral("shuffle"), false));
     const bool repeats = StoredValue::boolean(m_settings, QStringLiteral("repeat"), false);
     m_player.setRepeatMode(repeats ? RepeatMode::all : RepeatMode::off);
+    m_player.setReplayGainMode(
+        replayGainModeFromRawValue(m_settings.value(QStringLiteral("replayGain")).toString())
+            .value_or(ReplayGainMode::off));
+    m_player.setLimiterEnabled(StoredValue::boolean(m_settings, QStringLiteral("limiter"), false));
     m_timeMode = timeModeFromRawValue(m_settings.value(QStringLiteral("timeMode")).toString())
                      .value_or(TimeMode::elapsed);
 }

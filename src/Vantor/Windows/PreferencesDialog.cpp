@@ -146,6 +146,22 @@ QWidget *PreferencesDialog::playbackPage() {
         page->addCheck(tr("&Resume where playback was on start"), m_model.preferences().resumesOnStart());
     connect(resume, &QCheckBox::toggled, page,
             [this](bool on) { m_model.preferences().setResumesOnStart(on); });
+    page->addGap();
+
+    Player &player = m_model.player();
+    auto *const loudness = new QComboBox;
+    loudness->addItem(tr("As it is"), rawValue(ReplayGainMode::off));
+    loudness->addItem(tr("Equal for every track"), rawValue(ReplayGainMode::track));
+    loudness->addItem(tr("Equal for every album"), rawValue(ReplayGainMode::album));
+    loudness->setCurrentIndex(loudness->findData(rawValue(player.replayGainMode())));
+    connect(loudness, &QComboBox::activated, &player, [&player, loudness](int index) {
+        player.setReplayGainMode(
+            replayGainModeFromRawValue(loudness->itemData(index).toString()).value_or(ReplayGainMode::off));
+    });
+    page->addField(tr("&Loudness"), loudness);
+    page->addNote(tr("By the ReplayGain tags of the files; those without them play as they are."));
+    QCheckBox *const limiter = page->addCheck(tr("Li&mit what would clip"), player.isLimiterEnabled());
+    connect(limiter, &QCheckBox::toggled, &player, &Player::setLimiterEnabled);
     return page;
 }
 

@@ -2,6 +2,7 @@
 
 #include "AudioCore/AudioCoreError.h"
 #include "AudioCore/Decoding/FileInput.h"
+#include "AudioCore/Decoding/FrameIndex.h"
 #include "AudioCore/Decoding/MP4Length.h"
 #include "AudioCore/Decoding/MediaContainer.h"
 #include "AudioCore/Decoding/StereoResampler.h"
@@ -109,14 +110,17 @@ class AudioFileDecoder::Private {
     std::optional<std::int64_t> m_end;
     std::optional<double> m_target; ///< seconds: sound before it is dropped
     std::vector<StereoFrame> m_out;
-    std::int64_t m_seekPlace = -1; ///< in bytes: of the first packet after opening or a seek
-    bool m_isAtStart = true;       ///< no packet has been read
+    std::int64_t m_seekPlace = -1;  ///< in bytes: of the first packet after opening or a seek
+    bool m_isAtStart = true;        ///< no packet has been read
+    std::int64_t m_firstPlace = -1; ///< in bytes: of the file's first packet
+    std::optional<FrameIndex> m_frames;
     bool m_inputEnded = false;
     bool m_ended = false;
     int m_errorsInARow = 0;
 };
 
 void AudioFileDecoder::Private::open() {
+    m_frames.reset();
     av_frame_unref(m_frame.get());
     m_frameDone = 0;
     m_position = 0;
@@ -331,8 +335,10 @@ void AudioFileDecoder::Private::feed() {
     if (m_packet->stream_index == m_stream->index) {
         if (m_seekPlace < 0)
             m_seekPlace = m_packet->pos;
-        if (std::exchange(m_isAtStart, false))
+        if (std::exchange(m_isAtStart, false)) {
+            m_firstPlace = m_packet->pos;
             trimOnlyPage();
+        }
         if (avcodec_send_packet(m_codec.get(), m_packet.get()) < 0)
             countError();
     }
@@ -349,21 +355,30 @@ void AudioFileDecoder::Private::seek(double seconds) {
         static_cast<void>(hasMore());
     m_resampler = std::make_unique<StereoResampler>(m_sampleRate);
     m_errorsInARow = 0;
-    m_ended = duration() > 0 && seconds >= duration();
+    const bool isEstimate = m_container->format().duration_estimation_method == AVFMT_DURATION_FROM_BITRATE;
+    m_ended = !isEstimate && duration() > 0 && seconds >= duration();
     if (m_ended)
         return;
     m_target = seconds;
     for (const double preroll : prerollSeconds) {
-        if (!seekFile(seconds - preroll))
+        if (!seekFile(seconds - preroll)) {
+            m_ended = false;
             break;
-        if (receiveFrame() && isTimed() && !isInLastPage() &&
+        }
+        if (!receiveFrame()) {
+            m_ended = true; // unless there is something further ahead
+            continue;
+        }
+        m_ended = false;
+        if (isTimed() && !isInLastPage() &&
             samples(m_frame->best_effort_timestamp, m_frame->sample_rate) - m_origin.value_or(0) <=
                 std::llround(seconds * m_frame->sample_rate)) {
             takeFrame();
             return;
         }
     }
-    reopen(); // and decode up to the place
+    if (!m_ended)
+        reopen(); // and decode up to the place
 }
 
 bool AudioFileDecoder::Private::seekFile(double seconds) {
@@ -377,8 +392,13 @@ bool AudioFileDecoder::Private::seekFile(double seconds) {
     m_inputEnded = false;
     m_seekPlace = -1;
     m_isAtStart = false;
-    const bool found =
-        av_seek_frame(&m_container->format(), m_stream->index, time, AVSEEK_FLAG_BACKWARD) >= 0;
+    AVFormatContext &format = m_container->format();
+    if (!m_input->isProgressive() && FrameIndex::isNeeded(format) && m_firstPlace >= 0) {
+        if (!m_frames)
+            m_frames.emplace(format, *m_stream, m_firstPlace);
+        m_frames->prepare(time);
+    }
+    const bool found = av_seek_frame(&format, m_stream->index, time, AVSEEK_FLAG_BACKWARD) >= 0;
     m_container->throwFailure();
     if (!found)
         return false;

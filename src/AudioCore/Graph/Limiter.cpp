@@ -8,13 +8,13 @@ namespace vantor {
 static constexpr double crossSeconds = 0.01;
 static constexpr double releaseSeconds = 0.08; // to within 1/e of full gain
 // As good as 1: the way back would take for ever.
-static constexpr float almostFull = 0.99999F;
+static constexpr double almostFull = 0.9999;
 
 Limiter::Limiter(int sampleRate)
     : m_lookAhead(static_cast<std::size_t>(std::max(1.0, sampleRate * lookAheadSeconds))),
       m_crossFrames(static_cast<int>(sampleRate * crossSeconds)),
-      m_release(static_cast<float>(1 - std::exp(-1 / (sampleRate * releaseSeconds)))), m_delay(m_lookAhead),
-      m_gains(m_lookAhead), m_candidates(m_lookAhead + 1) {}
+      m_release(1 - std::exp(-1 / (sampleRate * releaseSeconds))), m_delay(m_lookAhead), m_gains(m_lookAhead),
+      m_candidates(m_lookAhead + 1) {}
 
 void Limiter::process(std::span<StereoFrame> frames) {
     const bool isEnabled = m_isEnabled.load(std::memory_order_relaxed);
@@ -67,10 +67,11 @@ StereoFrame Limiter::limited(const StereoFrame &frame) {
 // Each of the gains averaged here allows for the frame that comes out now, and so does their mean.
 float Limiter::gain(float allowed) {
     const float least = leastGain(allowed);
-    float next = std::min(least, m_lastGain + (1 - m_lastGain) * m_release);
-    if (next > almostFull)
-        next = std::min(least, 1.0F);
-    m_lastGain = next;
+    m_lastGain += (1 - m_lastGain) * m_release;
+    if (m_lastGain > almostFull)
+        m_lastGain = 1;
+    m_lastGain = std::min(m_lastGain, static_cast<double>(least));
+    const auto next = static_cast<float>(m_lastGain);
     const float oldest = std::exchange(m_gains[m_frame % m_lookAhead], next);
     m_fullGains = next == 1.0F ? m_fullGains + 1 : 0;
     if (m_fullGains >= m_lookAhead) { // exactly, whatever was rounded before

@@ -35,7 +35,7 @@ class Limiter {
 
     const std::size_t m_lookAhead; ///< frames
     const int m_crossFrames;
-    const float m_release; ///< of the way back to full gain, per frame
+    const double m_release; ///< of the way back to full gain, per frame
     std::atomic<bool> m_isEnabled{false};
 
     // Audio thread's. The rings have m_lookAhead places, that of the least gains one more.
@@ -54,7 +54,7 @@ class Limiter {
     std::size_t m_candidateCount = 0;
     double m_gainSum = 0;
     std::size_t m_fullGains = 0; ///< how many in a row are 1
-    float m_lastGain = 1;
+    double m_lastGain = 1;
 };
 
 } // namespace vantor

@@ -19,9 +19,9 @@ class GaplessDecodingTest : public testing::Test, protected TestFolder {
     }
 };
 
-std::vector<StereoFrame> readAll(AudioFileDecoder &decoder) {
+std::vector<StereoFrame> readAll(AudioFileDecoder &decoder, std::size_t atMost = SIZE_MAX) {
     std::vector<StereoFrame> sound;
-    for (std::span<const StereoFrame> block; !(block = decoder.read()).empty();)
+    for (std::span<const StereoFrame> block; sound.size() < atMost && !(block = decoder.read()).empty();)
         sound.insert(sound.end(), block.begin(), block.end());
     return sound;
 }
@@ -126,4 +126,35 @@ TEST_F(GaplessDecodingTest, FilesThatAreResampledAsOneJoinLikeOne) {
     for (const StereoFrame &frame : readAll(second))
         joined.push_back(frame);
     EXPECT_EQ(joined, readAll(whole));
+}
+
+TEST_F(GaplessDecodingTest, ASeekInBareFramesFindsTheSampleThatDecodingThroughFinds) {
+    const struct {
+        const char *name;
+        double seconds;
+        std::vector<std::string> options;
+    } rows[] = {
+        {"long.mp3", 230, {"-write_xing", "0"}}, // so large that the constant rate is calculated
+        {"variable.mp3", 60, {"-q:a", "5", "-write_xing", "0"}},
+        {"variable xing.mp3", 60, {"-q:a", "5"}},
+        {"low.mp3", 60, {"-ar", "22050", "-ac", "1", "-b:a", "32k"}},
+        {"a.mp2", 60, {}},
+        {"a.aac", 60, {}},
+    };
+    for (const auto &row : rows) {
+        SCOPED_TRACE(row.name);
+        const auto frames = static_cast<std::size_t>(row.seconds * 44100);
+        AudioFileDecoder decoder(encode(row.name, makeSweep(frames, 44100), 44100, row.options), 44100);
+        const std::vector<StereoFrame> whole = readAll(decoder);
+        for (const double seconds : {0.9, 0.1, 0.5, 0.99, 0.0}) {
+            SCOPED_TRACE(seconds);
+            decoder.seek(seconds * row.seconds);
+            const auto place = static_cast<std::size_t>(std::llround(seconds * row.seconds * 44100));
+            const bool toTheEnd = seconds > 0.95;
+            const std::vector<StereoFrame> rest = readAll(decoder, toTheEnd ? SIZE_MAX : 20'000);
+            if (toTheEnd)
+                EXPECT_EQ(rest.size(), whole.size() - place);
+            EXPECT_LE(difference(rest, std::span(whole).subspan(place)), 0.002);
+        }
+    }
 }

@@ -16,10 +16,12 @@ namespace {
 constexpr int rate = 44100;
 constexpr int blockFrames = 441;
 
-void renderSecond(benchmark::State &state, bool analysed) {
+void renderSecond(benchmark::State &state, bool analysed, float volume, bool limited) {
     AnalyzerTap tap(1024, 32768);
     tap.prepare(rate);
     AudioGraph graph(rate, analysed ? &tap : nullptr);
+    graph.setVolume(volume);
+    graph.setLimiterEnabled(limited);
     PlayerNode &node = *graph.node();
     node.discardBefore(1);
     node.play();
@@ -87,8 +89,10 @@ void seekAndFirstBlock(benchmark::State &state, const char *name) {
 
 } // namespace
 
-BENCHMARK_CAPTURE(renderSecond, plain, false)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(renderSecond, analysed_at_60_Hz, true)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(renderSecond, plain, false, 1.0F, false)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(renderSecond, analysed_at_60_Hz, true, 1.0F, false)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(renderSecond, limiter_idle, false, 1.0F, true)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(renderSecond, limiter_at_work, false, 4.0F, true)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(decodeSecond, wav, "a.wav", rate)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(decodeSecond, flac, "a.flac", rate)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(decodeSecond, flac_to_48_kHz, "a.flac", 48000)->Unit(benchmark::kMillisecond);

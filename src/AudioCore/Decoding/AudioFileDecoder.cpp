@@ -56,6 +56,12 @@ static std::optional<std::int64_t> lengthInTag(const AVFormatContext &format) {
     return static_cast<std::int64_t>(length);
 }
 
+// Sold with a lock on it: what is in there would be decoded to noise.
+static bool isEncrypted(const AVCodecParameters &parameters) {
+    return parameters.codec_tag == MKTAG('d', 'r', 'm', 's') ||
+           parameters.codec_tag == MKTAG('e', 'n', 'c', 'a');
+}
+
 class AudioFileDecoder::Private {
   public:
     Private(std::shared_ptr<AudioInput> input, int sampleRate)
@@ -137,7 +143,8 @@ void AudioFileDecoder::Private::open() {
         format.streams[i]->discard = static_cast<int>(i) == index ? AVDISCARD_DEFAULT : AVDISCARD_ALL;
     m_stream = format.streams[index];
     m_codec.reset(avcodec_alloc_context3(codec));
-    if (avcodec_parameters_to_context(m_codec.get(), m_stream->codecpar) < 0)
+    if (isEncrypted(*m_stream->codecpar) ||
+        avcodec_parameters_to_context(m_codec.get(), m_stream->codecpar) < 0)
         failFormat();
     m_codec->pkt_timebase = m_stream->time_base;
     m_codec->thread_count = 1;

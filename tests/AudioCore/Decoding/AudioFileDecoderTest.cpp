@@ -87,9 +87,10 @@ TEST_F(AudioFileDecoderTest, LosslessFilesDecodeToTheirVerySamplesAndSeekToThem)
 
 TEST_F(AudioFileDecoderTest, EveryFormatKeepsItsLevelLengthAndName) {
     const std::tuple<const char *, int, int, const char *> rows[] = {
-        {"a.wav", 44100, 1, "PCM"},   {"b.wav", 192000, 6, "PCM"}, {"a.flac", 96000, 2, "FLAC"},
-        {"b.flac", 44100, 8, "FLAC"}, {"a.mp3", 22050, 1, "MP3"},  {"a.ogg", 44100, 2, "VORBIS"},
-        {"a.opus", 48000, 2, "OPUS"}, {"a.m4a", 44100, 2, "AAC"},
+        {"a.wav", 44100, 1, "PCM"},    {"b.wav", 192000, 6, "PCM"},  {"a.flac", 96000, 2, "FLAC"},
+        {"b.flac", 44100, 8, "FLAC"},  {"c.wav", 11025, 3, "PCM"},   {"d.wav", 48000, 7, "PCM"},
+        {"c.flac", 32000, 4, "FLAC"},  {"d.flac", 88200, 5, "FLAC"}, {"a.mp3", 22050, 1, "MP3"},
+        {"a.ogg", 44100, 2, "VORBIS"}, {"a.opus", 48000, 2, "OPUS"}, {"a.m4a", 44100, 2, "AAC"},
     };
     for (const auto &[name, rate, channels, codec] : rows) {
         SCOPED_TRACE(name);
@@ -118,10 +119,21 @@ TEST_F(AudioFileDecoderTest, WhatIsNoSongIsRefused) {
     write("noise.bin", QByteArray(100'000, '\x5a'));
     write("head.wav", read(make("good.wav")).left(20));
     write("folder.mp3/file", {});
+    write("locked.m4p", read(make("plain.m4a")).replace("mp4a", "drms"));
+    write("locked.m4a", read(path("plain.m4a")).replace("mp4a", "enca"));
     ASSERT_EQ(mkfifo(path("pipe.mp3").toLocal8Bit(), 0600), 0);
-    for (const char *name :
-         {"missing.mp3", "empty.mp3", "text.flac", "noise.bin", "head.wav", "folder.mp3", "pipe.mp3"})
+    for (const char *name : {"missing.mp3", "empty.mp3", "text.flac", "noise.bin", "head.wav", "folder.mp3",
+                             "pipe.mp3", "locked.m4p", "locked.m4a"})
         EXPECT_EQ(failureOf(path(name)), AudioCoreError::Case::openFailure) << name;
+}
+
+TEST_F(AudioFileDecoderTest, WhatIsInAFileCountsNotItsName) {
+    for (const auto &[name, alias] :
+         {std::pair("a.mp3", "mp3.flac"), {"a.flac", "flac.mp3"}, {"a.m4a", "m4a.ogg"}}) {
+        SCOPED_TRACE(alias);
+        AudioFileDecoder decoder(write(alias, read(make(name))), 44100);
+        EXPECT_NEAR(static_cast<double>(readAll(decoder).size()), 44100, 2);
+    }
 }
 
 TEST_F(AudioFileDecoderTest, AListDressedUpAsASongOpensNothingElse) {

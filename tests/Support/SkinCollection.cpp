@@ -39,7 +39,7 @@ BitmapBuilder sheet(const std::vector<Sprite> &sprites, int depth, std::mt19937 
     const int slope = 3 + static_cast<int>(random() % 9);
     bitmap.pixels.resize(stride * bounds.height());
     for (qsizetype i = 0; i < bitmap.pixels.size(); ++i) {
-        const int noise = random() % 4 == 0 ? static_cast<int>(random() % 8) : 0;
+        const int noise = random() % 16 == 0 ? static_cast<int>(random() % 8) : 0;
         bitmap.pixels[i] = static_cast<char>(i % stride / slope + i / stride / 3 + noise);
     }
     return bitmap;

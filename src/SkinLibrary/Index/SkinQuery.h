@@ -13,7 +13,7 @@ namespace vantor {
 struct SkinQuery {
     static constexpr int minimumTextLength = 2; ///< characters as a reader counts them
 
-    QString text; ///< empty: no search
+    QString text = {}; ///< empty: no search
     std::set<SkinStatus> statuses{allSkinStatuses.begin(), allSkinStatuses.end()};
     int limit = 0;
     int offset = 0;

@@ -47,6 +47,7 @@ TEST(FolderScanner, ListsArchives) {
     const QList<QByteArray> expected{"Bl\xE5\xFF.wsz", "LOUD.WSZ", "b.wsz", "dir.wsz/in.wsz", "x/y/deep.wsz"};
     EXPECT_EQ(listed(folder, "skins"), expected);
     EXPECT_EQ(listed(folder, "link"), expected);
+    unlink((root + "/Bl\xE5\xFF.wsz").constData()); // Qt, which removes the rest, cannot spell it
     EXPECT_EQ(FolderScanner::stamp(folder.path("link/b.wsz")).path,
               FolderScanner::realPath(QUrl::fromLocalFile(folder.path("skins"))) + QStringLiteral("/b.wsz"));
 }

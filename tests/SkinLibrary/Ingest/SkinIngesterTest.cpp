@@ -1,5 +1,6 @@
 #include "SkinLibrary/Ingest/SkinIngester.h"
 
+#include "Platform/NativePath.h"
 #include "tests/SkinLibrary/LibraryFixture.h"
 
 #include <gtest/gtest.h>
@@ -40,6 +41,10 @@ TEST(SkinIngester, InspectsWhateverIsThere) {
         EXPECT_EQ(ingester.inspect(path), row.expected);
         EXPECT_EQ(ingester.digests(path), SkinContentHash::digests(row.bytes));
     }
+    const QByteArray odd = folder.path("Bl\xC3\xA5").toUtf8().chopped(2) + "\xE5.wsz";
+    ASSERT_EQ(rename(qPrintable(folder.path("sound.wsz")), odd.constData()), 0);
+    EXPECT_EQ(ingester.inspect(NativePath::text(odd)), cases[0].expected);
+    unlink(odd.constData());
     const SkinInspection missing = ingester.inspect(folder.path("missing.wsz"));
     EXPECT_EQ(missing.warnings, QStringList{QStringLiteral("Unreadable archive: No such file or directory")});
     ASSERT_EQ(mkfifo(qPrintable(folder.path("pipe.wsz")), 0600), 0);

@@ -14,7 +14,7 @@ build_packages=(
     # Libraries.
     qt6-base-dev qt6-base-dev-tools libgl1-mesa-dev
     libzip-dev zlib1g-dev libavformat-dev libavcodec-dev libavutil-dev libswresample-dev
-    libtag1-dev libpulse-dev
+    libtag1-dev libpulse-dev libsqlite3-dev libssl-dev
     # A font for dialogs and menus; the window system's plugin comes with Qt's library.
     fonts-dejavu-core
 )
@@ -34,6 +34,7 @@ apt-get was not found, so nothing is installed. Vantor needs, by whatever names 
   ZIP archives            libzip and zlib
   audio decoding          FFmpeg 5.1 or later (libavformat, libavcodec, libavutil, libswresample)
   tags and covers         TagLib
+  skin index              SQLite 3 with FTS5, and OpenSSL (libcrypto)
   sound output            the PulseAudio client library (libpulse)
   tests, benchmarks       GoogleTest with GoogleMock, Google Benchmark, Xvfb, xprop, xrandr, xdotool, openbox, PulseAudio, D-Bus, ffmpeg
 Going on; CMake tells what it cannot find.

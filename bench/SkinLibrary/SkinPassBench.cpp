@@ -117,7 +117,7 @@ class Bench {
                 std::printf("memory: grows by %.1f MiB\n", memory("VmHWM") - before);
             keepLeast(reference, costOf([&] {
                           (void)parallelMap(FolderScanner::list(m_folder, {QStringLiteral("wsz")}), m_threads,
-                                            readOnce);
+                                            readOnce, [] {});
                       }));
         }
         std::printf("first pass: %.2f s (processor %.2f), reference %.2f s (%.2f), ratio %.2f (%.2f)\n",

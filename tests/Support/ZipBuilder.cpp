@@ -34,6 +34,8 @@ QByteArray soundFile(const std::vector<ZipEntry> &entries) {
             throw std::runtime_error(zip_strerror(archive));
         zip_set_file_compression(archive, static_cast<zip_uint64_t>(index),
                                  entry.stored ? ZIP_CM_STORE : ZIP_CM_DEFLATE, 0);
+        // The same entries make the same bytes whenever they are packed.
+        zip_file_set_mtime(archive, static_cast<zip_uint64_t>(index), 1'000'000'000, 0);
         if (entry.unixMode) {
             zip_file_set_external_attributes(archive, static_cast<zip_uint64_t>(index), 0, ZIP_OPSYS_UNIX,
                                              *entry.unixMode << 16);

@@ -32,12 +32,19 @@ QImage decodeSheet(const QByteArray &bytes) {
 /// One pass over an archive; its methods run in the order in which the skin's two lists are written.
 class Pass {
   public:
-    explicit Pass(const SkinArchive &archive) : m_archive(archive) {}
+    enum class Pictures { keep, forget };
+
+    explicit Pass(const SkinArchive &archive, Pictures pictures = Pictures::keep)
+        : m_archive(archive), m_pictures(pictures) {}
+
+    QStringList warnings() {
+        readSheets();
+        reportSheets();
+        return std::move(m_skin.warnings);
+    }
 
     Skin run() {
         readSheets();
-        if (m_skin.sheets.isEmpty())
-            throw SkinError::noBitmaps();
         generateSheets();
         reportSheets();
         readColors();
@@ -66,6 +73,7 @@ class Pass {
     void fallBack(const QString &line) { m_skin.fallbacks.append(line); }
 
     const SkinArchive &m_archive;
+    const Pictures m_pictures;
     Skin m_skin;
     QStringList m_missing; // ascending
     QSet<QString> m_undecodable;
@@ -81,12 +89,14 @@ void Pass::readSheets() {
         }
         const QImage image = decodeSheet(*bytes);
         if (!image.isNull()) {
-            m_skin.sheets.insert(name, image);
+            m_skin.sheets.insert(name, m_pictures == Pictures::keep ? image : QImage());
         } else {
             m_undecodable.insert(name);
             warn(QStringLiteral("Undecodable ") + bitmapName(name));
         }
     }
+    if (m_skin.sheets.isEmpty())
+        throw SkinError::noBitmaps();
 }
 
 void Pass::generateSheets() {
@@ -165,14 +175,27 @@ void Pass::readPlaylistStyle() {
 
 } // namespace
 
-Skin parse(const SkinArchive &archive) {
+namespace {
+
+template <class Read>
+auto guarded(const SkinArchive &archive, const Read &read) {
     if (archive.files().contains(QStringLiteral("skin.xml")))
         throw SkinError::modernSkin();
     try {
-        return Pass(archive).run();
+        return read();
     } catch (const std::bad_alloc &) {
         throw SkinError::notEnoughMemory();
     }
+}
+
+} // namespace
+
+Skin parse(const SkinArchive &archive) {
+    return guarded(archive, [&] { return Pass(archive).run(); });
+}
+
+QStringList warnings(const SkinArchive &archive) {
+    return guarded(archive, [&] { return Pass(archive, Pass::Pictures::forget).warnings(); });
 }
 
 Skin parse(const QUrl &url, const SkinArchive::Limits &limits) {

@@ -11,4 +11,8 @@ namespace vantor::SkinParser {
 [[nodiscard]] Skin parse(const SkinArchive &archive);
 [[nodiscard]] Skin parse(const QUrl &url, const SkinArchive::Limits &limits = SkinArchive::Limits::default_);
 
+/// The warnings that parse() would give, and its errors, without holding the skin's pictures in memory: what
+/// an index of many skins asks.
+[[nodiscard]] QStringList warnings(const SkinArchive &archive);
+
 } // namespace vantor::SkinParser

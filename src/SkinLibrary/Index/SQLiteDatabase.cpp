@@ -6,6 +6,9 @@
 
 #include <sqlite3.h>
 
+#include <chrono>
+#include <thread>
+
 namespace vantor {
 
 namespace {
@@ -28,6 +31,19 @@ std::shared_ptr<sqlite3_stmt> prepare(sqlite3 *database, std::string_view sql) {
     sqlite3_stmt *handle = nullptr;
     check(database, sqlite3_prepare_v2(database, sql.data(), static_cast<int>(sql.size()), &handle, nullptr));
     return {handle, sqlite3_finalize};
+}
+
+/// The one statement for which SQLite itself does not wait: when two connections open a fresh file at once,
+/// the second would fail.
+void switchToLog(sqlite3 *database) {
+    using Clock = std::chrono::steady_clock;
+    const auto deadline = Clock::now() + std::chrono::milliseconds(busyMilliseconds);
+    int code = SQLITE_OK;
+    while ((code = sqlite3_exec(database, "PRAGMA journal_mode=WAL", nullptr, nullptr, nullptr)) ==
+               SQLITE_BUSY &&
+           Clock::now() < deadline)
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    check(database, code);
 }
 
 } // namespace
@@ -98,11 +114,10 @@ SQLiteDatabase::SQLiteDatabase(const QUrl &url) {
         path.constData(), &handle, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX, nullptr);
     m_handle.reset(handle);
     check(handle, code);
-    // The first statements may wait for another connection already, when two open a fresh file at once.
     sqlite3_busy_timeout(handle, busyMilliseconds);
-    for (const char *pragma :
-         {"PRAGMA journal_mode=WAL", "PRAGMA synchronous=NORMAL", "PRAGMA foreign_keys=ON",
-          "PRAGMA temp_store=MEMORY", "PRAGMA busy_timeout=5000"})
+    switchToLog(handle);
+    for (const char *pragma : {"PRAGMA synchronous=NORMAL", "PRAGMA foreign_keys=ON",
+                               "PRAGMA temp_store=MEMORY", "PRAGMA busy_timeout=5000"})
         execute(pragma);
 }
 

@@ -23,8 +23,9 @@ struct ParsedSkin {
     FileStamp stamp;
     SkinDigests digests;
     SkinInspection inspection;
-    /// False for a file that could not be read: its digest stands for its path, and the next pass tries
-    /// again, because its stamp says nothing about when it becomes readable.
+    /// False for a file that could not be read, whose digest then stands for its path, or that changed under
+    /// the inspection. The next pass tries again, because the stamp says nothing about when it becomes
+    /// readable.
     bool wasRead = true;
 
     bool operator==(const ParsedSkin &) const = default;

@@ -41,7 +41,11 @@ ParsedSkin inspected(const SkinIngester &ingester, const HashedItem &item) {
     const SkinDigests digests{item.hash, item.md5};
     if (item.failure)
         return {item.stamp, digests, {{}, SkinStatus::failed, QStringList{*item.failure}}, false};
-    return {item.stamp, digests, ingester.inspect(item.stamp.path), true};
+    const SkinInspection inspection = ingester.inspect(item.stamp.path);
+    // A file that was pulled away under the inspection is not a broken skin.
+    const bool wasThere =
+        inspection.status != SkinStatus::failed || FolderScanner::stamp(item.stamp.path) == item.stamp;
+    return {item.stamp, digests, inspection, wasThere};
 }
 
 template <class T>
@@ -114,7 +118,8 @@ class SkinIndexer::Pass {
         std::vector<FileStamp> stamps;
         for (const QString &path : paths)
             stamps.push_back(FolderScanner::stamp(path));
-        applyBatch(stamps);
+        read(stamps);
+        applyRead();
         finish();
         return m_summary;
     }
@@ -122,7 +127,8 @@ class SkinIndexer::Pass {
   private:
     std::vector<FileStamp> scan(bool full);
     void index(const std::vector<FileStamp> &changed);
-    std::int64_t applyBatch(const std::vector<FileStamp> &batch);
+    void read(const std::vector<FileStamp> &batch);
+    void applyRead();
     void fillMissingMD5s();
     void record();
     void finish();
@@ -132,12 +138,18 @@ class SkinIndexer::Pass {
         return m_summary.cancelled;
     }
     /// `function` of every item that is begun before the pass is cancelled.
+    template <class Item, class Function, class Meanwhile>
+    [[nodiscard]] auto mapUntilCancelled(const std::vector<Item> &items, const Function &function,
+                                         const Meanwhile &meanwhile) {
+        using Result = decltype(function(items.front()));
+        const auto unlessCancelled = [&](const Item &item) {
+            return m_indexer.m_cancelled ? std::nullopt : std::optional<Result>(function(item));
+        };
+        return present(parallelMap(items, m_indexer.m_concurrency, unlessCancelled, meanwhile));
+    }
     template <class Item, class Function>
     [[nodiscard]] auto mapUntilCancelled(const std::vector<Item> &items, const Function &function) {
-        using Result = decltype(function(items.front()));
-        return present(parallelMap(items, m_indexer.m_concurrency, [&](const Item &item) {
-            return m_indexer.m_cancelled ? std::nullopt : std::optional<Result>(function(item));
-        }));
+        return mapUntilCancelled(items, function, [] {});
     }
     void enter(Phase phase);
     void advance(std::int64_t processed, bool isLast);
@@ -151,6 +163,7 @@ class SkinIndexer::Pass {
     SkinIndexProgress m_state;
     SkinIndexSummary m_summary;
     QString m_folder;
+    std::vector<IngestOutcome> m_read; ///< the last batch, while it is not in the index yet
 };
 
 std::vector<FileStamp> SkinIndexer::Pass::scan(bool full) {
@@ -181,35 +194,44 @@ void SkinIndexer::Pass::index(const std::vector<FileStamp> &changed) {
     for (std::size_t start = 0; start < changed.size() && !isCancelled(); start += size) {
         const auto first = changed.begin() + static_cast<std::ptrdiff_t>(start);
         const std::size_t count = std::min(size, changed.size() - start);
-        const std::int64_t done = applyBatch({first, first + static_cast<std::ptrdiff_t>(count)});
-        advance(done, start + count == changed.size() || isCancelled());
+        read({first, first + static_cast<std::ptrdiff_t>(count)});
     }
+    applyRead();
 }
 
-/// Returns how many files it has applied: fewer than the batch has when the pass is cancelled meanwhile.
-std::int64_t SkinIndexer::Pass::applyBatch(const std::vector<FileStamp> &batch) {
+/// Writes the batch before this one while the other threads begin with hashing, because writing alone would
+/// leave them idle. What is asked of the index comes after that.
+void SkinIndexer::Pass::read(const std::vector<FileStamp> &batch) {
     const SkinIngester &ingester = m_indexer.m_ingester;
-    const std::vector<HashedItem> items =
-        mapUntilCancelled(batch, [&](const FileStamp &stamp) { return hashed(ingester, stamp); });
+    const std::vector<HashedItem> items = mapUntilCancelled(
+        batch, [&](const FileStamp &stamp) { return hashed(ingester, stamp); }, [&] { applyRead(); });
+    if (isCancelled())
+        return;
     // When the whole folder has gone, its files are not broken.
-    const bool isAnyUnreadable =
-        std::ranges::any_of(items, [](const HashedItem &item) { return item.failure.has_value(); });
-    if (isAnyUnreadable && !m_folder.isEmpty())
+    const auto isUnreadable = [](const HashedItem &item) { return item.failure.has_value(); };
+    if (!m_folder.isEmpty() && std::ranges::any_of(items, isUnreadable))
         (void)FolderScanner::realPath(m_indexer.m_folder);
     QStringList hashes;
     for (const HashedItem &item : items)
         hashes.append(item.hash);
     const QHash<QString, std::int64_t> known = m_store.knownSkinIDs(hashes, m_indexer.m_parserVersion);
-    const std::vector<IngestOutcome> outcomes = mapUntilCancelled(items, [&](const HashedItem &item) {
+    m_read = mapUntilCancelled(items, [&](const HashedItem &item) {
         if (known.contains(item.hash))
             return IngestOutcome(LinkedSkin{item.stamp, item.hash});
         return IngestOutcome(inspected(ingester, item));
     });
+}
+
+void SkinIndexer::Pass::applyRead() {
+    const std::vector<IngestOutcome> outcomes = std::exchange(m_read, {});
+    if (outcomes.empty())
+        return;
     const AppliedCounts counts = m_store.apply(outcomes, m_indexer.m_parserVersion);
     m_summary.added += counts.added;
     m_summary.updated += counts.updated;
     m_summary.linked += counts.linked;
-    return static_cast<std::int64_t>(outcomes.size());
+    const auto done = static_cast<std::int64_t>(outcomes.size());
+    advance(done, m_state.processed + done == m_state.changed || isCancelled());
 }
 
 void SkinIndexer::Pass::fillMissingMD5s() {

@@ -32,7 +32,7 @@ SkinInspection SkinIngester::inspect(const QString &path) const {
     try {
         const SkinArchive files = archive(path);
         inspection.readme = SkinPreviewPage::readme(files);
-        inspection.warnings = SkinParser::parse(files).warnings;
+        inspection.warnings = SkinParser::warnings(files);
         inspection.status = inspection.warnings.isEmpty() ? SkinStatus::ok : SkinStatus::partial;
     } catch (const SkinError &error) {
         inspection.status = SkinStatus::failed;

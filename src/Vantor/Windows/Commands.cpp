@@ -28,7 +28,6 @@ Commands::Commands(PlayerModel &model) : m_model(model) {
     addOpening();
     addVisualisation();
     addWindows();
-    connect(&model, &PlayerModel::sceneChanged, this, &Commands::updateChecks);
     connect(&model.windows(), &WindowState::changed, this, &Commands::updateChecks);
     updateChecks();
 }
@@ -210,6 +209,7 @@ void Commands::popUpMainMenu(QPoint at) {
 void Commands::popUpVisualizerMenu(QPoint at) {
     auto *menu = new QMenu(window());
     menu->setAttribute(Qt::WA_DeleteOnClose);
+    updateChecks();
     MainMenu::fillVisualisation(*menu, *this);
     menu->popup(at);
 }

@@ -54,6 +54,8 @@ QRect SkinnedWindow::titleBar() const {
 // Painting
 
 void SkinnedWindow::refresh() {
+    if (!isVisible())
+        return; // showing it comes here again
     const QRegion changed = composeScene();
     if (!changed.isEmpty())
         update(scaled(changed, zoom()));
@@ -69,7 +71,10 @@ void SkinnedWindow::paintEvent(QPaintEvent *event) {
 }
 
 QImage SkinnedWindow::picture() {
-    refresh();
+    if (isVisible())
+        refresh();
+    else
+        static_cast<void>(composeScene());
     QImage image(skinSize() * zoom(), QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
     QPainter painter(&image);

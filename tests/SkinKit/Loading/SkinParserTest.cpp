@@ -43,7 +43,10 @@ Files complete() {
 }
 
 Skin parse(const Files &files) {
-    return SkinParser::parse(SkinArchive(files));
+    const SkinArchive archive(files);
+    const Skin skin = SkinParser::parse(archive);
+    EXPECT_EQ(SkinParser::warnings(archive), skin.warnings);
+    return skin;
 }
 
 } // namespace

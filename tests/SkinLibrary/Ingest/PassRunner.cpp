@@ -2,19 +2,15 @@
 
 #include <QFile>
 
-#include <cstdio>
-
 using namespace vantor;
 
 // pass-runner <index> <folder> <other folder>: passes over the two folders in turn, so that each one adds and
-// removes skins, until it is killed. Says when it begins.
+// removes skins, until it is killed.
 int main(int argc, char **argv) {
     if (argc != 4)
         return 2;
     const auto url = [&](int index) { return QUrl::fromLocalFile(QFile::decodeName(argv[index])); };
     const auto store = SkinIndexStore::open(url(1));
-    std::puts("running");
-    std::fflush(stdout);
     for (;;) {
         for (const int folder : {2, 3})
             SkinIndexer(url(folder), *store, {}, SkinIngester::parserVersion, 2, 8).run();

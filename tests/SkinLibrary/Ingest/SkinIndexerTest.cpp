@@ -1,13 +1,16 @@
 #include "SkinLibrary/Ingest/SkinIndexer.h"
 
 #include "tests/SkinLibrary/LibraryFixture.h"
+#include "tests/Support/AudioFileBuilder.h"
 
 #include <QDir>
-#include <QProcess>
 #include <QThread>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <csignal>
 
 using namespace vantor;
 using namespace vantor::test;
@@ -182,20 +185,26 @@ TEST_F(SkinIndexerTest, AddsGivenFiles) {
 TEST_F(SkinIndexerTest, SurvivesBeingKilled) {
     for (int i = 0; i < 200; ++i)
         folder.write(("other/" + QByteArray::number(i) + ".wsz").constData(), soundSkin(i % 150));
-    const QStringList arguments{url.toLocalFile(), folder.path("skins"), folder.path("other")};
+    store.reset();
+    const QString log = url.toLocalFile() + QStringLiteral("-wal");
+    std::set<QString> seen;
     for (int round = 0; round < 100; ++round) {
         SCOPED_TRACE(round);
-        QProcess runner;
-        runner.start(QStringLiteral(PASS_RUNNER), arguments);
-        ASSERT_TRUE(runner.waitForReadyRead());
-        QThread::usleep(static_cast<unsigned long>(500 * (round % 50)));
-        runner.kill();
-        ASSERT_TRUE(runner.waitForFinished());
+        const pid_t runner = spawn({PASS_RUNNER, url.toLocalFile().toStdString(), path("").toStdString(),
+                                    folder.path("other").toStdString()});
+        for (int i = 0; i < 20'000 && QFileInfo(log).size() == 0; ++i)
+            QThread::msleep(1);
+        QThread::msleep(static_cast<unsigned long>(3 * (round % 50)));
+        kill(runner, SIGKILL);
+        ASSERT_EQ(waitpid(runner, nullptr, 0), runner);
         ASSERT_EQ(ask("PRAGMA integrity_check"), QStringLiteral("ok"));
         ASSERT_EQ(ask("SELECT COUNT(*) FROM files WHERE skin_id NOT IN (SELECT id FROM skins)"),
                   QStringLiteral("0"));
         SQLiteDatabase(url).execute("INSERT INTO skins_fts(skins_fts) VALUES ('integrity-check')");
+        seen.insert(ask("SELECT COUNT(*) FROM files"));
     }
+    EXPECT_GT(seen.size(), 5U); // else no pass went on when it was killed
+    store = SkinIndexStore::open(url);
     pass();
     EXPECT_EQ(store->counts(), (SkinIndexCounts{4, 3, {{SkinStatus::ok, 2}, {SkinStatus::failed, 1}}}));
 }

@@ -10,7 +10,7 @@ namespace vantor {
 // How much is decoded ahead of what is heard, in seconds. What waits behind another track gets less: it may
 // be exchanged for something else several times, and each leaves its part in the node until the join.
 static constexpr double ahead = 2;
-static constexpr double aheadInWaiting = 0.5;
+static constexpr double aheadInWaiting = 1;
 // How long the thread rests when the node has enough, and when the node must let something go first.
 static constexpr std::chrono::milliseconds restWhenFull{200};
 static constexpr std::chrono::milliseconds restWhenBlocked{10};

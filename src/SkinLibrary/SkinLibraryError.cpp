@@ -13,6 +13,10 @@ SkinLibraryError SkinLibraryError::sqlite(std::int32_t code, const QString &mess
     return SkinLibraryError(Case::sqlite, code, 0, message);
 }
 
+SkinLibraryError SkinLibraryError::interruption() {
+    return sqlite(SQLITE_INTERRUPT, QString::fromUtf8(sqlite3_errstr(SQLITE_INTERRUPT)));
+}
+
 SkinLibraryError SkinLibraryError::incompatibleDatabase(std::int32_t found, std::int32_t supported) {
     return SkinLibraryError(Case::incompatibleDatabase, found, supported);
 }

@@ -15,6 +15,8 @@ class SkinLibraryError : public std::exception {
 
     /// `code`: SQLite's result code; `message`: its own words.
     [[nodiscard]] static SkinLibraryError sqlite(std::int32_t code, const QString &message);
+    /// What a question fails with that is no longer wanted.
+    [[nodiscard]] static SkinLibraryError interruption();
     [[nodiscard]] static SkinLibraryError incompatibleDatabase(std::int32_t found, std::int32_t supported);
     [[nodiscard]] static SkinLibraryError folderUnreadable(const QString &message);
     [[nodiscard]] static SkinLibraryError passAlreadyRunning();

@@ -33,6 +33,14 @@ bool SkinLibraryError::isInterruption() const {
     return m_case == Case::sqlite && m_code == SQLITE_INTERRUPT;
 }
 
+bool SkinLibraryError::isUnusableIndex() const {
+    if (m_case != Case::sqlite)
+        return m_case == Case::incompatibleDatabase;
+    const int code = m_code & 0xFF; // without the detail that SQLite may add
+    // The general error is what a file without our tables gives.
+    return code == SQLITE_CORRUPT || code == SQLITE_NOTADB || code == SQLITE_ERROR;
+}
+
 QString SkinLibraryError::description() const {
     switch (m_case) {
     case Case::sqlite:

@@ -22,8 +22,10 @@ class SkinLibraryError : public std::exception {
     [[nodiscard]] static SkinLibraryError passAlreadyRunning();
 
     [[nodiscard]] Case errorCase() const { return m_case; }
-    /// A query that SkinIndexStore::interrupt() has ended; nothing to tell the user.
+    /// A query that was interrupted; nothing to tell the user.
     [[nodiscard]] bool isInterruption() const;
+    /// The file is damaged or from a newer version: only an index made afresh will help.
+    [[nodiscard]] bool isUnusableIndex() const;
     /// The sentence for the user.
     [[nodiscard]] QString description() const;
     [[nodiscard]] const char *what() const noexcept override { return m_what.constData(); }

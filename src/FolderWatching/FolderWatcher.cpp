@@ -50,8 +50,8 @@ double recently() {
 class FolderWatcher::Loop {
   public:
     Loop(FolderWatcher &watcher, const QByteArray &root, const Settings &settings)
-        : m_watcher(watcher), m_root(root), m_settings(settings),
-          m_tree(root, settings.maxFolders, m_stop), m_changes(root, settings.quiet, settings.longest) {}
+        : m_watcher(watcher), m_root(root), m_settings(settings), m_tree(root, settings.maxFolders, m_stop),
+          m_changes(root, settings.quiet, settings.longest) {}
     ~Loop() { close(m_wake); }
     Loop(const Loop &) = delete;
     Loop &operator=(const Loop &) = delete;

@@ -25,11 +25,11 @@ class FolderWatcher : public QObject {
     Q_OBJECT
   public:
     struct Settings {
-        std::chrono::milliseconds quiet{1000};    ///< after the last change until it is told
+        std::chrono::milliseconds quiet{1000};     ///< after the last change until it is told
         std::chrono::milliseconds longest{10'000}; ///< after the first one, whatever still goes on
-        std::chrono::milliseconds poll{60'000};   ///< between signals where changes go unnoticed
-        std::chrono::milliseconds presence{3000}; ///< between looks whether the folder has gone or come back
-        int maxFolders = 100'000;                 ///< watched at most
+        std::chrono::milliseconds poll{60'000};    ///< between signals where changes go unnoticed
+        std::chrono::milliseconds presence{3000};  ///< between looks whether the folder has gone or come back
+        int maxFolders = 100'000;                  ///< watched at most
     };
 
     /// Local path in NativePath's form, absolute.

@@ -97,9 +97,7 @@ void WatchTree::restart(double since, const Report &report) {
     m_isLost = false;
     m_identity = identity();
     m_descriptor = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
-    m_gap = m_descriptor < 0   ? Gap::unavailable
-            : isSilent(m_root) ? Gap::silentFileSystem
-                               : Gap::none;
+    m_gap = m_descriptor < 0 ? Gap::unavailable : isSilent(m_root) ? Gap::silentFileSystem : Gap::none;
     if (m_descriptor >= 0 && m_identity)
         watch(m_root, since, report);
 }
@@ -179,7 +177,7 @@ bool WatchTree::readEvents(const Report &report) {
     for (const char *at = buffer.data(); at < buffer.data() + size && !m_isLost && !m_stop;) {
         inotify_event event; // without the name, which is of any length
         std::memcpy(&event, at, sizeof event);
-const char *name = event.len > 0 ? at + sizeof event : ""; // ends with zeros
+        const char *name = event.len > 0 ? at + sizeof event : ""; // ends with zeros
         handle(event, name, report);
         at += sizeof event + event.len;
     }

@@ -2,11 +2,12 @@
 
 #include <QByteArray>
 
+#include <sys/types.h>
+
 #include <atomic>
 #include <functional>
 #include <map>
 #include <optional>
-#include <sys/types.h>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -51,7 +52,8 @@ class WatchTree {
     void watch(const QByteArray &folder, double since, const Report &report);
     /// False when it cannot be watched.
     [[nodiscard]] bool add(const QByteArray &folder);
-    [[nodiscard]] std::vector<QByteArray> subfolders(const QByteArray &folder, double since, const Report &report);
+    [[nodiscard]] std::vector<QByteArray> subfolders(const QByteArray &folder, double since,
+                                                     const Report &report);
     void forget(const QByteArray &folder);
     void forget(int watch);
     void handle(const inotify_event &event, const QByteArray &name, const Report &report);

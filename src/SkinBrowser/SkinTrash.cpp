@@ -1,6 +1,5 @@
-#include "SkinBrowser/SkinTrash_p.h"
-
 #include "Platform/NativePath.h"
+#include "SkinBrowser/SkinTrash_p.h"
 #include "SkinLibrary/SkinLibraryError.h"
 
 #include <QFile>

@@ -3,8 +3,8 @@
 #include "SkinKit/Loading/SkinPreviewPage.h"
 #include "SkinKit/Rendering/MainWindowRenderer.h"
 #include "skintool/PictureComparison.h"
-#include "skintool/SkinScene.h"
 #include "skintool/SkinReport.h"
+#include "skintool/SkinScene.h"
 #include "skintool/SkintoolOptions.h"
 
 #include <QCoreApplication>

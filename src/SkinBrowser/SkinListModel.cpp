@@ -190,13 +190,13 @@ SkinListModel::Renewal SkinListModel::readAgain(SkinIndexStore &store, const Ski
 
 void SkinListModel::readRenewal() {
     m_renewing = false;
-    ask<Renewal>([query = m_query, held = held()](
-                     SkinIndexStore &store) { return readAgain(store, query, held); },
-                 [this](Renewal &renewal) {
-                     m_problem.clear();
-                     take(std::move(renewal));
-                     Q_EMIT renewed();
-                 });
+    ask<Renewal>(
+        [query = m_query, held = held()](SkinIndexStore &store) { return readAgain(store, query, held); },
+        [this](Renewal &renewal) {
+            m_problem.clear();
+            take(std::move(renewal));
+            Q_EMIT renewed();
+        });
 }
 
 void SkinListModel::readPlace(std::int64_t id) {
@@ -316,11 +316,13 @@ int SkinListModel::rowCount(const QModelIndex &parent) const {
 }
 
 QVariant SkinListModel::data(const QModelIndex &index, int role) const {
-    if (role != Qt::DisplayRole && role != Qt::AccessibleTextRole)
+    if (role != Qt::DisplayRole && role != Qt::ToolTipRole && role != Qt::AccessibleTextRole)
         return {};
     const SkinRecord *const skin = record(index);
     if (!skin)
         return {};
+    if (role == Qt::ToolTipRole)
+        return skin->name + QLatin1Char('\n') + skin->primaryPath;
     if (role == Qt::DisplayRole || skin->status == SkinStatus::ok)
         return skin->name;
     return skin->status == SkinStatus::partial ? tr("%1, partial").arg(skin->name)

@@ -52,7 +52,7 @@ class SkinListModel : public QAbstractListModel {
     [[nodiscard]] const SkinRecord *record(const QModelIndex &index) const;
 
     [[nodiscard]] int rowCount(const QModelIndex &parent = {}) const override;
-    /// The name, and for assistive tools also what is wrong with the skin.
+    /// The name, with the file for a tool tip, and for assistive tools with what is wrong with the skin.
     [[nodiscard]] QVariant data(const QModelIndex &index, int role) const override;
 
   Q_SIGNALS:

@@ -111,9 +111,9 @@ TEST_F(SkinListModelTest, ARefreshKeepsHoldOfSkinsAndNotOfRows) {
     const QPersistentModelIndex selected(model.index(3)); // far out of view
     const QPersistentModelIndex trashed(model.index(5));
 
-    add(901, 50);                                  // in front of all
-    add(1011, 1);                                  // between the selected one and the view
-    add(5000, 500);                                // behind
+    add(901, 50);                                      // in front of all
+    add(1011, 1);                                      // between the selected one and the view
+    add(5000, 500);                                    // behind
     store->removeFile(QStringLiteral("/s/01010.wsz")); // the trashed one
     refresh();
     EXPECT_EQ(model.rowCount(), 1550);

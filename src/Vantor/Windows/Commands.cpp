@@ -1,5 +1,6 @@
 #include "Vantor/Windows/Commands.h"
 
+#include "Vantor/Model/SkinSwitcher.h"
 #include "Vantor/Windows/FileInfoDialog.h"
 #include "Vantor/Windows/JumpToFileDialog.h"
 #include "Vantor/Windows/MainMenu.h"
@@ -26,6 +27,7 @@ constexpr double seekStep = 5; // seconds
 Commands::Commands(PlayerModel &model) : m_model(model) {
     addPlayback();
     addOpening();
+    addSkins();
     addVisualisation();
     addWindows();
     connect(&model.windows(), &WindowState::changed, this, &Commands::updateChecks);
@@ -43,6 +45,10 @@ SkinnedWindow *Commands::window() const {
         m_windows, [](const QPointer<SkinnedWindow> &window) { return window && window->isActiveWindow(); });
     if (active != m_windows.end())
         return *active;
+    return mainWindow();
+}
+
+SkinnedWindow *Commands::mainWindow() const {
     return m_windows.empty() ? nullptr : m_windows.front().data();
 }
 
@@ -113,11 +119,34 @@ void Commands::addOpening() {
     add(Id::jumpToFile, tr("Jump to File…"), {Qt::Key_J},
         [this] { (new JumpToFileDialog(m_model, window()))->open(); });
     add(Id::fileInfo, tr("File Info…"), {Qt::ALT | Qt::Key_3}, [this] { showFileInfo(); });
+}
+
+void Commands::addSkins() {
     add(Id::loadSkin, tr("Load Skin…"), {Qt::ALT | Qt::Key_S},
         [this] { OpenDialogs::loadSkin(m_model, window()); });
     addCheck(
         Id::defaultSkin, tr("Default Skin"), {}, [this] { return m_model.skinUrl().isEmpty(); },
         [this] { m_model.wearDefaultSkin(); });
+    add(Id::skinBrowser, tr("Skin Browser…"), {Qt::ALT | Qt::Key_B}, [this] { m_browseSkins(); });
+    const auto step = [this](Id id, const QString &text, const QKeySequence &key, SkinSwitcher::Step where) {
+        add(id, text, {key}, [this, where] { m_skins->step(where); });
+    };
+    step(Id::nextSkin, tr("Next Skin"), Qt::ALT | Qt::Key_Right, SkinSwitcher::Step::next);
+    step(Id::previousSkin, tr("Previous Skin"), Qt::ALT | Qt::Key_Left, SkinSwitcher::Step::previous);
+    step(Id::randomSkin, tr("Random Skin"), Qt::ALT | Qt::Key_R, SkinSwitcher::Step::random);
+    setSkins(nullptr, {});
+}
+
+void Commands::setSkins(SkinSwitcher *skins, const std::function<void()> &browse) {
+    m_skins = skins;
+    m_browseSkins = browse;
+    for (const Id id : {Id::skinBrowser, Id::nextSkin, Id::previousSkin, Id::randomSkin})
+        action(id).setEnabled(skins != nullptr);
+}
+
+void Commands::wearSkin(const SkinRecord &skin) {
+    if (m_skins)
+        m_skins->wear(skin);
 }
 
 void Commands::addVisualisation() {
@@ -190,8 +219,8 @@ void Commands::addWindows() {
     toggle(Id::equalizer, tr("Equalizer"), Qt::ALT | Qt::Key_G, WindowKind::equalizer);
     toggle(Id::playlist, tr("Playlist"), Qt::ALT | Qt::Key_E, WindowKind::playlist);
     add(Id::minimize, tr("Minimise"), {Qt::CTRL | Qt::Key_M}, [this] {
-        if (!m_windows.empty() && m_windows.front())
-            m_windows.front()->showMinimized();
+        if (SkinnedWindow *const main = mainWindow())
+            main->showMinimized();
     });
     add(Id::preferences, tr("Preferences…"), {Qt::CTRL | Qt::Key_P}, [this] { showPreferences(); });
     add(Id::about, tr("About Vantor"), {}, [this] { showAbout(); });

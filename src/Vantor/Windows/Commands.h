@@ -14,7 +14,9 @@ class QMenu;
 namespace vantor {
 
 class PreferencesDialog;
+class SkinSwitcher;
 class SkinnedWindow;
+struct SkinRecord;
 
 /// Every command of the program, once: buttons trigger them, menus list them and their shortcuts work in
 /// every skinned window, but in no dialog. Main thread.
@@ -40,6 +42,10 @@ class Commands : public QObject {
         repeat,
         loadSkin,
         defaultSkin,
+        skinBrowser,
+        nextSkin,
+        previousSkin,
+        randomSkin,
         timeElapsed,
         timeRemaining,
         toggleTime,
@@ -72,6 +78,15 @@ class Commands : public QObject {
     /// comes first.
     void addTo(SkinnedWindow &window);
 
+    /// What works through the index of the skins folder, from when there is one until nullptr is set: the
+    /// steps, and what opens the browser.
+    void setSkins(SkinSwitcher *skins, const std::function<void()> &browse);
+    [[nodiscard]] const SkinSwitcher *skins() const { return m_skins; }
+    void wearSkin(const SkinRecord &skin);
+
+    /// None before it is added.
+    [[nodiscard]] SkinnedWindow *mainWindow() const;
+
     [[nodiscard]] QAction &action(Id id) { return *m_actions.at(id); }
     void trigger(Id id) { action(id).trigger(); }
 
@@ -90,6 +105,7 @@ class Commands : public QObject {
     void addPlayback();
     void addOpening();
     void addVisualisation();
+    void addSkins();
     void addWindows();
     void updateChecks();
     /// The skinned window that the user works in.
@@ -99,6 +115,8 @@ class Commands : public QObject {
     void showAbout();
 
     PlayerModel &m_model;
+    SkinSwitcher *m_skins = nullptr;
+    std::function<void()> m_browseSkins;
     std::vector<QPointer<SkinnedWindow>> m_windows;
     QPointer<PreferencesDialog> m_preferences; ///< while it is open
     std::map<Id, QAction *> m_actions;         ///< owned by this object

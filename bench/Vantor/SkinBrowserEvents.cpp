@@ -15,11 +15,11 @@
 #include <QTemporaryDir>
 #include <QToolButton>
 
-#include <cstdio>
-#include <ctime>
-
 #include <fcntl.h>
 #include <unistd.h>
+
+#include <cstdio>
+#include <ctime>
 
 using namespace vantor;
 
@@ -66,10 +66,11 @@ class Measured : public QApplication {
         return result;
     }
     void report(const char *phase) {
-        std::printf("%-28s %7zu events, busy at most %6.2f ms (type %d of %s), waited at most %6.2f ms (type %d), "
-                    "over 16 ms: %d\n",
-                    phase, m_count, m_longest, m_longestType, m_longestName.constData(), m_longestWait, m_longestWaitType,
-                    m_late);
+        std::printf(
+            "%-28s %7zu events, busy at most %6.2f ms (type %d of %s), waited at most %6.2f ms (type %d), "
+            "over 16 ms: %d\n",
+            phase, m_count, m_longest, m_longestType, m_longestName.constData(), m_longestWait,
+            m_longestWaitType, m_late);
         std::fflush(stdout);
         m_count = 0;
         m_longest = m_longestWait = 0;
@@ -125,7 +126,7 @@ void fill(const QUrl &index, const QString &skins, const QString &links, int row
     link(madeSkins(skins), links, rows);
     const auto store = SkinIndexStore::open(index);
     std::vector<IngestOutcome> batch;
-    for (const FileStamp &stamp : FolderScanner::list(QUrl::fromLocalFile(links))) {
+    for (const FileStamp &stamp : FolderScanner::list(QUrl::fromLocalFile(links), {QStringLiteral("wsz")})) {
         ParsedSkin skin;
         skin.stamp = stamp;
         skin.digests = SkinContentHash::digests(stamp.path.toUtf8());
@@ -223,8 +224,7 @@ int main(int argc, char **argv) {
     link(madeSkins(skins), links + QStringLiteral("/new"), 30'000);
     library.reindex();
     everything("in a pass");
-    std::printf("%s, %lld of %lld files\n",
-                library.isIndexing() ? "the pass still ran" : "the pass was over",
+    std::printf("%s, %lld of %lld files\n", library.isIndexing() ? "the pass still ran" : "the pass was over",
                 static_cast<long long>(library.progress().processed),
                 static_cast<long long>(library.progress().changed));
     return 0;

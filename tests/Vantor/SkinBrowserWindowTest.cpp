@@ -23,8 +23,6 @@ namespace {
 /// A folder of skins with its library, and a browser of it.
 class SkinBrowserWindowTest : public PlayerFixture {
   protected:
-    SkinBrowserWindowTest() { qputenv("XDG_DATA_HOME", QFile::encodeName(m_folder.path("data"))); }
-
     /// "Amber", "Birch", "Cedar" … in this order; the third lacks sheets and the fifth is no skin at all.
     void writeSkins(int count) {
         constexpr std::array names{"Amber", "Birch", "Cedar", "Dune", "Ember", "Fjord"};
@@ -158,11 +156,10 @@ TEST_F(SkinBrowserWindowTest, StepsThroughTheFolderAndPassesOverWhatCannotBeWorn
     const QUrl spoilt = writeFile("skins/Birch.wsz", "not any more");
     QSignalSpy refused(&m_model, &PlayerModel::skinRefused);
     const std::pair<Step, const char *> steps[] = {
-        {Step::next, "skins/Amber.wsz"},  // from the default skin
-        {Step::next, "skins/Cedar.wsz"},  // past the spoilt one
-        {Step::previous, "skins/Amber.wsz"},
-        {Step::previous, "skins/Fjord.wsz"}, // around
-        {Step::previous, "skins/Dune.wsz"},  // past the one that never was one
+        {Step::next, "skins/Amber.wsz"},                                          // from the default skin
+        {Step::next, "skins/Cedar.wsz"},                                          // past the spoilt one
+        {Step::previous, "skins/Amber.wsz"}, {Step::previous, "skins/Fjord.wsz"}, // around
+        {Step::previous, "skins/Dune.wsz"}, // past the one that never was one
     };
     for (const auto &[step, expected] : steps) {
         m_switcher.step(step);

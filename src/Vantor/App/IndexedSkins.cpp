@@ -23,8 +23,8 @@ IndexedSkins::~IndexedSkins() {
 void IndexedSkins::browse() {
     if (!m_browser) {
         m_thumbnails = std::make_unique<ThumbnailCache>(AppPaths::cacheFolder() + QStringLiteral("/skins"));
-        m_browser = std::make_unique<SkinBrowserWindow>(m_model, m_library, m_switcher, *m_thumbnails,
-                                                        m_settings);
+        m_browser =
+            std::make_unique<SkinBrowserWindow>(m_model, m_library, m_switcher, *m_thumbnails, m_settings);
         using Id = Commands::Id;
         for (const Id id : {Id::skinBrowser, Id::nextSkin, Id::previousSkin, Id::randomSkin})
             m_browser->addAction(&m_commands.action(id));

@@ -45,8 +45,8 @@ Found another(SkinIndexStore &store, std::optional<std::int64_t> from) {
 Found lookUp(SkinIndexStore &store, SkinSwitcher::Step step, std::optional<std::int64_t> from) {
     if (step == SkinSwitcher::Step::random)
         return another(store, from);
-    const auto direction = step == SkinSwitcher::Step::next ? SkinNeighborDirection::next
-                                                            : SkinNeighborDirection::previous;
+    const auto direction =
+        step == SkinSwitcher::Step::next ? SkinNeighborDirection::next : SkinNeighborDirection::previous;
     const Found beside = from ? store.neighbor(*from, direction, wearable) : std::nullopt;
     return beside ? beside : end(store, direction);
 }

@@ -87,10 +87,10 @@ void SkinBrowserWindow::askToTrash(const QString &name, const std::vector<FileSt
     QString list = paths.mid(0, listed).join(QLatin1Char('\n'));
     if (files.size() > listed)
         list += QStringLiteral("\n…");
-    const QString more = files.size() == 1 ? list
-                                           : tr("It is there %n times, and all go:", nullptr,
-                                                static_cast<int>(files.size())) +
-                                                 QStringLiteral("\n\n") + list;
+    const QString more =
+        files.size() == 1 ? list
+                          : tr("It is there %n times, and all go:", nullptr, static_cast<int>(files.size())) +
+                                QStringLiteral("\n\n") + list;
     ask(this, tr("Move “%1” to the Trash?").arg(name), more, tr("Move to Trash"), [this, name, paths] {
         for (const QString &path : paths)
             m_library.moveToTrash(path, name);

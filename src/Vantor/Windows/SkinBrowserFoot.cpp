@@ -124,8 +124,7 @@ QString SkinBrowserFoot::restText() const {
 
 void SkinBrowserFoot::chooseFolder() {
     const QString folder = m_library.folder();
-    auto *dialog =
-        new QFileDialog(this, tr("Skins folder"), folder.isEmpty() ? QDir::homePath() : folder);
+    auto *dialog = new QFileDialog(this, tr("Skins folder"), folder.isEmpty() ? QDir::homePath() : folder);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setFileMode(QFileDialog::Directory);
     dialog->setOption(QFileDialog::ShowDirsOnly);

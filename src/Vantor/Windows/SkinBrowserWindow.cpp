@@ -81,8 +81,8 @@ SkinBrowserWindow::SkinBrowserWindow(PlayerModel &model, SkinLibraryModel &libra
                                      ThumbnailCache &thumbnails, QSettings &settings)
     : m_model(model), m_library(library), m_switcher(switcher), m_settings(settings),
       m_skins(library.index()), m_search(new QLineEdit), m_splitter(new QSplitter),
-      m_pages(new QStackedWidget), m_grid(new SkinGridView(m_skins, thumbnails)),
-      m_message(new MessagePage), m_details(new SkinDetails(switcher)), m_foot(new SkinBrowserFoot(model, library)) {
+      m_pages(new QStackedWidget), m_grid(new SkinGridView(m_skins, thumbnails)), m_message(new MessagePage),
+      m_details(new SkinDetails(switcher)), m_foot(new SkinBrowserFoot(model, library)) {
     setWindowTitle(tr("Skin Browser"));
     setAttribute(Qt::WA_QuitOnClose, false);
     setMinimumSize(480, 320);
@@ -324,7 +324,7 @@ bool SkinBrowserWindow::eventFilter(QObject *watched, QEvent *event) {
 void SkinBrowserWindow::keyPressEvent(QKeyEvent *event) {
     if (event->key() == Qt::Key_Escape)
         endSearch();
-    else if (event->key() == Qt::Key_Delete && m_grid->hasFocus())
+    else if (event->key() == Qt::Key_Delete && focusWidget() == m_grid)
         askToTrash();
     else
         QWidget::keyPressEvent(event);

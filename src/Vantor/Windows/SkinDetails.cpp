@@ -42,7 +42,8 @@ QString heading(const QString &text) {
 QString fileHtml(const FileStamp &file) {
     const qsizetype slash = file.path.lastIndexOf(QLatin1Char('/'));
     const QString address = QString::fromLatin1(NativePath::url(file.path).toEncoded());
-    return QStringLiteral("<p style='margin:2px 0'><a href=\"%1\">%2</a><br><span class='faint'>%3</span></p>")
+    return QStringLiteral(
+               "<p style='margin:2px 0'><a href=\"%1\">%2</a><br><span class='faint'>%3</span></p>")
         .arg(address.toHtmlEscaped(), file.path.mid(slash + 1).toHtmlEscaped(),
              file.path.left(slash).toHtmlEscaped());
 }

@@ -29,8 +29,7 @@ void drawPicture(QPainter &painter, const QRect &place, const SkinTile &tile, co
     painter.drawRoundedRect(place, 3, 3);
     if (tile.skin && tile.skin->status == SkinStatus::failed) {
         painter.setPen(colors.color(QPalette::PlaceholderText));
-        painter.drawText(place, Qt::AlignCenter,
-                         QCoreApplication::translate("SkinTile", "Cannot be read"));
+        painter.drawText(place, Qt::AlignCenter, QCoreApplication::translate("SkinTile", "Cannot be read"));
     }
 }
 
@@ -47,8 +46,8 @@ void drawName(QPainter &painter, QRect line, const SkinTile &tile, const QPalett
     if (isPartial) {
         painter.setPen(QPen(partialColor, 1.5));
         painter.setBrush(Qt::NoBrush);
-        painter.drawEllipse(QRectF(line.left() + 0.5, line.center().y() - markSize / 2 + 0.5, markSize - 1,
-                                   markSize - 1));
+        painter.drawEllipse(
+            QRectF(line.left() + 0.5, line.center().y() - markSize / 2 + 0.5, markSize - 1, markSize - 1));
         line.setLeft(line.left() + markRoom);
     }
     const bool isFailed = tile.skin->status == SkinStatus::failed;

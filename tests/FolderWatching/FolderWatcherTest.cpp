@@ -9,9 +9,9 @@
 #include <QSet>
 #include <QThread>
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <fcntl.h>
 #include <sys/stat.h>
 
 using namespace vantor;
@@ -90,7 +90,9 @@ TEST_F(FolderWatcherTest, TellsWhereSomethingChanged) {
              file.write("y");
          },
          {"root/a"}},
-        {"touched", [&] { ASSERT_EQ(utimensat(AT_FDCWD, qPrintable(path("a/file")), nullptr, 0), 0); }, {"root/a"}},
+        {"touched",
+         [&] { ASSERT_EQ(utimensat(AT_FDCWD, qPrintable(path("a/file")), nullptr, 0), 0); },
+         {"root/a"}},
         {"renamed", [&] { move("root/a/file", "root/b/renamed"); }, {"root/a", "root/b"}},
         {"removed", [&] { QFile::remove(path("b/renamed")); }, {"root/b"}},
         {"a new folder with another one", [&] { write("c/d/file"); }, {"root"}},

@@ -50,7 +50,8 @@ TEST_F(SkinIndexReaderTest, AnswersInOrderAndSeesWhatAPassWrites) {
     EXPECT_EQ(order.size(), 20U);
     EXPECT_EQ(answers.front().result(), 2U);
     store->removeFile(QStringLiteral("/skins/a.wsz"));
-    EXPECT_EQ(reader.ask<QString>([](SkinIndexStore &index) { return index.skins({.limit = 9}).at(0).name; }).result(),
+    EXPECT_EQ(reader.ask<QString>([](SkinIndexStore &index) { return index.skins({.limit = 9}).at(0).name; })
+                  .result(),
               QStringLiteral("b"));
 }
 
@@ -65,7 +66,8 @@ TEST_F(SkinIndexReaderTest, InterruptionEndsWhatRunsAndWhatWaits) {
     reader.interrupt();
     EXPECT_TRUE(isInterrupted(running));
     EXPECT_TRUE(isInterrupted(waiting));
-    EXPECT_EQ(reader.ask<std::int64_t>([](SkinIndexStore &index) { return index.counts().skins; }).result(), 2);
+    EXPECT_EQ(reader.ask<std::int64_t>([](SkinIndexStore &index) { return index.counts().skins; }).result(),
+              2);
 }
 
 TEST_F(SkinIndexReaderTest, TheDestructorFinishesEveryFuture) {
@@ -83,8 +85,11 @@ TEST_F(SkinIndexReaderTest, AFileThatCannotBeOpenedIsTriedAgain) {
     const QUrl newer = QUrl::fromLocalFile(folder.path("newer.sqlite"));
     SQLiteDatabase(newer).execute("PRAGMA user_version = 3");
     SkinIndexReader other(newer);
-    const std::function<std::int64_t(SkinIndexStore &)> question = [](SkinIndexStore &index) { return index.counts().files; };
-    EXPECT_EQ(errorOf([&] { other.ask(question).waitForFinished(); }), SkinLibraryError::incompatibleDatabase(3, 2));
+    const std::function<std::int64_t(SkinIndexStore &)> question = [](SkinIndexStore &index) {
+        return index.counts().files;
+    };
+    EXPECT_EQ(errorOf([&] { other.ask(question).waitForFinished(); }),
+              SkinLibraryError::incompatibleDatabase(3, 2));
     QFile::remove(newer.toLocalFile());
     EXPECT_EQ(other.ask(question).result(), 0);
 }

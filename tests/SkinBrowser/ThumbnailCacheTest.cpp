@@ -39,10 +39,14 @@ class ThumbnailCacheTest : public testing::Test {
     void open(qint64 limit = 1 << 20) {
         m_cache = std::make_unique<ThumbnailCache>(m_folder.path("cache"), limit);
         m_order.clear();
-        QObject::connect(m_cache.get(), &ThumbnailCache::ready, [this](const QString &hash) { m_order << hash; });
-        QObject::connect(m_cache.get(), &ThumbnailCache::failed, [this](const QString &hash) { m_order << QStringLiteral("failed ") + hash; });
+        QObject::connect(m_cache.get(), &ThumbnailCache::ready,
+                         [this](const QString &hash) { m_order << hash; });
+        QObject::connect(m_cache.get(), &ThumbnailCache::failed,
+                         [this](const QString &hash) { m_order << QStringLiteral("failed ") + hash; });
     }
-    [[nodiscard]] std::optional<QImage> ask(const MadeSkin &skin) { return m_cache->picture(skin.hash, skin.path); }
+    [[nodiscard]] std::optional<QImage> ask(const MadeSkin &skin) {
+        return m_cache->picture(skin.hash, skin.path);
+    }
     /// What the event brings that follows.
     [[nodiscard]] std::optional<QImage> fetch(const MadeSkin &skin) {
         const qsizetype before = m_order.size();
@@ -69,12 +73,14 @@ class ThumbnailCacheTest : public testing::Test {
 TEST_F(ThumbnailCacheTest, DrawsTheSkinAndReusesItsFile) {
     const QByteArray archive = SkinCollection().archive(0);
     const MadeSkin made = write("made.wsz", archive);
-    const QImage expected = MainWindowRenderer::picture(SkinParser::parse(SkinArchive::fromZip(archive)), {}, 1);
+    const QImage expected =
+        MainWindowRenderer::picture(SkinParser::parse(SkinArchive::fromZip(archive)), {}, 1);
     open();
     EXPECT_EQ(fetch(made), expected);
     EXPECT_EQ(expected.size(), ThumbnailCache::size);
     ASSERT_EQ(files().size(), 1);
-    EXPECT_TRUE(files().front().endsWith(made.hash.first(2) + QLatin1Char('/') + made.hash + QStringLiteral(".png")));
+    EXPECT_TRUE(
+        files().front().endsWith(made.hash.first(2) + QLatin1Char('/') + made.hash + QStringLiteral(".png")));
     QFile::remove(made.path);
     open();
     EXPECT_EQ(fetch(made), expected);
@@ -131,7 +137,8 @@ TEST_F(ThumbnailCacheTest, ADamagedFileIsMadeAgain) {
     open();
     const auto expected = fetch(made);
     const QString path = files().value(0);
-    for (const QByteArray &damage : {QByteArray(), TestFolder::read(path).first(200), QByteArray("no picture"), solidPNG({3000, 3000}, 0)}) {
+    for (const QByteArray &damage : {QByteArray(), TestFolder::read(path).first(200),
+                                     QByteArray("no picture"), solidPNG({3000, 3000}, 0)}) {
         SCOPED_TRACE(damage.size());
         QFile file(path);
         ASSERT_TRUE(file.open(QIODevice::WriteOnly));
@@ -156,7 +163,8 @@ TEST_F(ThumbnailCacheTest, TheOldestFilesGoWhenThereAreTooMany) {
         const QString hash = skin(i).hash;
         QFile file(kept + hash.first(2) + QLatin1Char('/') + hash + QStringLiteral(".png"));
         ASSERT_TRUE(file.open(QIODevice::ReadWrite));
-        ASSERT_TRUE(file.setFileTime(QDateTime::currentDateTime().addDays(i - 20), QFileDevice::FileModificationTime));
+        ASSERT_TRUE(file.setFileTime(QDateTime::currentDateTime().addDays(i - 20),
+                                     QFileDevice::FileModificationTime));
         size = std::max(size, file.size());
     }
     open(size * 4);

@@ -124,6 +124,11 @@ Seeds answers() {
             {QStringLiteral("counted"), "\1HTTP/1.0 206 Partial\nContent-Length: 3\n\nabc"}};
 }
 
+Seeds transfers() {
+    return {{QStringLiteral("transfer"),
+             R"({"ids":[{"kind":"album","rawValue":"1"},{"kind":"radio","rawValue":"\\ud83c\\udfb5"}]})"}};
+}
+
 Seeds queues() {
     return {{QStringLiteral("queue"),
              R"({"currentIndex":1,"items":[
@@ -156,6 +161,7 @@ int main(int argc, char **argv) {
                          write(folder + QStringLiteral("CursorBitmap"), cursors()) &&
                          write(folder + QStringLiteral("AniParser"), animations()) &&
                          write(folder + QStringLiteral("HttpAnswer"), answers()) &&
+                         write(folder + QStringLiteral("MediaIDTransfer"), transfers()) &&
                          write(folder + QStringLiteral("PlaylistFile"), playlists()) &&
                          write(folder + QStringLiteral("QueueFile"), queues()) &&
                          write(folder + QStringLiteral("SkinArchive"), archives()) &&

@@ -50,7 +50,9 @@ QString key(const QString &name) {
         if (word.compare(QLatin1String("and"), Qt::CaseInsensitive) == 0)
             word = QStringLiteral("&");
     }
-    text = foldedWidth(words.join(u' ')).toCaseFolded().normalized(QString::NormalizationForm_C);
+    // Qt folds one letter to one; the way over the capitals makes "ss" of "ß" too.
+    text = foldedWidth(words.join(u' ')).toUpper().toCaseFolded();
+    text = text.normalized(QString::NormalizationForm_C);
     // Somebody called like that is not nameless; no other key ends in a space.
     return text == ArtistGroup::unknownID() ? text + u' ' : text;
 }

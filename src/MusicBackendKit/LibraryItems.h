@@ -5,7 +5,8 @@
 
 #include <QFlags>
 
-/// The records of a music library, wherever it lives. Values; any thread. What a source does not know is absent.
+/// The records of a music library, wherever it lives. Values; any thread. What a source does not know is
+/// absent.
 namespace vantor {
 
 struct LibraryArtist {

@@ -110,7 +110,8 @@ QCoro::Task<> MusicBackend::transfer(OutputDevice::ID, OutputDevice::ID, bool) {
     return unsupported<void>(MusicBackendCapability::remoteOutputs);
 }
 
-QCoro::Task<> MusicBackend::setGroupMembers(OutputDevice::ID, QList<OutputDevice::ID>, QList<OutputDevice::ID>) {
+QCoro::Task<> MusicBackend::setGroupMembers(OutputDevice::ID, QList<OutputDevice::ID>,
+                                            QList<OutputDevice::ID>) {
     return unsupported<void>(MusicBackendCapability::remoteOutputs);
 }
 

@@ -21,8 +21,8 @@ namespace vantor {
 /// A music library and what plays from it: a folder, or a server.
 ///
 /// Main thread: every operation is called there, suspends instead of blocking, and resumes there. Operations
-/// report MusicBackendError, QueueEditError or an error of the source's own, all with a sentence for the user.
-/// Tasks start at once and run to their end, awaited or not.
+/// report MusicBackendError, QueueEditError or an error of the source's own, all with a sentence for the
+/// user. Tasks start at once and run to their end, awaited or not.
 ///
 /// A backend lives in a shared_ptr. An operation that is under way keeps it alive (`shared_from_this()`), so
 /// that whoever drops the pointer need not wait; disconnect() makes what is under way end soon.

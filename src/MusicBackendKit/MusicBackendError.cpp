@@ -18,8 +18,7 @@ MusicBackendError MusicBackendError::notFound(const MediaID &id) {
 }
 
 MusicBackendError MusicBackendError::unsupported(MusicBackendCapabilities needed) {
-    MusicBackendError error(Case::unsupported,
-                            QStringLiteral("This music source does not support that."));
+    MusicBackendError error(Case::unsupported, QStringLiteral("This music source does not support that."));
     error.m_needed = needed;
     return error;
 }

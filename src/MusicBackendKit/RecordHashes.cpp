@@ -59,7 +59,8 @@ size_t qHash(const LibraryArtist &v, size_t seed) noexcept {
 }
 
 size_t qHash(const LibraryAlbum &v, size_t seed) noexcept {
-    return hashAll(seed, v.id, v.title, v.artistID, v.artistName, v.year, v.trackCount, v.artwork, v.isFavorite);
+    return hashAll(seed, v.id, v.title, v.artistID, v.artistName, v.year, v.trackCount, v.artwork,
+                   v.isFavorite);
 }
 
 size_t qHash(const LibraryTrack &v, size_t seed) noexcept {
@@ -107,8 +108,8 @@ size_t qHash(const OutputDevice &v, size_t seed) noexcept {
 }
 
 size_t qHash(const NowPlaying &v, size_t seed) noexcept {
-    return hashAll(seed, v.output, v.state, v.item, v.title, v.artist, v.album, v.duration, v.elapsed, v.updatedAt,
-                   v.volume, v.artwork);
+    return hashAll(seed, v.output, v.state, v.item, v.title, v.artist, v.album, v.duration, v.elapsed,
+                   v.updatedAt, v.volume, v.artwork);
 }
 
 size_t qHash(const OutputActivity &v, size_t seed) noexcept {

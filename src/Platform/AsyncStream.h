@@ -40,7 +40,7 @@ struct AsyncStreamChannel : AsyncStreamLink {
     std::size_t missed = 0;
 
     [[nodiscard]] std::optional<T> take() {
-        if (dropped || values.empty())
+        if (values.empty())
             return std::nullopt;
         std::optional<T> first(std::move(values.front()));
         values.pop_front();
@@ -100,9 +100,7 @@ class AsyncStreamProducer {
     }
 
     /// Whether anybody is there to take further values.
-    [[nodiscard]] bool isWanted() const {
-        return m_channel && !m_channel->finished && !m_channel->dropped;
-    }
+    [[nodiscard]] bool isWanted() const { return m_channel && !m_channel->finished && !m_channel->dropped; }
 
     /// `action` runs once, in the destructor of the stream, unless the stream was finished before. It may
     /// destroy the producer.
@@ -165,8 +163,11 @@ class AsyncStream {
         : m_channel(std::move(channel)) {}
 
     void drop() {
-        if (const auto channel = std::exchange(m_channel, nullptr))
-            channel->drop();
+        const auto channel = std::exchange(m_channel, nullptr);
+        if (!channel)
+            return;
+        channel->values.clear();
+        channel->drop();
     }
 
     std::shared_ptr<detail::AsyncStreamChannel<T>> m_channel;

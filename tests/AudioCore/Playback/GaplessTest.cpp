@@ -4,8 +4,6 @@
 #include "tests/Support/TestFolder.h"
 #include "tests/Support/TestOutput.h"
 
-#include <QCoreApplication>
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -15,8 +13,6 @@ using namespace vantor;
 using testing::ElementsAre;
 
 namespace {
-
-using Clock = std::chrono::steady_clock;
 
 // A square of its own level, so that every heard frame tells which track it is of.
 std::vector<StereoFrame> level(float value, double seconds) {
@@ -53,31 +49,11 @@ class GaplessTest : public testing::Test, protected TestFolder {
         return track;
     }
 
-    // Lets events and sound flow until something holds, the sound at twice the pace of the clock at most:
-    // time that a busy machine has lost is not made up for, as the decoder has lost it too.
-    template <class Condition>
-    bool pump(Condition condition) {
-        const Clock::time_point start = Clock::now();
-        std::int64_t rendered = 0;
-        while (!condition()) {
-            const Clock::duration elapsed = Clock::now() - start;
-            if (elapsed > std::chrono::seconds(20))
-                return false;
-            const auto due = std::chrono::duration_cast<std::chrono::microseconds>(elapsed).count() *
-                             m_output.sampleRate * 2 / 1'000'000;
-            for (rendered = std::max(rendered, due - 1024); rendered < due; rendered += 64) {
-                if (m_output.current)
-                    m_output.current->render(64);
-            }
-            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents | QEventLoop::AllEvents, 1);
-        }
-        return true;
-    }
     bool pumpUntil(PlaybackState state) {
-        return pump([&] { return m_player.state() == state; });
+        return m_output.pump([&] { return m_player.state() == state; });
     }
     bool pumpUntilHeard(const char *title, double seconds) {
-        return pump([&] {
+        return m_output.pump([&] {
             const std::optional<Track> current = m_player.queue().current();
             return current && current->title == QLatin1String(title) && m_player.currentTime() >= seconds;
         });
@@ -85,7 +61,7 @@ class GaplessTest : public testing::Test, protected TestFolder {
     bool pumpFor(double seconds) {
         const std::size_t end =
             m_output.heard.size() + static_cast<std::size_t>(seconds * m_output.sampleRate);
-        return pump([&] { return m_output.heard.size() >= end; });
+        return m_output.pump([&] { return m_output.heard.size() >= end; });
     }
     std::vector<std::string> takeEvents() { return std::exchange(m_events, {}); }
 
@@ -147,8 +123,8 @@ TEST_F(GaplessTest, ASweepInTenFilesSoundsAsIfItWereOne) {
         Player player(std::make_unique<FileTrackResolver>(), std::make_unique<TestOutputDevices>(m_output));
         player.enqueue(tracks);
         player.play();
-        ASSERT_TRUE(pump([&] { return player.state() == PlaybackState::playing; }));
-        ASSERT_TRUE(pump([&] { return player.state() == PlaybackState::stopped; }));
+        ASSERT_TRUE(m_output.pump([&] { return player.state() == PlaybackState::playing; }));
+        ASSERT_TRUE(m_output.pump([&] { return player.state() == PlaybackState::stopped; }));
 
         const auto length =
             static_cast<std::size_t>(std::llround(static_cast<double>(frames) * row.outputRate / row.rate));
@@ -221,13 +197,13 @@ TEST_F(GaplessTest, ATrackIsCurrentWhenItIsHeard) {
         m_player.play(0);
         ASSERT_TRUE(pumpUntil(PlaybackState::playing));
         m_output.heard.clear();
-        ASSERT_TRUE(pump([&] { return framesAt(m_output.heard, 0.2F) > 2000; }));
+        ASSERT_TRUE(m_output.pump([&] { return framesAt(m_output.heard, 0.2F) > 2000; }));
         ASSERT_EQ(m_player.queue().currentIndex(), 0) << "b is rendered, a is heard";
         takeEvents();
     };
     inTheGapAfterA();
     double last = 0;
-    ASSERT_TRUE(pump([&] {
+    ASSERT_TRUE(m_output.pump([&] {
         if (m_player.queue().currentIndex() == 0)
             last = m_player.currentTime();
         return m_player.queue().currentIndex() == 1;
@@ -240,7 +216,8 @@ TEST_F(GaplessTest, ATrackIsCurrentWhenItIsHeard) {
 
     inTheGapAfterA();
     m_player.pause();
-    ASSERT_TRUE(pump([&] { return m_player.queue().currentIndex() == 1; })) << "what is on its way is heard";
+    ASSERT_TRUE(m_output.pump([&] { return m_player.queue().currentIndex() == 1; }))
+        << "what is on its way is heard";
     EXPECT_THAT(takeEvents(), ElementsAre("paused", "b"));
     EXPECT_EQ(m_player.currentTime(), 0);
     m_player.play();

@@ -4,8 +4,6 @@
 #include "tests/Support/TestFolder.h"
 #include "tests/Support/TestOutput.h"
 
-#include <QCoreApplication>
-
 #include <gtest/gtest.h>
 
 using namespace vantor;
@@ -42,27 +40,8 @@ class PlayerNetworkTest : public testing::Test, protected TestFolder {
         m_player.play();
     }
 
-    // Sound and events flow at twice the pace of the clock until something holds.
-    template <class Condition>
-    bool pump(Condition condition) {
-        const Clock::time_point start = Clock::now();
-        std::int64_t rendered = 0;
-        while (!condition()) {
-            const Clock::duration elapsed = Clock::now() - start;
-            if (elapsed > 10s)
-                return false;
-            const auto due = std::chrono::duration_cast<std::chrono::microseconds>(elapsed).count() * 44100 *
-                             2 / 1'000'000;
-            for (; rendered < due; rendered += 256) {
-                if (m_output.current)
-                    m_output.current->render(256);
-            }
-            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents | QEventLoop::AllEvents, 2);
-        }
-        return true;
-    }
     bool pumpUntilHeard(double seconds) {
-        return pump([&] { return m_player.currentTime() >= seconds; });
+        return m_output.pump([&] { return m_player.currentTime() >= seconds; });
     }
     [[nodiscard]] double loudSeconds() const {
         return static_cast<double>(std::ranges::count_if(
@@ -93,11 +72,11 @@ TEST_F(PlayerNetworkTest, ASongPlaysWhileItDownloadsAndSaysHowFarItIs) {
     ASSERT_TRUE(pumpUntilHeard(0.5));
     EXPECT_FALSE(m_player.isBuffering());
     EXPECT_NEAR(m_player.bufferedTime().value_or(0), 3, 0.1);
-    ASSERT_TRUE(pump([&] { return m_player.isBuffering(); }));
+    ASSERT_TRUE(m_output.pump([&] { return m_player.isBuffering(); }));
     EXPECT_NEAR(m_player.currentTime(), 3, 0.3);
     EXPECT_EQ(m_player.state(), PlaybackState::playing);
     goesOn = true;
-    ASSERT_TRUE(pump([&] { return m_player.state() == PlaybackState::stopped; }));
+    ASSERT_TRUE(m_output.pump([&] { return m_player.state() == PlaybackState::stopped; }));
     EXPECT_FALSE(m_player.isBuffering());
     EXPECT_NEAR(loudSeconds(), 6, 0.05) << "nothing is lost";
     EXPECT_EQ(m_failures, QStringList());
@@ -137,17 +116,17 @@ TEST_F(PlayerNetworkTest, AStalledServerHoldsNothingUp) {
     });
     const auto start = Clock::now();
     play({track(server.url("/silent")), track(server.url())});
-    pump([&] { return !server.requests().empty(); });
+    m_output.pump([&] { return !server.requests().empty(); });
     m_player.next();
     ASSERT_TRUE(pumpUntilHeard(0.3));
     m_player.seek(20);
-    ASSERT_TRUE(pump([&] { return m_player.isBuffering(); }));
+    ASSERT_TRUE(m_output.pump([&] { return m_player.isBuffering(); }));
     m_player.seek(1);
     ASSERT_TRUE(pumpUntilHeard(1.5)) << "what has come is there";
     EXPECT_LT(m_player.currentTime(), 3);
     m_player.seek(25);
     m_player.play(0);
-    pump([start = Clock::now()] { return Clock::now() - start > 100ms; });
+    m_output.pump([start = Clock::now()] { return Clock::now() - start > 100ms; });
     EXPECT_EQ(m_player.state(), PlaybackState::loading);
     EXPECT_TRUE(m_player.isBuffering());
     m_player.stop();
@@ -172,7 +151,7 @@ TEST_F(PlayerNetworkTest, WhatDoesNotPlayFollowsTheRulesOfFailure) {
     });
     play({track(server.url("/gone")), track(server.url("/text")), track(server.url("/mp4")),
           track(server.url("/song")), track(QUrl(QStringLiteral("ftp://h/a")))});
-    ASSERT_TRUE(pump([&] { return m_failures.size() == 4; }));
+    ASSERT_TRUE(m_output.pump([&] { return m_failures.size() == 4; }));
     EXPECT_EQ(m_failures, (QStringList{QStringLiteral("This audio file could not be read."),
                                        QStringLiteral("This file is not a supported audio file."),
                                        QStringLiteral("This file cannot be played while it downloads."),

@@ -180,7 +180,7 @@ void Player::Private::stop() {
 void Player::Private::trackFailed(const PlaybackError &error) {
     const std::optional<Track> track = queue.current();
     qCWarning(lcPlayer, "could not play %s: %s", track ? qUtf8Printable(track->title) : "",
-              qUtf8Printable(error.message));
+              error.logged.constData());
     const int failures = consecutiveFailures + 1;
     if (error.isFatal || !PlayerRules::skipsAfterFailure(queue, failures)) {
         fail(error);

@@ -4,6 +4,8 @@
 #include "tests/Support/TestFolder.h"
 #include "tests/Support/TestOutput.h"
 
+#include <QTcpServer>
+
 #include <gtest/gtest.h>
 
 using namespace vantor;
@@ -157,4 +159,36 @@ TEST_F(PlayerNetworkTest, WhatDoesNotPlayFollowsTheRulesOfFailure) {
                                        QStringLiteral("This file cannot be played while it downloads."),
                                        QStringLiteral("This track is not available as a local file.")}));
     EXPECT_NEAR(loudSeconds(), 0.5, 0.01);
+}
+
+TEST_F(PlayerNetworkTest, TheLogSaysWhyAnAddressCannotBeRead) {
+    static QStringList log;
+    const HttpTestServer server([](const Request &request, Connection &connection) {
+        if (request.path == "/gone")
+            connection.send("HTTP/1.1 404 Not Found\r\n\r\n");
+        else if (request.path == "/mute")
+            connection.send("SSH-2.0\r\n\r\n");
+        else
+            connection.send("HTTP/1.1 302 Found\r\nLocation: file:///etc/passwd\r\n\r\n");
+    });
+    QTcpServer nobody;
+    ASSERT_TRUE(nobody.listen(QHostAddress::LocalHost));
+    QUrl refused = server.url("/refused");
+    refused.setPort(nobody.serverPort());
+    nobody.close();
+    const std::pair<QUrl, const char *> rows[] = {{refused, "(Connection refused)"},
+                                                  {server.url("/gone"), "(the server answers 404)"},
+                                                  {server.url("/mute"), "(this is no HTTP)"},
+                                                  {server.url("/away"), "not the web)"}};
+    const QtMessageHandler usual = qInstallMessageHandler(
+        [](QtMsgType, const QMessageLogContext &, const QString &message) { log << message; });
+    for (const auto &[url, reason] : rows) {
+        log.clear();
+        m_player.restoreQueue({track(url)}, 0, RepeatMode::off, false);
+        m_player.play();
+        EXPECT_TRUE(m_output.pump([&] { return m_player.state() == PlaybackState::stopped; }));
+        EXPECT_EQ(m_player.errorMessage(), QStringLiteral("This audio file could not be read."));
+        EXPECT_EQ(log.filter(QLatin1String(reason)).size(), 1) << reason;
+    }
+    qInstallMessageHandler(usual);
 }

@@ -204,11 +204,21 @@ void Player::Private::fail(const PlaybackError &error) {
     emitEvent(PlayerEvents::Failed{{track, error.message, failures, false}});
 }
 
-// Called while playing, and for a while in a pause, when the end of a track is still on its way to the ear.
+// In a pause what has been rendered is still heard, and nothing else comes on its way.
+double Player::Private::unheard() const {
+    const double since = state == PlaybackState::paused ? static_cast<double>(pausedFor.elapsed()) / 1000 : 0;
+    return std::max(output->latency() - since, 0.0);
+}
+
+// Called while playing, and for a while in a pause, when sound is still on its way to the ear.
 void Player::Private::tick() {
     const PlayerNode::Progress progress = graph->node()->progress();
-    if (state == PlaybackState::paused && progress.generation <= generation)
+    if (state == PlaybackState::paused && progress.generation <= generation) {
+        showTime(progress);
+        if (unheard() > 0)
+            timeUpdates.start(timeUpdatePeriod);
         return;
+    }
     planFollower(); // a seek or a new output has forgotten it
     if (endIsHeard(progress)) {
         trackEnded();
@@ -227,7 +237,7 @@ void Player::Private::showTime(const PlayerNode::Progress &progress) {
         rendered += duration(); // the follower sounds
     else if (progress.generation != generation)
         return;
-    setCurrentTime(PlayerRules::heardTime(rendered, output->latency(), currentTime, duration()));
+    setCurrentTime(PlayerRules::heardTime(rendered, unheard(), currentTime, duration()));
 }
 
 void Player::Private::trackEnded() {

@@ -57,6 +57,8 @@ class Player::Private {
     void trackEnded();
     void tick();
     void showTime(const PlayerNode::Progress &progress);
+    /// How many seconds of the rendered sound are still on their way to the ear.
+    [[nodiscard]] double unheard() const;
 
     // What downloads.
     [[nodiscard]] bool isRemote() const { return !url.isEmpty() && !url.isLocalFile(); }

@@ -161,6 +161,7 @@ void Player::Private::replaceOutput(bool wasAllHeard) {
     if (url.isEmpty())
         return; // there is no track in it
     requestFrom(currentTime);
+    planFollowers();
     if (state == PlaybackState::playing) {
         graph->node()->play();
         wakeOutput();

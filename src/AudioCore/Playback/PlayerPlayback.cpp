@@ -51,7 +51,7 @@ Player::Private::~Private() {
 
 void Player::Private::requestFrom(double seconds) {
     generation = newGeneration();
-    forgetFollower();
+    forgetFollowers();
     graph->node()->discardBefore(generation);
     streamer.play({.generation = generation,
                    .url = url,
@@ -72,7 +72,7 @@ void Player::Private::startCurrentTrack(bool autoplay) {
     if (!track)
         return;
     generation = newGeneration();
-    forgetFollower();
+    forgetFollowers();
     autoplayAfterLoad = autoplay;
     fileDuration = 0;
     url.clear();
@@ -106,8 +106,11 @@ void Player::Private::startCurrentTrack(bool autoplay) {
 }
 
 void Player::Private::streamerReported(const TrackStreamer::Report &report) {
-    if (follower && report.generation == follower->generation)
-        follower->report = report;
+    const auto follower = std::ranges::find(followers, report.generation, &Follower::generation);
+    if (follower != followers.end()) {
+        follower->take(report);
+        planFollowers();
+    }
     if (report.generation != generation)
         return;
     if (report.error) {
@@ -127,7 +130,7 @@ void Player::Private::streamerReported(const TrackStreamer::Report &report) {
     else
         pause();
     watchDownload();
-    planFollower();
+    planFollowers();
 }
 
 void Player::Private::resume() {
@@ -151,7 +154,7 @@ void Player::Private::pause() {
 void Player::Private::seekTo(double seconds) {
     if (!url.isEmpty())
         requestFrom(seconds);
-    planFollower();
+    planFollowers();
     setCurrentTime(seconds);
     emitEvent(PlayerEvents::Seeked{seconds});
 }
@@ -160,7 +163,7 @@ void Player::Private::stop() {
     consecutiveFailures = 0;
     autoplayAfterLoad = false;
     generation = newGeneration();
-    forgetFollower();
+    forgetFollowers();
     streamer.rest();
     if (graph) {
         graph->node()->pause();
@@ -193,7 +196,11 @@ void Player::Private::trackFailed(const PlaybackError &error) {
     if (failed != generation)
         return; // an observer has given another command
     queue.advanceAfterTrackEnd();
-    moveToCurrentTrack(autoplayAfterLoad);
+    const std::optional<Track> next = queue.current();
+    if (!followers.empty() && next && followers.front().trackID == next->id)
+        adoptFollower();
+    else
+        moveToCurrentTrack(autoplayAfterLoad);
 }
 
 void Player::Private::fail(const PlaybackError &error) {
@@ -219,7 +226,6 @@ void Player::Private::tick() {
             timeUpdates.start(timeUpdatePeriod);
         return;
     }
-    planFollower(); // a seek or a new output has forgotten it
     if (endIsHeard(progress)) {
         trackEnded();
         return;
@@ -241,10 +247,12 @@ void Player::Private::showTime(const PlayerNode::Progress &progress) {
 }
 
 void Player::Private::trackEnded() {
-    if (follower)
-        adoptFollower();
-    else
+    if (followers.empty()) {
         stop();
+        return;
+    }
+    queue.advanceAfterTrackEnd();
+    adoptFollower();
 }
 
 } // namespace vantor

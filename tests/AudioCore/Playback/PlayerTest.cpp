@@ -212,8 +212,8 @@ TEST_F(PlayerTest, FailuresSkipAndStopByTheRule) {
         {{x, good}, RepeatMode::one, "track x, loading, stopped, failed x 1"},
         {{x, good, y, z},
          RepeatMode::off,
-         "track x, loading, failed x 1 skipped, track good, playing, track y, loading, failed y 1 skipped, "
-         "track z, stopped, failed z 2"},
+         "track x, loading, failed x 1 skipped, track good, playing, track y, failed y 1 skipped, track z, "
+         "stopped, failed z 2"},
     };
     for (const auto &row : rows) {
         m_player.restoreQueue(row.tracks, std::nullopt, row.repeat, false);

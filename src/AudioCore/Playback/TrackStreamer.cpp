@@ -128,7 +128,7 @@ TrackStreamer::Wait TrackStreamer::work() {
             begin();
         return m_request.node && !m_isComplete ? fill() : Wait::forRequest;
     } catch (const AudioInput::Interrupted &) {
-        m_decoder.reset(); // in the middle of something
+        dropDecoder(); // in the middle of something
         return Wait::forRequest;
     } catch (const AudioCoreError &error) {
         reportFailure(error);
@@ -137,12 +137,18 @@ TrackStreamer::Wait TrackStreamer::work() {
     } catch (const std::exception &) { // out of memory
         reportFailure(AudioCoreError::readFailure());
     }
-    m_decoder.reset();
+    dropDecoder();
     m_input.reset();
     m_request.node.reset();
     m_isComplete = true;
     becomeFollower();
     return m_isComplete ? Wait::forRequest : Wait::none;
+}
+
+// It may be the follower's already.
+void TrackStreamer::dropDecoder() {
+    m_decoder.reset();
+    m_joined = 0;
 }
 
 void TrackStreamer::begin() {

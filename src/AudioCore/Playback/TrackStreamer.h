@@ -74,6 +74,7 @@ class TrackStreamer : public QObject {
     void stopAllBut(const FollowUp &wanted) VANTOR_REQUIRES(m_mutex);
     [[nodiscard]] bool hasNews() const VANTOR_REQUIRES(m_mutex);
     [[nodiscard]] Wait work();
+    void dropDecoder();
     void begin();
     void open();
     void readBlock();

@@ -225,10 +225,11 @@ void PlayerModel::takeTracks(quint64 import, const std::vector<Track> &tracks) {
 
 void PlayerModel::finishImport(quint64 import, int added, const std::vector<SkippedFile> &skipped) {
     for (const SkippedFile &file : skipped) {
-        const QString name = file.url.isLocalFile() ? file.url.fileName() : file.url.toDisplayString();
-        qCWarning(playerModelLog, "could not play %s: %s", qUtf8Printable(name), qUtf8Printable(file.reason));
-        Q_EMIT trackRefused(name, file.reason);
+        qCWarning(playerModelLog, "could not play %s: %s", qUtf8Printable(file.name()),
+                  qUtf8Printable(file.reason));
+        Q_EMIT trackRefused(file.name(), file.reason);
     }
+    m_skippedFiles = skipped;
     if (const auto notice =
             StatusNotice::skipped(static_cast<int>(skipped.size()), added, StatusNotice::Clock::now()))
         notify(*notice);

@@ -66,6 +66,8 @@ class PlayerModel : public QObject {
     /// comes in while the queue changes goes in front of the same track.
     void insert(const QList<QUrl> &urls, int row);
     [[nodiscard]] bool isImporting() const { return !m_imports.empty() || !m_heldImports.empty(); }
+    /// What the import that ended last left out, and why.
+    [[nodiscard]] const std::vector<SkippedFile> &skippedFiles() const { return m_skippedFiles; }
     /// From here to releaseImports() what is opened and enqueued waits, in its order.
     void holdImports() { m_holdsImports = true; }
     void releaseImports();
@@ -144,6 +146,7 @@ class PlayerModel : public QObject {
     bool m_holdsImports = false;
     std::vector<HeldImport> m_heldImports;
     std::map<quint64, ImportPlan> m_imports; ///< under way, by number
+    std::vector<SkippedFile> m_skippedFiles;
 };
 
 } // namespace vantor

@@ -6,6 +6,7 @@
 #include "Vantor/Windows/OpenDialogs.h"
 #include "Vantor/Windows/PreferencesDialog.h"
 #include "Vantor/Windows/SkinnedWindow.h"
+#include "Vantor/Windows/SkippedFilesDialog.h"
 
 #include <QActionGroup>
 #include <QApplication>
@@ -28,8 +29,8 @@ Commands::Commands(PlayerModel &model) : m_model(model) {
     addOpening();
     addVisualisation();
     addWindows();
-    connect(&model.windows(), &WindowState::changed, this, &Commands::updateChecks);
-    updateChecks();
+    connect(&model.windows(), &WindowState::changed, this, &Commands::updateActions);
+    updateActions();
 }
 
 void Commands::addTo(SkinnedWindow &window) {
@@ -71,7 +72,8 @@ void Commands::oneOf(std::initializer_list<Id> ids) {
         group->addAction(&action(id));
 }
 
-void Commands::updateChecks() {
+void Commands::updateActions() {
+    action(Id::skippedFiles).setEnabled(!m_model.skippedFiles().empty());
     for (const auto &[id, isOn] : m_checks)
         action(id).setChecked(isOn());
 }
@@ -113,6 +115,8 @@ void Commands::addOpening() {
     add(Id::jumpToFile, tr("Jump to File…"), {Qt::Key_J},
         [this] { (new JumpToFileDialog(m_model, window()))->open(); });
     add(Id::fileInfo, tr("File Info…"), {Qt::ALT | Qt::Key_3}, [this] { showFileInfo(); });
+    add(Id::skippedFiles, tr("Skipped Files…"), {},
+        [this] { (new SkippedFilesDialog(m_model.skippedFiles(), window()))->show(); });
     add(Id::loadSkin, tr("Load Skin…"), {Qt::ALT | Qt::Key_S},
         [this] { OpenDialogs::loadSkin(m_model, window()); });
     addCheck(
@@ -201,7 +205,7 @@ void Commands::addWindows() {
 void Commands::popUpMainMenu(QPoint at) {
     auto *menu = new QMenu(window());
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    updateChecks(); // the window's own, too: another one may have been entered since
+    updateActions(); // the window's own, too: another one may have been entered since
     MainMenu::fill(*menu, *this, m_model);
     menu->popup(at);
 }
@@ -209,7 +213,7 @@ void Commands::popUpMainMenu(QPoint at) {
 void Commands::popUpVisualizerMenu(QPoint at) {
     auto *menu = new QMenu(window());
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    updateChecks();
+    updateActions();
     MainMenu::fillVisualisation(*menu, *this);
     menu->popup(at);
 }

@@ -56,6 +56,7 @@ class Commands : public QObject {
         shade,
         alwaysOnTop,
         fileInfo,
+        skippedFiles,
         mainWindow,
         equalizer,
         playlist,
@@ -91,7 +92,7 @@ class Commands : public QObject {
     void addOpening();
     void addVisualisation();
     void addWindows();
-    void updateChecks();
+    void updateActions();
     /// The skinned window that the user works in.
     [[nodiscard]] SkinnedWindow *window() const;
     void showFileInfo();

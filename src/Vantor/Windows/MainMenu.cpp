@@ -80,7 +80,7 @@ void fillOutputs(QMenu &menu, PlayerModel &model) {
 
 void fill(QMenu &menu, Commands &commands, PlayerModel &model) {
     const Adder add(commands);
-    add(menu, {Id::openFiles, Id::openFolder, Id::openAddress, Id::fileInfo});
+    add(menu, {Id::openFiles, Id::openFolder, Id::openAddress, Id::fileInfo, Id::skippedFiles});
     menu.addSeparator();
 
     QMenu *const playback = menu.addMenu(tr("Playback"));

@@ -10,7 +10,8 @@ namespace vantor {
 class PlayerModel;
 
 /// Everything that the user can set, a page a subject. What is changed holds at once. Its button does not
-/// close it over a folder that is none; Escape does. Deletes itself when closed. Main thread; borrows the model.
+/// close it over a folder that is none; Escape does. Deletes itself when closed. Main thread; borrows the
+/// model.
 class PreferencesDialog : public QDialog {
     Q_OBJECT
 

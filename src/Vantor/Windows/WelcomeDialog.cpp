@@ -10,7 +10,8 @@
 
 namespace vantor {
 
-WelcomeDialog::WelcomeDialog(PlayerModel &model, QWidget *parent) : QDialog(parent), m_skins(new FolderField(tr("Skins folder"), model.skins().folder())),
+WelcomeDialog::WelcomeDialog(PlayerModel &model, QWidget *parent)
+    : QDialog(parent), m_skins(new FolderField(tr("Skins folder"), model.skins().folder())),
       m_music(new FolderField(tr("Music folder"), model.preferences().libraryFolder())) {
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowTitle(tr("Welcome to Vantor"));

@@ -25,7 +25,8 @@ class OutputChoice {
 
         bool operator==(const Item &) const = default;
     };
-    /// The system's default, then the devices, then the chosen one if it is missing.
+    /// The system's default, then the devices, then the chosen one if it is missing. Devices of one name have
+    /// their keys behind it.
     [[nodiscard]] std::vector<Item> items() const;
     void choose(const std::optional<QString> &key);
 

@@ -12,6 +12,7 @@
 #include "Vantor/Model/PlayerModel.h"
 #include "Vantor/Model/ResumePoint.h"
 #include "Vantor/Mpris/MprisService.h"
+#include "Vantor/Windows/DialogPlace.h"
 #include "Vantor/Windows/SkinnedWindows.h"
 #include "Vantor/Windows/WelcomeDialog.h"
 
@@ -82,10 +83,8 @@ void welcome(PlayerModel &model, MainWindow &window) {
         return;
     model.preferences().setWelcomed();
     auto *const dialog = new WelcomeDialog(model, &window);
-    // Beside the player, which is what there is to see.
     dialog->adjustSize();
-    dialog->move(window.frameGeometry().bottomLeft() +
-                 QPoint((window.width() - dialog->width()) / 2, dialog->fontMetrics().height() * 3));
+    DialogPlace::beside(*dialog, {window.frameGeometry()});
     dialog->show();
 }
 

@@ -1,5 +1,6 @@
 #include "Vantor/Windows/Commands.h"
 
+#include "Vantor/Windows/DialogPlace.h"
 #include "Vantor/Windows/FileInfoDialog.h"
 #include "Vantor/Windows/JumpToFileDialog.h"
 #include "Vantor/Windows/MainMenu.h"
@@ -45,6 +46,15 @@ SkinnedWindow *Commands::window() const {
     if (active != m_windows.end())
         return *active;
     return m_windows.empty() ? nullptr : m_windows.front().data();
+}
+
+QList<QRect> Commands::shownFrames() const {
+    QList<QRect> frames;
+    for (const QPointer<SkinnedWindow> &window : m_windows) {
+        if (window && window->isVisible() && !window->isMinimized())
+            frames.append(window->frameGeometry());
+    }
+    return frames;
 }
 
 void Commands::add(Id id, const QString &text, const QList<QKeySequence> &shortcuts,
@@ -227,8 +237,10 @@ void Commands::showFileInfo() {
 }
 
 void Commands::showPreferences() {
-    if (!m_preferences)
+    if (!m_preferences) {
         m_preferences = new PreferencesDialog(m_model, window());
+        DialogPlace::beside(*m_preferences, shownFrames());
+    }
     m_preferences->show();
     m_preferences->raise();
     m_preferences->activateWindow();

@@ -95,6 +95,8 @@ class Commands : public QObject {
     void updateActions();
     /// The skinned window that the user works in.
     [[nodiscard]] SkinnedWindow *window() const;
+    /// Of the skinned windows, on the screen.
+    [[nodiscard]] QList<QRect> shownFrames() const;
     void showFileInfo();
     void showPreferences();
     void showAbout();

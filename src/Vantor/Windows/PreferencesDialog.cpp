@@ -73,7 +73,7 @@ PreferencesDialog::PreferencesDialog(PlayerModel &model, QWidget *parent)
     layout->addWidget(m_pages, 0, 1);
     layout->addWidget(buttons, 1, 0, 1, 2);
     layout->setColumnStretch(1, 1);
-    resize(540, 300);
+    resize(460, 320);
 }
 
 void PreferencesDialog::addPage(const QString &title, QWidget *page) {

@@ -40,7 +40,7 @@ void Commands::addTo(SkinnedWindow &window) {
         window.addAction(action);
 }
 
-SkinnedWindow *Commands::window() const {
+SkinnedWindow *Commands::activeWindow() const {
     const auto active = std::ranges::find_if(
         m_windows, [](const QPointer<SkinnedWindow> &window) { return window && window->isActiveWindow(); });
     if (active != m_windows.end())
@@ -93,7 +93,7 @@ void Commands::addPlayback() {
     add(Id::previous, tr("Previous"), {Qt::Key_Z}, [&player] { player.previous(); });
     add(Id::play, tr("Play"), {Qt::Key_X, Qt::Key_MediaPlay}, [this, &player] {
         if (player.queue().count() == 0)
-            OpenDialogs::openFiles(m_model, window());
+            OpenDialogs::openFiles(m_model, activeWindow());
         else if (player.state() == PlaybackState::playing)
             player.seek(0);
         else
@@ -117,18 +117,19 @@ void Commands::addPlayback() {
 }
 
 void Commands::addOpening() {
-    add(Id::openFiles, tr("Open Files…"), {Qt::Key_L}, [this] { OpenDialogs::openFiles(m_model, window()); });
+    add(Id::openFiles, tr("Open Files…"), {Qt::Key_L},
+        [this] { OpenDialogs::openFiles(m_model, activeWindow()); });
     add(Id::openFolder, tr("Open Folder…"), {Qt::SHIFT | Qt::Key_L},
-        [this] { OpenDialogs::openFolder(m_model, window()); });
+        [this] { OpenDialogs::openFolder(m_model, activeWindow()); });
     add(Id::openAddress, tr("Open Address…"), {Qt::CTRL | Qt::Key_L},
-        [this] { OpenDialogs::openAddress(m_model, window()); });
+        [this] { OpenDialogs::openAddress(m_model, activeWindow()); });
     add(Id::jumpToFile, tr("Jump to File…"), {Qt::Key_J},
-        [this] { (new JumpToFileDialog(m_model, window()))->open(); });
+        [this] { (new JumpToFileDialog(m_model, activeWindow()))->open(); });
     add(Id::fileInfo, tr("File Info…"), {Qt::ALT | Qt::Key_3}, [this] { showFileInfo(); });
     add(Id::skippedFiles, tr("Skipped Files…"), {},
-        [this] { (new SkippedFilesDialog(m_model.skippedFiles(), window()))->show(); });
+        [this] { (new SkippedFilesDialog(m_model.skippedFiles(), activeWindow()))->show(); });
     add(Id::loadSkin, tr("Load Skin…"), {Qt::ALT | Qt::Key_S},
-        [this] { OpenDialogs::loadSkin(m_model, window()); });
+        [this] { OpenDialogs::loadSkin(m_model, activeWindow()); });
     addCheck(
         Id::defaultSkin, tr("Default Skin"), {}, [this] { return m_model.skinUrl().isEmpty(); },
         [this] { m_model.wearDefaultSkin(); });
@@ -190,9 +191,9 @@ void Commands::addWindows() {
         [&state] { state.setAlwaysOnTop(!state.isAlwaysOnTop()); });
     addCheck(
         Id::shade, tr("Window Shade"), {Qt::CTRL | Qt::Key_W},
-        [this] { return window() && window()->isShaded(); },
+        [this] { return activeWindow() && activeWindow()->isShaded(); },
         [this, &state] {
-            if (const SkinnedWindow *const active = window())
+            if (const SkinnedWindow *const active = activeWindow())
                 state.setShaded(active->windowKind(), !active->isShaded());
         });
     const auto toggle = [&](Id id, const QString &text, const QKeySequence &key, WindowKind kind) {
@@ -212,8 +213,20 @@ void Commands::addWindows() {
     add(Id::quit, tr("Exit"), {Qt::CTRL | Qt::Key_Q, Qt::ALT | Qt::Key_F4}, &SkinnedWindow::quitProgram);
 }
 
+void Commands::addSubmenu(const QString &title, SkinnedWindow &window,
+                          const std::function<void(QMenu &)> &fill) {
+    m_submenus.push_back({title, &window, fill});
+}
+
+void Commands::fillSubmenus(QMenu &menu) const {
+    for (const Submenu &submenu : m_submenus) {
+        if (submenu.window)
+            submenu.fill(*menu.addMenu(submenu.title));
+    }
+}
+
 void Commands::popUpMainMenu(QPoint at) {
-    auto *menu = new QMenu(window());
+    auto *menu = new QMenu(activeWindow());
     menu->setAttribute(Qt::WA_DeleteOnClose);
     updateActions(); // the window's own, too: another one may have been entered since
     MainMenu::fill(*menu, *this, m_model);
@@ -221,7 +234,7 @@ void Commands::popUpMainMenu(QPoint at) {
 }
 
 void Commands::popUpVisualizerMenu(QPoint at) {
-    auto *menu = new QMenu(window());
+    auto *menu = new QMenu(activeWindow());
     menu->setAttribute(Qt::WA_DeleteOnClose);
     updateActions();
     MainMenu::fillVisualisation(*menu, *this);
@@ -230,7 +243,7 @@ void Commands::popUpVisualizerMenu(QPoint at) {
 
 void Commands::showFileInfo() {
     if (const std::optional<Track> track = m_model.player().queue().current())
-        (new FileInfoDialog(TrackInfo::fromTrack(*track, m_model.player().currentFormat()), window()))
+        (new FileInfoDialog(TrackInfo::fromTrack(*track, m_model.player().currentFormat()), activeWindow()))
             ->show();
     else
         m_model.showNotice(tr("No file is loaded"));
@@ -238,7 +251,7 @@ void Commands::showFileInfo() {
 
 void Commands::showPreferences() {
     if (!m_preferences) {
-        m_preferences = new PreferencesDialog(m_model, window());
+        m_preferences = new PreferencesDialog(m_model, activeWindow());
         DialogPlace::beside(*m_preferences, shownFrames());
     }
     m_preferences->show();
@@ -247,7 +260,7 @@ void Commands::showPreferences() {
 }
 
 void Commands::showAbout() {
-    auto *box = new QMessageBox(window());
+    auto *box = new QMessageBox(activeWindow());
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->setWindowTitle(tr("About Vantor"));
     box->setIconPixmap(QApplication::windowIcon().pixmap(64));

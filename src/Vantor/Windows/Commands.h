@@ -76,6 +76,15 @@ class Commands : public QObject {
     [[nodiscard]] QAction &action(Id id) { return *m_actions.at(id); }
     void trigger(Id id) { action(id).trigger(); }
 
+    /// The skinned window that the user works in, else the main one; over it dialogs open.
+    [[nodiscard]] SkinnedWindow *activeWindow() const;
+
+    /// Gives the main menu a submenu of what belongs to one window: `fill` is called each time the menu
+    /// opens, as long as the window lives.
+    void addSubmenu(const QString &title, SkinnedWindow &window, const std::function<void(QMenu &)> &fill);
+    /// Fills a menu with those submenus, in the order of their windows.
+    void fillSubmenus(QMenu &menu) const;
+
     /// Opens at a point of the screen and returns at once.
     void popUpMainMenu(QPoint at);
     void popUpVisualizerMenu(QPoint at);
@@ -93,16 +102,21 @@ class Commands : public QObject {
     void addVisualisation();
     void addWindows();
     void updateActions();
-    /// The skinned window that the user works in.
-    [[nodiscard]] SkinnedWindow *window() const;
     /// Of the skinned windows, on the screen.
     [[nodiscard]] QList<QRect> shownFrames() const;
     void showFileInfo();
     void showPreferences();
     void showAbout();
 
+    struct Submenu {
+        QString title;
+        QPointer<SkinnedWindow> window;
+        std::function<void(QMenu &)> fill;
+    };
+
     PlayerModel &m_model;
     std::vector<QPointer<SkinnedWindow>> m_windows;
+    std::vector<Submenu> m_submenus;
     QPointer<PreferencesDialog> m_preferences; ///< while it is open
     std::map<Id, QAction *> m_actions;         ///< owned by this object
     std::map<Id, std::function<bool()>> m_checks;

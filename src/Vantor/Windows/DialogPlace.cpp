@@ -20,9 +20,11 @@ void DialogPlace::beside(QWidget &dialog, const QList<QRect> &windows) {
     const QRect room = screen->availableGeometry();
     const int x = std::clamp(taken.center().x() - size.width() / 2, room.left(),
                              std::max(room.left(), room.right() + 1 - size.width()));
-    const int y = std::clamp(taken.top(), room.top(), std::max(room.top(), room.bottom() + 1 - size.height()));
-    for (const QPoint place : {QPoint(taken.right() + 1 + gap, y), QPoint(taken.left() - gap - size.width(), y),
-                               QPoint(x, taken.bottom() + 1 + gap), QPoint(x, taken.top() - gap - size.height())}) {
+    const int y =
+        std::clamp(taken.top(), room.top(), std::max(room.top(), room.bottom() + 1 - size.height()));
+    for (const QPoint place :
+         {QPoint(taken.right() + 1 + gap, y), QPoint(taken.left() - gap - size.width(), y),
+          QPoint(x, taken.bottom() + 1 + gap), QPoint(x, taken.top() - gap - size.height())}) {
         if (room.contains(QRect(place, size))) {
             dialog.move(place);
             return;

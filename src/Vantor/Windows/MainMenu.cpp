@@ -89,6 +89,7 @@ void fill(QMenu &menu, Commands &commands, PlayerModel &model) {
     add(*playback, {Id::jumpToFile, Id::shuffle, Id::repeat});
     playback->addSeparator();
     fillOutputs(*playback->addMenu(tr("Output Device")), model);
+    commands.fillSubmenus(menu);
     fillSkins(*menu.addMenu(tr("Skins")), add, model);
     fillVisualisation(*menu.addMenu(tr("Visualisation")), commands);
     QMenu *const windows = menu.addMenu(tr("Windows"));

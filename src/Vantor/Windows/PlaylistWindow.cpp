@@ -29,6 +29,7 @@ PlaylistWindow::PlaylistWindow(PlaylistModel &playlist, PlayerModel &model, Comm
     : SkinnedWindow(WindowKind::playlist, model, commands), m_playlist(playlist),
       m_entries(new PlaylistCommands(playlist, model, commands, *this)) {
     setWindowTitle(tr("Playlist"));
+    commands.addSubmenu(windowTitle(), *this, [this](QMenu &menu) { m_entries->fillMenu(menu); });
     // The size may be from a larger screen, and the grip would be out of reach. setSize() rounds.
     const QSize room = screen()->availableVirtualSize() / zoom() - Layout::step / 2;
     m_playlist.setSize(m_playlist.size().boundedTo(room));

@@ -65,9 +65,8 @@ QUrl demoTrack() {
 class DesktopPresence {
   public:
     DesktopPresence(PlayerModel &model, SkinnedWindows &windows)
-        : m_service(model,
-                    {.raise = [&windows] { windows.bringToFront(); }, .quit = &SkinnedWindow::quitProgram}),
-          m_bridge(model.player(), model.player(), m_service.center()) {
+        : m_service(model, windows.commands(), [&windows] { windows.bringToFront(); }),
+          m_bridge(model.player(), windows.commands(), m_service.center()) {
         m_bridge.install();
         m_service.connectToBus();
     }

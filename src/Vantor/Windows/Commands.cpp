@@ -116,6 +116,29 @@ void Commands::addPlayback() {
         [this] { m_model.toggleRepeat(); });
 }
 
+// The desktop
+
+void Commands::play() {
+    Player &player = m_model.player();
+    if (player.queue().count() > 0 && player.state() != PlaybackState::playing)
+        trigger(Id::play);
+}
+
+void Commands::pause() {
+    Player &player = m_model.player();
+    if (player.state() == PlaybackState::playing)
+        trigger(Id::pause);
+    else
+        player.pause(); // what is loading, which the command would set going again the second time
+}
+
+void Commands::togglePlayPause() {
+    if (m_model.player().state() == PlaybackState::stopped)
+        play();
+    else
+        trigger(Id::pause);
+}
+
 void Commands::addOpening() {
     add(Id::openFiles, tr("Open Files…"), {Qt::Key_L},
         [this] { OpenDialogs::openFiles(m_model, activeWindow()); });

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "AudioCore/NowPlaying/NowPlayingCommandTarget.h"
 #include "Vantor/Model/PlayerModel.h"
 
 #include <QAction>
@@ -17,8 +18,10 @@ class PreferencesDialog;
 class SkinnedWindow;
 
 /// Every command of the program, once: buttons trigger them, menus list them and their shortcuts work in
-/// every skinned window, but in no dialog. Main thread.
-class Commands : public QObject {
+/// every skinned window, but in no dialog. What the desktop commands triggers them too, but for the desktop
+/// no dialog opens and what plays is not begun again; a pause of what is still loading and a place in the
+/// track go to the player itself, because no command means them. Main thread.
+class Commands : public QObject, public NowPlayingCommandTarget {
     Q_OBJECT
 
   public:
@@ -75,6 +78,15 @@ class Commands : public QObject {
 
     [[nodiscard]] QAction &action(Id id) { return *m_actions.at(id); }
     void trigger(Id id) { action(id).trigger(); }
+
+    // What the desktop commands.
+    void play() override;
+    void pause() override;
+    void togglePlayPause() override;
+    void stop() override { trigger(Id::stop); }
+    void next() override { trigger(Id::next); }
+    void previous() override { trigger(Id::previous); }
+    void seek(double seconds) override { m_model.player().seek(seconds); }
 
     /// The skinned window that the user works in, else the main one; over it dialogs open.
     [[nodiscard]] SkinnedWindow *activeWindow() const;

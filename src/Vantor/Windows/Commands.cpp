@@ -30,8 +30,6 @@ Commands::Commands(PlayerModel &model) : m_model(model) {
     addOpening();
     addVisualisation();
     addWindows();
-    connect(&model.windows(), &WindowState::changed, this, &Commands::updateActions);
-    updateActions();
 }
 
 void Commands::addTo(SkinnedWindow &window) {
@@ -57,6 +55,15 @@ QList<QRect> Commands::shownFrames() const {
     return frames;
 }
 
+QAction &Commands::action(Id id) {
+    QAction &action = *m_actions.at(id);
+    if (const auto isOn = m_checks.find(id); isOn != m_checks.end())
+        action.setChecked(isOn->second());
+    if (id == Id::skippedFiles)
+        action.setEnabled(!m_model.skippedFiles().empty());
+    return action;
+}
+
 void Commands::add(Id id, const QString &text, const QList<QKeySequence> &shortcuts,
                    const std::function<void()> &run) {
     auto *action = new QAction(text, this);
@@ -70,7 +77,7 @@ void Commands::addCheck(Id id, const QString &text, const QList<QKeySequence> &s
                         const std::function<bool()> &isOn, const std::function<void()> &run) {
     add(id, text, shortcuts, [this, id, run] {
         run();
-        action(id).setChecked(m_checks.at(id)()); // the menu has ticked it by itself, whatever came of it
+        (void)action(id); // the menu has ticked it by itself, whatever came of it
     });
     action(id).setCheckable(true);
     m_checks.emplace(id, isOn);
@@ -80,12 +87,6 @@ void Commands::oneOf(std::initializer_list<Id> ids) {
     auto *group = new QActionGroup(this);
     for (const Id id : ids)
         group->addAction(&action(id));
-}
-
-void Commands::updateActions() {
-    action(Id::skippedFiles).setEnabled(!m_model.skippedFiles().empty());
-    for (const auto &[id, isOn] : m_checks)
-        action(id).setChecked(isOn());
 }
 
 void Commands::addPlayback() {
@@ -251,7 +252,6 @@ void Commands::fillSubmenus(QMenu &menu) const {
 void Commands::popUpMainMenu(QPoint at) {
     auto *menu = new QMenu(activeWindow());
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    updateActions(); // the window's own, too: another one may have been entered since
     MainMenu::fill(*menu, *this, m_model);
     menu->popup(at);
 }
@@ -259,7 +259,6 @@ void Commands::popUpMainMenu(QPoint at) {
 void Commands::popUpVisualizerMenu(QPoint at) {
     auto *menu = new QMenu(activeWindow());
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    updateActions();
     MainMenu::fillVisualisation(*menu, *this);
     menu->popup(at);
 }

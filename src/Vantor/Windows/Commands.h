@@ -76,7 +76,8 @@ class Commands : public QObject, public NowPlayingCommandTarget {
     /// comes first.
     void addTo(SkinnedWindow &window);
 
-    [[nodiscard]] QAction &action(Id id) { return *m_actions.at(id); }
+    /// Ticked and enabled as it is now.
+    [[nodiscard]] QAction &action(Id id);
     void trigger(Id id) { action(id).trigger(); }
 
     // What the desktop commands.
@@ -113,7 +114,6 @@ class Commands : public QObject, public NowPlayingCommandTarget {
     void addOpening();
     void addVisualisation();
     void addWindows();
-    void updateActions();
     /// Of the skinned windows, on the screen.
     [[nodiscard]] QList<QRect> shownFrames() const;
     void showFileInfo();

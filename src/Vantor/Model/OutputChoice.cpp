@@ -41,6 +41,16 @@ std::vector<OutputChoice::Item> OutputChoice::items() const {
     return items;
 }
 
+std::optional<QString> OutputChoice::problem() const {
+    const std::vector<OutputDeviceDescription> devices = m_player.outputDevices();
+    const std::optional<QString> chosen = m_player.chosenOutputDevice();
+    if (devices.empty())
+        return tr("No sound device");
+    if (chosen && std::ranges::find(devices, *chosen, &OutputDeviceDescription::key) == devices.end())
+        return tr("Sound device not connected");
+    return std::nullopt;
+}
+
 void OutputChoice::choose(const std::optional<QString> &key) {
     for (const Item &item : items()) {
         if (item.key == key && !item.chosen)

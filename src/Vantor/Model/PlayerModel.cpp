@@ -61,6 +61,7 @@ PlayerModel::PlayerModel(Player &player, QSettings &settings, QObject *parent)
                               &Player::volumeChanged, &Player::balanceChanged})
         connect(&player, signal, this, &PlayerModel::sceneChanged);
 
+    connect(&player, &Player::outputDevicesChanged, this, &PlayerModel::watchOutput);
     connect(&player, &Player::loudnessChanged, this, [this] {
         store("replayGain", rawValue(m_player.replayGainMode()));
         store("limiter", m_player.isLimiterEnabled());
@@ -260,6 +261,18 @@ void PlayerModel::handleFailure(const PlaybackFailure &failure) {
     qCWarning(playerModelLog, "could not play %s: %s", qUtf8Printable(name), qUtf8Printable(failure.message));
     notify(StatusNotice::playbackFailed(failure, StatusNotice::Clock::now()));
     Q_EMIT trackRefused(name, failure.message);
+}
+
+void PlayerModel::watchOutput() {
+    const std::optional<QString> before = std::exchange(m_outputProblem, m_output.problem());
+    if (m_outputProblem == before)
+        return;
+    if (before)
+        m_marquee.withdrawNotice(*before);
+    if (m_outputProblem)
+        showNotice(*m_outputProblem);
+    else
+        Q_EMIT sceneChanged();
 }
 
 void PlayerModel::updateTitle() {

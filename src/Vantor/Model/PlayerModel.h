@@ -118,6 +118,7 @@ class PlayerModel : public QObject {
     void importMusic(const QList<QUrl> &music, const ImportPlan &plan);
     void takeTracks(quint64 import, const std::vector<Track> &tracks);
     void finishImport(quint64 import, int added, const std::vector<SkippedFile> &skipped);
+    void watchOutput();
     void notify(const StatusNotice &notice);
     void updateTitle();
     void setSkin(const QUrl &url, const Skin &skin);
@@ -135,6 +136,7 @@ class PlayerModel : public QObject {
 
     Preferences m_preferences;
     OutputChoice m_output;
+    std::optional<QString> m_outputProblem; ///< that was last told
     SkinShelf m_skins;
     WindowState m_windows;
     FrameClock m_clock;

@@ -10,14 +10,12 @@ void DialogPlace::beside(QWidget &dialog, const QList<QRect> &windows) {
     QRect taken;
     for (const QRect &window : windows)
         taken |= window;
-    const QScreen *const screen = QGuiApplication::screenAt(taken.center());
-    if (!screen)
-        return;
+    const QScreen *const under = QGuiApplication::screenAt(taken.center());
     // What the window manager will put around the dialog is known only later.
     const int line = dialog.fontMetrics().height();
     const QSize size = dialog.size() + QSize(line, 2 * line);
     const int gap = line / 2;
-    const QRect room = screen->availableGeometry();
+    const QRect room = (under ? under : dialog.screen())->availableGeometry();
     const int x = std::clamp(taken.center().x() - size.width() / 2, room.left(),
                              std::max(room.left(), room.right() + 1 - size.width()));
     const int y =

@@ -4,9 +4,9 @@
 #include "LocalPlayback/LocalPlaybackError.h"
 #include "LocalPlayback/Playlists/PlaylistFile.h"
 #include "MusicBackendKit/MarqueeText.h"
+#include "Vantor/Model/NameOrder.h"
 #include "Vantor/Model/TrackFinder.h"
 
-#include <QCollator>
 #include <QFileInfo>
 #include <QFutureWatcher>
 #include <QSettings>
@@ -364,10 +364,7 @@ int PlaylistModel::moveSelected(int by) {
 }
 
 void PlaylistModel::sortByTitle() {
-    // Where no language is set, names would be compared by their bytes.
-    QCollator collator(QLocale().language() == QLocale::C ? QLocale(QLocale::English) : QLocale());
-    collator.setCaseSensitivity(Qt::CaseInsensitive);
-    collator.setNumericMode(true);
+    const QCollator collator = nameOrder();
     std::vector<QCollatorSortKey> keys;
     keys.reserve(tracks().size());
     for (const Track &track : tracks())

@@ -24,7 +24,7 @@ SkippedFilesDialog::SkippedFilesDialog(const std::vector<SkippedFile> &files, QW
         items.append(item);
     }
     list->addTopLevelItems(items);
-    list->setColumnWidth(0, fontMetrics().averageCharWidth() * 36);
+    list->setColumnWidth(0, fontMetrics().averageCharWidth() * 48);
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Close);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     auto *layout = new QVBoxLayout(this);

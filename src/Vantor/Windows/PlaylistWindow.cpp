@@ -190,9 +190,13 @@ std::function<void()> PlaylistWindow::keyAction(const QKeyEvent &event) const {
         const QSize by(columns * Layout::step.width(), rows * Layout::step.height());
         return [&list, by] { list.setSize(list.size() + by); };
     };
+    const auto play = [&list] {
+        list.endTyping();
+        list.play(list.cursor().value_or(-1));
+    };
     const QList<std::pair<QKeyCombination, Action>> actions{
-        {Qt::Key_Return, [&list] { list.play(list.cursor().value_or(-1)); }},
-        {Qt::Key_Enter, [&list] { list.play(list.cursor().value_or(-1)); }},
+        {Qt::Key_Return, play},
+        {Qt::Key_Enter, play},
         {Qt::Key_Delete, [&list] { list.removeSelected(); }},
         {Qt::CTRL | Qt::Key_Delete, [&list] { list.crop(); }},
         {Qt::CTRL | Qt::Key_A, [&list] { list.selectAll(); }},

@@ -1,5 +1,4 @@
 #include "Vantor/Model/PlaylistModel.h"
-
 #include "tests/Support/TestFolder.h"
 #include "tests/Support/TestOutput.h"
 

@@ -1,4 +1,5 @@
 #include "PlayerFixture.h"
+#include "Vantor/Model/ResumePoint.h"
 
 #include <QSignalSpy>
 
@@ -147,4 +148,35 @@ TEST_F(PlayerModelTest, DevicesAreToldApartAndTheirLossIsSaidOnce) {
         Q_EMIT devices->changed();
         EXPECT_EQ(model.scene().marquee, after);
     }
+}
+
+TEST_F(PlayerModelTest, ARunGoesOnWhereTheLastOneWasClosedIfItPlayed) {
+    m_player.enqueue({Track::file(writeTone("a.wav", 60)), Track::file(writeTone("b.wav", 60))});
+    m_player.play(1);
+    m_player.seek(30);
+    ASSERT_TRUE(waitFor([&] { return m_player.state() == PlaybackState::playing; }));
+    const auto nextRun = [&](auto check) {
+        const QSettings stored(m_settings.fileName(), QSettings::IniFormat);
+        Player player(std::make_unique<FileTrackResolver>(), std::make_unique<SilentOutputDevices>());
+        player.restoreQueue(m_player.queue().tracks(), 1, RepeatMode::off, false);
+        ResumePoint::resume(stored, player);
+        check(player);
+    };
+    ResumePoint::save(m_settings, m_player);
+    m_settings.sync();
+    nextRun([&](Player &player) {
+        EXPECT_TRUE(waitFor([&] { return player.state() == PlaybackState::playing; }));
+        EXPECT_EQ(player.queue().currentIndex(), 1);
+        EXPECT_GE(player.currentTime(), 30);
+        EXPECT_LT(player.currentTime(), 40);
+    });
+    for (const char *stored : {"-3", "nan", "soon"}) {
+        m_settings.setValue(QStringLiteral("resumeSeconds"), QLatin1String(stored));
+        m_settings.sync();
+        nextRun([&](Player &player) { EXPECT_EQ(player.state(), PlaybackState::stopped) << stored; });
+    }
+    m_player.pause();
+    ResumePoint::save(m_settings, m_player);
+    m_settings.sync();
+    nextRun([](Player &player) { EXPECT_EQ(player.state(), PlaybackState::stopped); });
 }

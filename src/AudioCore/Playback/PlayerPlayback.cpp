@@ -12,7 +12,7 @@ Q_LOGGING_CATEGORY(lcPlayer, "co.kelvane.vantor.Player")
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
-static constexpr std::chrono::milliseconds timeUpdatePeriod{50};
+static constexpr std::chrono::milliseconds timeUpdatePeriod{100};
 // Close to the end the player looks more often, so that the next track follows soon.
 static constexpr std::chrono::milliseconds endWatchPeriod{5};
 static constexpr double endWatchSeconds = 0.2;

@@ -37,6 +37,9 @@ bool hasDisplay() {
 void choosePlatform() {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", hasDisplay() ? "xcb;wayland" : "offscreen");
+    // Frames are small. Handed over in shared memory, each would wait for an answer to the one before.
+    if (qEnvironmentVariableIsEmpty("QT_XCB_NO_MITSHM"))
+        qputenv("QT_XCB_NO_MITSHM", "1");
     // The pixels of a skin are squares of whole pixels. Qt rounds the screen's scale, but not what is asked
     // for here.
     const double asked = qEnvironmentVariable("QT_SCALE_FACTOR").toDouble();

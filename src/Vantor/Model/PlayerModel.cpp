@@ -57,9 +57,13 @@ PlayerModel::PlayerModel(Player &player, QSettings &settings, QObject *parent)
         updateTitle();
         Q_EMIT sceneChanged();
     });
-    for (const auto signal : {&Player::stateChanged, &Player::currentTimeChanged, &Player::formatChanged,
-                              &Player::volumeChanged, &Player::balanceChanged})
+    for (const auto signal :
+         {&Player::stateChanged, &Player::formatChanged, &Player::volumeChanged, &Player::balanceChanged})
         connect(&player, signal, this, &PlayerModel::sceneChanged);
+    connect(&player, &Player::currentTimeChanged, this, [this] {
+        if (!m_clock.isRunning()) // else the next frame shows it
+            Q_EMIT sceneChanged();
+    });
 
     connect(&player, &Player::outputDevicesChanged, this, &PlayerModel::watchOutput);
     connect(&player, &Player::loudnessChanged, this, [this] {

@@ -162,6 +162,8 @@ class SkinnedWindow : public QWidget, public SkinWindowController {
   private:
     void takeWindowState();
     void stayOnTopIfAsked();
+    void showChange(const QRegion &region);
+    void paint(QPainter &painter, const QRegion &region) const;
     void drawFocus(QPainter &painter) const;
     void tellAssistiveTools();
 

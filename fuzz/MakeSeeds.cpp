@@ -1,3 +1,4 @@
+#include "AudioCore/Equalizer/EQFFile.h"
 #include "tests/Support/BitmapBuilder.h"
 #include "tests/Support/ZipBuilder.h"
 
@@ -124,6 +125,11 @@ Seeds answers() {
             {QStringLiteral("counted"), "\1HTTP/1.0 206 Partial\nContent-Length: 3\n\nabc"}};
 }
 
+Seeds transfers() {
+    return {{QStringLiteral("transfer"),
+             R"({"ids":[{"kind":"album","rawValue":"1"},{"kind":"radio","rawValue":"\ud83c\udfb5"}]})"}};
+}
+
 Seeds queues() {
     return {{QStringLiteral("queue"),
              R"({"currentIndex":1,"items":[
@@ -131,6 +137,16 @@ Seeds queues() {
 "sampleRate":44100,"source":{"kind":"file","path":"/a"},"title":"t"},
 {"id":"00010001-0001-0002-0304-05060708090a","mediaID":{"kind":"album","rawValue":"5"},"title":"u"}],
 "repeat":"one","shuffle":true,"version":1})"}};
+}
+
+Seeds presets() {
+    const EQPreset slope(QStringLiteral("Slope"), -3,
+                         std::array<float, 10>{12, 9, 6, 3, 0, 0, -3, -6, -9, -12});
+    const EQPreset named(QString(300, QLatin1Char('n')), 12, slope.gains());
+    return {{QStringLiteral("none"), EQFFile::serialize({})},
+            {QStringLiteral("one"), EQFFile::serialize(std::array{slope})},
+            {QStringLiteral("several"), EQFFile::serialize(std::array{slope, named, slope})},
+            {QStringLiteral("cut"), EQFFile::serialize(std::array{slope, named}).chopped(9)}};
 }
 
 bool write(const QString &folder, const Seeds &seeds) {
@@ -155,7 +171,9 @@ int main(int argc, char **argv) {
     const bool written = write(folder + QStringLiteral("BMPDecoder"), bitmaps()) &&
                          write(folder + QStringLiteral("CursorBitmap"), cursors()) &&
                          write(folder + QStringLiteral("AniParser"), animations()) &&
+                         write(folder + QStringLiteral("EQFFile"), presets()) &&
                          write(folder + QStringLiteral("HttpAnswer"), answers()) &&
+                         write(folder + QStringLiteral("MediaIDTransfer"), transfers()) &&
                          write(folder + QStringLiteral("PlaylistFile"), playlists()) &&
                          write(folder + QStringLiteral("QueueFile"), queues()) &&
                          write(folder + QStringLiteral("SkinArchive"), archives()) &&

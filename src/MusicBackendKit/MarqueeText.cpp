@@ -53,6 +53,15 @@ QString track(const QString &artist, const QString &title, double duration, std:
     return text;
 }
 
+QString display(const NowPlaying &playing, std::optional<int> number) {
+    const QString title = playing.title.value_or(QString());
+    if (title.isEmpty())
+        return idle();
+    if (playing.state == NowPlaying::State::loading && playing.item)
+        return buffering();
+    return track(playing.artist.value_or(QString()), title, playing.duration.value_or(0), number);
+}
+
 QString volume(double volume) {
     return QStringLiteral("Volume: %1%").arg(percent(volume));
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "MusicBackendKit/NowPlaying.h"
+
 #include <QString>
 
 #include <optional>
@@ -17,6 +19,8 @@ namespace vantor::MarqueeText {
 /// "12. Artist - Title (3:45)"; the parts that are unknown (no number, no duration) are left out.
 [[nodiscard]] QString track(const QString &artist, const QString &title, double duration,
                             std::optional<int> number);
+/// What an output plays: as track(), but idle() without a title and buffering() while an item loads.
+[[nodiscard]] QString display(const NowPlaying &playing, std::optional<int> number);
 /// `volume` 0…1.
 [[nodiscard]] QString volume(double volume);
 /// `balance` −1…1.

@@ -1,7 +1,5 @@
 #include "MusicBackendKit/MediaID.h"
 
-#include <QHash>
-
 namespace vantor {
 
 QString rawValue(MediaKind kind) {
@@ -42,10 +40,6 @@ std::optional<MediaID> MediaID::fromJson(const QJsonObject &object) {
     if (!kind || !rawValue.isString())
         return std::nullopt;
     return MediaID{*kind, rawValue.toString()};
-}
-
-size_t qHash(const MediaID &id, size_t seed) noexcept {
-    return qHashMulti(seed, static_cast<int>(id.kind), id.rawValue);
 }
 
 } // namespace vantor

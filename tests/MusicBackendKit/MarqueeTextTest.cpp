@@ -13,6 +13,7 @@ TEST(MarqueeTextTest, Sentences) {
         {MarqueeText::track({}, u"Song"_qs, 0, std::nullopt), "Song"},
         {MarqueeText::track({}, u"Song"_qs, nan, 1), "1. Song"},
         {MarqueeText::time(3605), "60:05"},
+        {MarqueeText::time(59.9), "0:59"},
         {MarqueeText::time(-1), "0:00"},
         {MarqueeText::time(nan), "0:00"},
         {MarqueeText::volume(0.755), "Volume: 76%"},
@@ -32,4 +33,19 @@ TEST(MarqueeTextTest, Sentences) {
     };
     for (const auto &[shown, expected] : rows)
         EXPECT_EQ(shown.toStdString(), expected);
+}
+
+TEST(MarqueeTextTest, WhatAnOutputPlays) {
+    NowPlaying playing = NowPlaying::idle({u"speaker"_qs}, 0);
+    EXPECT_EQ(MarqueeText::display(playing, 1), u"Vantor"_qs);
+    playing.title = QString();
+    playing.artist = u"Ann"_qs;
+    playing.item = MediaID{MediaKind::track, u"1"_qs};
+    playing.state = NowPlaying::State::loading;
+    EXPECT_EQ(MarqueeText::display(playing, {}), u"Vantor"_qs);
+    playing.title = u"Song"_qs;
+    EXPECT_EQ(MarqueeText::display(playing, {}), u"Buffering…"_qs);
+    playing.item.reset();
+    playing.duration = 61;
+    EXPECT_EQ(MarqueeText::display(playing, 3), u"3. Ann - Song (1:01)"_qs);
 }

@@ -4,9 +4,10 @@
 #include "SkinKit/Loading/SkinParser.h"
 #include "SkinKit/Loading/SkinPreviewPage.h"
 #include "SkinKit/Rendering/EqualizerWindowRenderer.h"
+#include "SkinKit/Rendering/MainWindowRenderer.h"
 #include "SkinKit/Rendering/PlaylistWindowRenderer.h"
 #include "SkinLibrary/Ingest/SkinIngester.h"
-#include "skintool/SkinPicture.h"
+#include "skintool/SkinScene.h"
 
 #include <QFile>
 #include <QThread>
@@ -119,7 +120,7 @@ void drawWindows(const Skin &skin, MainWindowScene main, int scale) {
     PlaylistWindowScene playlist = playlistScene(main);
     for (const bool shaded : {false, true}) {
         main.shaded = equalizer.shaded = playlist.shaded = shaded;
-        (void)skinPicture(skin, main, scale, false);
+        (void)MainWindowRenderer::picture(skin, main, scale);
         (void)EqualizerWindowRenderer::mask(skin, shaded, scale);
         drawOn(EqualizerWindowRenderer::size(shaded, scale),
                [&](QPainter &painter) { EqualizerWindowRenderer::draw(painter, skin, equalizer, scale); });

@@ -177,7 +177,7 @@ int main(int argc, char **argv) {
     ThumbnailCache thumbnails(folder.filePath(QStringLiteral("thumbnails")));
     SkinBrowserWindow window(model, library, switcher, thumbnails, settings);
     window.resize(1280, 760);
-    window.bringToFront({});
+    window.show();
     auto *const grid = window.findChild<SkinGridView *>();
     auto *const search = window.findChild<QLineEdit *>();
     const auto filters = window.findChildren<QToolButton *>();

@@ -3,7 +3,6 @@
 #include "Platform/AppPaths.h"
 #include "Vantor/Windows/Commands.h"
 #include "Vantor/Windows/SkinBrowserWindow.h"
-#include "Vantor/Windows/SkinnedWindow.h"
 
 namespace vantor {
 
@@ -29,8 +28,7 @@ void IndexedSkins::browse() {
         for (const Id id : {Id::skinBrowser, Id::nextSkin, Id::previousSkin, Id::randomSkin})
             m_browser->addAction(&m_commands.action(id));
     }
-    const SkinnedWindow *const player = m_commands.mainWindow();
-    m_browser->bringToFront(player ? player->frameGeometry() : QRect());
+    m_browser->bringToFront(m_commands.shownFrames());
 }
 
 } // namespace vantor

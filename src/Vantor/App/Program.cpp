@@ -13,6 +13,7 @@
 #include "Vantor/Model/PlayerModel.h"
 #include "Vantor/Model/ResumePoint.h"
 #include "Vantor/Mpris/MprisService.h"
+#include "Vantor/Windows/DialogPlace.h"
 #include "Vantor/Windows/SkinnedWindows.h"
 #include "Vantor/Windows/WelcomeDialog.h"
 
@@ -69,9 +70,8 @@ QUrl demoTrack() {
 class DesktopPresence {
   public:
     DesktopPresence(PlayerModel &model, SkinnedWindows &windows)
-        : m_service(model,
-                    {.raise = [&windows] { windows.bringToFront(); }, .quit = &SkinnedWindow::quitProgram}),
-          m_bridge(model.player(), model.player(), m_service.center()) {
+        : m_service(model, windows.commands(), [&windows] { windows.bringToFront(); }),
+          m_bridge(model.player(), windows.commands(), m_service.center()) {
         m_bridge.install();
         m_service.connectToBus();
     }
@@ -87,10 +87,8 @@ void welcome(PlayerModel &model, MainWindow &window) {
         return;
     model.preferences().setWelcomed();
     auto *const dialog = new WelcomeDialog(model, &window);
-    // Beside the player, which is what there is to see.
     dialog->adjustSize();
-    dialog->move(window.frameGeometry().bottomLeft() +
-                 QPoint((window.width() - dialog->width()) / 2, dialog->fontMetrics().height() * 3));
+    DialogPlace::beside(*dialog, {window.frameGeometry()});
     dialog->show();
 }
 

@@ -3,16 +3,15 @@
 #include "SkinBrowser/SkinLibraryModel.h"
 #include "Vantor/Model/PlayerModel.h"
 #include "Vantor/Model/SkinSwitcher.h"
+#include "Vantor/Windows/DialogPlace.h"
 #include "Vantor/Windows/MessagePage.h"
 #include "Vantor/Windows/SkinBrowserFoot.h"
 
 #include <QCoreApplication>
-#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QLocale>
-#include <QScreen>
 #include <QSettings>
 #include <QShortcut>
 #include <QSplitter>
@@ -28,28 +27,8 @@ const QString geometryKey = QStringLiteral("skinBrowser.geometry");
 const QString splitterKey = QStringLiteral("skinBrowser.splitter");
 const QString statusesKey = QStringLiteral("skinBrowser.statuses");
 
-constexpr QSize commonSize{900, 600};
-
-/// Where the window covers nothing of the player, so that one sees the skins that one tries on; wherever it
-/// likes when there is no room for that.
-QRect placeBeside(const QRect &player) {
-    constexpr QSize frame{16, 40}; // roughly, with a title bar
-    const QScreen *const screen = QGuiApplication::screenAt(player.center());
-    const QRect all = screen ? screen->availableGeometry() : player;
-    QRect best;
-    for (QRect room : {QRect(all.topLeft(), QPoint(player.left() - 1, all.bottom())),
-                       QRect(QPoint(player.right() + 1, all.top()), all.bottomRight()),
-                       QRect(all.topLeft(), QPoint(all.right(), player.top() - 1)),
-                       QRect(QPoint(all.left(), player.bottom() + 1), all.bottomRight())}) {
-        room.adjust(frame.width() / 2, frame.height() - frame.width() / 2, -frame.width() / 2,
-                    -frame.width() / 2);
-        const QSize size = room.size().boundedTo(commonSize);
-        if (size.width() * size.height() > best.width() * best.height())
-            best = QRect(room.topLeft(), size);
-    }
-    const bool isEnough = best.width() >= 560 && best.height() >= 380;
-    return isEnough ? best : QRect(all.center() - QRect({}, commonSize).center(), commonSize);
-}
+constexpr QSize commonSize{780, 480}; // which has room beside the player on most screens
+constexpr int detailsWidth = 316;     // with which pictures have their own size
 
 QString filterName(SkinStatus status) {
     switch (status) {
@@ -194,7 +173,7 @@ void SkinBrowserWindow::restore() {
     if (!restoreGeometry(m_settings.value(geometryKey).toByteArray()))
         resize(commonSize);
     if (!m_splitter->restoreState(m_settings.value(splitterKey).toByteArray()))
-        m_splitter->setSizes({width() - 300, 300});
+        m_splitter->setSizes({width() - detailsWidth, detailsWidth});
     const QStringList all{rawValue(SkinStatus::ok), rawValue(SkinStatus::partial),
                           rawValue(SkinStatus::failed)};
     const QStringList kept = m_settings.value(statusesKey, all).toStringList();
@@ -213,9 +192,10 @@ void SkinBrowserWindow::store() const {
     m_settings.setValue(statusesKey, statuses);
 }
 
-void SkinBrowserWindow::bringToFront(const QRect &player) {
+void SkinBrowserWindow::bringToFront(const QList<QRect> &player) {
+    // So that one sees the skins that one tries on.
     if (!isVisible() && !m_settings.contains(geometryKey))
-        setGeometry(placeBeside(player));
+        DialogPlace::beside(*this, player);
     setWindowState(windowState() & ~Qt::WindowMinimized);
     show();
     raise();

@@ -32,8 +32,9 @@ class SkinBrowserWindow : public QWidget {
                       ThumbnailCache &thumbnails, QSettings &settings);
     ~SkinBrowserWindow() override;
 
-    /// Shows the window in front of the others; the first time where it does not cover the player.
-    void bringToFront(const QRect &player);
+    /// Shows the window in front of the others; the first time where it hides none of the player's windows,
+    /// whose frames these are.
+    void bringToFront(const QList<QRect> &player);
 
   protected:
     bool eventFilter(QObject *watched, QEvent *event) override;

@@ -26,7 +26,8 @@ constexpr qsizetype maxWarnings = 100;
 constexpr std::size_t maxFiles = 50;
 constexpr std::chrono::milliseconds restTime{120};
 
-QString shortened(const QString &text) {
+QString shortened(QString text) {
+    text.replace(QLatin1String("\r\n"), QLatin1String("\n")).replace(QLatin1Char('\r'), QLatin1Char('\n'));
     return text.size() <= readmeLength ? text : text.left(readmeLength) + QStringLiteral("\n…");
 }
 
@@ -146,15 +147,18 @@ void SkinDetails::drawPicture(const Skin &skin) {
     m_renderSoon.start();
 }
 
-QString SkinDetails::pictureHtml() const {
+QSize SkinDetails::shownSize() const {
     const int room = viewport()->width() - 2 * static_cast<int>(document()->documentMargin());
     const int width = std::clamp(room, 80, pictureSize.width());
-    const int height = width * pictureSize.height() / pictureSize.width();
+    return {width, width * pictureSize.height() / pictureSize.width()};
+}
+
+QString SkinDetails::pictureHtml() const {
     if (m_texts->skin.status == SkinStatus::failed || !m_problem.isEmpty())
         return {};
     return QStringLiteral("<p align='center'><img src='picture' width='%1' height='%2'></p>")
-        .arg(width)
-        .arg(height);
+        .arg(shownSize().width())
+        .arg(shownSize().height());
 }
 
 QString SkinDetails::html() const {
@@ -196,6 +200,9 @@ void SkinDetails::render() {
         picture = QImage(pictureSize, QImage::Format_ARGB32_Premultiplied);
         picture.fill(Qt::transparent);
     }
+    // The document itself would scale it coarsely.
+    picture =
+        picture.scaled(shownSize() * devicePixelRatioF(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
     document()->clear();
     document()->addResource(QTextDocument::ImageResource, QUrl(QStringLiteral("picture")), picture);
     setHtml(html());

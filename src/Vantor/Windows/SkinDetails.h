@@ -44,6 +44,8 @@ class SkinDetails : public QTextBrowser {
     void render();
     [[nodiscard]] QString html() const;
     [[nodiscard]] QString pictureHtml() const;
+    /// Of the picture: its own size, or less where there is no room for it.
+    [[nodiscard]] QSize shownSize() const;
 
     SkinSwitcher &m_switcher;
     SkinLoader m_loader;

@@ -118,7 +118,6 @@ TEST_F(SkinListModelTest, ARefreshKeepsHoldOfSkinsAndNotOfRows) {
     refresh();
     EXPECT_EQ(model.rowCount(), 1550);
     EXPECT_EQ(selected.row(), 53);
-    EXPECT_EQ(nameAt(selected.row()), QString()); // out of view still
     EXPECT_EQ(inView.row(), 500);
     EXPECT_EQ(nameAt(500), name(1900)); // at once
     EXPECT_FALSE(trashed.isValid());
@@ -133,6 +132,7 @@ TEST_F(SkinListModelTest, ARefreshKeepsHoldOfSkinsAndNotOfRows) {
     EXPECT_EQ(nameAt(inView.row()), name(1900));
     EXPECT_EQ(inView.row(), 60);
     EXPECT_FALSE(selected.isValid());
+    model.closeIndex();
     store->reset();
     refresh();
     EXPECT_EQ(model.rowCount(), 0);

@@ -19,7 +19,6 @@ MessagePage::MessagePage(QWidget *parent)
         label->setAlignment(Qt::AlignCenter);
         label->setTextFormat(Qt::PlainText);
     }
-    m_text->setForegroundRole(QPalette::PlaceholderText);
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(32, 24, 32, 24);
     layout->addStretch(2);

@@ -25,7 +25,7 @@ class PathLabel : public QLabel {
   protected:
     void paintEvent(QPaintEvent *) override {
         QPainter painter(this);
-        painter.setPen(palette().color(foregroundRole()));
+        painter.setOpacity(0.7); // dark themes do not always have a colour for lesser texts
         const QString cut = fontMetrics().elidedText(text(), Qt::ElideMiddle, width());
         painter.drawText(rect(), Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine, cut);
     }
@@ -44,7 +44,6 @@ SkinBrowserFoot::SkinBrowserFoot(PlayerModel &model, SkinLibraryModel &library, 
       m_progress(new QProgressBar), m_pass(new QPushButton) {
     auto *change = new QPushButton(tr("Change…"));
     change->setAccessibleName(tr("Change the skins folder"));
-    m_folder->setForegroundRole(QPalette::PlaceholderText);
     m_progress->setTextVisible(false);
     m_progress->setFixedWidth(110);
     m_progress->setAccessibleName(tr("Progress of the index"));

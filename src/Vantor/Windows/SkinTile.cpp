@@ -28,7 +28,7 @@ void drawPicture(QPainter &painter, const QRect &place, const SkinTile &tile, co
     painter.setBrush(faint(colors.color(QPalette::Text), 0.06));
     painter.drawRoundedRect(place, 3, 3);
     if (tile.skin && tile.skin->status == SkinStatus::failed) {
-        painter.setPen(colors.color(QPalette::PlaceholderText));
+        painter.setPen(faint(colors.color(QPalette::Text), 0.6));
         painter.drawText(place, Qt::AlignCenter, QCoreApplication::translate("SkinTile", "Cannot be read"));
     }
 }
@@ -51,7 +51,7 @@ void drawName(QPainter &painter, QRect line, const SkinTile &tile, const QPalett
         line.setLeft(line.left() + markRoom);
     }
     const bool isFailed = tile.skin->status == SkinStatus::failed;
-    painter.setPen(colors.color(isFailed ? QPalette::PlaceholderText : QPalette::Text));
+    painter.setPen(faint(colors.color(QPalette::Text), isFailed ? 0.6 : 1));
     painter.drawText(line, Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine, name);
 }
 

@@ -155,8 +155,8 @@ void run(std::chrono::milliseconds time, std::chrono::milliseconds interval,
 
 } // namespace
 
-// bench-skin-browser <made skins> <rows>: how long the browser's events take while one scrolls, searches and
-// filters, first at rest, then while a pass reads 30,000 new files. Makes links beside the skins.
+// bench-browser-window <made skins> <rows>: how long the browser's events take while one scrolls, searches
+// and filters, first at rest, then while a pass reads 30,000 new files. Makes links beside the skins.
 int main(int argc, char **argv) {
     using namespace std::chrono_literals;
     Measured application(argc, argv);

@@ -126,7 +126,7 @@ Seeds answers() {
 
 Seeds transfers() {
     return {{QStringLiteral("transfer"),
-             R"({"ids":[{"kind":"album","rawValue":"1"},{"kind":"radio","rawValue":"\\ud83c\\udfb5"}]})"}};
+             R"({"ids":[{"kind":"album","rawValue":"1"},{"kind":"radio","rawValue":"\ud83c\udfb5"}]})"}};
 }
 
 Seeds queues() {

@@ -21,7 +21,8 @@ TEST(ArtistNameTest, Clean) {
 
 TEST(ArtistNameTest, NamesOfOneArtistHaveOneKey) {
     const std::vector<QStringList> artists{
-        {u"Simon and Garfunkel"_qs, u"Simon & Garfunkel"_qs, u"SIMON&GARFUNKEL;"_qs, u"simon AND  garfunkel"_qs},
+        {u"Simon and Garfunkel"_qs, u"Simon & Garfunkel"_qs, u"SIMON&GARFUNKEL;"_qs,
+         u"simon AND  garfunkel"_qs},
         {u"Beyoncé"_qs, u"Beyoncé;"_qs, u"BEYONCE\u0301"_qs},
         {u"Beyonce"_qs}, // an accent is another name
         {u"Ａｎｎ ９"_qs, u"ann 9"_qs},
@@ -67,8 +68,8 @@ TEST(ArtistGrouperTest, GroupsPagesAsTheyCome) {
     EXPECT_EQ(grouper.add({ann, bo, pictured, other}), QSet<QString>());
     grouper.add({nameless, unknown});
 
-    const ArtistGroup expected{u"ann & bo"_qs, u"Ann and Bo"_qs, ann.sortName, {ann, pictured, other},
-                               pictured.artwork};
+    const ArtistGroup expected{
+        u"ann & bo"_qs, u"Ann and Bo"_qs, ann.sortName, {ann, pictured, other}, pictured.artwork};
     ASSERT_EQ(grouper.groups().size(), 4);
     EXPECT_EQ(grouper.groups()[0], expected);
     EXPECT_TRUE(expected.isMerged());

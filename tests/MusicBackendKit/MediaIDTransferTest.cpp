@@ -25,7 +25,8 @@ TEST(MediaIDTransferTest, SurvivesADrag) {
 TEST(MediaIDTransferTest, WhatOthersWroteIsReadOrRefused) {
     const MediaID one{MediaKind::track, u"1"_qs};
     const std::pair<QByteArray, std::optional<MediaIDTransfer>> rows[] = {
-        {R"({ "ids": [ {"rawValue": "1", "kind": "track", "more": 1} ], "version": 2 })", MediaIDTransfer{{one}}},
+        {R"({ "ids": [ {"rawValue": "1", "kind": "track", "more": 1} ], "version": 2 })",
+         MediaIDTransfer{{one}}},
         {R"({"ids":[{"kind":"track","rawValue":"1"},{"kind":"zebra","rawValue":"1"}]})", std::nullopt},
         {R"({"ids":[{"kind":"track","rawValue":1}]})", std::nullopt},
         {R"({"ids":[{"kind":"Track","rawValue":"1"}]})", std::nullopt},
@@ -38,5 +39,6 @@ TEST(MediaIDTransferTest, WhatOthersWroteIsReadOrRefused) {
         {R"({"ids":[]})" + QByteArray(MediaIDTransfer::maxBytes, ' '), std::nullopt},
     };
     for (const auto &[bytes, expected] : rows)
-        EXPECT_EQ(MediaIDTransfer::fromJson(bytes), expected) << bytes.first(qMin(bytes.size(), 80)).toStdString();
+        EXPECT_EQ(MediaIDTransfer::fromJson(bytes), expected)
+            << bytes.first(qMin(bytes.size(), 80)).toStdString();
 }

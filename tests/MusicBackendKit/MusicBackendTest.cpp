@@ -1,6 +1,7 @@
 #include "MusicBackendKit/MusicBackend.h"
 
 #include "MusicBackendKit/MusicBackendError.h"
+#include "tests/Support/EmptyBackend.h"
 
 #include <QCoroTimer>
 #include <QTimer>
@@ -16,7 +17,7 @@ MediaID artistID(const QString &name) {
 }
 
 /// A library of albums that answers late.
-class SlowBackend : public MusicBackend {
+class SlowBackend : public EmptyBackend {
   public:
     struct Artist {
         QStringList albums;
@@ -27,12 +28,6 @@ class SlowBackend : public MusicBackend {
     int mostRunning = 0;
     int requests = 0;
 
-    QString sourceID() const override { return u"slow"_qs; }
-    QString displayName() const override { return u"Slow"_qs; }
-    MusicBackendCapabilities capabilities() const override { return {}; }
-    QCoro::Task<> connect() override { co_return; }
-    QCoro::Task<> disconnect() override { co_return; }
-    QCoro::Task<Page<LibraryArtist>> artists(PageRequest) override { co_return {}; }
     QCoro::Task<Page<LibraryAlbum>> albums(std::optional<MediaID> artist, PageRequest page) override {
         ++requests;
         mostRunning = std::max(mostRunning, ++running);
@@ -51,15 +46,6 @@ class SlowBackend : public MusicBackend {
         }
         co_return Page<LibraryAlbum>::make(albums, page, std::nullopt);
     }
-    QCoro::Task<QList<LibraryTrack>> tracks(MediaID) override { co_return {}; }
-    QCoro::Task<Page<LibraryPlaylist>> playlists(PageRequest) override { co_return {}; }
-    QCoro::Task<QList<LibraryTrack>> tracksOfPlaylist(MediaID) override { co_return {}; }
-    QCoro::Task<SearchResults> search(QString, int) override { co_return {}; }
-    QCoro::Task<QByteArray> artwork(ArtworkRef, int) override { co_return {}; }
-    QCoro::Task<QList<OutputDevice>> outputs() override { co_return {}; }
-    QCoro::Task<> play(QList<MediaID>, OutputDevice, PlayMode) override { co_return; }
-    QCoro::Task<> transport(TransportCommand, OutputDevice::ID) override { co_return; }
-    AsyncStream<NowPlaying> nowPlaying(OutputDevice::ID) override { return {}; }
 };
 
 QStringList titles(const QList<LibraryAlbum> &albums) {
@@ -67,10 +53,6 @@ QStringList titles(const QList<LibraryAlbum> &albums) {
     for (const LibraryAlbum &album : albums)
         all.append(album.title);
     return all;
-}
-
-std::shared_ptr<MusicBackend> bare() {
-    return std::make_shared<SlowBackend>();
 }
 
 /// The error of an operation, or none.
@@ -117,7 +99,8 @@ TEST(MusicBackendTest, AlbumsOfAGroupComeAtOnceAndInOrder) {
     backend->library.insert(u"ANN"_qs, {{u"x"_qs, u"a"_qs}, std::chrono::milliseconds(15)});
     MusicBackend &source = *backend;
     const auto task = [&] { return source.albums(groupOf({u"ann"_qs, u"Ann"_qs, u"ANN"_qs}), 2); };
-    EXPECT_EQ(titles(QCoro::waitFor(task())), (QStringList{u"z"_qs, u"b"_qs, u"c"_qs, u"y"_qs, u"x"_qs, u"a"_qs}));
+    EXPECT_EQ(titles(QCoro::waitFor(task())),
+              (QStringList{u"z"_qs, u"b"_qs, u"c"_qs, u"y"_qs, u"x"_qs, u"a"_qs}));
     EXPECT_EQ(backend->mostRunning, 3);
 }
 
@@ -142,7 +125,7 @@ TEST(MusicBackendTest, OneMembersFailureFailsTheGroupAndLeavesNothingBehind) {
 }
 
 TEST(MusicBackendTest, WhatASourceLacksIsUnsupported) {
-    const auto backend = bare();
+    const auto backend = std::shared_ptr<MusicBackend>(std::make_shared<EmptyBackend>());
     const auto failure = QCoro::waitFor(failureOf(backend->addRadio(u"http://h"_qs, u"h"_qs)));
     EXPECT_EQ(failure, MusicBackendError::unsupported(MusicBackendCapability::radio));
     EXPECT_EQ(QCoro::waitFor(failureOf(backend->transfer({}, {}, true)))->description(),
@@ -152,7 +135,7 @@ TEST(MusicBackendTest, WhatASourceLacksIsUnsupported) {
 }
 
 TEST(MusicBackendTest, TheDefaultQueueIsEmptyOnce) {
-    const auto backend = bare();
+    const auto backend = std::shared_ptr<MusicBackend>(std::make_shared<EmptyBackend>());
     const auto stream = backend->queue({u"speaker"_qs});
     const auto first = QCoro::waitFor(stream.next());
     EXPECT_EQ(first, RemoteQueueSnapshot::empty({u"speaker"_qs}));

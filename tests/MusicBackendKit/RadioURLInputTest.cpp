@@ -12,8 +12,11 @@ TEST(RadioURLInputTest, Parse) {
     };
     const auto with = [](const QString &url, const QString &name) { return RadioURLInput{url, name}; };
     const Row rows[] = {
-        {u" http://Radio.Example/a;b?c=d \n"_qs, u" \t"_qs, with(u"http://Radio.Example/a;b?c=d"_qs, u"Radio.Example"_qs)},
-        {u"HTTPS://user:p@host.example:8000/"_qs, {}, with(u"HTTPS://user:p@host.example:8000/"_qs, u"host.example"_qs)},
+        {u" http://Radio.Example/a;b?c=d \n"_qs, u" \t"_qs,
+         with(u"http://Radio.Example/a;b?c=d"_qs, u"Radio.Example"_qs)},
+        {u"HTTPS://user:p@host.example:8000/"_qs,
+         {},
+         with(u"HTTPS://user:p@host.example:8000/"_qs, u"host.example"_qs)},
         {u"http://[::1]:8000"_qs, {}, with(u"http://[::1]:8000"_qs, u"[::1]"_qs)},
         {u"http://[::1]?x"_qs, {}, with(u"http://[::1]?x"_qs, u"[::1]"_qs)},
         {u"http://bücher.example#a@b"_qs, {}, with(u"http://bücher.example#a@b"_qs, u"bücher.example"_qs)},

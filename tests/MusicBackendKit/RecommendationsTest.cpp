@@ -17,7 +17,8 @@ TEST(RecommendationsTest, OnlyAReferenceToARecordIsAMapping) {
     EXPECT_EQ(record.kind(), MediaKind::track);
     EXPECT_FALSE(record.isMapping());
 
-    RecommendationItem::Other other{u"Mix"_qs, u"library://playlist/1"_qs, {}, MediaKind::playlist, ArtworkRef{u"a"_qs}};
+    RecommendationItem::Other other{
+        u"Mix"_qs, u"library://playlist/1"_qs, {}, MediaKind::playlist, ArtworkRef{u"a"_qs}};
     const auto mapping = RecommendationItem::other(other);
     EXPECT_TRUE(mapping.isMapping());
     EXPECT_EQ(mapping.id(), u"library://playlist/1"_qs);

@@ -1,8 +1,8 @@
 #include "Platform/AsyncStream.h"
 
 #include <QCoreApplication>
-
 #include <QCoroTask>
+
 #include <gtest/gtest.h>
 
 using namespace vantor;

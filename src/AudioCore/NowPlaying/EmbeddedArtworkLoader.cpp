@@ -1,10 +1,10 @@
 #include "AudioCore/NowPlaying/EmbeddedArtworkLoader.h"
 
-#include <QBuffer>
+#include "Platform/PictureDecoder.h"
+
 #include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
-#include <QImageReader>
 
 #include <taglib/aifffile.h>
 #include <taglib/attachedpictureframe.h>
@@ -83,24 +83,8 @@ QByteArray embedded(const QString &path) {
     return {};
 }
 
-/// Decodes what claims to be of a bearable size only. The kinds are those of covers: no others with a life of
-/// their own, such as those that name further files.
 QImage decoded(const QByteArray &bytes) {
-    static const QList<QByteArray> kinds{"jpeg", "png", "gif", "bmp", "webp"};
-    QBuffer buffer;
-    buffer.setData(bytes);
-    QImageReader reader(&buffer);
-    reader.setDecideFormatFromContent(true);
-    if (!kinds.contains(reader.format()))
-        return {};
-    const QSize size = reader.size();
-    if (size.isEmpty() || qint64(size.width()) * size.height() > EmbeddedArtworkLoader::maxPixels)
-        return {};
-    constexpr QSize largest(EmbeddedArtworkLoader::largestSide, EmbeddedArtworkLoader::largestSide);
-    if (size.width() > largest.width() || size.height() > largest.height())
-        reader.setScaledSize(size.scaled(largest, Qt::KeepAspectRatio).expandedTo(QSize(1, 1)));
-    reader.setAutoTransform(true);
-    return reader.read();
+    return decodePicture(bytes, EmbeddedArtworkLoader::largestSide, EmbeddedArtworkLoader::maxPixels);
 }
 
 /// In the order in which they count.

@@ -5,9 +5,12 @@
 #include <QFuture>
 #include <QThreadPool>
 #include <QUrl>
+#include <QtConcurrentRun>
 
+#include <atomic>
 #include <functional>
 #include <memory>
+#include <type_traits>
 
 namespace vantor {
 
@@ -15,7 +18,8 @@ namespace vantor {
 /// waits: neither for a pass that is writing nor for a long search.
 ///
 /// Main thread. Answers come as futures, in the order of the questions; a failure is the future's exception
-/// (SkinLibraryError). The destructor ends what is running and waits for it.
+/// (SkinLibraryError). The file is opened for the first question, and again after a failure to open it. The
+/// destructor ends what is running and waits for it.
 class SkinIndexReader {
   public:
     explicit SkinIndexReader(const QUrl &index);
@@ -23,13 +27,34 @@ class SkinIndexReader {
     Q_DISABLE_COPY_MOVE(SkinIndexReader)
 
     template <typename Answer>
-    [[nodiscard]] QFuture<Answer> ask(std::function<Answer(SkinIndexStore &)> question);
+    [[nodiscard]] QFuture<Answer> ask(std::function<Answer(SkinIndexStore &)> question) {
+        return QtConcurrent::run(&m_pool, [this, question = std::move(question), turn = m_turn.load()] {
+            if constexpr (std::is_void_v<Answer>) {
+                question(store(turn));
+                requireTurn(turn);
+            } else {
+                Answer answer = question(store(turn));
+                requireTurn(turn);
+                return answer;
+            }
+        });
+    }
 
     /// Ends the reading that runs or waits: its futures fail with an error that isInterruption().
     void interrupt();
 
   private:
-    // One thread, the store opened on it at the first question.
+    // On the reader's thread.
+    [[nodiscard]] SkinIndexStore &store(int turn);
+    /// Throws when interrupt() was called since the question was asked.
+    void requireTurn(int turn) const;
+
+    const QUrl m_index;
+    std::atomic_int m_turn = 0; ///< how often there was an interruption
+    Mutex m_mutex;
+    /// Only the reader's thread sets it, and only once.
+    std::unique_ptr<SkinIndexStore> m_store VANTOR_GUARDED_BY(m_mutex);
+    QThreadPool m_pool; ///< one thread, so that the answers keep the questions' order
 };
 
 } // namespace vantor

@@ -1,9 +1,10 @@
 #include "SkinKit/Loading/SkinError.h"
 #include "SkinKit/Loading/SkinParser.h"
 #include "SkinKit/Loading/SkinPreviewPage.h"
+#include "SkinKit/Rendering/MainWindowRenderer.h"
 #include "skintool/PictureComparison.h"
-#include "skintool/SkinPicture.h"
 #include "skintool/SkinReport.h"
+#include "skintool/SkinScene.h"
 #include "skintool/SkintoolOptions.h"
 
 #include <QCoreApplication>
@@ -81,7 +82,9 @@ ExitCode writePicture(const Skin &skin, const SkintoolOptions &options) {
     if (options.scale > maxPictureScale)
         return fail(QStringLiteral("Cannot draw at a scale above %1").arg(maxPictureScale));
     const MainWindowScene scene = skinScene(options.state.value_or(SkintoolOptions::State::idle));
-    const QImage picture = skinPicture(skin, scene, options.scale, options.noRegion);
+    const auto outside =
+        options.noRegion ? MainWindowRenderer::Outside::drawn : MainWindowRenderer::Outside::transparent;
+    const QImage picture = MainWindowRenderer::picture(skin, scene, options.scale, outside);
     if (!picture.save(*options.png, "PNG"))
         return fail(QStringLiteral("Could not write ") + *options.png);
     return options.compare ? compare(picture, *options.compare, *options.png) : succeeded;

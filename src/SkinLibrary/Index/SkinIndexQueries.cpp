@@ -3,8 +3,6 @@
 #include "SkinLibrary/Index/SkinRow_p.h"
 #include "SkinLibrary/SkinLibraryError.h"
 
-#include <sqlite3.h>
-
 // What the browser asks of the index.
 namespace vantor {
 
@@ -87,7 +85,7 @@ class VANTOR_THREAD_ATTRIBUTE(scoped_lockable) SkinIndexStore::Reading {
     explicit Reading(SkinIndexStore &store) VANTOR_THREAD_ATTRIBUTE(acquire_capability(store.m_mutex))
         : m_store(store), m_interruptionsBefore(store.m_interruptions), m_lock(store.m_mutex) {
         if (m_interruptionsBefore != store.m_interruptions)
-            throw SkinLibraryError::sqlite(SQLITE_INTERRUPT, QStringLiteral("interrupted"));
+            throw SkinLibraryError::interruption();
         store.m_interruptionsBefore = m_interruptionsBefore;
     }
     ~Reading() VANTOR_THREAD_ATTRIBUTE(release_capability()) { m_store.m_interruptionsBefore.reset(); }

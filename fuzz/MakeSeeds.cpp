@@ -1,3 +1,4 @@
+#include "AudioCore/Equalizer/EQFFile.h"
 #include "tests/Support/BitmapBuilder.h"
 #include "tests/Support/ZipBuilder.h"
 
@@ -138,6 +139,16 @@ Seeds queues() {
 "repeat":"one","shuffle":true,"version":1})"}};
 }
 
+Seeds presets() {
+    const EQPreset slope(QStringLiteral("Slope"), -3,
+                         std::array<float, 10>{12, 9, 6, 3, 0, 0, -3, -6, -9, -12});
+    const EQPreset named(QString(300, QLatin1Char('n')), 12, slope.gains());
+    return {{QStringLiteral("none"), EQFFile::serialize({})},
+            {QStringLiteral("one"), EQFFile::serialize(std::array{slope})},
+            {QStringLiteral("several"), EQFFile::serialize(std::array{slope, named, slope})},
+            {QStringLiteral("cut"), EQFFile::serialize(std::array{slope, named}).chopped(9)}};
+}
+
 bool write(const QString &folder, const Seeds &seeds) {
     if (!QDir().mkpath(folder))
         return false;
@@ -160,6 +171,7 @@ int main(int argc, char **argv) {
     const bool written = write(folder + QStringLiteral("BMPDecoder"), bitmaps()) &&
                          write(folder + QStringLiteral("CursorBitmap"), cursors()) &&
                          write(folder + QStringLiteral("AniParser"), animations()) &&
+                         write(folder + QStringLiteral("EQFFile"), presets()) &&
                          write(folder + QStringLiteral("HttpAnswer"), answers()) &&
                          write(folder + QStringLiteral("MediaIDTransfer"), transfers()) &&
                          write(folder + QStringLiteral("PlaylistFile"), playlists()) &&

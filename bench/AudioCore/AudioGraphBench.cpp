@@ -4,6 +4,7 @@
 #include "AudioCore/Graph/AudioGraph.h"
 #include "tests/Support/AudioFileBuilder.h"
 
+#include <QFile>
 #include <QTemporaryDir>
 
 #include <benchmark/benchmark.h>
@@ -87,6 +88,35 @@ void seekAndFirstBlock(benchmark::State &state, const char *name) {
     }
 }
 
+// Ten hours of bare frames without a table, made of the same minute over and over.
+void firstFarSeek(benchmark::State &state, const char *name, const std::vector<std::string> &options) {
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QLatin1String(name));
+    std::vector<StereoFrame> minute(60 * rate);
+    for (std::size_t i = 0; i < minute.size(); ++i)
+        minute[i].left = static_cast<float>(i * 40'503 % 1009) * 0.0002F; // so that sizes vary
+    encodeAudioFile(path, minute, rate, options);
+    QFile file(path);
+    bool isMade = file.open(QIODevice::ReadWrite);
+    const QByteArray frames = file.readAll();
+    for (int i = 1; i < 600; ++i)
+        isMade = isMade && file.write(frames) == frames.size();
+    if (!isMade)
+        state.SkipWithError("no such file");
+    file.close();
+    for ([[maybe_unused]] auto _ : state) {
+        state.PauseTiming();
+        AudioFileDecoder decoder(path, rate);
+        benchmark::DoNotOptimize(decoder.read().data());
+        state.ResumeTiming();
+        decoder.seek(35'000);
+        benchmark::DoNotOptimize(decoder.read().data());
+    }
+    state.counters["bytes"] = static_cast<double>(frames.size() * 600);
+}
+
+const std::vector<std::string> variable{"-q:a", "5", "-write_xing", "0", "-id3v2_version", "0"};
+
 } // namespace
 
 BENCHMARK_CAPTURE(renderSecond, plain, false, 1.0F, false)->Unit(benchmark::kMillisecond);
@@ -103,3 +133,5 @@ BENCHMARK_CAPTURE(openAndFirstBlock, mp3, "a.mp3")->Unit(benchmark::kMillisecond
 BENCHMARK_CAPTURE(seekAndFirstBlock, flac, "a.flac")->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(seekAndFirstBlock, mp3, "a.mp3")->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(seekAndFirstBlock, m4a, "a.m4a")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(firstFarSeek, mp3, "a.mp3", variable)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(firstFarSeek, adts, "a.aac", {"-b:a", "96k"})->Unit(benchmark::kMillisecond);

@@ -50,8 +50,8 @@ double recently() {
 class FolderWatcher::Loop {
   public:
     Loop(FolderWatcher &watcher, const QByteArray &root, const Settings &settings)
-        : m_watcher(watcher), m_root(root), m_settings(settings), m_tree(root, settings.maxFolders, m_stop),
-          m_changes(root, settings.quiet, settings.longest) {}
+        : m_watcher(watcher), m_settings(settings), m_tree(root, settings.maxFolders, m_stop),
+          m_changes(settings.quiet, settings.longest) {}
     ~Loop() { close(m_wake); }
     Loop(const Loop &) = delete;
     Loop &operator=(const Loop &) = delete;
@@ -72,16 +72,13 @@ class FolderWatcher::Loop {
     void tell();
 
     FolderWatcher &m_watcher;
-    const QByteArray m_root;
     const Settings m_settings;
     const double m_start = recently();
     std::atomic_bool m_stop = false;
     const int m_wake = eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC);
     WatchTree m_tree;
     PendingChanges m_changes;
-    const WatchTree::Report m_report = [this](const QByteArray &folder) {
-        m_changes.add(folder, Clock::now());
-    };
+    const WatchTree::Report m_report = [this](const QByteArray &folder) { m_changes.add(folder); };
     Clock::time_point m_nextLook = Clock::now() + m_settings.presence;
     std::optional<Clock::time_point> m_nextPoll;
     WatchTree::Gap m_gap = WatchTree::Gap::none;
@@ -122,7 +119,7 @@ void FolderWatcher::Loop::look() {
     }
     if (!isWhole) {
         restart(everything);
-        m_report(m_root);
+        m_changes.addEverything();
     }
     if (m_nextPoll && Clock::now() >= *m_nextPoll)
         poll();
@@ -135,7 +132,7 @@ void FolderWatcher::Loop::poll() {
     if (m_gap != WatchTree::Gap::silentFileSystem)
         restart(everything); // perhaps there is room for all by now
     m_nextPoll = Clock::now() + m_settings.poll;
-    m_report(m_root);
+    m_changes.addEverything();
     tell();
 }
 

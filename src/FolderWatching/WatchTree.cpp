@@ -1,5 +1,7 @@
 #include "FolderWatching/WatchTree_p.h"
 
+#include <QThreadPool>
+
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/inotify.h>
@@ -67,7 +69,9 @@ WatchTree::WatchTree(const QByteArray &root, int maxFolders, const std::atomic_b
     : m_root(root), m_maxFolders(static_cast<std::size_t>(maxFolders)), m_stop(stop) {}
 
 WatchTree::~WatchTree() {
-    close();
+    // The system takes 20 ms and more to let go of the watches, which the main thread shall not wait for.
+    if (m_descriptor >= 0)
+        QThreadPool::globalInstance()->start([descriptor = m_descriptor] { ::close(descriptor); });
 }
 
 void WatchTree::close() {

@@ -99,7 +99,7 @@ class MusicBackend : public std::enable_shared_from_this<MusicBackend> {
     virtual QCoro::Task<> setGroupMembers(OutputDevice::ID leader, QList<OutputDevice::ID> adding,
                                           QList<OutputDevice::ID> removing);
 
-    // Built on the above.
+    // Built on the above. Overrides hide albums() of a group: it is called through this class.
     /// At most `limit`, asked for in pages.
     QCoro::Task<QList<LibraryAlbum>> allAlbums(MediaID artist, int pageSize, int limit);
     /// Of every member, asked for at the same time: in the order of the members, each one's in the source's.

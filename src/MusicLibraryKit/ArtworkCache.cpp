@@ -30,8 +30,8 @@ QCoro::Task<QByteArray> fetched(std::shared_ptr<MusicBackend> backend, ArtworkRe
 
 } // namespace
 
-ArtworkCache::ArtworkCache(QString folder, Limits limits)
-    : m_folder(std::move(folder)), m_limits(limits), m_images(limits.memoryBytes),
+ArtworkCache::ArtworkCache(QString folder, Limits limits, std::function<Clock::time_point()> now)
+    : m_folder(std::move(folder)), m_limits(limits), m_now(std::move(now)), m_images(limits.memoryBytes),
       m_untrimmed(limits.diskBytes) {
     m_pool.setMaxThreadCount(2);
 }
@@ -54,14 +54,14 @@ QImage ArtworkCache::image(const ArtworkRef &ref, int pixels) {
     if (m_loading.contains(key) || hasFailed(key))
         return {};
     wait(key);
-    loadNext();
+    loadSoon();
     return {};
 }
 
 void ArtworkCache::wait(const Key &key) {
     if (m_waiting.size() >= mostWaiting && !m_waiting.contains(key))
         m_waiting.erase(std::min_element(m_waiting.cbegin(), m_waiting.cend()));
-    m_waiting.insert(key, Clock::now());
+    m_waiting.insert(key, m_now());
 }
 
 QString ArtworkCache::pathOf(const Key &key) const {
@@ -75,15 +75,23 @@ QString ArtworkCache::pathOf(const Key &key) const {
 
 bool ArtworkCache::hasFailed(const Key &key) const {
     const auto failure = m_failures.constFind(key);
-    return failure != m_failures.cend() && Clock::now() < *failure;
+    return failure != m_failures.cend() && m_now() < *failure;
+}
+
+// Not at once: nothing is loaded, or announced, inside a paint, and of one paint the last comes first.
+void ArtworkCache::loadSoon() {
+    if (!std::exchange(m_loadsSoon, true))
+        QMetaObject::invokeMethod(this, &ArtworkCache::loadNext, Qt::QueuedConnection);
 }
 
 void ArtworkCache::loadNext() {
-    while (m_loading.size() < mostLoads && !m_waiting.isEmpty()) {
+    m_loadsSoon = false;
+    const QPointer<ArtworkCache> self(this); // whoever hears a signal may end it
+    while (self && m_loading.size() < mostLoads && !m_waiting.isEmpty()) {
         const auto newest = std::max_element(m_waiting.cbegin(), m_waiting.cend());
-        if (Clock::now() - *newest > m_limits.patience) {
+        if (m_now() - *newest > m_limits.patience) {
             const QHash<Key, Clock::time_point> lapsed = std::exchange(m_waiting, {});
-            for (auto entry = lapsed.cbegin(); entry != lapsed.cend(); ++entry)
+            for (auto entry = lapsed.cbegin(); self && entry != lapsed.cend(); ++entry)
                 Q_EMIT imageChanged(entry.key().ref, entry.key().pixels);
             return;
         }
@@ -122,15 +130,13 @@ void ArtworkCache::finish(const Key &key, const QImage &image) {
     if (image.isNull()) {
         if (m_failures.size() >= mostFailures)
             m_failures.clear();
-        m_failures.insert(key, Clock::now() + m_limits.failureMemory);
+        m_failures.insert(key, m_now() + m_limits.failureMemory);
     } else {
         m_images.insert(key, new QImage(image), image.sizeInBytes());
     }
-    const QPointer<ArtworkCache> self(this);
+    loadSoon();
     if (!image.isNull())
         Q_EMIT imageChanged(key.ref, key.pixels);
-    if (self)
-        loadNext();
 }
 
 void ArtworkCache::countWritten(qint64 bytes) {

@@ -8,6 +8,7 @@
 #include <QThreadPool>
 
 #include <chrono>
+#include <functional>
 
 namespace vantor {
 
@@ -32,8 +33,10 @@ class ArtworkCache : public QObject {
     /// The largest side that is kept, in pixels.
     static constexpr int largestSide = 2048;
 
+    using Clock = std::chrono::steady_clock;
+
     /// `folder` is the cache's alone; made when needed.
-    ArtworkCache(QString folder, Limits limits);
+    ArtworkCache(QString folder, Limits limits, std::function<Clock::time_point()> now = &Clock::now);
     /// Waits for files that are being read or written; not for the source.
     ~ArtworkCache() override;
 
@@ -42,7 +45,7 @@ class ArtworkCache : public QObject {
     void setBackend(std::shared_ptr<MusicBackend> backend);
 
     /// The picture of the present source, at most `pixels` wide and high. A null image when there is none, or
-    /// none yet: then it is loaded, once for all who ask.
+    /// none yet: then it is loaded, once for all who ask. Emits nothing before it returns.
     [[nodiscard]] QImage image(const ArtworkRef &ref, int pixels);
 
   Q_SIGNALS:
@@ -60,11 +63,10 @@ class ArtworkCache : public QObject {
             return qHashMulti(seed, key.source, key.ref, key.pixels);
         }
     };
-    using Clock = std::chrono::steady_clock;
-
     [[nodiscard]] QString pathOf(const Key &key) const;
     [[nodiscard]] bool hasFailed(const Key &key) const;
     void wait(const Key &key);
+    void loadSoon();
     void loadNext();
     QCoro::Task<> load(Key key);
     void finish(const Key &key, const QImage &image);
@@ -72,11 +74,13 @@ class ArtworkCache : public QObject {
 
     const QString m_folder;
     const Limits m_limits;
+    const std::function<Clock::time_point()> m_now;
     std::shared_ptr<MusicBackend> m_backend;
     QCache<Key, QImage> m_images;
     QHash<Key, Clock::time_point> m_failures; ///< until when the source is not asked again
     QHash<Key, Clock::time_point> m_waiting;  ///< when they were asked for last
     QSet<Key> m_loading;
+    bool m_loadsSoon = false;
     qint64 m_untrimmed; ///< bytes written since the folder was looked through
     QThreadPool m_pool;
 };

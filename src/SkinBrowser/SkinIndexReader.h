@@ -3,9 +3,9 @@
 #include "SkinLibrary/Index/SkinIndexStore.h"
 
 #include <QFuture>
+#include <QPromise>
 #include <QThreadPool>
 #include <QUrl>
-#include <QtConcurrentRun>
 
 #include <atomic>
 #include <functional>
@@ -28,16 +28,18 @@ class SkinIndexReader {
 
     template <typename Answer>
     [[nodiscard]] QFuture<Answer> ask(std::function<Answer(SkinIndexStore &)> question) {
-        return QtConcurrent::run(&m_pool, [this, question = std::move(question), turn = m_turn.load()] {
-            if constexpr (std::is_void_v<Answer>) {
-                question(store(turn));
-                requireTurn(turn);
-            } else {
-                Answer answer = question(store(turn));
-                requireTurn(turn);
-                return answer;
+        auto promise = std::make_shared<QPromise<Answer>>();
+        promise->start();
+        // Not QtConcurrent, which would wrap the error.
+        m_pool.start([this, promise, question = std::move(question), turn = m_turn.load()] {
+            try {
+                answer(*promise, question, turn);
+            } catch (...) {
+                promise->setException(std::current_exception());
             }
+            promise->finish();
         });
+        return promise->future();
     }
 
     /// Ends the reading that runs or waits: its futures fail with an error that isInterruption().
@@ -45,6 +47,21 @@ class SkinIndexReader {
 
   private:
     // On the reader's thread.
+    template <typename Answer>
+    void answer(QPromise<Answer> &promise, const std::function<Answer(SkinIndexStore &)> &question,
+                int turn) {
+        SkinIndexStore &opened = store(turn);
+        const SkinIndexStore::Question readings(opened);
+        requireTurn(turn); // from here on, an interruption shows in the store too
+        if constexpr (std::is_void_v<Answer>) {
+            question(opened);
+            requireTurn(turn);
+        } else {
+            Answer result = question(opened);
+            requireTurn(turn);
+            promise.addResult(std::move(result));
+        }
+    }
     [[nodiscard]] SkinIndexStore &store(int turn);
     /// Throws when interrupt() was called since the question was asked.
     void requireTurn(int turn) const;

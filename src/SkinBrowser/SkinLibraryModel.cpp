@@ -149,10 +149,9 @@ void SkinLibraryModel::finish(const std::optional<SkinIndexSummary> &summary, co
     if (summary)
         m_summary = summary;
     setProblem(problem);
+    Q_EMIT progressChanged();
     if (m_next.pass || m_next.reset)
         begin({});
-    else
-        Q_EMIT progressChanged();
 }
 
 void SkinLibraryModel::readCounts() {

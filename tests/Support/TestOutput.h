@@ -4,6 +4,10 @@
 #include "AudioCore/Output/NullAudioOutput.h"
 #include "AudioCore/Output/OutputDeviceProvider.h"
 
+#include <QCoreApplication>
+
+#include <algorithm>
+#include <chrono>
 #include <vector>
 
 namespace vantor {
@@ -30,6 +34,29 @@ class TestOutput final : public AudioOutput {
         bool isSettled = true;
         std::vector<OutputDeviceDescription> devices{device(1, "speakers")};
         std::optional<quint32> defaultDevice = 1;
+
+        /// Lets events and sound flow until something holds; false after 20 seconds. The sound runs at twice
+        /// the pace of the clock at most: time that a busy machine has lost is not made up for, as the
+        /// decoder has lost it too.
+        template <class Condition>
+        bool pump(Condition condition) {
+            using Clock = std::chrono::steady_clock;
+            const Clock::time_point start = Clock::now();
+            std::int64_t rendered = 0;
+            while (!condition()) {
+                const Clock::duration elapsed = Clock::now() - start;
+                if (elapsed > std::chrono::seconds(20))
+                    return false;
+                const auto due = std::chrono::duration_cast<std::chrono::microseconds>(elapsed).count() *
+                                 sampleRate * 2 / 1'000'000;
+                for (rendered = std::max(rendered, due - 1024); rendered < due; rendered += 64) {
+                    if (current)
+                        current->render(64);
+                }
+                QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents | QEventLoop::AllEvents, 1);
+            }
+            return true;
+        }
     };
 
     TestOutput(Shared &shared, std::optional<quint32> device)

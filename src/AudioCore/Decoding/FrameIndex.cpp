@@ -1,13 +1,16 @@
 #include "AudioCore/Decoding/FrameIndex.h"
 
+#include <QtEndian>
+
 #include <array>
 #include <cmath>
 #include <string_view>
 
 namespace vantor {
 
-static constexpr std::size_t headerBytes = 7; // of ADTS; MP3 has four
-static constexpr std::size_t scanBytes = 1 << 20;
+static constexpr std::size_t headerBytes = 8; // MP3 has four, ADTS seven
+// As much as stays in the processor's cache between reading it and looking at it.
+static constexpr std::size_t scanBytes = 1 << 18;
 static constexpr std::size_t glanceBytes = 4096; // a few frames
 // How far frames may lie apart: tags and damage between them.
 static constexpr std::int64_t longestJunk = 16 << 20;
@@ -20,16 +23,14 @@ static constexpr std::int64_t samplesOfRate = 32;
 // Bits of a frame's header, from the first on.
 class HeaderBits {
   public:
-    explicit HeaderBits(std::span<const std::uint8_t> bytes) {
-        for (const std::uint8_t byte : bytes)
-            m_bits = m_bits << 8 | byte;
-    }
+    explicit HeaderBits(std::span<const std::uint8_t> bytes)
+        : m_bits(qFromBigEndian<quint64>(bytes.data())) {}
     [[nodiscard]] int at(unsigned first, unsigned count) const {
         return static_cast<int>(m_bits >> (8 * headerBytes - first - count) & ((1U << count) - 1));
     }
 
   private:
-    std::uint64_t m_bits = 0;
+    std::uint64_t m_bits;
 };
 
 FrameIndex::FrameIndex(AVFormatContext &format, AVStream &stream, std::int64_t firstFrame)
@@ -84,23 +85,38 @@ std::optional<FrameIndex::Frame> FrameIndex::readADTS(const HeaderBits &bits) {
     return frame;
 }
 
-std::optional<FrameIndex::Frame> FrameIndex::readMPEG(const HeaderBits &bits) {
-    const int version = bits.at(11, 2); // 0: 2.5, 2: 2, 3: 1
-    const int layer = 4 - bits.at(13, 2);
-    const int rate = mpegRates[static_cast<std::size_t>(bits.at(20, 2))] >> (version == 3   ? 0
-                                                                             : version == 2 ? 1
-                                                                                            : 2);
-    if (bits.at(0, 11) != 0x7ff || version == 1 || layer == 4 || rate == 0)
-        return std::nullopt;
-    const int table = version == 3 ? layer - 1 : layer == 1 ? 3 : 4;
-    const int bitrate =
-        1000 * bitrates[static_cast<std::size_t>(table)][static_cast<std::size_t>(bits.at(16, 4))];
-    if (bitrate == 0)
-        return std::nullopt;
+// What the header's ten bits of version, layer, bit rate and sample rate come to, without the padding; no
+// bytes for those that mean nothing.
+constexpr FrameIndex::Frame FrameIndex::mpegFrame(unsigned kind) {
+    const unsigned version = kind >> 8; // 0: 2.5, 2: 2, 3: 1
+    const unsigned layer = 4 - (kind >> 6 & 3);
+    const int rate = mpegRates[kind & 3] >> (version == 3 ? 0 : version == 2 ? 1 : 2);
+    if (version == 1 || layer == 4 || rate == 0)
+        return {};
+    const unsigned table = version == 3 ? layer - 1 : layer == 1 ? 3 : 4;
+    const int bitrate = 1000 * bitrates[table][kind >> 2 & 15];
     const int samples = layer == 1 ? 384 : layer == 3 && version != 3 ? 576 : 1152;
     const int slot = layer == 1 ? 4 : 1; // bytes
-    const int slots = samples / 8 / slot * bitrate / rate + bits.at(22, 1);
-    return Frame{.bytes = slots * slot, .samples = samples, .sampleRate = rate, .bitrate = bitrate};
+    return {.bytes = samples / 8 / slot * bitrate / rate * slot,
+            .samples = samples,
+            .sampleRate = rate,
+            .bitrate = bitrate};
+}
+
+std::optional<FrameIndex::Frame> FrameIndex::readMPEG(const HeaderBits &bits) {
+    // Reckoned once: a long file has more than a million frames.
+    static constexpr auto frames = [] {
+        std::array<Frame, 1024> all;
+        for (unsigned kind = 0; kind < all.size(); ++kind)
+            all[kind] = mpegFrame(kind);
+        return all;
+    }();
+    Frame frame = frames[static_cast<std::size_t>(bits.at(11, 4) << 6 | bits.at(16, 6))];
+    if (bits.at(0, 11) != 0x7ff || frame.bytes == 0)
+        return std::nullopt;
+    if (bits.at(22, 1) != 0)
+        frame.bytes += frame.samples == 384 ? 4 : 1;
+    return frame;
 }
 
 std::optional<FrameIndex::Frame> FrameIndex::frameAt(std::int64_t place) {

@@ -32,6 +32,7 @@ class FrameIndex {
         int bitrate = 0; ///< bit/s; 0 where it may change with every frame
     };
 
+    [[nodiscard]] static constexpr Frame mpegFrame(unsigned kind);
     [[nodiscard]] static std::optional<Frame> readADTS(const HeaderBits &bits);
     [[nodiscard]] static std::optional<Frame> readMPEG(const HeaderBits &bits);
     [[nodiscard]] std::optional<Frame> frameAt(std::int64_t place);

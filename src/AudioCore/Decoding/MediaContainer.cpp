@@ -128,6 +128,9 @@ void MediaContainer::open(AVFormatContext *format) {
     const int result = avformat_open_input(&format, name.constData(), kind, nullptr); // frees it
     if (result >= 0)
         m_format.reset(format);
+    // FFmpeg forgets to end the check sum of an MP3 file's table when there is none, and then adds up
+    // everything that it reads.
+    m_io->update_checksum = nullptr;
     if (result < 0 || avformat_find_stream_info(format, nullptr) < 0)
         failOpening();
     throwFailure();

@@ -6,15 +6,24 @@
 namespace vantor {
 
 static constexpr double crossSeconds = 0.01;
+// Half a period of the lowest tone, 40 Hz: between its peaks the gain stands still. One that went up and down
+// within each period would distort the tone.
+static constexpr double holdSeconds = 0.0125;
 static constexpr double releaseSeconds = 0.08; // to within 1/e of full gain
 // As good as 1: the way back would take for ever.
 static constexpr double almostFull = 0.9999;
 
 Limiter::Limiter(int sampleRate)
     : m_lookAhead(static_cast<std::size_t>(std::max(1.0, sampleRate * lookAheadSeconds))),
+      m_window(m_lookAhead + static_cast<std::size_t>(std::ceil(sampleRate * holdSeconds))),
       m_crossFrames(static_cast<int>(sampleRate * crossSeconds)),
       m_release(1 - std::exp(-1 / (sampleRate * releaseSeconds))), m_delay(m_lookAhead), m_gains(m_lookAhead),
-      m_candidates(m_lookAhead + 1) {}
+      m_candidates(m_window + 1) {}
+
+// What is no number would stay in the gain's sum for ever.
+static float finite(float sample) {
+    return std::isfinite(sample) ? sample : 0.0F;
+}
 
 void Limiter::process(std::span<StereoFrame> frames) {
     const bool isEnabled = m_isEnabled.load(std::memory_order_relaxed);
@@ -23,6 +32,7 @@ void Limiter::process(std::span<StereoFrame> frames) {
     if (!m_isRunning)
         restart();
     for (StereoFrame &frame : frames) {
+        frame = {finite(frame.left), finite(frame.right)};
         const StereoFrame late = limited(frame);
         if (m_warmUp > 0) {
             --m_warmUp;
@@ -89,7 +99,7 @@ float Limiter::leastGain(float allowed) {
     };
     while (m_candidateCount > 0 && m_candidates[place(m_candidateCount - 1)].gain >= allowed)
         --m_candidateCount;
-    if (m_candidateCount > 0 && m_candidates[m_firstCandidate].frame + m_lookAhead < m_frame) {
+    if (m_candidateCount > 0 && m_candidates[m_firstCandidate].frame + m_window < m_frame) {
         m_firstCandidate = place(1);
         --m_candidateCount;
     }

@@ -11,7 +11,8 @@ namespace vantor {
 
 /// A look-ahead limiter for the end of the graph: turns the sound down smoothly, a moment before it would go
 /// beyond full scale, and up again after it. What stays below the ceiling passes bit for bit, a moment later;
-/// switched off, everything passes at once and untouched. Switching it crosses over without a click.
+/// samples that are no finite numbers become silence. Switched off, everything passes at once and untouched.
+/// Switching it crosses over without a click.
 class Limiter {
   public:
     static constexpr float ceiling = 0.989F; ///< the largest sample that comes out: −0.1 dBFS
@@ -26,7 +27,7 @@ class Limiter {
     void process(std::span<StereoFrame> frames);
 
   private:
-    /// The least gain that the last m_lookAhead + 1 frames allow.
+    /// The least gain that the last m_window + 1 frames allow.
     float leastGain(float allowed);
     /// The gain of the frame that has waited for m_lookAhead frames.
     float gain(float allowed);
@@ -34,11 +35,12 @@ class Limiter {
     void restart();
 
     const std::size_t m_lookAhead; ///< frames
+    const std::size_t m_window;    ///< frames: how long a peak counts, the look-ahead and the hold
     const int m_crossFrames;
     const double m_release; ///< of the way back to full gain, per frame
     std::atomic<bool> m_isEnabled{false};
 
-    // Audio thread's. The rings have m_lookAhead places, that of the least gains one more.
+    // Audio thread's. The rings have m_lookAhead places, that of the least gains m_window + 1.
     struct Candidate {
         std::uint64_t frame = 0;
         float gain = 1;

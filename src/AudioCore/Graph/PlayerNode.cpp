@@ -18,6 +18,17 @@ PlayerNode::PlayerNode(int sampleRate)
       m_prebufferFrames(static_cast<std::uint64_t>(sampleRate * prebufferSeconds)),
       m_frames(static_cast<std::size_t>(sampleRate * ringSeconds)) {}
 
+void PlayerNode::follow(std::uint32_t current, const std::vector<std::uint32_t> &followers) {
+    Wanted wanted{.current = current & generationMask};
+    for (const std::uint32_t generation : followers) {
+        if (wanted.follower == 0)
+            wanted.follower = generation & generationMask;
+        else
+            wanted.others |= 1U << (generation - wanted.follower - 1);
+    }
+    m_wanted.store(wanted, std::memory_order_release);
+}
+
 PlayerNode::Progress PlayerNode::progress() const {
     const std::uint64_t word = m_progress.load(std::memory_order_acquire);
     return {.generation = static_cast<std::uint32_t>(word >> (frameBits + 1)),

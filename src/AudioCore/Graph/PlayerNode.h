@@ -5,9 +5,11 @@
 #include "AudioCore/ReplayGain.h"
 
 #include <atomic>
+#include <bit>
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <vector>
 
 namespace vantor {
 
@@ -20,12 +22,12 @@ struct StereoFrame {
 
 /// The source of the graph: plays segments of decoded sound, one after the other without a gap.
 ///
-/// A segment belongs to a generation, a number from 1 up to 2^23 that only grows. Two generations may be
-/// heard: the current one and the one that is to follow it. discardBefore() and follow() make all others fade
-/// out and vanish, whatever is still queued of them, and newer ones take their place; so a seek, another
-/// track or a change of what comes next needs no co-operation between the threads. Pause, resume, discard and
-/// a segment that starts inside a track fade over a few milliseconds; a segment that starts at a track's
-/// first frame plays as it is, right behind the last frame of the one before.
+/// A segment belongs to a generation, a number from 1 up to 2^23 that only grows. The current generation may
+/// be heard and those that are to follow it. discardBefore() and follow() make all others fade out and
+/// vanish, whatever is still queued of them, and newer ones take their place; so a seek, another track or a
+/// change of what comes next needs no co-operation between the threads. Pause, resume, discard and a segment
+/// that starts inside a track fade over a few milliseconds; a segment that starts at a track's first frame
+/// plays as it is, right behind the last frame of the one before.
 ///
 /// Three threads take part, each with its own section below; none ever waits for another.
 class PlayerNode {
@@ -35,6 +37,8 @@ class PlayerNode {
     static constexpr double prebufferSeconds = 0.2;
     /// How much the ring holds: the sound that is decoded ahead, and as much of discarded sound before it.
     static constexpr double ringSeconds = 5;
+    /// The followers' generations differ by no more than this.
+    static constexpr std::uint32_t followerSpan = 16;
 
     /// How far the sound has come.
     struct Progress {
@@ -51,14 +55,9 @@ class PlayerNode {
     void play() { m_playing.store(true, std::memory_order_release); }
     void pause() { m_playing.store(false, std::memory_order_release); }
     /// What is to be heard now; nothing follows it yet.
-    void discardBefore(std::uint32_t generation) {
-        m_wanted.store({.current = generation}, std::memory_order_release);
-    }
-    /// What is to be heard when the current generation has ended; 0: nothing.
-    void follow(std::uint32_t generation) {
-        const std::uint32_t current = m_wanted.load(std::memory_order_relaxed).current;
-        m_wanted.store({current, generation}, std::memory_order_release);
-    }
+    void discardBefore(std::uint32_t generation) { follow(generation, {}); }
+    /// What is to be heard now, and what after it, in this order.
+    void follow(std::uint32_t current, const std::vector<std::uint32_t> &followers);
     /// How loud segments are, by what their files say; changes ramp.
     void setReplayGain(ReplayGainMode mode, bool holdsPeaks) {
         m_loudness.store({mode, holdsPeaks}, std::memory_order_relaxed);
@@ -93,14 +92,19 @@ class PlayerNode {
   private:
     // In one atomic word, so that no reader pairs a follower with the wrong track.
     struct Wanted {
-        std::uint32_t current = 0;
-        std::uint32_t follower = 0;
+        std::uint64_t current : 24 = 0;
+        std::uint64_t follower : 24 = 0;         ///< the first one; 0: none
+        std::uint64_t others : followerSpan = 0; ///< bit n: n + 1 generations after the first
 
         [[nodiscard]] bool contains(std::uint32_t generation) const {
-            return generation == current || (generation == follower && follower != 0);
+            if (generation == current || follower == 0 || generation <= follower)
+                return generation == current || (follower != 0 && generation == follower);
+            const std::uint64_t place = generation - follower - 1;
+            return place < followerSpan && (others >> place & 1) != 0;
         }
         [[nodiscard]] bool isOutOfDate(std::uint32_t generation) const {
-            return !contains(generation) && generation < std::max(current, follower);
+            const std::uint64_t newest = follower + static_cast<std::uint64_t>(std::bit_width(others + 0U));
+            return !contains(generation) && generation < std::max<std::uint64_t>(current, newest);
         }
     };
     static_assert(std::atomic<Wanted>::is_always_lock_free);

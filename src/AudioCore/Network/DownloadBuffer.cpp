@@ -65,7 +65,7 @@ std::size_t DownloadBuffer::read(std::span<char> bytes, const std::stop_token &s
         }
         const qint64 most = std::min(block->second.filled - offset, static_cast<qint64>(bytes.size()));
         if (!m_file.seek(block->second.slot * blockBytes + offset) || m_file.read(bytes.data(), most) != most)
-            throw ProgressiveError::readFailure();
+            throw ProgressiveError::readFailure(m_file.errorString());
         m_read += most;
         count = static_cast<std::size_t>(most);
         forgetTitles();
@@ -127,7 +127,7 @@ void DownloadBuffer::begin(const DownloadInfo &info) {
         m_file.setFileTemplate((QDir().mkpath(folder) ? folder : QDir::tempPath()) +
                                QStringLiteral("/download-XXXXXX"));
         if (!m_file.openUnbuffered())
-            failWith(ProgressiveError::readFailure());
+            failWith(ProgressiveError::readFailure(m_file.errorString()));
     }
     m_changed.notify_all();
 }
@@ -202,7 +202,7 @@ void DownloadBuffer::write(QByteArrayView bytes) {
         const bool ok = m_file.seek(block->slot * blockBytes + block->filled) &&
                         m_file.write(bytes.data(), bytes.size()) == bytes.size();
         if (!ok) // the disk is full
-            failWith(ProgressiveError::readFailure());
+            failWith(ProgressiveError::readFailure(m_file.errorString()));
         else
             block->filled += bytes.size();
         m_fetch += bytes.size();

@@ -76,7 +76,7 @@ static QByteArray validatorOf(const HttpExchange::Answer &answer) {
 Downloader::Downloader(QUrl url, std::shared_ptr<DownloadBuffer> buffer, DownloadTimings timings)
     : m_url(std::move(url)), m_buffer(std::move(buffer)), m_timings(std::move(timings)) {
     m_patience.setSingleShot(true);
-    connect(&m_patience, &QTimer::timeout, this, &Downloader::lose);
+    connect(&m_patience, &QTimer::timeout, this, [this] { lose(QStringLiteral("the server is silent")); });
     m_retry.setSingleShot(true);
     connect(&m_retry, &QTimer::timeout, this, [this] {
         if (const auto missing = m_buffer->missing())
@@ -129,8 +129,10 @@ void Downloader::takeAnswer() {
     const HttpExchange::Answer &answer = *m_exchange->answer();
     const int interval = answer.header("icy-metaint").toInt();
     m_filter = IcyProtocol::Filter(interval > 0 && interval <= largestMetaInterval ? interval : 0);
-    if (m_info ? !takeNextAnswer(answer) : !takeFirstAnswer(answer))
-        giveUp();
+    const QString status = QStringLiteral("the server answers %1").arg(answer.status());
+    const bool goesOn = m_info.has_value();
+    if (goesOn ? !takeNextAnswer(answer) : !takeFirstAnswer(answer))
+        giveUp(goesOn ? status + QStringLiteral(", not the rest of the file") : status);
 }
 
 bool Downloader::takeFirstAnswer(const HttpExchange::Answer &answer) {
@@ -148,7 +150,7 @@ bool Downloader::takeFirstAnswer(const HttpExchange::Answer &answer) {
 // False when there is no hope. What may pass is an end like every other.
 bool Downloader::takeNextAnswer(const HttpExchange::Answer &answer) {
     if (answer.status() >= 500 || answer.status() == 408 || answer.status() == 429) {
-        lose();
+        lose(QStringLiteral("the server answers %1").arg(answer.status()));
         return true;
     }
     if (m_info->isLive)
@@ -232,26 +234,26 @@ void Downloader::takeEnd() {
         m_isOver = true;
         m_buffer->end();
     } else {
-        lose();
+        lose(m_exchange->problem());
     }
 }
 
-void Downloader::lose() {
+void Downloader::lose(const QString &reason) {
     drop();
     const bool canGoOn = m_info && (m_info->isLive || m_info->size);
     if (!canGoOn || m_attempts >= m_timings.retries.size()) {
-        giveUp();
+        giveUp(reason);
         return;
     }
-    qCInfo(lcDownloader, "%s: lost at byte %lld", qUtf8Printable(m_url.toDisplayString()),
-           static_cast<long long>(m_buffer->fetchPosition()));
+    qCInfo(lcDownloader, "%s: lost at byte %lld: %s", qUtf8Printable(m_url.toDisplayString()),
+           static_cast<long long>(m_buffer->fetchPosition()), qUtf8Printable(reason));
     m_retry.start(m_timings.retries[m_attempts++]);
 }
 
-void Downloader::giveUp() {
+void Downloader::giveUp(const QString &reason) {
     drop();
     m_isOver = true;
-    m_buffer->fail(ProgressiveError::readFailure());
+    m_buffer->fail(ProgressiveError::readFailure(reason));
 }
 
 } // namespace vantor

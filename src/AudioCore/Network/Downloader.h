@@ -45,8 +45,8 @@ class Downloader : public QObject {
     void takeBytes();
     void takeSound(QByteArrayView bytes);
     void takeEnd();
-    void lose();
-    void giveUp();
+    void lose(const QString &reason);
+    void giveUp(const QString &reason);
     [[nodiscard]] QByteArray headers(qint64 position) const;
     [[nodiscard]] bool isSameFile(const HttpExchange::Answer &answer) const;
 

@@ -79,7 +79,7 @@ void HttpExchange::takeBytes() {
         if (head->status >= 300 && head->status < 400 && !location.isEmpty())
             return follow(location);
         if (head->status == 0)
-            return end();
+            return fail(QStringLiteral("this is no HTTP"));
         m_answer = Answer{.head = *head, .url = m_url};
         m_body = HttpParsing::Body(*head);
         Q_EMIT answered();
@@ -91,14 +91,19 @@ void HttpExchange::follow(const QByteArray &location) {
     const QUrl target = m_url.resolved(QUrl::fromEncoded(location));
     const bool isWeb = isSecure(target) || (target.scheme() == QLatin1String("http") && !isSecure(m_url));
     if (!isWeb || target.host().isEmpty() || ++m_redirections > mostRedirections)
-        end();
+        fail(QStringLiteral("one redirection too many, or to a place that is not the web"));
     else
         connectTo(target);
 }
 
 void HttpExchange::end() {
+    fail(m_socket->errorString());
+}
+
+void HttpExchange::fail(const QString &problem) {
     if (std::exchange(m_hasEnded, true))
         return;
+    m_problem = problem;
     Q_EMIT ended();
 }
 

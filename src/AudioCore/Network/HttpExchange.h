@@ -37,6 +37,8 @@ class HttpExchange : public QObject {
     [[nodiscard]] bool hasEnded() const { return m_hasEnded || (m_answer && m_body.hasEnded()); }
     /// Of one that has ended: the body came whole, as far as can be known.
     [[nodiscard]] bool isComplete() const { return m_answer && m_body.isComplete(); }
+    /// Why it has ended, for the log: in the system's words, or ours.
+    [[nodiscard]] QString problem() const { return m_problem; }
     /// Whether read() has something to do.
     [[nodiscard]] bool hasBytes() const;
     /// Bytes of the body; perhaps none.
@@ -55,6 +57,7 @@ class HttpExchange : public QObject {
     void takeHead(const HttpParsing::Head &head);
     void follow(const QByteArray &location);
     void end();
+    void fail(const QString &problem);
 
     const QByteArray m_headers;
     QUrl m_url;
@@ -64,6 +67,7 @@ class HttpExchange : public QObject {
     std::optional<Answer> m_answer;
     HttpParsing::Body m_body;
     bool m_hasEnded = false;
+    QString m_problem;
 };
 
 } // namespace vantor

@@ -2,6 +2,12 @@
 
 namespace vantor {
 
+ProgressiveError::ProgressiveError(Case errorCase, const QString &reason)
+    : m_case(errorCase), m_what(description().toUtf8()) {
+    if (!reason.isEmpty())
+        m_what += " (" + reason.toUtf8() + ')';
+}
+
 QString ProgressiveError::description() const {
     switch (m_case) {
     case Case::notStreamable:

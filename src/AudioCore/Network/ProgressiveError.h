@@ -19,7 +19,10 @@ class ProgressiveError : public std::exception {
 
     [[nodiscard]] static ProgressiveError notStreamable() { return ProgressiveError(Case::notStreamable); }
     [[nodiscard]] static ProgressiveError cannotOpen() { return ProgressiveError(Case::cannotOpen); }
-    [[nodiscard]] static ProgressiveError readFailure() { return ProgressiveError(Case::readFailure); }
+    /// `reason`: for the log.
+    [[nodiscard]] static ProgressiveError readFailure(const QString &reason = {}) {
+        return ProgressiveError(Case::readFailure, reason);
+    }
     [[nodiscard]] static ProgressiveError formatUnsupported() {
         return ProgressiveError(Case::formatUnsupported);
     }
@@ -27,12 +30,13 @@ class ProgressiveError : public std::exception {
     [[nodiscard]] Case errorCase() const { return m_case; }
     /// The sentence for the user.
     [[nodiscard]] QString description() const;
+    /// The same and the reason.
     [[nodiscard]] const char *what() const noexcept override { return m_what.constData(); }
 
     bool operator==(const ProgressiveError &other) const { return m_case == other.m_case; }
 
   private:
-    explicit ProgressiveError(Case errorCase) : m_case(errorCase), m_what(description().toUtf8()) {}
+    explicit ProgressiveError(Case errorCase, const QString &reason = {});
 
     Case m_case;
     QByteArray m_what;

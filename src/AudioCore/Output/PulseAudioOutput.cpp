@@ -6,8 +6,9 @@ namespace vantor {
 
 // A server on this machine answers in milliseconds.
 static constexpr pa_usec_t answerTimeout = 1 * PA_USEC_PER_SEC;
-// Short enough that pause, seek and volume feel immediate, long enough to outlast a busy moment.
-static constexpr pa_usec_t targetLatency = 80 * PA_USEC_PER_MSEC;
+// Short enough that pause, seek and volume feel immediate, long enough to outlast a busy moment. Filled by
+// thirds: more often costs more than rendering does.
+static constexpr pa_usec_t targetLatency = 120 * PA_USEC_PER_MSEC;
 static constexpr int fallbackRate = 48000;
 static constexpr std::size_t frameBytes = 2 * sizeof(float);
 
@@ -75,7 +76,7 @@ bool PulseAudioOutput::connectStream() {
     const pa_buffer_attr buffer{.maxlength = serverChooses,
                                 .tlength = static_cast<std::uint32_t>(m_targetBytes),
                                 .prebuf = serverChooses,
-                                .minreq = serverChooses,
+                                .minreq = static_cast<std::uint32_t>(m_targetBytes / 3),
                                 .fragsize = serverChooses};
     const auto flags =
         static_cast<pa_stream_flags_t>(PA_STREAM_START_CORKED | PA_STREAM_ADJUST_LATENCY |

@@ -235,7 +235,7 @@ void Player::Private::editQueue(const std::function<void(PlayQueue &)> &edit) {
         stop();
     Q_EMIT q.queueChanged();
     if (after == before) {
-        planFollower();
+        planFollowers();
         return;
     }
     const bool plays = state != PlaybackState::stopped;

@@ -1,43 +1,101 @@
 #include "AudioCore/Playback/PlayerPrivate_p.h"
 #include "AudioCore/Playback/PlayerRules.h"
 
+#include <limits>
+
 namespace vantor {
 
 using Clock = std::chrono::steady_clock;
 
-void Player::Private::planFollower() {
-    if ((state != PlaybackState::playing && state != PlaybackState::paused) || url.isEmpty())
-        return;
-    const std::optional<int> index = queue.indexAfterCurrentEnds();
-    const Track *const next = index ? &queue.tracks()[static_cast<std::size_t>(*index)] : nullptr;
-    if (next ? follower && follower->trackID == next->id : !follower)
-        return;
+// What must be there when a track ends, beyond what is on its way to the ear: time enough for the next ones
+// to be opened.
+static constexpr double secondsInReserve = 1;
+static constexpr std::size_t mostFollowers = PlayerNode::followerSpan;
 
-    follower.reset();
-    std::optional<TrackStreamer::Request> request;
-    if (next) {
-        follower = Follower{.trackID = next->id, .generation = newGeneration(), .url = {}, .report = {}};
-        try {
-            follower->url = resolver->resolve(*next);
-            request = {.generation = follower->generation,
-                       .url = follower->url,
-                       .start = 0,
-                       .sampleRate = graph->sampleRate(),
-                       .node = graph->node()};
-        } catch (const AudioCoreError &error) {
-            follower->report = {.generation = follower->generation,
-                                .format = {},
-                                .duration = 0,
-                                .download = {},
-                                .error = error};
-        }
-    }
-    graph->node()->follow(request ? request->generation : 0);
-    streamer.follow(generation, std::move(request));
+void Player::Private::Follower::take(const TrackStreamer::Report &news) {
+    report = news;
+    if (news.error)
+        seconds = 0;
+    else
+        seconds = news.duration > 0 ? news.duration : std::numeric_limits<double>::infinity();
 }
 
-void Player::Private::forgetFollower() {
-    follower.reset();
+Player::Private::Follower Player::Private::makeFollower(const Track &track) {
+    Follower follower;
+    follower.trackID = track.id;
+    follower.generation = newGeneration();
+    follower.seconds = track.duration > 0 ? track.duration : std::numeric_limits<double>::infinity();
+    try {
+        follower.url = resolver->resolve(track);
+    } catch (const AudioCoreError &error) {
+        TrackStreamer::Report report;
+        report.generation = follower.generation;
+        report.error = error;
+        follower.take(report);
+    }
+    return follower;
+}
+
+// One track, and more where those that follow are very short or do not play.
+void Player::Private::planFollowers() {
+    if ((state != PlaybackState::playing && state != PlaybackState::paused) || url.isEmpty())
+        return;
+    const double enough = output->latency() + secondsInReserve;
+    bool isNew = false;
+    std::size_t count = 0;
+    double seconds = 0;
+    int failures = consecutiveFailures;
+    std::optional<PlayQueue> ahead; // taken along when the first one is not enough
+    std::optional<int> index = queue.indexAfterCurrentEnds();
+    while (index && count < mostFollowers) {
+        const Track &next = queue.tracks()[static_cast<std::size_t>(*index)];
+        if (count == followers.size() || followers[count].trackID != next.id) {
+            followers.resize(count);
+            const bool hasNumber =
+                count == 0 || lastGeneration - followers.front().generation < PlayerNode::followerSpan;
+            if (!hasNumber)
+                break; // until the first one is heard
+            followers.push_back(makeFollower(next));
+            isNew = true;
+        }
+        const Follower &follower = followers[count++];
+        seconds += follower.seconds;
+        if (seconds >= enough)
+            break;
+        if (!ahead)
+            ahead = queue;
+        ahead->advanceAfterTrackEnd();
+        const bool isDrawn = !ahead->isShuffled() || ahead->shufflePosition() > 0;
+        const bool fails = follower.report && follower.report->error;
+        failures = fails ? failures + 1 : 0;
+        if (!isDrawn || (fails && !PlayerRules::skipsAfterFailure(*ahead, failures)))
+            break;
+        index = ahead->indexAfterCurrentEnds();
+    }
+    isNew = isNew || count < followers.size();
+    followers.resize(count);
+    if (isNew)
+        sendFollowers();
+}
+
+void Player::Private::sendFollowers() {
+    std::vector<std::uint32_t> generations;
+    std::vector<TrackStreamer::Request> requests;
+    for (const Follower &follower : followers) {
+        generations.push_back(follower.generation);
+        if (!follower.url.isEmpty())
+            requests.push_back({.generation = follower.generation,
+                                .url = follower.url,
+                                .start = 0,
+                                .sampleRate = graph->sampleRate(),
+                                .node = graph->node()});
+    }
+    graph->node()->follow(generation, generations);
+    streamer.follow(generation, std::move(requests));
+}
+
+void Player::Private::forgetFollowers() {
+    followers.clear();
     endHeardAt.reset();
 }
 
@@ -47,7 +105,9 @@ bool Player::Private::endIsHeard(const PlayerNode::Progress &progress) {
     const bool follows = progress.generation > generation;
     if (!follows && !(progress.generation == generation && progress.ended))
         return false;
-    const double behind = follows ? static_cast<double>(progress.frame) / graph->sampleRate() : 0;
+    double behind = follows ? static_cast<double>(progress.frame) / graph->sampleRate() : 0;
+    for (const Follower &follower : followers)
+        behind += follower.generation < progress.generation ? follower.seconds : 0;
     const double left = output->latency() - behind;
     if (!endHeardAt)
         endHeardAt = Clock::now() + std::chrono::duration_cast<Clock::duration>(
@@ -56,7 +116,8 @@ bool Player::Private::endIsHeard(const PlayerNode::Progress &progress) {
 }
 
 void Player::Private::adoptFollower() {
-    const Follower adopted = *std::exchange(follower, std::nullopt);
+    const Follower adopted = std::move(followers.front());
+    followers.erase(followers.begin());
     const std::optional<TrackStreamer::Report> &report = adopted.report;
     const bool sounds = report && !report->error;
     generation = adopted.generation;
@@ -64,29 +125,27 @@ void Player::Private::adoptFollower() {
     download = sounds ? report->download : nullptr;
     fileDuration = sounds ? report->duration : 0;
     endHeardAt.reset();
-    queue.advanceAfterTrackEnd();
     if (sounds)
         consecutiveFailures = 0;
-    graph->node()->discardBefore(generation);
+    sendFollowers();
 
     const auto isCurrent = [this, &adopted] { return generation == adopted.generation; };
     setFormat(sounds ? std::optional(report->format) : std::nullopt);
     setCurrentTime(0);
     Q_EMIT q.queueChanged();
     announceTrack();
-    if (isCurrent() && !sounds) {
+    if (isCurrent() && !report) {
         autoplayAfterLoad = state == PlaybackState::playing;
         timeUpdates.stop();
         setState(PlaybackState::loading);
     }
     if (!isCurrent())
         return; // an observer has given another command
-    if (report && report->error)
+    if (report && report->error) {
         trackFailed(*report->error);
-    else
-        planFollower();
-    if (!isCurrent())
         return;
+    }
+    planFollowers();
     watchDownload();
     if (state != PlaybackState::loading)
         tick();

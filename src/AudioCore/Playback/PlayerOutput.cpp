@@ -144,14 +144,14 @@ double Player::Private::heardNow(bool wasAllHeard) const {
     if (progress.generation != generation)
         return currentTime;
     const double rendered = static_cast<double>(progress.frame) / graph->sampleRate();
-    return PlayerRules::heardTime(rendered, wasAllHeard ? 0 : output->latency(), currentTime, duration());
+    return PlayerRules::heardTime(rendered, wasAllHeard ? 0 : unheard(), currentTime, duration());
 }
 
 // Everything goes on at the same place, in the same state.
 void Player::Private::replaceOutput(bool wasAllHeard) {
     switchTimer.stop();
     if (state != PlaybackState::stopped)
-        setCurrentTime(heardNow(wasAllHeard || state == PlaybackState::paused));
+        setCurrentTime(heardNow(wasAllHeard));
     output.reset();
     graph.reset();
     outputIsReplacement = state != PlaybackState::stopped;
@@ -161,6 +161,7 @@ void Player::Private::replaceOutput(bool wasAllHeard) {
     if (url.isEmpty())
         return; // there is no track in it
     requestFrom(currentTime);
+    planFollowers();
     if (state == PlaybackState::playing) {
         graph->node()->play();
         wakeOutput();

@@ -12,7 +12,7 @@ Q_LOGGING_CATEGORY(lcPlayer, "co.kelvane.vantor.Player")
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
-static constexpr std::chrono::milliseconds timeUpdatePeriod{50};
+static constexpr std::chrono::milliseconds timeUpdatePeriod{100};
 // Close to the end the player looks more often, so that the next track follows soon.
 static constexpr std::chrono::milliseconds endWatchPeriod{5};
 static constexpr double endWatchSeconds = 0.2;
@@ -51,7 +51,7 @@ Player::Private::~Private() {
 
 void Player::Private::requestFrom(double seconds) {
     generation = newGeneration();
-    forgetFollower();
+    forgetFollowers();
     graph->node()->discardBefore(generation);
     streamer.play({.generation = generation,
                    .url = url,
@@ -72,7 +72,7 @@ void Player::Private::startCurrentTrack(bool autoplay) {
     if (!track)
         return;
     generation = newGeneration();
-    forgetFollower();
+    forgetFollowers();
     autoplayAfterLoad = autoplay;
     fileDuration = 0;
     url.clear();
@@ -106,8 +106,11 @@ void Player::Private::startCurrentTrack(bool autoplay) {
 }
 
 void Player::Private::streamerReported(const TrackStreamer::Report &report) {
-    if (follower && report.generation == follower->generation)
-        follower->report = report;
+    const auto follower = std::ranges::find(followers, report.generation, &Follower::generation);
+    if (follower != followers.end()) {
+        follower->take(report);
+        planFollowers();
+    }
     if (report.generation != generation)
         return;
     if (report.error) {
@@ -127,7 +130,7 @@ void Player::Private::streamerReported(const TrackStreamer::Report &report) {
     else
         pause();
     watchDownload();
-    planFollower();
+    planFollowers();
 }
 
 void Player::Private::resume() {
@@ -151,7 +154,7 @@ void Player::Private::pause() {
 void Player::Private::seekTo(double seconds) {
     if (!url.isEmpty())
         requestFrom(seconds);
-    planFollower();
+    planFollowers();
     setCurrentTime(seconds);
     emitEvent(PlayerEvents::Seeked{seconds});
 }
@@ -160,7 +163,7 @@ void Player::Private::stop() {
     consecutiveFailures = 0;
     autoplayAfterLoad = false;
     generation = newGeneration();
-    forgetFollower();
+    forgetFollowers();
     streamer.rest();
     if (graph) {
         graph->node()->pause();
@@ -180,7 +183,7 @@ void Player::Private::stop() {
 void Player::Private::trackFailed(const PlaybackError &error) {
     const std::optional<Track> track = queue.current();
     qCWarning(lcPlayer, "could not play %s: %s", track ? qUtf8Printable(track->title) : "",
-              qUtf8Printable(error.message));
+              error.logged.constData());
     const int failures = consecutiveFailures + 1;
     if (error.isFatal || !PlayerRules::skipsAfterFailure(queue, failures)) {
         fail(error);
@@ -193,7 +196,11 @@ void Player::Private::trackFailed(const PlaybackError &error) {
     if (failed != generation)
         return; // an observer has given another command
     queue.advanceAfterTrackEnd();
-    moveToCurrentTrack(autoplayAfterLoad);
+    const std::optional<Track> next = queue.current();
+    if (!followers.empty() && next && followers.front().trackID == next->id)
+        adoptFollower();
+    else
+        moveToCurrentTrack(autoplayAfterLoad);
 }
 
 void Player::Private::fail(const PlaybackError &error) {
@@ -204,12 +211,21 @@ void Player::Private::fail(const PlaybackError &error) {
     emitEvent(PlayerEvents::Failed{{track, error.message, failures, false}});
 }
 
-// Called while playing, and for a while in a pause, when the end of a track is still on its way to the ear.
+// In a pause what has been rendered is still heard, and nothing else comes on its way.
+double Player::Private::unheard() const {
+    const double since = state == PlaybackState::paused ? static_cast<double>(pausedFor.elapsed()) / 1000 : 0;
+    return std::max(output->latency() - since, 0.0);
+}
+
+// Called while playing, and for a while in a pause, when sound is still on its way to the ear.
 void Player::Private::tick() {
     const PlayerNode::Progress progress = graph->node()->progress();
-    if (state == PlaybackState::paused && progress.generation <= generation)
+    if (state == PlaybackState::paused && progress.generation <= generation) {
+        showTime(progress);
+        if (unheard() > 0)
+            timeUpdates.start(timeUpdatePeriod);
         return;
-    planFollower(); // a seek or a new output has forgotten it
+    }
     if (endIsHeard(progress)) {
         trackEnded();
         return;
@@ -227,14 +243,16 @@ void Player::Private::showTime(const PlayerNode::Progress &progress) {
         rendered += duration(); // the follower sounds
     else if (progress.generation != generation)
         return;
-    setCurrentTime(PlayerRules::heardTime(rendered, output->latency(), currentTime, duration()));
+    setCurrentTime(PlayerRules::heardTime(rendered, unheard(), currentTime, duration()));
 }
 
 void Player::Private::trackEnded() {
-    if (follower)
-        adoptFollower();
-    else
+    if (followers.empty()) {
         stop();
+        return;
+    }
+    queue.advanceAfterTrackEnd();
+    adoptFollower();
 }
 
 } // namespace vantor

@@ -14,8 +14,7 @@ namespace vantor {
 
 /// The player's working parts. Commands change the queue and call startCurrentTrack(), seekTo() or stop();
 /// every start and seek is a new generation, and what an older one still reports is ignored. So is every
-/// follower: the track that is decoded behind the current one, and becomes current when that one's end is
-/// heard.
+/// follower: a track that is decoded behind the current one, and becomes current when its turn is heard.
 class Player::Private {
   public:
     Private(Player &player, std::unique_ptr<TrackResolver> trackResolver,
@@ -44,9 +43,9 @@ class Player::Private {
 
     // What comes next.
     /// Hands the streamer what follows the current track, if that is not what it has already.
-    void planFollower();
-    void forgetFollower();
-    /// The current track has been heard to its end: the follower is current.
+    void planFollowers();
+    void forgetFollowers();
+    /// The current track has been heard to its end and the queue has moved on: the first follower is current.
     void adoptFollower();
     [[nodiscard]] bool endIsHeard(const PlayerNode::Progress &progress);
 
@@ -57,6 +56,8 @@ class Player::Private {
     void trackEnded();
     void tick();
     void showTime(const PlayerNode::Progress &progress);
+    /// How many seconds of the rendered sound are still on their way to the ear.
+    [[nodiscard]] double unheard() const;
 
     // What downloads.
     [[nodiscard]] bool isRemote() const { return !url.isEmpty() && !url.isLocalFile(); }
@@ -85,8 +86,13 @@ class Player::Private {
         QUuid trackID;
         std::uint32_t generation = 0;
         QUrl url;
+        double seconds = 0;                          ///< how long it plays; infinite when unknown
         std::optional<TrackStreamer::Report> report; ///< once its first sound is decoded, or it failed
+
+        void take(const TrackStreamer::Report &report);
     };
+    [[nodiscard]] Follower makeFollower(const Track &track);
+    void sendFollowers();
     std::uint32_t newGeneration() { return ++lastGeneration; }
 
     Player &q;
@@ -110,7 +116,7 @@ class Player::Private {
     QUrl url;                       ///< of the loaded file or stream
     std::uint32_t generation = 0;   ///< of the current track
     std::uint32_t lastGeneration = 0;
-    std::optional<Follower> follower;
+    std::vector<Follower> followers; ///< in the order in which they are played
     /// When the current track's last frame is heard; known once it has been rendered.
     std::optional<std::chrono::steady_clock::time_point> endHeardAt;
 

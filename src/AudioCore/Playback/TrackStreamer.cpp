@@ -3,6 +3,7 @@
 #include "AudioCore/Decoding/FileInput.h"
 #include "AudioCore/Network/ProgressiveInput.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace vantor {
@@ -15,6 +16,10 @@ static constexpr double aheadInWaiting = 1;
 static constexpr std::chrono::milliseconds restWhenFull{200};
 static constexpr std::chrono::milliseconds restWhenBlocked{10};
 
+static bool contains(const std::vector<TrackStreamer::Request> &requests, std::uint32_t generation) {
+    return std::ranges::find(requests, generation, &TrackStreamer::Request::generation) != requests.end();
+}
+
 TrackStreamer::TrackStreamer(std::function<void(const Report &)> onReport)
     : m_onReport(std::move(onReport)), m_thread([this] { run(); }) {
     connect(this, &TrackStreamer::reported, this, &TrackStreamer::deliverReports, Qt::QueuedConnection);
@@ -24,8 +29,7 @@ TrackStreamer::~TrackStreamer() {
     {
         const MutexLock lock(m_mutex);
         m_quitting = true;
-        m_stop.request_stop();
-        m_followUpStop.request_stop();
+        stopAllBut({});
     }
     m_requested.notify_one();
     m_thread.join();
@@ -34,32 +38,34 @@ TrackStreamer::~TrackStreamer() {
 void TrackStreamer::play(Request request) {
     {
         const MutexLock lock(m_mutex);
-        // What waits for a server would not hear of it.
-        m_stop.request_stop();
-        m_followUpStop.request_stop();
-        m_stop = std::stop_source();
-        m_followUpGeneration = 0;
-        request.stop = m_stop.get_token();
+        stopAllBut({});
+        request.stop = m_stops[request.generation].get_token();
         m_pending = std::move(request);
         m_pendingFollowUp.reset();
     }
     m_requested.notify_one();
 }
 
-void TrackStreamer::follow(std::uint32_t after, std::optional<Request> request) {
+void TrackStreamer::follow(std::uint32_t after, std::vector<Request> requests) {
     {
         const MutexLock lock(m_mutex);
-        if (after == m_followUpGeneration)
-            m_stop = m_followUpStop; // it is the current one now
-        else
-            m_followUpStop.request_stop();
-        m_followUpStop = std::stop_source();
-        m_followUpGeneration = request ? request->generation : 0;
-        if (request)
-            request->stop = m_followUpStop.get_token();
-        m_pendingFollowUp = FollowUp{after, std::move(request)};
+        FollowUp followUp{after, std::move(requests)};
+        stopAllBut(followUp);
+        for (Request &request : followUp.requests)
+            request.stop = m_stops[request.generation].get_token();
+        m_pendingFollowUp = std::move(followUp);
     }
     m_requested.notify_one();
+}
+
+// What waits for a server would not hear of anything else.
+void TrackStreamer::stopAllBut(const FollowUp &wanted) {
+    std::erase_if(m_stops, [&wanted](auto &stop) {
+        const bool isWanted = stop.first == wanted.after || contains(wanted.requests, stop.first);
+        if (!isWanted)
+            stop.second.request_stop();
+        return !isWanted;
+    });
 }
 
 void TrackStreamer::run() {
@@ -79,8 +85,10 @@ bool TrackStreamer::takeRequest(Wait wait) {
         lock.wait(m_requested);
     if ((wait == Wait::forRoom || wait == Wait::shortly) && !hasNews())
         lock.waitFor(m_requested, wait == Wait::forRoom ? restWhenFull : restWhenBlocked);
-    if (m_pending)
+    if (m_pending) {
+        m_followers.clear();
         become(*std::exchange(m_pending, std::nullopt));
+    }
     if (m_pendingFollowUp)
         takeFollowUp(*std::exchange(m_pendingFollowUp, std::nullopt));
     return !m_quitting;
@@ -88,18 +96,30 @@ bool TrackStreamer::takeRequest(Wait wait) {
 
 void TrackStreamer::become(Request request) {
     m_request = std::move(request);
-    m_follower.reset();
+    m_begun = std::max(m_begun, m_request.generation);
     m_isNew = true;
     m_isComplete = false;
 }
 
+void TrackStreamer::becomeFollower() {
+    if (m_followers.empty())
+        return;
+    become(std::move(m_followers.front()));
+    m_followers.pop_front();
+}
+
 void TrackStreamer::takeFollowUp(FollowUp followUp) {
-    if (followUp.after == m_request.generation)
-        m_follower = std::move(followUp.request);
-    else
-        become(followUp.request.value_or(Request{}));
-    if (m_isComplete && m_follower)
-        become(*std::exchange(m_follower, std::nullopt));
+    const std::uint32_t present = m_request.generation;
+    const bool isWanted = followUp.after == present || contains(followUp.requests, present);
+    m_followers.clear();
+    for (Request &request : followUp.requests) {
+        if (request.generation > m_begun) // else it is in the node already
+            m_followers.push_back(std::move(request));
+    }
+    if (!isWanted)
+        become({});
+    if (!isWanted || m_isComplete)
+        becomeFollower();
 }
 
 TrackStreamer::Wait TrackStreamer::work() {
@@ -108,7 +128,7 @@ TrackStreamer::Wait TrackStreamer::work() {
             begin();
         return m_request.node && !m_isComplete ? fill() : Wait::forRequest;
     } catch (const AudioInput::Interrupted &) {
-        m_decoder.reset(); // in the middle of something
+        dropDecoder(); // in the middle of something
         return Wait::forRequest;
     } catch (const AudioCoreError &error) {
         reportFailure(error);
@@ -117,10 +137,18 @@ TrackStreamer::Wait TrackStreamer::work() {
     } catch (const std::exception &) { // out of memory
         reportFailure(AudioCoreError::readFailure());
     }
-    m_decoder.reset();
+    dropDecoder();
     m_input.reset();
     m_request.node.reset();
-    return Wait::forRequest;
+    m_isComplete = true;
+    becomeFollower();
+    return m_isComplete ? Wait::forRequest : Wait::none;
+}
+
+// It may be the follower's already.
+void TrackStreamer::dropDecoder() {
+    m_decoder.reset();
+    m_joined = 0;
 }
 
 void TrackStreamer::begin() {
@@ -196,7 +224,7 @@ TrackStreamer::Wait TrackStreamer::fill() {
 }
 
 void TrackStreamer::readBlock() {
-    if (m_joined == 0 && m_follower && m_hasBegun && !m_decoder->hasMore())
+    if (m_joined == 0 && !m_followers.empty() && m_hasBegun && !m_decoder->hasMore())
         joinFollower();
     if (m_joined == 0) {
         m_block = m_decoder->read();
@@ -211,12 +239,13 @@ void TrackStreamer::readBlock() {
 
 // Worth it where the sample rate is changed; otherwise a file's end needs to know nothing of what follows.
 void TrackStreamer::joinFollower() {
-    if (m_decoder->format().sampleRate == m_request.sampleRate || !m_follower->url.isLocalFile() ||
-        std::exchange(m_joinTried, m_follower->generation) == m_follower->generation)
+    const Request &follower = m_followers.front();
+    if (m_decoder->format().sampleRate == m_request.sampleRate || !follower.url.isLocalFile() ||
+        std::exchange(m_joinTried, follower.generation) == follower.generation)
         return;
     try {
-        auto input = std::make_shared<FileInput>(m_follower->url.toLocalFile());
-        auto next = std::make_unique<AudioFileDecoder>(input, m_follower->sampleRate);
+        auto input = std::make_shared<FileInput>(follower.url.toLocalFile());
+        auto next = std::make_unique<AudioFileDecoder>(input, follower.sampleRate);
         const std::optional<std::int64_t> frames = next->continueFrom(*m_decoder);
         if (!frames)
             return;
@@ -224,10 +253,10 @@ void TrackStreamer::joinFollower() {
             reportBegin();
         m_decoder = std::move(next);
         m_input = std::move(input);
-        m_inputUrl = m_follower->url;
+        m_inputUrl = follower.url;
         m_download.reset();
         m_framesOfTail = *frames;
-        m_joined = m_follower->generation;
+        m_joined = follower.generation;
     } catch (const std::exception &) { // it will fail again when its turn has come
     }
 }
@@ -241,10 +270,8 @@ TrackStreamer::Wait TrackStreamer::finish() {
     if (!m_request.node->endSegment())
         return Wait::shortly;
     m_isComplete = true;
-    if (!m_follower)
-        return Wait::forRequest;
-    become(*std::exchange(m_follower, std::nullopt));
-    return Wait::none;
+    becomeFollower();
+    return m_isComplete ? Wait::forRequest : Wait::none;
 }
 
 // Not before the node would sound: an output that wakes to silence may rest for a while before it asks again.

@@ -9,7 +9,9 @@
 
 #include <QObject>
 
+#include <deque>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <thread>
@@ -50,9 +52,9 @@ class TrackStreamer : public QObject {
     /// Takes the place of all that was asked for before.
     void play(Request request);
     void rest() { play({}); }
-    /// What is to come after the request of generation `after`, or nothing. If something else has already
-    /// been begun in that place, it is given up.
-    void follow(std::uint32_t after, std::optional<Request> request);
+    /// What is to come after the request of generation `after`, each with a newer generation than the one
+    /// before. What has been begun already goes on; if it is no longer among them, it is given up.
+    void follow(std::uint32_t after, std::vector<Request> requests);
 
   Q_SIGNALS:
     void reported();
@@ -61,15 +63,18 @@ class TrackStreamer : public QObject {
     enum class Wait { none, shortly, forRoom, forRequest };
     struct FollowUp {
         std::uint32_t after = 0;
-        std::optional<Request> request;
+        std::vector<Request> requests;
     };
 
     void run();
     [[nodiscard]] bool takeRequest(Wait wait);
     void takeFollowUp(FollowUp followUp);
     void become(Request request);
+    void becomeFollower();
+    void stopAllBut(const FollowUp &wanted) VANTOR_REQUIRES(m_mutex);
     [[nodiscard]] bool hasNews() const VANTOR_REQUIRES(m_mutex);
     [[nodiscard]] Wait work();
+    void dropDecoder();
     void begin();
     void open();
     void readBlock();
@@ -88,16 +93,15 @@ class TrackStreamer : public QObject {
     std::optional<Request> m_pending VANTOR_GUARDED_BY(m_mutex);
     std::optional<FollowUp> m_pendingFollowUp VANTOR_GUARDED_BY(m_mutex);
     std::vector<Report> m_reports VANTOR_GUARDED_BY(m_mutex);
-    // What ends the waits of the newest request and of what is to follow it.
-    std::stop_source m_stop VANTOR_GUARDED_BY(m_mutex);
-    std::stop_source m_followUpStop VANTOR_GUARDED_BY(m_mutex);
-    std::uint32_t m_followUpGeneration VANTOR_GUARDED_BY(m_mutex) = 0;
+    // What ends the waits of the newest request and of those that are to follow it, by generation.
+    std::map<std::uint32_t, std::stop_source> m_stops VANTOR_GUARDED_BY(m_mutex);
     bool m_quitting VANTOR_GUARDED_BY(m_mutex) = false;
 
     // Decode thread's.
     Request m_request;
-    std::optional<Request> m_follower; ///< of m_request
-    bool m_isComplete = false;         ///< all of m_request is in the node
+    std::uint32_t m_begun = 0;       ///< the newest generation that was ever m_request
+    std::deque<Request> m_followers; ///< of m_request
+    bool m_isComplete = false;       ///< all of m_request is in the node, or it failed
     bool m_isNew = false;
     bool m_isReported = false;
     bool m_hasBegun = false;

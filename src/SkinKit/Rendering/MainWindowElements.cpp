@@ -104,6 +104,14 @@ auto ratesState(const Scene &scene) {
     return std::tuple(scene.status.kbps(), scene.status.khz());
 }
 
+// The texts are only made when they may differ, since this is asked for every frame.
+bool ratesDiffer(const Scene &before, const Scene &after) {
+    const auto source = [](const Scene &scene) {
+        return std::tuple(scene.status.transport, scene.status.bitrateKbps, scene.status.sampleRate);
+    };
+    return source(before) != source(after) && ratesState(before) != ratesState(after);
+}
+
 void drawRates(const SkinCanvas &canvas, const Scene &scene) {
     const int right = MainWindowLayout::size.width();
     if (const auto kbps = scene.status.kbps())
@@ -152,6 +160,10 @@ void drawMarquee(const SkinCanvas &canvas, const Scene &scene) {
 
 bool visualizerDiffers(const Scene &before, const Scene &after) {
     return before.visualizer != after.visualizer;
+}
+
+bool visualizerIsOn(const Scene &scene) {
+    return !std::holds_alternative<std::monostate>(scene.visualizer);
 }
 
 void drawVisualizer(const SkinCanvas &canvas, const Scene &scene) {
@@ -274,10 +286,10 @@ std::span<const SceneElement<MainWindowScene>> mainWindowElements() {
         SceneElement<Scene>{{24, 28, 11, 9}, stateDiffers<transportState>, drawIndicators},
         SceneElement<Scene>{
             {minusCellX, MainWindowLayout::digitY, 60, 13}, stateDiffers<clockState>, drawClock},
-        SceneElement<Scene>{{111, 43, 55, 6}, stateDiffers<ratesState>, drawRates},
+        SceneElement<Scene>{{111, 43, 55, 6}, ratesDiffer, drawRates},
         SceneElement<Scene>{{212, 41, 56, 12}, stateDiffers<channelsState>, drawChannels},
         SceneElement<Scene>{MainWindowLayout::marquee, marqueeDiffers, drawMarquee},
-        SceneElement<Scene>{MainWindowLayout::visualizer, visualizerDiffers, drawVisualizer},
+        SceneElement<Scene>{MainWindowLayout::visualizer, visualizerDiffers, drawVisualizer, visualizerIsOn},
         SceneElement<Scene>{Slider::volume.rect(), stateDiffers<volumeState>, drawVolume},
         SceneElement<Scene>{Slider::balance.rect(), stateDiffers<balanceState>, drawBalance},
         SceneElement<Scene>{Slider::position.rect(), stateDiffers<positionState>, drawPosition},

@@ -71,6 +71,16 @@ void draw(QPainter &painter, const Skin &skin, QSize size, int scale, const Elem
     const QRegion region = visiblePart(painter, QRect({0, 0}, size), scale);
     if (region.isEmpty())
         return;
+    // At 1× the painter's own pixels are as good as a picture's.
+    if (scale == 1 && painter.transform().type() <= QTransform::TxTranslate &&
+        painter.device()->devicePixelRatioF() == 1) {
+        painter.save();
+        painter.setClipRegion(region, Qt::IntersectClip);
+        painter.fillRect(region.boundingRect(), Qt::black);
+        elements(SkinCanvas{skin, painter}, region);
+        painter.restore();
+        return;
+    }
     // Composed at 1× and enlarged by copying, which costs a fraction of enlarging sprite by sprite.
     const QImage picture = enlarged(compose(skin, region, elements), scale);
     const bool smooth = painter.testRenderHint(QPainter::SmoothPixmapTransform);

@@ -4,6 +4,7 @@
 
 #include <QRegion>
 
+#include <algorithm>
 #include <functional>
 #include <span>
 
@@ -20,7 +21,15 @@ template <class Scene>
 void draw(QPainter &painter, const Skin &skin, QSize size, int scale,
           std::span<const SceneElement<Scene>> elements, const Scene &scene) {
     draw(painter, skin, size, scale, [&](const SkinCanvas &canvas, const QRegion &region) {
-        for (const SceneElement<Scene> &element : elements) {
+        const QRect bounds = region.boundingRect();
+        const auto hidesAll = [&](const SceneElement<Scene> &element) {
+            return element.hides && element.area.contains(bounds) && element.hides(scene);
+        };
+        const auto top = std::find_if(elements.rbegin(), elements.rend(), hidesAll);
+        const auto seen = top == elements.rend()
+                              ? elements
+                              : elements.last(static_cast<std::size_t>(top - elements.rbegin()) + 1);
+        for (const SceneElement<Scene> &element : seen) {
             if (region.intersects(element.area))
                 element.draw(canvas, scene);
         }

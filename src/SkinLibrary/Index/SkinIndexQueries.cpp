@@ -83,7 +83,8 @@ std::string neighborSql(SkinNeighborDirection direction, const std::set<SkinStat
 class VANTOR_THREAD_ATTRIBUTE(scoped_lockable) SkinIndexStore::Reading {
   public:
     explicit Reading(SkinIndexStore &store) VANTOR_THREAD_ATTRIBUTE(acquire_capability(store.m_mutex))
-        : m_store(store), m_interruptionsBefore(store.m_interruptions), m_lock(store.m_mutex) {
+        : m_store(store), m_interruptionsBefore(store.m_questionBegan.value_or(store.m_interruptions)),
+          m_lock(store.m_mutex) {
         if (m_interruptionsBefore != store.m_interruptions)
             throw SkinLibraryError::interruption();
         store.m_interruptionsBefore = m_interruptionsBefore;

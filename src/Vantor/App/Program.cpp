@@ -12,6 +12,7 @@
 #include "Vantor/Model/PlayerModel.h"
 #include "Vantor/Model/ResumePoint.h"
 #include "Vantor/Mpris/MprisService.h"
+#include "Vantor/Windows/DialogPlace.h"
 #include "Vantor/Windows/SkinnedWindows.h"
 #include "Vantor/Windows/WelcomeDialog.h"
 
@@ -36,6 +37,9 @@ bool hasDisplay() {
 void choosePlatform() {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", hasDisplay() ? "xcb;wayland" : "offscreen");
+    // Frames are small. Handed over in shared memory, each would wait for an answer to the one before.
+    if (qEnvironmentVariableIsEmpty("QT_XCB_NO_MITSHM"))
+        qputenv("QT_XCB_NO_MITSHM", "1");
     // The pixels of a skin are squares of whole pixels. Qt rounds the screen's scale, but not what is asked
     // for here.
     const double asked = qEnvironmentVariable("QT_SCALE_FACTOR").toDouble();
@@ -64,9 +68,8 @@ QUrl demoTrack() {
 class DesktopPresence {
   public:
     DesktopPresence(PlayerModel &model, SkinnedWindows &windows)
-        : m_service(model,
-                    {.raise = [&windows] { windows.bringToFront(); }, .quit = &SkinnedWindow::quitProgram}),
-          m_bridge(model.player(), model.player(), m_service.center()) {
+        : m_service(model, windows.commands(), [&windows] { windows.bringToFront(); }),
+          m_bridge(model.player(), windows.commands(), m_service.center()) {
         m_bridge.install();
         m_service.connectToBus();
     }
@@ -82,10 +85,8 @@ void welcome(PlayerModel &model, MainWindow &window) {
         return;
     model.preferences().setWelcomed();
     auto *const dialog = new WelcomeDialog(model, &window);
-    // Beside the player, which is what there is to see.
     dialog->adjustSize();
-    dialog->move(window.frameGeometry().bottomLeft() +
-                 QPoint((window.width() - dialog->width()) / 2, dialog->fontMetrics().height() * 3));
+    DialogPlace::beside(*dialog, {window.frameGeometry()});
     dialog->show();
 }
 

@@ -47,7 +47,9 @@ void FrameClock::tick() {
     const double elapsed =
         m_sinceFrame.isValid() ? static_cast<double>(m_sinceFrame.nsecsElapsed()) / 1e9 : 0;
     m_sinceFrame.start();
+    m_ticking = true;
     Q_EMIT frame(std::min(elapsed, longestFrame));
+    m_ticking = false;
     schedule();
 }
 

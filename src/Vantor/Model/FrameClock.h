@@ -23,6 +23,11 @@ class FrameClock : public QObject {
     /// A window says whether it can be seen. It must take itself off before it dies.
     void setWatched(const QObject *by, bool watched);
 
+    /// Whether frame() is being emitted: this is the moment to paint.
+    [[nodiscard]] bool isTicking() const { return m_ticking; }
+    /// Whether there will be a next frame.
+    [[nodiscard]] bool isRunning() const { return m_timer.isActive(); }
+
   Q_SIGNALS:
     /// Seconds since the frame before; never more than a jump that nobody minds.
     void frame(double elapsed);
@@ -34,6 +39,7 @@ class FrameClock : public QObject {
     std::optional<std::chrono::milliseconds> m_interval;
     QSet<const QObject *> m_watchers;
     QTimer m_timer;
+    bool m_ticking = false;
     QElapsedTimer m_sinceFrame; ///< invalid while standing still
 };
 

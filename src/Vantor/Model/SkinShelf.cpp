@@ -1,6 +1,7 @@
 #include "Vantor/Model/SkinShelf.h"
 
-#include <QCollator>
+#include "Vantor/Model/NameOrder.h"
+
 #include <QDir>
 #include <QDirIterator>
 #include <QSettings>
@@ -70,10 +71,7 @@ QList<QUrl> SkinShelf::inFolder() const {
         if (const QUrl url = QUrl::fromLocalFile(entries.next()); isSkin(url))
             skins.append(url);
     }
-    // Without a language set, names would go by the bytes of their letters.
-    QCollator names(QLocale().language() == QLocale::C ? QLocale(QLocale::English) : QLocale());
-    names.setNumericMode(true);
-    names.setCaseSensitivity(Qt::CaseInsensitive);
+    const QCollator names = nameOrder();
     std::ranges::sort(skins, [&names](const QUrl &a, const QUrl &b) {
         return names.compare(a.fileName(), b.fileName()) < 0;
     });

@@ -80,7 +80,7 @@ void fillOutputs(QMenu &menu, PlayerModel &model) {
 
 void fill(QMenu &menu, Commands &commands, PlayerModel &model) {
     const Adder add(commands);
-    add(menu, {Id::openFiles, Id::openFolder, Id::openAddress, Id::fileInfo});
+    add(menu, {Id::openFiles, Id::openFolder, Id::openAddress, Id::fileInfo, Id::skippedFiles});
     menu.addSeparator();
 
     QMenu *const playback = menu.addMenu(tr("Playback"));
@@ -89,6 +89,7 @@ void fill(QMenu &menu, Commands &commands, PlayerModel &model) {
     add(*playback, {Id::jumpToFile, Id::shuffle, Id::repeat});
     playback->addSeparator();
     fillOutputs(*playback->addMenu(tr("Output Device")), model);
+    commands.fillSubmenus(menu);
     fillSkins(*menu.addMenu(tr("Skins")), add, model);
     fillVisualisation(*menu.addMenu(tr("Visualisation")), commands);
     QMenu *const windows = menu.addMenu(tr("Windows"));

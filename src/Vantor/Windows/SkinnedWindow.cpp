@@ -4,6 +4,7 @@
 
 #include <QAccessible>
 #include <QApplication>
+#include <QBackingStore>
 #include <QFileInfo>
 #include <QImageWriter>
 #include <QKeyEvent>
@@ -58,16 +59,36 @@ void SkinnedWindow::refresh() {
         return; // showing it comes here again
     const QRegion changed = composeScene();
     if (!changed.isEmpty())
-        update(scaled(changed, zoom()));
+        showChange(scaled(changed, zoom()));
     if (QAccessible::isActive())
         tellAssistiveTools();
 }
 
-void SkinnedWindow::paintEvent(QPaintEvent *event) {
-    QPainter painter(this);
-    painter.setClipRegion(event->region());
+// Frames go straight to the window: there is nothing above or below this one widget, and what the toolkit
+// does for a widget's update costs more than the frame.
+void SkinnedWindow::showChange(const QRegion &region) {
+    QBackingStore *const store = backingStore();
+    if (!m_model.clock().isTicking() || !store || store->size() != size() || !windowHandle()->isExposed()) {
+        update(region);
+        return;
+    }
+    store->beginPaint(region);
+    QPainter painter(store->paintDevice());
+    paint(painter, region);
+    painter.end();
+    store->endPaint();
+    store->flush(region);
+}
+
+void SkinnedWindow::paint(QPainter &painter, const QRegion &region) const {
+    painter.setClipRegion(region);
     draw(painter, zoom());
     drawFocus(painter);
+}
+
+void SkinnedWindow::paintEvent(QPaintEvent *event) {
+    QPainter painter(this);
+    paint(painter, event->region());
 }
 
 QImage SkinnedWindow::picture() {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
 #include <numbers>
 
 using namespace vantor;
@@ -42,6 +43,20 @@ float largestStep(std::span<const StereoFrame> sound) {
     return most;
 }
 
+// Of a sine: the part of the sound that is not its first harmonic.
+double distortion(std::span<const StereoFrame> sound, double frequency) {
+    double sine = 0, cosine = 0, power = 0;
+    for (std::size_t i = 0; i < sound.size(); ++i) {
+        const double phase = 2 * std::numbers::pi * frequency * static_cast<double>(i) / rate;
+        const double value = static_cast<double>(sound[i].left);
+        sine += value * std::sin(phase);
+        cosine += value * std::cos(phase);
+        power += value * value;
+    }
+    const double whole = power * static_cast<double>(sound.size()) / 2;
+    return std::sqrt(std::max(0.0, 1 - (sine * sine + cosine * cosine) / whole));
+}
+
 } // namespace
 
 TEST(LimiterTest, OffItTouchesNothing) {
@@ -72,6 +87,41 @@ TEST(LimiterTest, HoldsPeaksWithoutTouchingWhatIsQuiet) {
         for (std::size_t i = 0; i < sound.size(); ++i)
             ASSERT_NEAR(sound[i].right, -sound[i].left / 2, 1e-6) << "both sides are turned down alike";
     }
+}
+
+TEST(LimiterTest, LoudTonesStayPure) {
+    const struct {
+        double frequency;
+        double most; ///< what else is in the tone, of the whole
+    } rows[] = {{20, 0.03}, {40, 0.0005}, {100, 0.0005}, {1000, 0.0005}, {10000, 0.0005}};
+    for (const auto &row : rows) {
+        Limiter limiter(rate);
+        limiter.setEnabled(true);
+        std::vector<StereoFrame> sound(2 * rate);
+        for (std::size_t i = 0; i < sound.size(); ++i) {
+            const double phase = 2 * std::numbers::pi * row.frequency * static_cast<double>(i) / rate;
+            sound[i].left = static_cast<float>(2 * std::sin(phase));
+        }
+        process(limiter, sound);
+        EXPECT_LT(distortion(std::span(sound).last(rate), row.frequency), row.most) << row.frequency;
+    }
+}
+
+TEST(LimiterTest, WhatIsNoNumberIsSilent) {
+    constexpr float infinity = std::numeric_limits<float>::infinity();
+    Limiter limiter(rate);
+    limiter.setEnabled(true);
+    std::vector<StereoFrame> sound = tone(rate, 0.5F, 0.5F);
+    std::vector<StereoFrame> expected = sound;
+    std::size_t place = rate / 2;
+    for (const float broken : {std::numeric_limits<float>::quiet_NaN(), infinity, -infinity}) {
+        sound[++place].left = broken;
+        expected[place].left = 0;
+    }
+    process(limiter, sound);
+    const auto settled = std::span(sound).subspan(rate / 4);
+    EXPECT_TRUE(
+        std::ranges::equal(settled, std::span(expected).subspan(rate / 4 - lookAhead, settled.size())));
 }
 
 TEST(LimiterTest, ASinglePeakIsHeldAndForgotten) {

@@ -49,40 +49,46 @@ TEST(PlayerNodeTest, SegmentsPlayBackToBackWithoutAnyChange) {
     EXPECT_EQ(node.underruns(), 0);
 }
 
-TEST(PlayerNodeTest, OnlyTheCurrentSegmentAndItsFollowerAreHeard) {
+TEST(PlayerNodeTest, OnlyTheCurrentSegmentAndItsFollowersAreHeard) {
     const struct {
         const char *name;
-        std::uint32_t follower;
-        int followsFrom; ///< of the ramp that is heard behind the first segment; 0: silence
-    } rows[] = {{"planned", 2, 2001}, {"replaced", 3, 3001}, {"not yet there", 4, 0}, {"none", 0, 0}};
+        std::vector<std::uint32_t> followers;
+        std::vector<std::uint32_t> heard; ///< behind the first segment
+    } rows[] = {{"planned", {2}, {2}},
+                {"replaced", {3}, {3}},
+                {"not yet there", {4}, {}},
+                {"none", {}, {}},
+                {"two", {2, 3}, {2, 3}},
+                {"the first of two", {2, 4}, {2}},
+                {"the second of two", {3, 19}, {3}}};
     for (const auto &row : rows) {
         SCOPED_TRACE(row.name);
         StartedNode node;
-        node.follow(2);
+        node.follow(1, {2});
         for (const int generation : {1, 2, 3}) {
             feed(node, static_cast<std::uint32_t>(generation), 0, ramp(generation * 1000 + 1, 500));
             ASSERT_TRUE(node.endSegment());
         }
         node.play();
         std::vector<StereoFrame> heard = render(node, 300);
-        node.follow(row.follower);
-        for (const StereoFrame &frame : render(node, 700))
+        node.follow(1, row.followers);
+        for (const StereoFrame &frame : render(node, 1300))
             heard.push_back(frame);
         std::vector<StereoFrame> expected = ramp(1001, 500);
-        if (row.followsFrom > 0)
-            for (const StereoFrame &frame : ramp(row.followsFrom, 500))
+        for (const std::uint32_t generation : row.heard)
+            for (const StereoFrame &frame : ramp(static_cast<int>(generation) * 1000 + 1, 500))
                 expected.push_back(frame);
-        expected.resize(1000);
+        expected.resize(1600);
         EXPECT_EQ(heard, expected);
-        const bool follows = row.followsFrom > 0;
-        EXPECT_EQ(node.progress(), (PlayerNode::Progress{follows ? row.follower : 1, 500, !follows}));
+        EXPECT_EQ(node.progress(),
+                  (PlayerNode::Progress{row.heard.empty() ? 1 : row.heard.back(), 500, true}));
     }
 }
 
 TEST(PlayerNodeTest, PausingAtAJoinFadesAcrossItAndGoesOnBehindIt) {
     const std::vector<StereoFrame> second(rate, StereoFrame{1, 1});
     StartedNode node;
-    node.follow(2);
+    node.follow(1, {2});
     feed(node, 1, 0, second);
     ASSERT_TRUE(node.endSegment());
     feed(node, 2, 0, second);

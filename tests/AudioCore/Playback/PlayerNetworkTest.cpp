@@ -4,7 +4,7 @@
 #include "tests/Support/TestFolder.h"
 #include "tests/Support/TestOutput.h"
 
-#include <QCoreApplication>
+#include <QTcpServer>
 
 #include <gtest/gtest.h>
 
@@ -42,27 +42,8 @@ class PlayerNetworkTest : public testing::Test, protected TestFolder {
         m_player.play();
     }
 
-    // Sound and events flow at twice the pace of the clock until something holds.
-    template <class Condition>
-    bool pump(Condition condition) {
-        const Clock::time_point start = Clock::now();
-        std::int64_t rendered = 0;
-        while (!condition()) {
-            const Clock::duration elapsed = Clock::now() - start;
-            if (elapsed > 10s)
-                return false;
-            const auto due = std::chrono::duration_cast<std::chrono::microseconds>(elapsed).count() * 44100 *
-                             2 / 1'000'000;
-            for (; rendered < due; rendered += 256) {
-                if (m_output.current)
-                    m_output.current->render(256);
-            }
-            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents | QEventLoop::AllEvents, 2);
-        }
-        return true;
-    }
     bool pumpUntilHeard(double seconds) {
-        return pump([&] { return m_player.currentTime() >= seconds; });
+        return m_output.pump([&] { return m_player.currentTime() >= seconds; });
     }
     [[nodiscard]] double loudSeconds() const {
         return static_cast<double>(std::ranges::count_if(
@@ -93,11 +74,11 @@ TEST_F(PlayerNetworkTest, ASongPlaysWhileItDownloadsAndSaysHowFarItIs) {
     ASSERT_TRUE(pumpUntilHeard(0.5));
     EXPECT_FALSE(m_player.isBuffering());
     EXPECT_NEAR(m_player.bufferedTime().value_or(0), 3, 0.1);
-    ASSERT_TRUE(pump([&] { return m_player.isBuffering(); }));
+    ASSERT_TRUE(m_output.pump([&] { return m_player.isBuffering(); }));
     EXPECT_NEAR(m_player.currentTime(), 3, 0.3);
     EXPECT_EQ(m_player.state(), PlaybackState::playing);
     goesOn = true;
-    ASSERT_TRUE(pump([&] { return m_player.state() == PlaybackState::stopped; }));
+    ASSERT_TRUE(m_output.pump([&] { return m_player.state() == PlaybackState::stopped; }));
     EXPECT_FALSE(m_player.isBuffering());
     EXPECT_NEAR(loudSeconds(), 6, 0.05) << "nothing is lost";
     EXPECT_EQ(m_failures, QStringList());
@@ -137,17 +118,17 @@ TEST_F(PlayerNetworkTest, AStalledServerHoldsNothingUp) {
     });
     const auto start = Clock::now();
     play({track(server.url("/silent")), track(server.url())});
-    pump([&] { return !server.requests().empty(); });
+    m_output.pump([&] { return !server.requests().empty(); });
     m_player.next();
     ASSERT_TRUE(pumpUntilHeard(0.3));
     m_player.seek(20);
-    ASSERT_TRUE(pump([&] { return m_player.isBuffering(); }));
+    ASSERT_TRUE(m_output.pump([&] { return m_player.isBuffering(); }));
     m_player.seek(1);
     ASSERT_TRUE(pumpUntilHeard(1.5)) << "what has come is there";
     EXPECT_LT(m_player.currentTime(), 3);
     m_player.seek(25);
     m_player.play(0);
-    pump([start = Clock::now()] { return Clock::now() - start > 100ms; });
+    m_output.pump([start = Clock::now()] { return Clock::now() - start > 100ms; });
     EXPECT_EQ(m_player.state(), PlaybackState::loading);
     EXPECT_TRUE(m_player.isBuffering());
     m_player.stop();
@@ -172,10 +153,42 @@ TEST_F(PlayerNetworkTest, WhatDoesNotPlayFollowsTheRulesOfFailure) {
     });
     play({track(server.url("/gone")), track(server.url("/text")), track(server.url("/mp4")),
           track(server.url("/song")), track(QUrl(QStringLiteral("ftp://h/a")))});
-    ASSERT_TRUE(pump([&] { return m_failures.size() == 4; }));
+    ASSERT_TRUE(m_output.pump([&] { return m_failures.size() == 4; }));
     EXPECT_EQ(m_failures, (QStringList{QStringLiteral("This audio file could not be read."),
                                        QStringLiteral("This file is not a supported audio file."),
                                        QStringLiteral("This file cannot be played while it downloads."),
                                        QStringLiteral("This track is not available as a local file.")}));
     EXPECT_NEAR(loudSeconds(), 0.5, 0.01);
+}
+
+TEST_F(PlayerNetworkTest, TheLogSaysWhyAnAddressCannotBeRead) {
+    static QStringList log;
+    const HttpTestServer server([](const Request &request, Connection &connection) {
+        if (request.path == "/gone")
+            connection.send("HTTP/1.1 404 Not Found\r\n\r\n");
+        else if (request.path == "/mute")
+            connection.send("SSH-2.0\r\n\r\n");
+        else
+            connection.send("HTTP/1.1 302 Found\r\nLocation: file:///etc/passwd\r\n\r\n");
+    });
+    QTcpServer nobody;
+    ASSERT_TRUE(nobody.listen(QHostAddress::LocalHost));
+    QUrl refused = server.url("/refused");
+    refused.setPort(nobody.serverPort());
+    nobody.close();
+    const std::pair<QUrl, const char *> rows[] = {{refused, "(Connection refused)"},
+                                                  {server.url("/gone"), "(the server answers 404)"},
+                                                  {server.url("/mute"), "(this is no HTTP)"},
+                                                  {server.url("/away"), "not the web)"}};
+    const QtMessageHandler usual = qInstallMessageHandler(
+        [](QtMsgType, const QMessageLogContext &, const QString &message) { log << message; });
+    for (const auto &[url, reason] : rows) {
+        log.clear();
+        m_player.restoreQueue({track(url)}, 0, RepeatMode::off, false);
+        m_player.play();
+        EXPECT_TRUE(m_output.pump([&] { return m_player.state() == PlaybackState::stopped; }));
+        EXPECT_EQ(m_player.errorMessage(), QStringLiteral("This audio file could not be read."));
+        EXPECT_EQ(log.filter(QLatin1String(reason)).size(), 1) << reason;
+    }
+    qInstallMessageHandler(usual);
 }

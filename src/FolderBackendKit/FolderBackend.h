@@ -1,6 +1,7 @@
 #pragma once
 
 #include "FolderBackendKit/FolderIndex.h"
+#include "FolderWatching/FolderWatcher.h"
 #include "MusicBackendKit/MusicBackend.h"
 
 #include <QUrl>
@@ -25,21 +26,23 @@ class FolderBackend : public MusicBackend {
 
     /// `folder`: a local path, empty when none is chosen. `indexFile`: what is known of the folder is kept
     /// there; its folder is made when it is missing. `output` has to outlive the backend.
-    FolderBackend(const QString &folder, const QString &indexFile, LocalOutput &output);
+    FolderBackend(const QString &folder, const QString &indexFile, LocalOutput &output,
+                  const FolderWatcher::Settings &watching = {});
     ~FolderBackend() override;
 
     [[nodiscard]] QString sourceID() const override;
     [[nodiscard]] QString displayName() const override; ///< the folder's name
     [[nodiscard]] MusicBackendCapabilities capabilities() const override;
 
-    /// Ends when there is something to browse: what was known of the folder from earlier, which a scan brings up to
-    /// date then, or else the first scan's result. Fails when the folder cannot be read and nothing is known
-    /// of it; it is watched all the same, until disconnect(), and is there when it comes back.
+    /// Ends when there is something to browse: what was known of the folder from earlier, which a scan brings
+    /// up to date then, or else the first scan's result. Fails when the folder cannot be read and nothing is
+    /// known of it; it is watched all the same, until disconnect(), and is there when it comes back.
     QCoro::Task<> connect() override;
     /// Stops everything. To be called before the program ends.
     QCoro::Task<> disconnect() override;
 
-    /// Looks through the folder now, and ends when that is done. Files that have not changed are not read again.
+    /// Looks through the folder now, and ends when that is done. Files that have not changed are not read
+    /// again.
     QCoro::Task<> reindex();
     /// The present status first, then every change; only the latest waits for a slow consumer.
     [[nodiscard]] AsyncStream<FolderIndexStatus> statusUpdates();
@@ -50,8 +53,8 @@ class FolderBackend : public MusicBackend {
     QCoro::Task<QList<LibraryTrack>> tracks(MediaID album) override;
     QCoro::Task<Page<LibraryPlaylist>> playlists(PageRequest page) override;
     QCoro::Task<QList<LibraryTrack>> tracksOfPlaylist(MediaID playlist) override;
-    /// Items in which every word of the text begins some word: of the artist's name; of the album's title or its
-    /// artist's name; of the track's title, its album's or its artist's. Case, accents and punctuation do
+    /// Items in which every word of the text begins some word: of the artist's name; of the album's title or
+    /// its artist's name; of the track's title, its album's or its artist's. Case, accents and punctuation do
     /// not count. At most `limit` of each kind, the best first.
     QCoro::Task<SearchResults> search(QString text, int limit) override;
     /// A JPEG or PNG image.
@@ -68,6 +71,9 @@ class FolderBackend : public MusicBackend {
 
   private:
     class Private;
+
+    QCoro::Task<> scan();
+
     std::unique_ptr<Private> d;
 };
 

@@ -37,7 +37,9 @@ struct FolderTrack {
 
 struct FolderSkippedFile {
     QString relativePath;
-    QString reason; ///< "not an audio file"
+    QString reason;      ///< "not an audio file"
+    qint64 fileSize = 0; ///< of audio files that turned out to be none: they are not read again unless
+    double modified = 0; ///< they change
 
     bool operator==(const FolderSkippedFile &) const = default;
 };
@@ -82,7 +84,7 @@ struct FolderIndexStatus {
     int filesDone = 0;          ///< of `indexing`
     int filesTotal = 0;         ///< of `indexing`; 0 until it is known
     FolderIndexSummary summary; ///< of the last index
-    int revision = 0;           ///< grows when artists, albums or tracks have changed: lists are to be reloaded
+    int revision = 0; ///< grows when artists, albums or tracks have changed: lists are to be reloaded
 
     bool operator==(const FolderIndexStatus &) const = default;
 };

@@ -1,12 +1,8 @@
 #include "FolderBackendKit/FolderBackend.h"
 
-#include "FolderBackendKit/FolderArtwork.h"
-#include "FolderBackendKit/FolderIndexFile.h"
-#include "FolderBackendKit/FolderIndexer.h"
-#include "FolderBackendKit/FolderLibrary.h"
 #include "FolderBackendKit/FolderWalk.h"
+#include "FolderBackendKit/FolderWork_p.h"
 #include "FolderBackendKit/LocalOutput.h"
-#include "MusicBackendKit/ArtistName.h"
 #include "MusicBackendKit/MusicBackendError.h"
 
 #include <QCoroFuture>
@@ -17,13 +13,11 @@
 #include <QTimer>
 #include <QtConcurrentRun>
 
-Q_LOGGING_CATEGORY(folderBackendLog, "co.kelvane.vantor.FolderBackend")
-
 namespace vantor {
 
 namespace {
 
-using Library = std::shared_ptr<const FolderLibrary>;
+using namespace folderwork;
 
 constexpr int progressInterval = 100; ///< ms between two looks at how far a pass is
 
@@ -37,98 +31,6 @@ QThreadPool &diskThreads() {
     }();
     Q_UNUSED(isSetUp)
     return pool;
-}
-
-struct PassResult {
-    Library library; ///< the one before when nothing has changed; none when stopped or failed
-    FolderIndexSummary summary;
-    QString failure;
-};
-
-bool isSame(const FolderIndex &a, const FolderIndex &b) {
-    return a.artists == b.artists && a.albums == b.albums && a.tracks == b.tracks && a.skipped == b.skipped;
-}
-
-/// Worker threads.
-PassResult runPass(const QString &folder, const QString &indexFile, const Library &known,
-                   const std::stop_token &stop, const std::shared_ptr<FolderIndexProgress> &progress) {
-    PassResult result;
-    try {
-        const FolderIndexer indexer(FileMetadata::read, std::clamp(QThread::idealThreadCount(), 1, 4));
-        auto index = indexer.build(folder, known ? known->index() : FolderIndex(), stop, progress.get());
-        if (!index)
-            return result;
-        result.summary = index->summary;
-        if (known && isSame(*index, known->index())) {
-            result.library = known;
-            return result;
-        }
-        if (!FolderIndexFile::write(indexFile, *index))
-            qCWarning(folderBackendLog) << "the index of the music folder cannot be kept";
-        result.library = std::make_shared<const FolderLibrary>(*std::move(index));
-    } catch (const MusicBackendError &error) {
-        result.failure = error.description();
-    } catch (const std::exception &error) { // out of memory or threads
-        result.failure = QString::fromLocal8Bit(error.what());
-    }
-    return result;
-}
-
-/// What was known of the folder at the end of the last run. Worker threads.
-Library readKnown(const QString &folder, const QString &indexFile) {
-    auto index = FolderIndexFile::read(indexFile);
-    return index && index->root == folder ? std::make_shared<const FolderLibrary>(*std::move(index))
-                                          : nullptr;
-}
-
-/// Not an exception out of the thread: a future that ends with one is never waited for to its end.
-using Picture = std::variant<QByteArray, MusicBackendError>;
-
-/// Worker threads.
-Picture loadPicture(const ArtworkRef &ref, const QString &folder, int maxPixels) {
-    try {
-        return FolderArtwork::data(ref, folder, maxPixels);
-    } catch (const MusicBackendError &error) {
-        return error;
-    }
-}
-
-struct Playable {
-    std::vector<Track> tracks;
-    int start = 0; ///< the first of the item to start with, or what follows it
-};
-
-Track playable(const LibraryTrack &known, const QString &path) {
-    Track track;
-    track.id = QUuid::createUuid();
-    track.title = known.title;
-    if (known.artistName != ArtistName::unknown())
-        track.artist = known.artistName;
-    track.album = known.albumName;
-    track.duration = known.duration.value_or(0);
-    track.bitrate = known.bitrate;
-    track.sampleRate = known.sampleRate;
-    track.channels = known.channels;
-    track.source = QUrl::fromLocalFile(path);
-    return track;
-}
-
-/// Those tracks that are there. Worker threads.
-Playable findOnDisk(const Library &library, const QList<MediaID> &items, int startItem) {
-    Playable found;
-    for (qsizetype i = 0; i < items.size(); ++i) {
-        if (i == startItem)
-            found.start = static_cast<int>(found.tracks.size());
-        for (const int place : library->places(items[i])) {
-            const QString &relative = library->index().tracks[static_cast<std::size_t>(place)].relativePath;
-            const QString path = library->index().root + u'/' + relative;
-            if (QFileInfo(path).isFile())
-                found.tracks.push_back(playable(library->track(place), path));
-        }
-    }
-    // Nothing of that item was there, nor of those behind it.
-    found.start = std::min(found.start, std::max(static_cast<int>(found.tracks.size()) - 1, 0));
-    return found;
 }
 
 } // namespace

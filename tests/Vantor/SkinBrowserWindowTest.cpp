@@ -23,6 +23,10 @@ namespace {
 /// A folder of skins with its library, and a browser of it.
 class SkinBrowserWindowTest : public PlayerFixture {
   protected:
+    // Where the Trash is.
+    SkinBrowserWindowTest() { qputenv("XDG_DATA_HOME", QFile::encodeName(m_folder.path("data"))); }
+    ~SkinBrowserWindowTest() override { qunsetenv("XDG_DATA_HOME"); }
+
     /// "Amber", "Birch", "Cedar" … in this order; the third lacks sheets and the fifth is no skin at all.
     void writeSkins(int count) {
         constexpr std::array names{"Amber", "Birch", "Cedar", "Dune", "Ember", "Fjord"};

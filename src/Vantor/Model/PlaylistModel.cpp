@@ -4,6 +4,7 @@
 #include "LocalPlayback/LocalPlaybackError.h"
 #include "LocalPlayback/Playlists/PlaylistFile.h"
 #include "MusicBackendKit/MarqueeText.h"
+#include "Platform/TextFolding.h"
 #include "Vantor/Model/NameOrder.h"
 #include "Vantor/Model/TrackFinder.h"
 
@@ -276,7 +277,7 @@ void PlaylistModel::type(const QString &letters) {
     // A further letter may keep the row; a first one moves on, so that it can be pressed again.
     const bool isFirst = m_typed->size() == letters.size();
     const int from = m_search ? m_search->from : m_cursor + (isFirst && hasSelection() ? 1 : 0);
-    m_search = {.wanted = TrackFinder::folded(*m_typed), .from = from};
+    m_search = {.wanted = TextFolding::folded(*m_typed), .from = from};
     searchOn(longestSearch);
     Q_EMIT changed();
 }
@@ -292,9 +293,9 @@ void PlaylistModel::searchOn(std::chrono::milliseconds longest) {
         }
         const int row = (m_search->from + m_search->step++) % count();
         const Track &track = tracks()[static_cast<std::size_t>(row)];
-        const QString name = TrackFinder::folded(nameOf(track));
+        const QString name = TextFolding::folded(nameOf(track));
         const QString &wanted = m_search->wanted;
-        if (name.startsWith(wanted) || TrackFinder::folded(track.title).startsWith(wanted))
+        if (name.startsWith(wanted) || TextFolding::folded(track.title).startsWith(wanted))
             select(row, Selecting::only);
         else if (!m_search->inside && name.contains(wanted))
             m_search->inside = row;

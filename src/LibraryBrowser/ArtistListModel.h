@@ -19,7 +19,9 @@ class ArtistListModel : public LibraryItemModel {
     /// Begins to read, now or as soon as a source is connected.
     void open();
 
-    [[nodiscard]] std::optional<ArtistGroup> group(const MediaID &artist) const { return m_reading.group(artist); }
+    [[nodiscard]] std::optional<ArtistGroup> group(const MediaID &artist) const {
+        return m_reading.group(artist);
+    }
 
     [[nodiscard]] int rowCount(const QModelIndex &parent = {}) const override;
     [[nodiscard]] const LibraryItem *item(int row) const override;
@@ -42,7 +44,7 @@ class ArtistListModel : public LibraryItemModel {
     std::optional<PageRequest> m_next;
     bool m_isReading = false;
     bool m_hasAnswer = false;
-    bool m_replaces = false; ///< what is shown stays until all is read
+    bool m_replaces = false;                                 ///< what is shown stays until all is read
     std::shared_ptr<char> m_turn = std::make_shared<char>(); ///< whose answers are awaited
 };
 

@@ -47,7 +47,8 @@ class LibraryBrowser : public QObject {
     [[nodiscard]] std::optional<OutputDevice> output() const;
     void chooseOutput(const OutputDevice::ID &id);
 
-    /// What is to happen when the turn of a request has come, and when the source has carried it out or refused.
+    /// What is to happen when the turn of a request has come, and when the source has carried it out or
+    /// refused.
     struct Turn {
         std::function<void()> begins;
         std::function<void()> ends;

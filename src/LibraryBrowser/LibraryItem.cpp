@@ -30,11 +30,10 @@ LibraryItem LibraryItem::recommended(const RecommendationItem &item) {
 }
 
 std::optional<MediaKind> LibraryItem::kind() const {
-    return std::visit(
-        Overloaded{[](const ArtistGroup &) { return std::optional(MediaKind::artist); },
-                   [](const RecommendationItem::Other &other) { return other.kind; },
-                   [](const auto &known) { return std::optional(known.id.kind); }},
-        record);
+    return std::visit(Overloaded{[](const ArtistGroup &) { return std::optional(MediaKind::artist); },
+                                 [](const RecommendationItem::Other &other) { return other.kind; },
+                                 [](const auto &known) { return std::optional(known.id.kind); }},
+                      record);
 }
 
 QList<MediaID> LibraryItem::ids() const {
@@ -54,7 +53,9 @@ QString LibraryItem::title() const {
 QString LibraryItem::subtitle() const {
     return std::visit(
         Overloaded{[](const ArtistGroup &) { return QString(); },
-                   [](const LibraryAlbum &album) { return ArtistName::display(album.artistName.value_or(QString())); },
+                   [](const LibraryAlbum &album) {
+                       return ArtistName::display(album.artistName.value_or(QString()));
+                   },
                    [](const LibraryTrack &track) { return ArtistName::display(track.artistName); },
                    [](const LibraryPlaylist &playlist) { return trackCountText(playlist.trackCount); },
                    [](const LibraryRadio &) { return QString(); },

@@ -17,11 +17,13 @@ class LibraryListModel : public PagedModel<LibraryItem, LibraryItemModel> {
     struct Content {
         enum class Kind { nothing, items, albums, albumsOfArtist, playlists, radios, favorites };
         Kind kind = Kind::nothing;
-        ArtistGroup artist{};                  ///< of `albumsOfArtist`
+        ArtistGroup artist{};                   ///< of `albumsOfArtist`
         MediaKind favorites = MediaKind::album; ///< of `favorites`
 
         [[nodiscard]] static Content albums() { return {Kind::albums}; }
-        [[nodiscard]] static Content albumsOf(const ArtistGroup &artist) { return {Kind::albumsOfArtist, artist}; }
+        [[nodiscard]] static Content albumsOf(const ArtistGroup &artist) {
+            return {Kind::albumsOfArtist, artist};
+        }
         [[nodiscard]] static Content playlists() { return {Kind::playlists}; }
         [[nodiscard]] static Content radios() { return {Kind::radios}; }
         [[nodiscard]] static Content favoritesOf(MediaKind kind) { return {Kind::favorites, {}, kind}; }

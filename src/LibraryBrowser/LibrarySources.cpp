@@ -107,7 +107,8 @@ Items favorites(const Backend &backend, MediaKind kind) {
 
 Tracks tracks(const Backend &backend, const MediaID &of) {
     return [backend, of](PageRequest) {
-        return wholeList(of.kind == MediaKind::playlist ? backend->tracksOfPlaylist(of) : backend->tracks(of));
+        return wholeList(of.kind == MediaKind::playlist ? backend->tracksOfPlaylist(of)
+                                                        : backend->tracks(of));
     };
 }
 

@@ -247,7 +247,8 @@ class PagedModel : public Base {
     void reset(const Page<Item> &page) {
         this->beginResetModel();
         m_hasTotal = page.total.has_value();
-        const qsizetype count = std::max<qsizetype>(page.items.size(), page.items.isEmpty() ? 0 : page.total.value_or(0));
+        const qsizetype count =
+            std::max<qsizetype>(page.items.size(), page.items.isEmpty() ? 0 : page.total.value_or(0));
         m_rows.assign(static_cast<std::size_t>(count), std::nullopt);
         m_missing = count - page.items.size();
         for (qsizetype i = 0; i < page.items.size(); ++i)
@@ -286,20 +287,21 @@ class PagedModel : public Base {
                 --m_missing;
             row = items[i];
         }
-        Q_EMIT this->dataChanged(this->index(first, 0), this->index(first + static_cast<int>(items.size()) - 1,
-                                                                   this->columnCount() - 1));
+        Q_EMIT this->dataChanged(
+            this->index(first, 0),
+            this->index(first + static_cast<int>(items.size()) - 1, this->columnCount() - 1));
     }
 
     Source m_source;
     std::vector<std::optional<Item>> m_rows;
-    qsizetype m_missing = 0; ///< of the rows
+    qsizetype m_missing = 0;   ///< of the rows
     std::optional<int> m_next; ///< where the next page begins, when the source does not know the total
     bool m_hasTotal = false;
     bool m_hasAnswer = false;
     bool m_replaces = false; ///< the next answer takes the place of all rows
     bool m_loadsAll = false;
-    std::set<int> m_running; ///< the first rows of the pages that are asked for
-    std::set<int> m_stale;   ///< pages
+    std::set<int> m_running;          ///< the first rows of the pages that are asked for
+    std::set<int> m_stale;            ///< pages
     mutable std::deque<int> m_wanted; ///< pages
     mutable QTimer m_askSoon;
     /// Whose answers are awaited: those that come in another turn, or none, are dropped.

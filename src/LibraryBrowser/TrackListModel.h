@@ -74,7 +74,7 @@ class TrackListModel : public PagedModel<LibraryTrack, LibraryModel> {
     Content m_content;
     std::optional<Column> m_sortColumn;
     Qt::SortOrder m_sortOrder = Qt::AscendingOrder;
-    std::vector<int> m_order; ///< by row, the place in the source's order; empty: the same
+    std::vector<int> m_order;        ///< by row, the place in the source's order; empty: the same
     std::shared_ptr<char> m_sorting; ///< whose order is awaited
 };
 

@@ -75,7 +75,9 @@ TEST_F(ArtistListModelTest, ARefreshTouchesOnlyWhatChanged) {
     const Row rows[] = {
         {"nothing", [] {}, 250},
         {"two gone", [&] { m_made->allArtists.remove(10, 2); }, 248},
-        {"one new", [&] { m_made->allArtists.insert(50, {{MediaKind::artist, u"new"_qs}, u"New"_qs, {}, {}, {}}); }, 249},
+        {"one new",
+         [&] { m_made->allArtists.insert(50, {{MediaKind::artist, u"new"_qs}, u"New"_qs, {}, {}, {}}); },
+         249},
         {"renamed", [&] { name(100, u"Renamed"_qs); }, 249},
     };
     for (const Row &row : rows) {

@@ -94,11 +94,17 @@ TEST_F(LibraryBrowserTest, RecommendationsAreShelvesOfWhatThereIs) {
     m_made->offers |= MusicBackendCapability::recommendations;
     m_made->setSize({.artists = 2, .albumsPerArtist = 2});
     const auto row = [](const char *name, bool isEnabled = true) {
-        return RecommendationRow{.provider = u"p"_qs, .itemID = QLatin1String(name), .name = QLatin1String(name), .subtitle = {}, .icon = {}, .isEnabledByDefault = isEnabled, .providerName = {}};
+        return RecommendationRow{.provider = u"p"_qs,
+                                 .itemID = QLatin1String(name),
+                                 .name = QLatin1String(name),
+                                 .subtitle = {},
+                                 .icon = {},
+                                 .isEnabledByDefault = isEnabled,
+                                 .providerName = {}};
     };
-    const QList<RecommendationItem> items{RecommendationItem::artist(m_made->allArtists[1]),
-                                          RecommendationItem::album(m_made->allOfAlbums[2]),
-                                          RecommendationItem::other({u"A Mix"_qs, u"uri:mix"_qs, {}, {}, {}})};
+    const QList<RecommendationItem> items{
+        RecommendationItem::artist(m_made->allArtists[1]), RecommendationItem::album(m_made->allOfAlbums[2]),
+        RecommendationItem::other({u"A Mix"_qs, u"uri:mix"_qs, {}, {}, {}})};
     m_made->recommended = {{row("new"), items}, {row("empty"), {}}, {row("hidden", false), items}};
     LibraryRecommendations recommendations(m_browser);
     recommendations.open();

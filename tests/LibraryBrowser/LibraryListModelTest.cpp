@@ -56,7 +56,8 @@ TEST_F(LibraryListModelTest, WhatWasScrolledPastIsNotReadBeforeWhatIsInView) {
         (void)m_model.item(row);
     ASSERT_TRUE(isThere(4999));
     EXPECT_LE(m_made->requests.size(), 12); // of 49
-    EXPECT_TRUE(m_made->requests.first().startsWith(u"albums 4900"_qs)) << m_made->requests.first().toStdString();
+    EXPECT_TRUE(m_made->requests.first().startsWith(u"albums 4900"_qs))
+        << m_made->requests.first().toStdString();
 }
 
 TEST_F(LibraryListModelTest, WithoutATotalPagesFollowOneAnother) {
@@ -81,7 +82,8 @@ TEST_F(LibraryListModelTest, AnswersOfTheSourceBeforeAreDropped) {
     ASSERT_TRUE(connectTo(m_made));
     m_made->delay = std::chrono::milliseconds(40);
     m_model.show(Content::albums());
-    const auto other = std::make_shared<MadeBackend>(MadeBackend::Size{.artists = 1, .albumsPerArtist = 7, .tracksPerAlbum = 0});
+    const auto other = std::make_shared<MadeBackend>(
+        MadeBackend::Size{.artists = 1, .albumsPerArtist = 7, .tracksPerAlbum = 0});
     ASSERT_TRUE(connectTo(other));
     ASSERT_TRUE(waitFor([&] { return m_model.rowCount() == 7; }));
     settle(std::chrono::milliseconds(80));

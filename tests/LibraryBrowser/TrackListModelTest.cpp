@@ -58,8 +58,8 @@ TEST_F(TrackListModelTest, AllTracksAreReadAlbumByAlbumAsTheyComeIntoView) {
 TEST_F(TrackListModelTest, ColumnsSortAsAReaderWould) {
     checkModel();
     ASSERT_TRUE(connectTo(m_made));
-    m_model.showTracks({track(u"Song 10"_qs, 30, 2, 1), track(u"song 9"_qs, 200, 1, 2), track(u"Été"_qs, 100, 1, 10),
-                        track(u"Abba"_qs, 100, 1, 1)});
+    m_model.showTracks({track(u"Song 10"_qs, 30, 2, 1), track(u"song 9"_qs, 200, 1, 2),
+                        track(u"Été"_qs, 100, 1, 10), track(u"Abba"_qs, 100, 1, 1)});
     const QStringList natural = titles();
     using Model = TrackListModel;
     struct Row {
@@ -101,7 +101,8 @@ TEST_F(TrackListModelTest, SortingReadsTheRestFirst) {
     for (LibraryTrack &changed : m_made->tracksOf[m_made->allOfAlbums[0].id])
         changed.duration = 5000;
     m_browser.refresh();
-    EXPECT_TRUE(waitFor([&] { return m_model.isComplete() && m_model.track(0)->duration == 5000 && isSorted(); }));
+    EXPECT_TRUE(
+        waitFor([&] { return m_model.isComplete() && m_model.track(0)->duration == 5000 && isSorted(); }));
     EXPECT_EQ(m_model.rowCount(), 480);
 }
 
@@ -127,7 +128,8 @@ TEST_F(TrackListModelTest, AnAlbumPlaysAsAWhole) {
     ASSERT_TRUE(waitFor([&] { return m_model.rowCount() == 3; }));
     EXPECT_EQ(m_model.album(), album);
     EXPECT_FALSE(m_model.canFetchMore({}));
-    const auto request = PlayRequest::play(QSet<MediaID>{m_model.track(1)->id}, m_model.tracks(), m_model.album());
+    const auto request =
+        PlayRequest::play(QSet<MediaID>{m_model.track(1)->id}, m_model.tracks(), m_model.album());
     ASSERT_TRUE(request);
     m_browser.play(*request);
     ASSERT_TRUE(waitFor([&] { return !m_made->played.isEmpty(); }));
@@ -138,7 +140,8 @@ TEST_F(TrackListModelTest, AnAlbumPlaysAsAWhole) {
 TEST_F(TrackListModelTest, RowsAreDraggedOnceEachInTheirOrder) {
     ASSERT_TRUE(connectTo(m_made));
     m_model.showTracks({track(u"a"_qs, 1, 1, 1), track(u"b"_qs, 1, 1, 2), track(u"c"_qs, 1, 1, 3)});
-    const QModelIndexList cells{m_model.index(2, 0), m_model.index(0, 0), m_model.index(0, 1), m_model.index(2, 1)};
+    const QModelIndexList cells{m_model.index(2, 0), m_model.index(0, 0), m_model.index(0, 1),
+                                m_model.index(2, 1)};
     const std::unique_ptr<QMimeData> data(m_model.mimeData(cells));
     const MediaIDTransfer expected{{{MediaKind::track, u"a"_qs}, {MediaKind::track, u"c"_qs}}};
     EXPECT_EQ(MediaIDTransfer::read(*data), expected);

@@ -75,7 +75,8 @@ QCoro::Task<> MadeBackend::answer(QString request, std::chrono::milliseconds aft
 
 template <typename Record>
 QCoro::Task<Page<Record>> MadeBackend::pageOf(const char *what, QList<Record> all, PageRequest page) {
-    co_await answer(QStringLiteral("%1 %2+%3").arg(QLatin1String(what)).arg(page.offset).arg(page.limit), delay);
+    co_await answer(QStringLiteral("%1 %2+%3").arg(QLatin1String(what)).arg(page.offset).arg(page.limit),
+                    delay);
     const std::optional<int> total = tellsTotal ? std::optional(static_cast<int>(all.size())) : std::nullopt;
     co_return Page<Record>::make(all.mid(page.offset, page.limit), page, total);
 }
@@ -139,7 +140,8 @@ QCoro::Task<QList<RecommendationRow>> MadeBackend::recommendationRows() {
 
 QCoro::Task<QList<RecommendationItem>> MadeBackend::recommendationItems(RecommendationRow row) {
     co_await answer(QStringLiteral("recommended ") + row.itemID, delay);
-    const auto found = std::ranges::find(recommended, row, &std::pair<RecommendationRow, QList<RecommendationItem>>::first);
+    const auto found =
+        std::ranges::find(recommended, row, &std::pair<RecommendationRow, QList<RecommendationItem>>::first);
     co_return found != recommended.end() ? found->second : QList<RecommendationItem>();
 }
 

@@ -14,6 +14,7 @@ class QMenu;
 
 namespace vantor {
 
+class MusicLibrary;
 class PreferencesDialog;
 class SkinnedWindow;
 
@@ -64,6 +65,7 @@ class Commands : public QObject, public NowPlayingCommandTarget {
         equalizer,
         playlist,
         minimize,
+        library,
         preferences,
         about,
         quit,
@@ -77,6 +79,9 @@ class Commands : public QObject, public NowPlayingCommandTarget {
     void addTo(SkinnedWindow &window);
 
     /// Ticked and enabled as it is now.
+    /// Whose window the library command opens; borrowed, none for no such command.
+    void setLibrary(MusicLibrary *library);
+
     [[nodiscard]] QAction &action(Id id);
     void trigger(Id id) { action(id).trigger(); }
 
@@ -117,7 +122,7 @@ class Commands : public QObject, public NowPlayingCommandTarget {
     /// Of the skinned windows, on the screen.
     [[nodiscard]] QList<QRect> shownFrames() const;
     void showFileInfo();
-    void showPreferences();
+    void showPreferences(bool ofLibrary = false);
     void showAbout();
 
     struct Submenu {
@@ -127,6 +132,7 @@ class Commands : public QObject, public NowPlayingCommandTarget {
     };
 
     PlayerModel &m_model;
+    MusicLibrary *m_library = nullptr;
     std::vector<QPointer<SkinnedWindow>> m_windows;
     std::vector<Submenu> m_submenus;
     QPointer<PreferencesDialog> m_preferences; ///< while it is open

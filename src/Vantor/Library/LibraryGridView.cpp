@@ -212,7 +212,8 @@ void LibraryGridView::startDrag(Qt::DropActions) {
     const QModelIndexList indexes = selectionModel()->selectedIndexes();
     if (indexes.isEmpty())
         return;
-    constexpr int side = 72;
+    constexpr int shownSide = 72;
+    const int side = cell().width() - 2 * padding; // in which the cover is there already
     QPixmap pixmap(QSize(side, side) * devicePixelRatioF());
     pixmap.setDevicePixelRatio(devicePixelRatioF());
     pixmap.fill(Qt::transparent);
@@ -221,6 +222,7 @@ void LibraryGridView::startDrag(Qt::DropActions) {
     if (item)
         m_covers.draw(painter, QRect(0, 0, side, side), item->artwork(), item->kind(), palette());
     painter.end();
+    pixmap = pixmap.scaledToWidth(qRound(shownSide * devicePixelRatioF()), Qt::SmoothTransformation);
     auto *const drag = new QDrag(this);
     drag->setMimeData(m_items.mimeData(indexes));
     drag->setPixmap(pixmap);

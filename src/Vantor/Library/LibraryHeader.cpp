@@ -50,7 +50,10 @@ LibraryHeader::LibraryHeader(ArtworkCache &artwork, QWidget *parent)
     texts->setSpacing(2);
     texts->addStretch(1);
     texts->addWidget(m_title);
-    texts->addWidget(m_artist, 0, Qt::AlignLeft);
+    auto *const artist = new QHBoxLayout;
+    artist->setContentsMargins(-6, 0, 0, 0); // its text stands below the title's
+    artist->addWidget(m_artist, 0, Qt::AlignLeft);
+    texts->addLayout(artist);
     texts->addWidget(m_details);
     texts->addSpacing(8);
     texts->addLayout(buttons);

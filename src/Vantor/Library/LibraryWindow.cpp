@@ -72,7 +72,6 @@ QToolButton *makeButton(const QString &text, const QKeySequence &key) {
     button->setIconSize({18, 18});
     button->setAccessibleName(text);
     button->setToolTip(QStringLiteral("%1 (%2)").arg(text, key.toString(QKeySequence::NativeText)));
-    button->setShortcut(key);
     return button;
 }
 
@@ -97,7 +96,13 @@ LibraryWindow::LibraryWindow(LibraryBrowser &browser, ArtworkCache &artwork, QSe
     m_sections->setSpacing(1);
     m_sections->setMinimumWidth(120);
     m_sections->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    m_splitter->addWidget(m_sections);
+    auto *const side = new QWidget;
+    side->setBackgroundRole(QPalette::Base);
+    side->setAutoFillBackground(true);
+    auto *const sideLayout = new QVBoxLayout(side);
+    sideLayout->setContentsMargins(6, 6, 6, 6);
+    sideLayout->addWidget(m_sections);
+    m_splitter->addWidget(side);
     m_splitter->addWidget(m_pages);
     m_splitter->setStretchFactor(1, 1);
     m_splitter->setChildrenCollapsible(false);
@@ -225,6 +230,9 @@ void LibraryWindow::addKeys() {
         m_searchField->setFocus(Qt::ShortcutFocusReason);
         m_searchField->selectAll();
     });
+    // Not the buttons' own shortcuts, which act only when the button has been seen to be pressed.
+    add(QKeySequence(Qt::ALT | Qt::Key_Left), [this] { step(false); });
+    add(QKeySequence(Qt::ALT | Qt::Key_Right), [this] { step(true); });
     add(QKeySequence(Qt::CTRL | Qt::Key_W), [this] { close(); });
     add(QKeySequence(Qt::Key_F11), [this] { setWindowState(windowState() ^ Qt::WindowFullScreen); });
     for (int number = 1; number <= static_cast<int>(keys().size()); ++number)
@@ -250,6 +258,14 @@ void LibraryWindow::store() const {
 
 void LibraryWindow::takeColors() {
     const QColor color = palette().color(QPalette::WindowText);
+    // Not every dark palette has a colour for lesser texts, so they are the text's own colour, fainter.
+    QColor faint = color;
+    faint.setAlphaF(0.62F);
+    if (faint != palette().color(QPalette::PlaceholderText)) {
+        QPalette own;
+        own.setColor(QPalette::PlaceholderText, faint);
+        setPalette(own);
+    }
     m_back->setIcon(LibraryIcons::back(color));
     m_forward->setIcon(LibraryIcons::forward(color));
     m_searchIcon->setIcon(LibraryIcons::search(palette().color(QPalette::PlaceholderText)));

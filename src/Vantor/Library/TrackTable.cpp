@@ -42,19 +42,20 @@ class TrackTable::Line : public QStyledItemDelegate {
         QRect cell = option.rect;
         const int height = lineHeight(m_table);
         if (cell.height() > height) {
-            if (index.column() == m_table.horizontalHeader()->logicalIndexAt(0))
-                drawDisc(*painter,
-                         QRect(cell.left(), cell.top(), m_table.viewport()->width(), cell.height() - height),
-                         option, m_table.discAt(index.row()).value_or(1));
+            const QRect above(cell.left(), cell.top(), cell.width(), cell.height() - height);
+            painter->fillRect(above, option.palette.color(QPalette::Base)); // no part of what is selected
+            // Each cell draws its part of the heading, which goes across them.
+            painter->save();
+            painter->setClipRect(above);
+            drawDisc(*painter, QRect(0, above.top(), m_table.viewport()->width(), above.height()), option,
+                     m_table.discAt(index.row()).value_or(1));
+            painter->restore();
             cell.setTop(cell.bottom() + 1 - height);
         }
-        const bool isSelected = option.state.testFlag(QStyle::State_Selected);
-        const bool isActive = option.state.testFlag(QStyle::State_Active);
-        if (isSelected)
-            painter->fillRect(cell, faint(option.palette.color(QPalette::Highlight), isActive ? 0.30 : 0.18));
-        else if (index.row() == m_table.m_hovered)
+        const bool isSelected = option.state.testFlag(QStyle::State_Selected); // which the style has painted
+        if (!isSelected && index.row() == m_table.m_hovered)
             painter->fillRect(cell, faint(option.palette.color(QPalette::Text), 0.05));
-        if (m_table.hasFocus() && index.row() == m_table.currentIndex().row())
+        if (!isSelected && m_table.hasFocus() && index.row() == m_table.currentIndex().row())
             painter->fillRect(QRect(cell.left(), cell.bottom(), cell.width(), 1),
                               option.palette.color(QPalette::Highlight));
         drawText(*painter, cell, option, index);
@@ -64,9 +65,12 @@ class TrackTable::Line : public QStyledItemDelegate {
     static void drawText(QPainter &painter, const QRect &cell, const QStyleOptionViewItem &option,
                          const QModelIndex &index) {
         const bool isSecondary = index.column() != Model::titleColumn;
-        QColor color = option.palette.color(QPalette::Text);
+        const bool isSelected = option.state.testFlag(QStyle::State_Selected);
+        const bool isActive = option.state.testFlag(QStyle::State_Active);
+        QColor color = option.palette.color(isActive ? QPalette::Active : QPalette::Inactive,
+                                            isSelected ? QPalette::HighlightedText : QPalette::Text);
         if (isSecondary)
-            color = faint(color, 0.66);
+            color = faint(color, isSelected ? 0.85 : 0.66);
         painter.setPen(color);
         painter.setFont(option.font);
         const QRect place = cell.adjusted(textMargin, 0, -textMargin, 0);

@@ -1,7 +1,6 @@
-#include "FolderBackendKit/FolderWork_p.h"
-
 #include "FolderBackendKit/FolderArtwork.h"
 #include "FolderBackendKit/FolderIndexFile.h"
+#include "FolderBackendKit/FolderWork_p.h"
 #include "MusicBackendKit/ArtistName.h"
 
 #include <QFileInfo>

@@ -145,7 +145,8 @@ std::vector<QByteArray> WatchTree::subfolders(const QByteArray &folder, double s
     if (!entries)
         return found;
     struct stat status;
-    if (fstat(descriptor, &status) == 0 && seconds(status.st_mtim) >= since)
+    // Not the time of modification, which stays when the folder itself is moved here.
+    if (fstat(descriptor, &status) == 0 && seconds(status.st_ctim) >= since)
         report(folder);
     while (const dirent *entry = m_stop ? nullptr : readdir(entries.get())) {
         if (entry->d_name[0] != '.' && isFolder(descriptor, *entry))

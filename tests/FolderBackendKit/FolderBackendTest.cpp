@@ -59,6 +59,8 @@ class FolderBackendTest : public testing::Test {
     ~FolderBackendTest() override {
         if (backend)
             QCoro::waitFor(backend->disconnect());
+        m_updates = {};
+        QCoreApplication::processEvents(); // ends watch()
     }
 
     void write(const char *path) const {
@@ -75,11 +77,16 @@ class FolderBackendTest : public testing::Test {
             QCoro::waitFor(backend->disconnect());
         backend = std::make_shared<FolderBackend>(music(), folder.path("cache/index"), output,
                                                   FolderWatcher::Settings{50ms, 500ms, 500ms, 100ms, 1000});
-        watch(backend->statusUpdates());
+        m_updates = backend->statusUpdates();
+        watch();
     }
-    QCoro::Task<> watch(AsyncStream<FolderIndexStatus> updates) {
-        while (const auto next = co_await updates.next())
+    QCoro::Task<> watch() {
+        while (true) {
+            const auto next = co_await m_updates.next();
+            if (!next)
+                co_return; // the fixture may be gone
             status = *next;
+        }
     }
     [[nodiscard]] bool becomes(State state) {
         return waitFor([&] { return status.state == state; }, std::chrono::seconds(10));
@@ -99,6 +106,9 @@ class FolderBackendTest : public testing::Test {
     RecordingOutput output;
     std::shared_ptr<FolderBackend> backend;
     FolderIndexStatus status;
+
+  private:
+    AsyncStream<FolderIndexStatus> m_updates;
 };
 
 const MediaID abba{MediaKind::artist, QStringLiteral("Abba")};

@@ -207,7 +207,12 @@ TEST_F(SkinLibraryModelTest, FilesAreAddedBesideAPass) {
     m_model->setFolder(path("skins"));
     ASSERT_TRUE(waitForBatch()); // from now on, the pass does not look for what has gone
     m_model->add({dropped});
-    EXPECT_TRUE(waitFor([&] { return names().contains(QStringLiteral("dropped")); }, longEnough));
+    SkinIndexReader reader(m_index);
+    const auto isIndexed = [&] {
+        return reader.ask<bool>([&](SkinIndexStore &index) { return index.skinAtPath(dropped).has_value(); })
+            .result();
+    };
+    EXPECT_TRUE(waitFor(isIndexed, longEnough));
     EXPECT_TRUE(m_model->isIndexing());
 }
 

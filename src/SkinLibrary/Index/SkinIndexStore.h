@@ -89,6 +89,8 @@ class SkinIndexStore {
     [[nodiscard]] std::vector<SkinRecord> skins(const SkinQuery &query);
     /// How many skins the query's pages hold together.
     [[nodiscard]] std::int64_t count(const SkinQuery &query);
+    /// Where the skin stands among them, from 0; none when the query does not find it.
+    [[nodiscard]] std::optional<std::int64_t> position(std::int64_t id, const SkinQuery &query);
     /// The skin after or before this one in name order among those of these statuses.
     [[nodiscard]] std::optional<SkinRecord> neighbor(std::int64_t id, SkinNeighborDirection direction,
                                                      const std::set<SkinStatus> &statuses);

@@ -5,6 +5,7 @@
 #include "AudioCore/Playback/Player.h"
 #include "Platform/AppPaths.h"
 #include "Vantor/App/CarryOut.h"
+#include "Vantor/App/IndexedSkins.h"
 #include "Vantor/App/LaunchOptions.h"
 #include "Vantor/App/SavedQueue.h"
 #include "Vantor/App/SingleInstance.h"
@@ -20,6 +21,7 @@
 #include <QApplication>
 #include <QIcon>
 #include <QSettings>
+#include <QTimer>
 
 #include <cmath>
 #include <cstdio>
@@ -91,6 +93,28 @@ void welcome(PlayerModel &model, MainWindow &window) {
     dialog->show();
 }
 
+/// Has something done once a window stands on the screen, and not before: the start shall not wait for it.
+class AfterFirstPaint : public QObject {
+  public:
+    AfterFirstPaint(QWidget &window, const std::function<void()> &action)
+        : QObject(&window), m_action(action) {
+        window.installEventFilter(this);
+    }
+
+  protected:
+    bool eventFilter(QObject *window, QEvent *event) override {
+        if (event->type() == QEvent::Paint) {
+            window->removeEventFilter(this);
+            QTimer::singleShot(0, window, m_action);
+            deleteLater();
+        }
+        return false;
+    }
+
+  private:
+    std::function<void()> m_action;
+};
+
 // The skin asked for, else the one worn last.
 void dress(PlayerModel &model, const std::optional<QUrl> &asked) {
     const QUrl skin = asked.value_or(model.skins().lastWorn());
@@ -161,6 +185,10 @@ int runProgram(int argc, char **argv) {
             windows.bringToFront();
     });
     std::optional<DesktopPresence> presence; // from when the window is there
+    std::optional<IndexedSkins> indexedSkins;
+    if (!timedRun)
+        new AfterFirstPaint(windows.mainWindow(),
+                            [&] { indexedSkins.emplace(model, windows.commands(), settings); });
     bool hasBegun = false;
     // What was asked for, else on from where the last run ended, else the demo.
     const auto begin = [&](bool hasTracks) {

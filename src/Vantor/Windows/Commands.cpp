@@ -1,6 +1,7 @@
 #include "Vantor/Windows/Commands.h"
 
 #include "Vantor/Library/MusicLibrary.h"
+#include "Vantor/Model/SkinSwitcher.h"
 #include "Vantor/Windows/DialogPlace.h"
 #include "Vantor/Windows/FileInfoDialog.h"
 #include "Vantor/Windows/JumpToFileDialog.h"
@@ -31,6 +32,7 @@ constexpr double seekStep = 5; // seconds
 Commands::Commands(PlayerModel &model) : m_model(model) {
     addPlayback();
     addOpening();
+    addSkins();
     addVisualisation();
     addWindows();
 }
@@ -46,6 +48,10 @@ SkinnedWindow *Commands::activeWindow() const {
         m_windows, [](const QPointer<SkinnedWindow> &window) { return window && window->isActiveWindow(); });
     if (active != m_windows.end())
         return *active;
+    return mainWindow();
+}
+
+SkinnedWindow *Commands::mainWindow() const {
     return m_windows.empty() ? nullptr : m_windows.front().data();
 }
 
@@ -155,11 +161,34 @@ void Commands::addOpening() {
     add(Id::fileInfo, tr("File Info…"), {Qt::ALT | Qt::Key_3}, [this] { showFileInfo(); });
     add(Id::skippedFiles, tr("Skipped Files…"), {},
         [this] { (new SkippedFilesDialog(m_model.skippedFiles(), activeWindow()))->show(); });
+}
+
+void Commands::addSkins() {
     add(Id::loadSkin, tr("Load Skin…"), {Qt::ALT | Qt::Key_S},
         [this] { OpenDialogs::loadSkin(m_model, activeWindow()); });
     addCheck(
         Id::defaultSkin, tr("Default Skin"), {}, [this] { return m_model.skinUrl().isEmpty(); },
         [this] { m_model.wearDefaultSkin(); });
+    add(Id::skinBrowser, tr("Skin Browser…"), {Qt::ALT | Qt::Key_B}, [this] { m_browseSkins(); });
+    const auto step = [this](Id id, const QString &text, const QKeySequence &key, SkinSwitcher::Step where) {
+        add(id, text, {key}, [this, where] { m_skins->step(where); });
+    };
+    step(Id::nextSkin, tr("Next Skin"), Qt::ALT | Qt::Key_Right, SkinSwitcher::Step::next);
+    step(Id::previousSkin, tr("Previous Skin"), Qt::ALT | Qt::Key_Left, SkinSwitcher::Step::previous);
+    step(Id::randomSkin, tr("Random Skin"), Qt::ALT | Qt::Key_R, SkinSwitcher::Step::random);
+    setSkins(nullptr, {});
+}
+
+void Commands::setSkins(SkinSwitcher *skins, const std::function<void()> &browse) {
+    m_skins = skins;
+    m_browseSkins = browse;
+    for (const Id id : {Id::skinBrowser, Id::nextSkin, Id::previousSkin, Id::randomSkin})
+        action(id).setEnabled(skins != nullptr);
+}
+
+void Commands::wearSkin(const SkinRecord &skin) {
+    if (m_skins)
+        m_skins->wear(skin);
 }
 
 void Commands::addVisualisation() {
@@ -232,8 +261,8 @@ void Commands::addWindows() {
     toggle(Id::equalizer, tr("Equalizer"), Qt::ALT | Qt::Key_G, WindowKind::equalizer);
     toggle(Id::playlist, tr("Playlist"), Qt::ALT | Qt::Key_E, WindowKind::playlist);
     add(Id::minimize, tr("Minimise"), {Qt::CTRL | Qt::Key_M}, [this] {
-        if (!m_windows.empty() && m_windows.front())
-            m_windows.front()->showMinimized();
+        if (SkinnedWindow *const main = mainWindow())
+            main->showMinimized();
     });
     add(Id::library, tr("Library…"), {Qt::ALT | Qt::Key_L}, [this] { m_library->showWindow(); });
     setLibrary(nullptr);

@@ -16,7 +16,9 @@ namespace vantor {
 
 class MusicLibrary;
 class PreferencesDialog;
+class SkinSwitcher;
 class SkinnedWindow;
+struct SkinRecord;
 
 /// Every command of the program, once: buttons trigger them, menus list them and their shortcuts work in
 /// every skinned window, but in no dialog. What the desktop commands triggers them too, but for the desktop
@@ -44,6 +46,10 @@ class Commands : public QObject, public NowPlayingCommandTarget {
         repeat,
         loadSkin,
         defaultSkin,
+        skinBrowser,
+        nextSkin,
+        previousSkin,
+        randomSkin,
         timeElapsed,
         timeRemaining,
         toggleTime,
@@ -78,10 +84,16 @@ class Commands : public QObject, public NowPlayingCommandTarget {
     /// comes first.
     void addTo(SkinnedWindow &window);
 
-    /// Ticked and enabled as it is now.
+    /// What works through the index of the skins folder, from when there is one until nullptr is set: the
+    /// steps, and what opens the browser.
+    void setSkins(SkinSwitcher *skins, const std::function<void()> &browse);
+    [[nodiscard]] const SkinSwitcher *skins() const { return m_skins; }
+    void wearSkin(const SkinRecord &skin);
+
     /// Whose window the library command opens; borrowed, none for no such command.
     void setLibrary(MusicLibrary *library);
 
+    /// Ticked and enabled as it is now.
     [[nodiscard]] QAction &action(Id id);
     void trigger(Id id) { action(id).trigger(); }
 
@@ -96,6 +108,9 @@ class Commands : public QObject, public NowPlayingCommandTarget {
 
     /// The skinned window that the user works in, else the main one; over it dialogs open.
     [[nodiscard]] SkinnedWindow *activeWindow() const;
+
+    /// Of the skinned windows, on the screen.
+    [[nodiscard]] QList<QRect> shownFrames() const;
 
     /// Gives the main menu a submenu of what belongs to one window: `fill` is called each time the menu
     /// opens, as long as the window lives.
@@ -118,9 +133,10 @@ class Commands : public QObject, public NowPlayingCommandTarget {
     void addPlayback();
     void addOpening();
     void addVisualisation();
+    void addSkins();
     void addWindows();
-    /// Of the skinned windows, on the screen.
-    [[nodiscard]] QList<QRect> shownFrames() const;
+    /// None before it is added.
+    [[nodiscard]] SkinnedWindow *mainWindow() const;
     void showFileInfo();
     void showPreferences(bool ofLibrary = false);
     void showAbout();
@@ -133,6 +149,8 @@ class Commands : public QObject, public NowPlayingCommandTarget {
 
     PlayerModel &m_model;
     MusicLibrary *m_library = nullptr;
+    SkinSwitcher *m_skins = nullptr;
+    std::function<void()> m_browseSkins;
     std::vector<QPointer<SkinnedWindow>> m_windows;
     std::vector<Submenu> m_submenus;
     QPointer<PreferencesDialog> m_preferences; ///< while it is open

@@ -226,7 +226,7 @@ TEST_F(PlayerTest, FailuresSkipAndStopByTheRule) {
             happened += (happened.empty() ? "" : ", ") + event;
         EXPECT_EQ(happened, row.expected);
         ASSERT_FALSE(m_failures.empty());
-        EXPECT_EQ(m_failures.front().message, AudioCoreError::openFailure().description());
+        EXPECT_EQ(m_failures.front().message, AudioCoreError::readFailure().description());
         EXPECT_EQ(m_player.errorMessage(), m_failures.back().message);
     }
 }

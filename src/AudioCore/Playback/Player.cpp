@@ -111,10 +111,13 @@ void Player::play(int index) {
 }
 
 void Player::pause() {
-    if (d->state == PlaybackState::playing)
+    if (d->state == PlaybackState::playing) {
         d->pause();
-    else if (d->state == PlaybackState::loading)
+    } else if (d->state == PlaybackState::loading) {
         d->autoplayAfterLoad = false;
+        if (d->graph) // it plays on where the track before has just ended
+            d->graph->node()->pause();
+    }
 }
 
 void Player::togglePause() {
@@ -123,10 +126,11 @@ void Player::togglePause() {
 }
 
 void Player::togglePlayPause() {
-    if (d->state == PlaybackState::loading)
-        d->autoplayAfterLoad = !d->autoplayAfterLoad;
-    else if (d->state == PlaybackState::playing)
+    const bool isLoading = d->state == PlaybackState::loading;
+    if (d->state == PlaybackState::playing || (isLoading && d->autoplayAfterLoad))
         pause();
+    else if (isLoading)
+        d->autoplayAfterLoad = true;
     else
         play();
 }
@@ -233,14 +237,15 @@ void Player::Private::editQueue(const std::function<void(PlayQueue &)> &edit) {
     const std::optional<QUuid> after = currentID();
     if (!after && state != PlaybackState::stopped)
         stop();
+    const bool plays = state != PlaybackState::stopped;
+    const unsigned commands = startsAndStops;
     Q_EMIT q.queueChanged();
     if (after == before) {
         planFollowers();
         return;
     }
-    const bool plays = state != PlaybackState::stopped;
     announceTrack();
-    if (plays)
+    if (plays && startsAndStops == commands)
         startCurrentTrack(autoplayAfterLoad);
 }
 

@@ -73,7 +73,7 @@ void Player::Private::startCurrentTrack(bool autoplay) {
         return;
     generation = newGeneration();
     forgetFollowers();
-    autoplayAfterLoad = autoplay;
+    setAutoplay(autoplay);
     fileDuration = 0;
     url.clear();
     download.reset();

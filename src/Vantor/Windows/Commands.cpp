@@ -127,7 +127,7 @@ void Commands::addPlayback() {
 
 void Commands::play() {
     Player &player = m_model.player();
-    if (player.queue().count() > 0 && player.state() != PlaybackState::playing)
+    if (player.queue().count() > 0 && !player.wantsToPlay())
         trigger(Id::play);
 }
 

@@ -175,7 +175,7 @@ void PlayerModel::enqueue(const QList<QUrl> &urls) {
 
 void PlayerModel::insert(const QList<QUrl> &urls, int row) {
     const std::vector<Track> &tracks = m_player.queue().tracks();
-    ImportPlan plan{.plays = false};
+    ImportPlan plan;
     if (row >= 0 && row < m_player.queue().count())
         plan.before = tracks[static_cast<std::size_t>(row)].id;
     startImport(urls, plan);
@@ -217,14 +217,13 @@ void PlayerModel::takeTracks(quint64 import, const std::vector<Track> &tracks) {
     const bool replaces = std::exchange(plan.replaces, false);
     if (replaces)
         m_player.clearQueue();
-    const bool idle = m_player.state() == PlaybackState::stopped;
     const std::vector<Track> &queued = m_player.queue().tracks();
     auto place = queued.end();
     if (plan.before)
         place = std::ranges::find(queued, *plan.before, &Track::id);
     const auto first = static_cast<int>(place - queued.begin());
     m_player.insertTracks(tracks, first);
-    if (plan.plays && (idle || replaces))
+    if (replaces)
         m_player.play(first);
 }
 

@@ -277,8 +277,10 @@ QPoint WindowDockingCoordinator::showPosition(SkinWindowController &forControlle
 
 // Drags and sizes
 
-void WindowDockingCoordinator::dragBegan(SkinWindowController &controller) {
-    m_drag.emplace(DragSession(controller.windowKind(), dockedWindows()), frame(controller).topLeft());
+QPoint WindowDockingCoordinator::dragBegan(SkinWindowController &controller) {
+    const QPoint origin = frame(controller).topLeft();
+    m_drag.emplace(DragSession(controller.windowKind(), dockedWindows()), origin);
+    return origin;
 }
 
 void WindowDockingCoordinator::drag(SkinWindowController &controller, QPoint to) {

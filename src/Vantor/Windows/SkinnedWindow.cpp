@@ -149,9 +149,7 @@ void SkinnedWindow::dock(WindowDockingCoordinator &docking) {
 }
 
 void SkinnedWindow::beginDrag(QPoint global) {
-    m_dragStart = global - pos();
-    if (m_docking)
-        m_docking->dragBegan(*this);
+    m_dragStart = global - (m_docking ? m_docking->dragBegan(*this) : pos());
 }
 
 void SkinnedWindow::dragTo(QPoint global) {

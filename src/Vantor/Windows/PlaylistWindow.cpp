@@ -68,6 +68,12 @@ void PlaylistWindow::draw(QPainter &painter, int zoom) const {
     PlaylistWindowRenderer::draw(painter, model().skin(), m_scene, zoom);
 }
 
+// The visualizer's picture, or in a pause the clock that blinks.
+bool PlaylistWindow::moves() const {
+    const bool isPaused = model().player().state() == PlaybackState::paused;
+    return !isShaded() && (isPaused || Layout::hasVisualizer(m_playlist.size()));
+}
+
 // Controls
 
 void PlaylistWindow::click(Control control) {

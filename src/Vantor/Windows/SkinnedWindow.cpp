@@ -57,6 +57,7 @@ QRect SkinnedWindow::titleBar() const {
 void SkinnedWindow::refresh() {
     if (!isVisible())
         return; // showing it comes here again
+    watchClock();
     const QRegion changed = composeScene();
     if (!changed.isEmpty())
         showChange(scaled(changed, zoom()));
@@ -115,6 +116,7 @@ void SkinnedWindow::takeShape() {
     static_cast<void>(composeScene()); // all of it is painted below
     const QSize size = skinSize() * zoom();
     setFixedSize(size);
+    watchClock();
     const QRegion shape = outline(zoom());
     static const bool hasShapes = QGuiApplication::platformName() != QLatin1String("offscreen");
     if (!hasShapes || shape == QRegion(QRect(QPoint(), size)))
@@ -212,10 +214,15 @@ void SkinnedWindow::showEvent(QShowEvent *event) {
 // Only the system's window knows that it has gone to another desktop.
 bool SkinnedWindow::eventFilter(QObject *watched, QEvent *event) {
     if (watched == windowHandle() && event->type() == QEvent::Expose) {
-        m_model.clock().setWatched(this, moves() && windowHandle()->isExposed());
+        watchClock();
         refresh();
     }
     return QWidget::eventFilter(watched, event);
+}
+
+void SkinnedWindow::watchClock() {
+    const bool isSeen = isVisible() && windowHandle() && windowHandle()->isExposed();
+    m_model.clock().setWatched(this, isSeen && moves());
 }
 
 void SkinnedWindow::hideEvent(QHideEvent *event) {

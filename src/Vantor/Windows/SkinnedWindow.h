@@ -84,7 +84,7 @@ class SkinnedWindow : public QWidget, public SkinWindowController {
     /// painter's clip need not be drawn.
     virtual void draw(QPainter &painter, int zoom) const = 0;
 
-    /// Whether anything in it moves by itself: if not, nothing is reckoned for its sake.
+    /// Whether anything in it moves by itself now: if not, nothing is reckoned for its sake.
     [[nodiscard]] virtual bool moves() const { return true; }
 
     // The pointer. A press on a control grabs it: until it is let go, all movements are the control's. A grab
@@ -164,6 +164,7 @@ class SkinnedWindow : public QWidget, public SkinWindowController {
     void stayOnTopIfAsked();
     void showChange(const QRegion &region);
     void paint(QPainter &painter, const QRegion &region) const;
+    void watchClock();
     void drawFocus(QPainter &painter) const;
     void tellAssistiveTools();
 

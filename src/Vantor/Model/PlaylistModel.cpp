@@ -5,14 +5,13 @@
 #include "LocalPlayback/Playlists/PlaylistFile.h"
 #include "MusicBackendKit/MarqueeText.h"
 #include "Platform/TextFolding.h"
+#include "Vantor/Model/InBackground.h"
 #include "Vantor/Model/NameOrder.h"
 #include "Vantor/Model/TrackFinder.h"
 
 #include <QFileInfo>
-#include <QFutureWatcher>
 #include <QScopedValueRollback>
 #include <QSettings>
-#include <QtConcurrentRun>
 
 #include <cmath>
 #include <numeric>
@@ -29,18 +28,6 @@ namespace Layout = PlaylistWindowLayout;
 
 QString nameOf(const Track &track) {
     return MarqueeText::name(track.artist, track.title);
-}
-
-/// Runs `work` on a worker thread and `then` with its result on this one, unless `context` has gone by then.
-template <class Work, class Then>
-void inBackground(QObject *context, Work work, Then then) {
-    using Result = std::invoke_result_t<Work>;
-    auto *watcher = new QFutureWatcher<Result>(context);
-    QObject::connect(watcher, &QFutureWatcher<Result>::finished, context, [watcher, then] {
-        watcher->deleteLater();
-        then(watcher->result());
-    });
-    watcher->setFuture(QtConcurrent::run(work));
 }
 
 struct Lengths {
@@ -349,7 +336,7 @@ void PlaylistModel::removeMissing() {
         }
         return missing;
     };
-    inBackground(this, findMissing, [this](const QSet<QUuid> &missing) {
+    inBackground(*QThreadPool::globalInstance(), this, findMissing, [this](const QSet<QUuid> &missing) {
         PlaylistSelection gone;
         gone.ids = missing;
         removeRows(gone.indices(tracks()));
@@ -425,7 +412,7 @@ void PlaylistModel::save(const QUrl &list) {
             return error.description();
         }
     };
-    inBackground(this, write, [this](const QString &failure) {
+    inBackground(*QThreadPool::globalInstance(), this, write, [this](const QString &failure) {
         if (!failure.isEmpty())
             m_model.showNotice(failure);
     });

@@ -5,6 +5,7 @@
 #include "SkinKit/Rendering/EqualizerWindowRenderer.h"
 #include "Vantor/Windows/PresetsMenu.h"
 
+#include <QDir>
 #include <QFileInfo>
 #include <QKeyEvent>
 
@@ -368,7 +369,7 @@ void EqualizerWindow::drop(const QList<QUrl> &urls, QPoint at, Qt::KeyboardModif
     QList<QUrl> others;
     for (const QUrl &url : urls) {
         const QString path = url.toLocalFile();
-        if (QFileInfo(path).suffix().compare(QLatin1String("eqf"), Qt::CaseInsensitive) == 0)
+        if (QDir::match(EqualizerModel::filePatterns(), QFileInfo(path).fileName()))
             m_equalizer.loadFile(path);
         else
             others.append(url);

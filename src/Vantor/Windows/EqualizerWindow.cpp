@@ -357,12 +357,11 @@ void EqualizerWindow::wheel(double notches, QPoint at) {
         SkinnedWindow::wheel(notches, at);
 }
 
-void EqualizerWindow::popUpMenu(QPoint at, QPoint global) {
+bool EqualizerWindow::rightClick(QPoint at) {
     const EqControl under = eqControl(controlAt(at));
     if (isGain(under))
         stepGain(under, 0);
-    else
-        SkinnedWindow::popUpMenu(at, global);
+    return isGain(under);
 }
 
 void EqualizerWindow::drop(const QList<QUrl> &urls, QPoint at, Qt::KeyboardModifiers modifiers) {

@@ -105,7 +105,9 @@ class SkinnedWindow : public QWidget, public SkinWindowController {
     /// A double click; false: it counts as two clicks.
     virtual bool doubleClick(Control control, QPoint at);
     virtual void wheel(double notches, QPoint at);
-    /// Any press of the right button opens the main menu unless a subclass has a better idea.
+    /// What the right button does where it opens no menu; false: it opens one.
+    virtual bool rightClick(QPoint at);
+    /// The main menu opens everywhere unless a subclass has a better idea.
     virtual void popUpMenu(QPoint at, QPoint global);
     /// What the menu key means, which has no place of its own: the control that Tab has reached, or none.
     [[nodiscard]] virtual QPoint menuPlace() const;
@@ -162,9 +164,9 @@ class SkinnedWindow : public QWidget, public SkinWindowController {
   private:
     void takeWindowState();
     void stayOnTopIfAsked();
+    void watchClock();
     void showChange(const QRegion &region);
     void paint(QPainter &painter, const QRegion &region) const;
-    void watchClock();
     void drawFocus(QPainter &painter) const;
     void tellAssistiveTools();
 

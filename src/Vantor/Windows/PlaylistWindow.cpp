@@ -228,7 +228,7 @@ std::function<void()> PlaylistWindow::keyAction(const QKeyEvent &event) const {
         {Qt::CTRL | Qt::SHIFT | Qt::Key_Right, resize(1, 0)},
         {Qt::CTRL | Qt::SHIFT | Qt::Key_Up, resize(0, isShaded() ? 0 : -1)},
         {Qt::CTRL | Qt::SHIFT | Qt::Key_Down, resize(0, isShaded() ? 0 : 1)},
-        {Qt::Key_Escape, [&list] { list.isTyping() ? list.endTyping() : list.selectNone(); }},
+        {Qt::Key_Escape, [&list] { list.isTyping() ? list.cancelTyping() : list.selectNone(); }},
     };
     for (const auto &[combination, action] : actions) {
         if (combination == QKeyCombination(keys, static_cast<Qt::Key>(event.key())))

@@ -213,7 +213,9 @@ void PlaylistWindow::popUpMenu(QPoint at, QPoint global) {
         return;
     }
     const int row = rowAt(at);
-    if (!m_playlist.isSelected(row))
+    if (m_playlist.isSelected(row))
+        m_playlist.setCursor(row); // what the menu does to one row, it does to this one
+    else
         m_playlist.select(row, Selecting::only);
     m_entries->popUpRowMenu(global);
 }

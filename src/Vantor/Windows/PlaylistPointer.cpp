@@ -130,9 +130,7 @@ void PlaylistWindow::cancel(Control) {
 
 void PlaylistWindow::resizeTo(QPoint at) {
     const QPoint way = at - m_held.at;
-    const QSize size = Layout::snapped(m_held.size + QSize(way.x(), isShaded() ? 0 : way.y()));
-    if (size != m_playlist.size())
-        resizeDocked([&] { m_playlist.setSize(size); });
+    m_playlist.setSize(m_held.size + QSize(way.x(), isShaded() ? 0 : way.y()));
 }
 
 // Rows

@@ -7,9 +7,6 @@
 #include "SkinLibrary/Ingest/SkinIndexer.h"
 #include "SkinLibrary/Ingest/SkinIngester.h"
 
-#include <sys/resource.h>
-#include <unistd.h>
-
 #include <system_error>
 
 namespace vantor {
@@ -18,12 +15,6 @@ namespace {
 
 /// To be raised when the pictures of main windows change.
 constexpr int renderingVersion = 1;
-
-/// Behind the windows and the sound. Qt's own thread priorities mean nothing to the usual scheduler.
-void yieldToOthers() {
-    constexpr int niceness = 10;
-    setpriority(PRIO_PROCESS, static_cast<id_t>(gettid()), niceness);
-}
 
 /// Whether the file is still the one that the index knows by this hash.
 bool isStill(const QString &hash, const QString &path) {
@@ -98,7 +89,6 @@ void ThumbnailCache::take(const Request &request, const std::optional<QImage> &p
 }
 
 void ThumbnailCache::work() {
-    yieldToOthers();
     while (const std::optional<Request> request = next()) {
         const auto deliver = [this, request = *request, picture = make(*request)] { take(request, picture); };
         QMetaObject::invokeMethod(this, deliver, Qt::QueuedConnection);
@@ -131,7 +121,6 @@ std::optional<QImage> ThumbnailCache::make(const Request &request) {
 }
 
 void ThumbnailCache::trim() {
-    yieldToOthers();
     m_files->trim(m_diskLimit, m_stop);
 }
 

@@ -10,6 +10,7 @@
 #include "Vantor/App/SavedQueue.h"
 #include "Vantor/App/SingleInstance.h"
 #include "Vantor/App/TimedRun.h"
+#include "Vantor/Library/MusicLibrary.h"
 #include "Vantor/Model/PlayerModel.h"
 #include "Vantor/Model/ResumePoint.h"
 #include "Vantor/Mpris/MprisService.h"
@@ -168,6 +169,8 @@ int runProgram(int argc, char **argv) {
     if (!options.seconds)
         savedQueue.emplace(model, demoTrack());
     SkinnedWindows windows(model, settings);
+    MusicLibrary library(model, settings);
+    windows.commands().setLibrary(&library);
     std::optional<TimedRun> timedRun;
     if (options.seconds) {
         timedRun.emplace(model, windows.mainWindow(), *options.seconds,

@@ -5,6 +5,7 @@
 #include "Vantor/Model/StoredValue.h"
 
 #include <QLoggingCategory>
+#include <QPointer>
 #include <QSettings>
 #include <QTimer>
 
@@ -174,11 +175,24 @@ void PlayerModel::enqueue(const QList<QUrl> &urls) {
 }
 
 void PlayerModel::insert(const QList<QUrl> &urls, int row) {
-    const std::vector<Track> &tracks = m_player.queue().tracks();
+    startImport(urls, planInFrontOf(row));
+}
+
+PlayerModel::ImportPlan PlayerModel::planInFrontOf(int row) const {
     ImportPlan plan;
     if (row >= 0 && row < m_player.queue().count())
-        plan.before = tracks[static_cast<std::size_t>(row)].id;
-    startImport(urls, plan);
+        plan.before = m_player.queue().tracks()[static_cast<std::size_t>(row)].id;
+    return plan;
+}
+
+void PlayerModel::startImport(const QList<MediaID> &ids, const ImportPlan &plan) {
+    if (!m_library || ids.isEmpty())
+        return;
+    m_library(ids,
+              [self = QPointer(this), plan = ImportPlan(plan)](const std::vector<Track> &tracks) mutable {
+                  if (self)
+                      self->addTracks(tracks, plan);
+              });
 }
 
 void PlayerModel::startImport(const QList<QUrl> &urls, const ImportPlan &plan) {
@@ -213,7 +227,10 @@ void PlayerModel::importMusic(const QList<QUrl> &music, const ImportPlan &plan) 
 }
 
 void PlayerModel::takeTracks(quint64 import, const std::vector<Track> &tracks) {
-    ImportPlan &plan = m_imports[import];
+    addTracks(tracks, m_imports[import]);
+}
+
+void PlayerModel::addTracks(const std::vector<Track> &tracks, ImportPlan &plan) {
     const bool replaces = std::exchange(plan.replaces, false);
     if (replaces)
         m_player.clearQueue();

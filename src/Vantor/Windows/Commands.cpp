@@ -1,5 +1,6 @@
 #include "Vantor/Windows/Commands.h"
 
+#include "Vantor/Library/MusicLibrary.h"
 #include "Vantor/Model/SkinSwitcher.h"
 #include "Vantor/Windows/DialogPlace.h"
 #include "Vantor/Windows/FileInfoDialog.h"
@@ -21,6 +22,8 @@
 namespace vantor {
 
 namespace {
+
+using ::operator|; // of keys, which our own flags' operators hide
 
 constexpr double volumeStep = 0.02;
 constexpr double seekStep = 5; // seconds
@@ -273,6 +276,8 @@ void Commands::addWindows() {
         if (window && window->isVisible())
             window->showMinimized();
     });
+    add(Id::library, tr("Library…"), {Qt::ALT | Qt::Key_L}, [this] { m_library->showWindow(); });
+    setLibrary(nullptr);
     add(Id::preferences, tr("Preferences…"), {Qt::CTRL | Qt::Key_P}, [this] { showPreferences(); });
     add(Id::about, tr("About Vantor"), {}, [this] { showAbout(); });
     add(Id::quit, tr("Exit"), {Qt::CTRL | Qt::Key_Q, Qt::ALT | Qt::Key_F4}, &SkinnedWindow::quitProgram);
@@ -312,11 +317,20 @@ void Commands::showFileInfo() {
         m_model.showNotice(tr("No file is loaded"));
 }
 
-void Commands::showPreferences() {
+void Commands::setLibrary(MusicLibrary *library) {
+    m_library = library;
+    action(Id::library).setEnabled(library != nullptr);
+    if (library)
+        connect(library, &MusicLibrary::settingsAsked, this, [this] { showPreferences(true); });
+}
+
+void Commands::showPreferences(bool ofLibrary) {
     if (!m_preferences) {
-        m_preferences = new PreferencesDialog(m_model, activeWindow());
+        m_preferences = new PreferencesDialog(m_model, m_library, activeWindow());
         DialogPlace::beside(*m_preferences, shownFrames());
     }
+    if (ofLibrary)
+        m_preferences->showLibrary();
     m_preferences->show();
     m_preferences->raise();
     m_preferences->activateWindow();

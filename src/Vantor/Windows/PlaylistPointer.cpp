@@ -288,9 +288,17 @@ void PlaylistWindow::dragLeaveEvent(QDragLeaveEvent *event) {
 }
 
 void PlaylistWindow::drop(const QList<QUrl> &urls, QPoint, Qt::KeyboardModifiers) {
+    model().insert(urls, takeInsertion());
+}
+
+void PlaylistWindow::drop(const QList<MediaID> &ids, QPoint, Qt::KeyboardModifiers) {
+    model().insertItems(ids, takeInsertion());
+}
+
+int PlaylistWindow::takeInsertion() {
     const std::optional<int> gap = std::exchange(m_insertion, std::nullopt);
-    model().insert(urls, gap ? m_playlist.firstRow() + *gap : m_playlist.count());
     refresh();
+    return gap ? m_playlist.firstRow() + *gap : m_playlist.count();
 }
 
 } // namespace vantor

@@ -37,6 +37,7 @@ class PlaylistWindow : public SkinnedWindow {
     void popUpMenu(QPoint at, QPoint global) override;
     [[nodiscard]] QPoint menuPlace() const override;
     void drop(const QList<QUrl> &urls, QPoint at, Qt::KeyboardModifiers modifiers) override;
+    void drop(const QList<MediaID> &ids, QPoint at, Qt::KeyboardModifiers modifiers) override;
     [[nodiscard]] bool wantsKey(const QKeyEvent &event) const override;
     void setValue(Control slider, double value) override;
 
@@ -67,6 +68,8 @@ class PlaylistWindow : public SkinnedWindow {
     void closeMenu();
     void runMenuEntry();
     [[nodiscard]] int rowAt(QPoint at) const;
+    /// The row in front of which a drop goes; from now on none is.
+    [[nodiscard]] int takeInsertion();
     void describe(SkinControl &known, PlaylistWindowControl control) const;
 
     PlaylistModel &m_playlist;

@@ -112,6 +112,8 @@ class SkinnedWindow : public QWidget, public SkinWindowController {
     /// What the menu key means, which has no place of its own: the control that Tab has reached, or none.
     [[nodiscard]] virtual QPoint menuPlace() const;
     virtual void drop(const QList<QUrl> &urls, QPoint at, Qt::KeyboardModifiers modifiers);
+    /// The same with items of the library.
+    virtual void drop(const QList<MediaID> &ids, QPoint at, Qt::KeyboardModifiers modifiers);
 
     /// True: the key goes to keyPressEvent() even if a command has it as its shortcut.
     [[nodiscard]] virtual bool wantsKey(const QKeyEvent &event) const;

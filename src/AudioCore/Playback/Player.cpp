@@ -29,6 +29,10 @@ PlaybackState Player::state() const {
     return d->state;
 }
 
+bool Player::wantsToPlay() const {
+    return d->state == PlaybackState::playing || (d->state == PlaybackState::loading && d->autoplayAfterLoad);
+}
+
 double Player::currentTime() const {
     return d->currentTime;
 }
@@ -114,7 +118,7 @@ void Player::pause() {
     if (d->state == PlaybackState::playing) {
         d->pause();
     } else if (d->state == PlaybackState::loading) {
-        d->autoplayAfterLoad = false;
+        d->setAutoplay(false);
         if (d->graph) // it plays on where the track before has just ended
             d->graph->node()->pause();
     }
@@ -130,7 +134,7 @@ void Player::togglePlayPause() {
     if (d->state == PlaybackState::playing || (isLoading && d->autoplayAfterLoad))
         pause();
     else if (isLoading)
-        d->autoplayAfterLoad = true;
+        d->setAutoplay(true);
     else
         play();
 }
@@ -322,6 +326,11 @@ void Player::Private::setState(PlaybackState newState) {
     state = newState;
     emitEvent(PlayerEvents::StateChanged{newState});
     Q_EMIT q.stateChanged();
+}
+
+void Player::Private::setAutoplay(bool autoplay) {
+    if (std::exchange(autoplayAfterLoad, autoplay) != autoplay && state == PlaybackState::loading)
+        Q_EMIT q.stateChanged();
 }
 
 void Player::Private::setCurrentTime(double seconds) {

@@ -76,7 +76,7 @@ void Player::Private::startCurrentTrack(bool autoplay) {
     ++startsAndStops;
     generation = newGeneration();
     forgetFollowers();
-    autoplayAfterLoad = autoplay;
+    setAutoplay(autoplay);
     fileDuration = 0;
     url.clear();
     download.reset();

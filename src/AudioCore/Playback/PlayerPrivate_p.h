@@ -24,6 +24,7 @@ class Player::Private {
     // Telling the observers.
     void emitEvent(const PlayerEvent &event);
     void setState(PlaybackState newState);
+    void setAutoplay(bool autoplay);
     void setCurrentTime(double seconds);
     void setFormat(const std::optional<PlaybackFormat> &newFormat);
     /// Announces the current track unless it was the last one announced.

@@ -180,7 +180,7 @@ int runProgram(int argc, char **argv) {
         windows.show();
     }
     QObject::connect(&instance, &SingleInstance::requested, &model, [&](const LaunchOptions &request) {
-        carryOut(request, model);
+        carryOut(request, model, windows.commands());
         if (request == LaunchOptions()) // it only wants to see the player
             windows.bringToFront();
     });
@@ -196,7 +196,7 @@ int runProgram(int argc, char **argv) {
         const bool isAsked = !options.files.isEmpty() || options.command.has_value();
         if (!isAsked && hasTracks && model.preferences().resumesOnStart())
             ResumePoint::resume(settings, player);
-        carryOut(options, model);
+        carryOut(options, model, windows.commands());
         if (!hasTracks && options.files.isEmpty())
             playDemo(model);
     };

@@ -96,7 +96,8 @@ MainWindowScene PlayerModel::scene() const {
 
     MainWindowScene scene;
     scene.status.transport = transportOf(m_player.state());
-    scene.status.timeMode = m_timeMode;
+    // Of a stream nothing remains that could be told.
+    scene.status.timeMode = duration > 0 ? m_timeMode : MainWindowStatus::TimeMode::elapsed;
     scene.status.elapsed = m_player.currentTime();
     scene.status.duration = duration;
     if (track) {
@@ -179,7 +180,7 @@ void PlayerModel::insert(const QList<QUrl> &urls, int row) {
 }
 
 PlayerModel::ImportPlan PlayerModel::planInFrontOf(int row) const {
-    ImportPlan plan{.plays = false};
+    ImportPlan plan;
     if (row >= 0 && row < m_player.queue().count())
         plan.before = m_player.queue().tracks()[static_cast<std::size_t>(row)].id;
     return plan;
@@ -234,14 +235,13 @@ void PlayerModel::addTracks(const std::vector<Track> &tracks, ImportPlan &plan) 
     const bool replaces = std::exchange(plan.replaces, false);
     if (replaces)
         m_player.clearQueue();
-    const bool idle = m_player.state() == PlaybackState::stopped;
     const std::vector<Track> &queued = m_player.queue().tracks();
     auto place = queued.end();
     if (plan.before)
         place = std::ranges::find(queued, *plan.before, &Track::id);
     const auto first = static_cast<int>(place - queued.begin());
     m_player.insertTracks(tracks, first);
-    if (plan.plays && (idle || replaces))
+    if (replaces)
         m_player.play(first);
 }
 

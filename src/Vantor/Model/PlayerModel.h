@@ -59,7 +59,7 @@ class PlayerModel : public QObject {
     void wearDefaultSkin();
 
     // Music. open() replaces the queue once its first track is known to be playable and plays it; enqueue()
-    // adds to the end and plays when nothing else does. Skins among the addresses are worn.
+    // only adds to the end. Skins among the addresses are worn.
     void open(const QList<QUrl> &urls);
     void enqueue(const QList<QUrl> &urls);
     /// Adds in front of a row, or at the end for a row that there is not, and plays nothing by itself. What
@@ -113,8 +113,7 @@ class PlayerModel : public QObject {
   private:
     /// What is done with the tracks of an import.
     struct ImportPlan {
-        bool replaces = false;         ///< the queue, once the first track is there
-        bool plays = true;             ///< the first one, if it replaces or nothing else plays
+        bool replaces = false;         ///< the queue, once the first track is there, which is played
         std::optional<QUuid> before{}; ///< the track in front of which they go, else at the end
     };
     struct HeldImport {

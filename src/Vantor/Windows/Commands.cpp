@@ -15,6 +15,7 @@
 #include <QApplication>
 #include <QMenu>
 #include <QMessageBox>
+#include <QShortcut>
 
 #include <algorithm>
 
@@ -41,6 +42,15 @@ void Commands::addTo(SkinnedWindow &window) {
     m_windows.emplace_back(&window);
     for (const auto &[id, action] : m_actions)
         window.addAction(action);
+    // Keyboards' own keys, where the desktop leaves them to the window, mean what the desktop means by them.
+    const auto bind = [&](Qt::Key key, void (Commands::*run)()) {
+        auto *const shortcut = new QShortcut(key, &window);
+        shortcut->setAutoRepeat(false);
+        connect(shortcut, &QShortcut::activated, this, run);
+    };
+    bind(Qt::Key_MediaPlay, &Commands::togglePlayPause);
+    bind(Qt::Key_MediaTogglePlayPause, &Commands::togglePlayPause);
+    bind(Qt::Key_MediaPause, &Commands::pause);
 }
 
 SkinnedWindow *Commands::activeWindow() const {
@@ -100,8 +110,8 @@ void Commands::oneOf(std::initializer_list<Id> ids) {
 
 void Commands::addPlayback() {
     Player &player = m_model.player();
-    add(Id::previous, tr("Previous"), {Qt::Key_Z}, [&player] { player.previous(); });
-    add(Id::play, tr("Play"), {Qt::Key_X, Qt::Key_MediaPlay}, [this, &player] {
+    add(Id::previous, tr("Previous"), {Qt::Key_Z, Qt::Key_MediaPrevious}, [&player] { player.previous(); });
+    add(Id::play, tr("Play"), {Qt::Key_X}, [this, &player] {
         if (player.queue().count() == 0)
             OpenDialogs::openFiles(m_model, activeWindow());
         else if (player.state() == PlaybackState::playing)
@@ -111,7 +121,7 @@ void Commands::addPlayback() {
     });
     add(Id::pause, tr("Pause"), {Qt::Key_C, Qt::Key_Space}, [&player] { player.togglePause(); });
     add(Id::stop, tr("Stop"), {Qt::Key_V, Qt::Key_MediaStop}, [&player] { player.stop(); });
-    add(Id::next, tr("Next"), {Qt::Key_B}, [&player] { player.next(); });
+    add(Id::next, tr("Next"), {Qt::Key_B, Qt::Key_MediaNext}, [&player] { player.next(); });
     add(Id::volumeUp, tr("Volume Up"), {Qt::Key_Up}, [this] { m_model.changeVolume(volumeStep); });
     add(Id::volumeDown, tr("Volume Down"), {Qt::Key_Down}, [this] { m_model.changeVolume(-volumeStep); });
     add(Id::seekBack, tr("Back 5 Seconds"), {Qt::Key_Left}, [this] { m_model.seekBy(-seekStep); });
@@ -130,7 +140,7 @@ void Commands::addPlayback() {
 
 void Commands::play() {
     Player &player = m_model.player();
-    if (player.queue().count() > 0 && player.state() != PlaybackState::playing)
+    if (player.queue().count() > 0 && !player.wantsToPlay())
         trigger(Id::play);
 }
 
@@ -261,8 +271,10 @@ void Commands::addWindows() {
     toggle(Id::equalizer, tr("Equalizer"), Qt::ALT | Qt::Key_G, WindowKind::equalizer);
     toggle(Id::playlist, tr("Playlist"), Qt::ALT | Qt::Key_E, WindowKind::playlist);
     add(Id::minimize, tr("Minimise"), {Qt::CTRL | Qt::Key_M}, [this] {
-        if (SkinnedWindow *const main = mainWindow())
-            main->showMinimized();
+        SkinnedWindow *const main = mainWindow(); // takes the others along
+        SkinnedWindow *const window = main && main->isVisible() ? main : activeWindow();
+        if (window && window->isVisible())
+            window->showMinimized();
     });
     add(Id::library, tr("Library…"), {Qt::ALT | Qt::Key_L}, [this] { m_library->showWindow(); });
     setLibrary(nullptr);

@@ -130,9 +130,7 @@ void PlaylistWindow::cancel(Control) {
 
 void PlaylistWindow::resizeTo(QPoint at) {
     const QPoint way = at - m_held.at;
-    const QSize size = Layout::snapped(m_held.size + QSize(way.x(), isShaded() ? 0 : way.y()));
-    if (size != m_playlist.size())
-        resizeDocked([&] { m_playlist.setSize(size); });
+    m_playlist.setSize(m_held.size + QSize(way.x(), isShaded() ? 0 : way.y()));
 }
 
 // Rows
@@ -213,7 +211,9 @@ void PlaylistWindow::popUpMenu(QPoint at, QPoint global) {
         return;
     }
     const int row = rowAt(at);
-    if (!m_playlist.isSelected(row))
+    if (m_playlist.isSelected(row))
+        m_playlist.setCursor(row); // what the menu does to one row, it does to this one
+    else
         m_playlist.select(row, Selecting::only);
     m_entries->popUpRowMenu(global);
 }

@@ -118,6 +118,10 @@ void SkinnedWindow::wheelEvent(QWheelEvent *event) {
         wheel(notches, skinPoint(event->position()));
 }
 
+bool SkinnedWindow::rightClick(QPoint) {
+    return false;
+}
+
 void SkinnedWindow::popUpMenu(QPoint, QPoint global) {
     m_commands.popUpMainMenu(global);
 }
@@ -126,7 +130,7 @@ void SkinnedWindow::contextMenuEvent(QContextMenuEvent *event) {
     cancelGrab();
     if (event->reason() == QContextMenuEvent::Keyboard) // comes with the middle of the window
         popUpMenu(menuPlace(), globalPoint(menuPlace()));
-    else
+    else if (!rightClick(skinPoint(event->pos())))
         popUpMenu(skinPoint(event->pos()), event->globalPos());
 }
 

@@ -115,7 +115,10 @@ void SkinLibraryModel::work(const Turn &turn, const QUrl &folder, const std::sto
     const Problem problem = attempt([&] {
         if (turn.reset) {
             m_index->reset();
-            post([this] { noteContent(); });
+            post([this] {
+                setProblem({});
+                noteContent();
+            });
         }
         if (turn.pass)
             summary = pass(turn.full, folder, stop);

@@ -2,11 +2,32 @@
 #include "SkinBrowser/SkinTrash_p.h"
 #include "SkinLibrary/SkinLibraryError.h"
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
+#include <QStandardPaths>
+#include <QTemporaryFile>
 
 namespace vantor {
 
 namespace {
+
+/// Why the user's Trash takes no file of this name; none when it does. Qt tries again for ever, under ever
+/// new names, when it cannot write there what it notes of a file.
+std::optional<QString> failureOfTrash(const QString &path) {
+    constexpr qsizetype longestName = 255 - 24; // bytes: what is noted, and the number, make it longer
+    if (QFile::encodeName(QFileInfo(path).fileName()).size() > longestName)
+        return QStringLiteral("Its name is too long for the Trash.");
+    const QString trash =
+        QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + QStringLiteral("/Trash/");
+    for (const char *part : {"files", "info"}) {
+        const QString folder = trash + QLatin1String(part);
+        QTemporaryFile probe(folder + QStringLiteral("/vantor-XXXXXX"));
+        if (!QDir().mkpath(folder) || !probe.open() || probe.write(folder.toUtf8()) < 0 || !probe.flush())
+            return QStringLiteral("%1: %2").arg(folder, probe.errorString());
+    }
+    return std::nullopt;
+}
 
 /// Why the file is still where it was; none when it is not.
 std::optional<QString> failureToTrash(const QString &path) {
@@ -14,6 +35,8 @@ std::optional<QString> failureToTrash(const QString &path) {
     // Otherwise Qt would look for another name, which may be another file's.
     if (QFile::encodeName(path) != NativePath::bytes(path))
         return QStringLiteral("The Trash cannot keep a file whose name is in an unknown encoding.");
+    if (const std::optional<QString> failure = failureOfTrash(path))
+        return failure;
     if (!file.moveToTrash())
         return file.errorString();
     return std::nullopt;

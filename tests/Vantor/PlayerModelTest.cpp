@@ -150,7 +150,7 @@ TEST_F(PlayerModelTest, DevicesAreToldApartAndTheirLossIsSaidOnce) {
     }
 }
 
-TEST_F(PlayerModelTest, ARunGoesOnWhereTheLastOneWasClosedIfItPlayed) {
+TEST_F(PlayerModelTest, ARunGoesOnWhereTheLastOneWasClosed) {
     m_player.enqueue({Track::file(writeTone("a.wav", 60)), Track::file(writeTone("b.wav", 60))});
     m_player.play(1);
     m_player.seek(30);
@@ -176,6 +176,13 @@ TEST_F(PlayerModelTest, ARunGoesOnWhereTheLastOneWasClosedIfItPlayed) {
         nextRun([&](Player &player) { EXPECT_EQ(player.state(), PlaybackState::stopped) << stored; });
     }
     m_player.pause();
+    ResumePoint::save(m_settings, m_player);
+    m_settings.sync();
+    nextRun([&](Player &player) {
+        EXPECT_TRUE(waitFor([&] { return player.state() == PlaybackState::paused; }));
+        EXPECT_GE(player.currentTime(), 30);
+    });
+    m_player.stop();
     ResumePoint::save(m_settings, m_player);
     m_settings.sync();
     nextRun([](Player &player) { EXPECT_EQ(player.state(), PlaybackState::stopped); });

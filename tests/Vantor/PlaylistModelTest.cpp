@@ -171,8 +171,12 @@ TEST_F(PlaylistModelTest, TheSceneHasWhatIsSeenOnly) {
     EXPECT_EQ(m_playlist.firstRow(), 16);
     m_playlist.setSize({275, 232}); // what is scrolled past the end comes back
     EXPECT_EQ(m_playlist.firstRow(), 20 - PlaylistWindowLayout::visibleRows({275, 232}));
+    const int elsewhere = m_playlist.firstRow();
     m_player.play(0);
-    EXPECT_EQ(m_playlist.firstRow(), 0); // what plays is shown
+    EXPECT_EQ(m_playlist.firstRow(), elsewhere); // the user is looking at something else
+    m_playlist.scrollTo(0);
+    m_player.play(19);
+    EXPECT_EQ(m_playlist.firstRow(), elsewhere); // what plays is followed
 }
 
 TEST_F(PlaylistModelTest, TheSizeIsRememberedAndNonsenseIsNot) {

@@ -193,8 +193,9 @@ int runProgram(int argc, char **argv) {
     // What was asked for, else on from where the last run ended, else the demo.
     const auto begin = [&](bool hasTracks) {
         hasBegun = true;
-        const bool isAsked = !options.files.isEmpty() || options.command.has_value();
-        if (!isAsked && hasTracks && model.preferences().resumesOnStart())
+        const bool goesOn =
+            options.files.isEmpty() && options.command.value_or(LaunchCommand::play) == LaunchCommand::play;
+        if (goesOn && hasTracks && model.preferences().resumesOnStart())
             ResumePoint::resume(settings, player);
         carryOut(options, model, windows.commands());
         if (!hasTracks && options.files.isEmpty())

@@ -21,6 +21,7 @@ namespace vantor {
 namespace {
 
 constexpr int longestTalk = 2000;          // ms
+constexpr int longestEnd = 700;            // ms, after that
 constexpr qint64 longestMessage = 8 << 20; // bytes; some fifty thousand files
 constexpr int lastCommand = static_cast<int>(LaunchCommand::enqueue);
 constexpr int mostTalks = 16;
@@ -95,7 +96,7 @@ SingleInstance::Outcome SingleInstance::claim(const LaunchOptions &options) {
     }
     const Outcome outcome = handOver(options);
     // It was about to end, and is gone or will be in a moment.
-    if (outcome == Outcome::unanswered && m_lock.tryLock(longestTalk)) {
+    if (outcome == Outcome::unanswered && m_lock.tryLock(longestEnd)) {
         listen();
         return Outcome::first;
     }

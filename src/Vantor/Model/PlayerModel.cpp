@@ -97,7 +97,7 @@ MainWindowScene PlayerModel::scene() const {
     MainWindowScene scene;
     scene.status.transport = transportOf(m_player.state());
     // Of a stream nothing remains that could be told.
-    scene.status.timeMode = duration > 0 ? m_timeMode : MainWindowStatus::TimeMode::elapsed;
+    scene.status.timeMode = duration > 0 ? m_timeMode : TimeMode::elapsed;
     scene.status.elapsed = m_player.currentTime();
     scene.status.duration = duration;
     if (track) {
@@ -227,8 +227,16 @@ void PlayerModel::importMusic(const QList<QUrl> &music, const ImportPlan &plan) 
     m_imports.emplace(m_importer.import(music), plan);
 }
 
+void PlayerModel::clearQueue() {
+    m_importer.cancel();
+    m_imports.clear();
+    m_heldImports.clear();
+    m_player.clearQueue();
+}
+
 void PlayerModel::takeTracks(quint64 import, const std::vector<Track> &tracks) {
-    addTracks(tracks, m_imports[import]);
+    if (const auto plan = m_imports.find(import); plan != m_imports.end())
+        addTracks(tracks, plan->second);
 }
 
 void PlayerModel::addTracks(const std::vector<Track> &tracks, ImportPlan &plan) {
@@ -246,6 +254,13 @@ void PlayerModel::addTracks(const std::vector<Track> &tracks, ImportPlan &plan) 
 }
 
 void PlayerModel::finishImport(quint64 import, int added, const std::vector<SkippedFile> &skipped) {
+    if (m_imports.erase(import) > 0)
+        tellOf(added, skipped);
+    if (m_imports.empty())
+        Q_EMIT importsFinished();
+}
+
+void PlayerModel::tellOf(int added, const std::vector<SkippedFile> &skipped) {
     for (const SkippedFile &file : skipped) {
         qCWarning(playerModelLog, "could not play %s: %s", qUtf8Printable(file.name()),
                   qUtf8Printable(file.reason));
@@ -257,9 +272,6 @@ void PlayerModel::finishImport(quint64 import, int added, const std::vector<Skip
         notify(*notice);
     else if (added == 0)
         showNotice(tr("No audio files found"));
-    m_imports.erase(import);
-    if (m_imports.empty())
-        Q_EMIT importsFinished();
 }
 
 void PlayerModel::handle(const PlayerEvent &event) {

@@ -75,6 +75,8 @@ class PlayerModel : public QObject {
     void openItems(const QList<MediaID> &ids) { startImport(ids, {.replaces = true}); }
     void enqueueItems(const QList<MediaID> &ids) { startImport(ids, {}); }
     void insertItems(const QList<MediaID> &ids, int row) { startImport(ids, planInFrontOf(row)); }
+    /// Empties the queue, of what is still being added as well.
+    void clearQueue();
     [[nodiscard]] bool isImporting() const { return !m_imports.empty() || !m_heldImports.empty(); }
     /// What the import that ended last left out, and why.
     [[nodiscard]] const std::vector<SkippedFile> &skippedFiles() const { return m_skippedFiles; }
@@ -130,6 +132,7 @@ class PlayerModel : public QObject {
     void importMusic(const QList<QUrl> &music, const ImportPlan &plan);
     void takeTracks(quint64 import, const std::vector<Track> &tracks);
     void finishImport(quint64 import, int added, const std::vector<SkippedFile> &skipped);
+    void tellOf(int added, const std::vector<SkippedFile> &skipped);
     void watchOutput();
     void notify(const StatusNotice &notice);
     void updateTitle();

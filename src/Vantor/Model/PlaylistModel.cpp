@@ -72,10 +72,10 @@ PlaylistModel::PlaylistModel(PlayerModel &model, QSettings &settings, QObject *p
         if (!std::holds_alternative<PlayerEvents::TrackChanged>(event))
             return;
         m_rows.reset();
-        if (const std::optional<int> current = m_model.player().queue().currentIndex())
-            reveal(*current);
+        followCurrent();
         Q_EMIT changed();
     });
+    m_current = model.player().queue().currentIndex();
     takeQueue();
     // What was played last, with what is around it.
     scrollTo(model.player().queue().currentIndex().value_or(0) - Layout::visibleRows(m_size) / 2);
@@ -167,6 +167,15 @@ void PlaylistModel::reveal(int row) {
         scrollTo(row);
     else if (row >= m_firstRow + visible)
         scrollTo(row - visible + 1);
+}
+
+// A list that the user has scrolled elsewhere stays there.
+void PlaylistModel::followCurrent() {
+    const std::optional<int> before = std::exchange(m_current, m_model.player().queue().currentIndex());
+    const bool wasSeen =
+        !before || (*before >= m_firstRow && *before < m_firstRow + Layout::visibleRows(m_size));
+    if (m_current && wasSeen && !m_isMoving)
+        reveal(*m_current);
 }
 
 void PlaylistModel::takeQueue() {
@@ -363,7 +372,7 @@ void PlaylistModel::crop() {
 }
 
 void PlaylistModel::removeAll() {
-    m_model.player().clearQueue();
+    m_model.clearQueue();
 }
 
 void PlaylistModel::removeMissing() {

@@ -89,6 +89,7 @@ class PlaylistModel : public QObject {
 
     void searchOn(std::chrono::milliseconds longest);
     [[nodiscard]] const std::vector<Track> &tracks() const { return m_model.player().queue().tracks(); }
+    void followCurrent();
     void takeQueue();
     [[nodiscard]] QUuid idAt(int row) const;
     [[nodiscard]] std::optional<int> rowOf(const QUuid &id, int before) const;
@@ -116,7 +117,8 @@ class PlaylistModel : public QObject {
     mutable std::optional<std::vector<PlaylistRow>> m_rows;
     mutable std::optional<QString> m_runningTime;
     mutable std::optional<IndexSet> m_selectedRows;
-    bool m_isMoving = false; ///< rows of its own, as it knows
+    std::optional<int> m_current; ///< the row of the track that was announced last
+    bool m_isMoving = false;      ///< rows of its own, as it knows
 };
 
 } // namespace vantor

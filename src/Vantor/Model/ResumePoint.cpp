@@ -10,15 +10,19 @@ namespace vantor::ResumePoint {
 namespace {
 
 const QString key = QStringLiteral("resumeSeconds");
+const QString pausedKey = QStringLiteral("resumePaused");
 constexpr double longest = 1e7; // seconds
 
 } // namespace
 
 void save(QSettings &settings, const Player &player) {
-    if (player.state() == PlaybackState::playing || player.state() == PlaybackState::loading)
-        settings.setValue(key, player.currentTime());
-    else
+    if (player.state() == PlaybackState::stopped) {
         settings.remove(key);
+        settings.remove(pausedKey);
+        return;
+    }
+    settings.setValue(key, player.currentTime());
+    settings.setValue(pausedKey, player.state() == PlaybackState::paused);
 }
 
 void resume(const QSettings &settings, Player &player) {
@@ -27,6 +31,8 @@ void resume(const QSettings &settings, Player &player) {
         return;
     player.play();
     player.seek(seconds);
+    if (StoredValue::boolean(settings, pausedKey, false))
+        player.pause();
 }
 
 } // namespace vantor::ResumePoint

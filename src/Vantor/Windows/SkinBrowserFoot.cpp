@@ -1,6 +1,7 @@
 #include "Vantor/Windows/SkinBrowserFoot.h"
 
 #include "SkinBrowser/SkinLibraryModel.h"
+#include "SkinLibrary/SkinLibraryError.h"
 #include "Vantor/Model/PlayerModel.h"
 
 #include <QDir>
@@ -115,8 +116,12 @@ QString SkinBrowserFoot::passText() const {
 }
 
 QString SkinBrowserFoot::restText() const {
+    if (m_library.isIndexUnusable())
+        return tr("No index");
+    if (m_library.problem().startsWith(SkinLibraryError::folderUnreadable({}).description()))
+        return tr("The folder could not be read");
     if (!m_library.problem().isEmpty())
-        return m_library.isIndexUnusable() ? tr("No index") : tr("The folder could not be read");
+        return tr("The index is not up to date");
     const auto all = m_library.counts().skins;
     return m_found == all ? tr("%L1 skins").arg(all) : tr("%L1 of %L2 skins").arg(m_found).arg(all);
 }

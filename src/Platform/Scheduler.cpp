@@ -8,7 +8,8 @@ namespace {
 
 class PendingTimer : public Scheduler::Pending {
   public:
-    PendingTimer(std::chrono::milliseconds delay, std::function<void()> action) : m_action(std::move(action)) {
+    PendingTimer(std::chrono::milliseconds delay, std::function<void()> action)
+        : m_action(std::move(action)) {
         m_timer.setSingleShot(true);
         m_timer.setTimerType(Qt::PreciseTimer);
         m_timer.callOnTimeout([this] {

@@ -5,8 +5,9 @@
 
 namespace vantor {
 
-/// One connection from its opening to its end: the handshake, what is received, and whether the other side still
-/// lives. Each attempt has an object of its own, so that what an old socket still says reaches nobody. Main thread.
+/// One connection from its opening to its end: the handshake, what is received, and whether the other side
+/// still lives. Each attempt has an object of its own, so that what an old socket still says reaches nobody.
+/// Main thread.
 class MAConnection : public QObject {
     Q_OBJECT
   public:

@@ -1,5 +1,4 @@
 #include "MusicAssistantKit/Connection/MAFrameDecoder_p.h"
-
 #include "MusicAssistantKit/Connection/MAWebSocketTransport.h"
 
 #include <QtConcurrentRun>
@@ -10,6 +9,10 @@ namespace {
 constexpr qsizetype longFrame = 32 << 10; // less than half a millisecond's work
 constexpr qsizetype maxWaiting = 2 * maxFrameBytes;
 } // namespace
+
+MAFrameDecoder::MAFrameDecoder() {
+    connect(&m_watcher, &QFutureWatcherBase::finished, this, &MAFrameDecoder::announce);
+}
 
 bool MAFrameDecoder::add(const QString &text) {
     if (isIdle() && text.size() < longFrame) {
@@ -26,14 +29,16 @@ bool MAFrameDecoder::add(const QString &text) {
 }
 
 void MAFrameDecoder::decodeFirst() {
-    const auto announce = [this](const MAEnvelope &envelope) {
-        m_waitingLength -= m_waiting.front().size();
-        m_waiting.pop_front();
-        if (!m_waiting.empty())
-            decodeFirst();
-        Q_EMIT decoded(envelope);
-    };
-    QtConcurrent::run(&MAEnvelope::decode, m_waiting.front()).then(this, announce);
+    m_watcher.setFuture(QtConcurrent::run(&MAEnvelope::decode, m_waiting.front()));
+}
+
+void MAFrameDecoder::announce() {
+    const MAEnvelope envelope = m_watcher.result();
+    m_waitingLength -= m_waiting.front().size();
+    m_waiting.pop_front();
+    if (!m_waiting.empty())
+        decodeFirst();
+    Q_EMIT decoded(envelope);
 }
 
 } // namespace vantor

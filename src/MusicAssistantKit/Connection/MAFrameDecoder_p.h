@@ -2,17 +2,20 @@
 
 #include "MusicAssistantKit/Wire/MAEnvelope.h"
 
+#include <QFutureWatcher>
 #include <QObject>
 
 #include <deque>
 
 namespace vantor {
 
-/// Makes envelopes of text frames, in their order. The pages of a large library are decoded on another thread,
-/// so that the main one goes on; what is short is decoded at once. Main thread.
+/// Makes envelopes of text frames, in their order. The pages of a large library are decoded on another
+/// thread, so that the main one goes on; what is short is decoded at once. Main thread.
 class MAFrameDecoder : public QObject {
     Q_OBJECT
   public:
+    MAFrameDecoder();
+
     /// False, and nothing is taken, when too much waits already.
     [[nodiscard]] bool add(const QString &text);
     /// Whether everything that was added has been announced.
@@ -23,9 +26,11 @@ class MAFrameDecoder : public QObject {
 
   private:
     void decodeFirst();
+    void announce();
 
     std::deque<QString> m_waiting; ///< the first one is being decoded
     qsizetype m_waitingLength = 0;
+    QFutureWatcher<MAEnvelope> m_watcher;
 };
 
 } // namespace vantor

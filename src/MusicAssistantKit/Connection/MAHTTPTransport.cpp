@@ -1,7 +1,6 @@
 #include "MusicAssistantKit/Connection/MAHTTPTransport.h"
 
 #include "MusicAssistantKit/Connection/MusicAssistantError.h"
-
 #include "Platform/AsyncStream.h"
 
 #include <QNetworkReply>
@@ -77,9 +76,11 @@ QCoro::Task<MAHTTPAnswer> QtHTTPTransport::get(QUrl url, qint64 maxBytes, std::c
     if (download.end() == Download::End::timedOut)
         throw MusicAssistantError::timeout(url.path());
     const int status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-    const bool broke = reply.error() != QNetworkReply::NoError && reply.error() < QNetworkReply::ContentAccessDenied;
+    const bool broke =
+        reply.error() != QNetworkReply::NoError && reply.error() < QNetworkReply::ContentAccessDenied;
     if (status == 0 || broke || download.end() == Download::End::tooLong)
-        throw MusicAssistantError::transport({.kind = MATransportError::Kind::network, .detail = reply.errorString()});
+        throw MusicAssistantError::transport(
+            {.kind = MATransportError::Kind::network, .detail = reply.errorString()});
     co_return MAHTTPAnswer{.status = status, .body = std::move(body)};
 }
 

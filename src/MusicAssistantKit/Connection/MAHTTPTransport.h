@@ -19,8 +19,8 @@ struct MAHTTPAnswer {
 class MAHTTPTransport {
   public:
     virtual ~MAHTTPTransport() = default;
-    /// Redirections are not followed: their status is the answer. Throws MusicAssistantError: `transport` when
-    /// there is no answer or its body is longer than `maxBytes`, `timeout`.
+    /// Redirections are not followed: their status is the answer. Throws MusicAssistantError: `transport`
+    /// when there is no answer or its body is longer than `maxBytes`, `timeout`.
     [[nodiscard]] virtual QCoro::Task<MAHTTPAnswer> get(QUrl url, qint64 maxBytes,
                                                         std::chrono::milliseconds timeout) = 0;
 };

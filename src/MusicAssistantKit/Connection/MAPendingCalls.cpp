@@ -46,7 +46,8 @@ void MAPendingCalls::take(const MAEnvelope::Result &result) {
     else if (!addsNothing)
         gathered = joined(std::exchange(*gathered, MAJSON()), result.result);
     if (gathered->size() > maxItems)
-        end(call, MusicAssistantError::decoding(call->second.command, QStringLiteral("corrupt data at result")));
+        end(call,
+            MusicAssistantError::decoding(call->second.command, QStringLiteral("corrupt data at result")));
     else if (!result.partial)
         end(call, std::move(*gathered));
 }

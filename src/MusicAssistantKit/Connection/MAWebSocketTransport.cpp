@@ -11,16 +11,31 @@ class QtWebSocketTransport : public MAWebSocketTransport {
     explicit QtWebSocketTransport(const QUrl &url) : m_url(url) {
         m_socket.setMaxAllowedIncomingFrameSize(maxFrameBytes);
         m_socket.setMaxAllowedIncomingMessageSize(maxFrameBytes);
-        connect(&m_socket, &QWebSocket::connected, this, &MAWebSocketTransport::opened);
+        connect(&m_socket, &QWebSocket::connected, this, [this] {
+            m_opened = true;
+            Q_EMIT opened();
+        });
         connect(&m_socket, &QWebSocket::pong, this, &MAWebSocketTransport::ponged);
         connect(&m_socket, &QWebSocket::textMessageReceived, this, [this](const QString &text) {
             if (!m_ended)
                 Q_EMIT received({MAWebSocketFrame::Text{text}});
         });
-        connect(&m_socket, &QWebSocket::disconnected, this, &QtWebSocketTransport::endClosed);
+        // Of a connection that never was, the socket says first that it ended and then why.
+        connect(&m_socket, &QWebSocket::disconnected, this, [this] {
+            if (m_opened)
+                endClosed();
+            else
+                QMetaObject::invokeMethod(this, &QtWebSocketTransport::endFailed, Qt::QueuedConnection);
+        });
         connect(&m_socket, qOverload<QAbstractSocket::SocketError>(&QWebSocket::error), this,
-                &QtWebSocketTransport::endFailed);
+                [this](QAbstractSocket::SocketError error) {
+                    // When the other side closed, its reason follows.
+                    if (!m_opened || error != QAbstractSocket::RemoteHostClosedError)
+                        endFailed();
+                });
     }
+
+    ~QtWebSocketTransport() override { m_socket.disconnect(this); } // it says when it goes
 
     void open() override { m_socket.open(m_url); }
     void send(const QString &text) override { m_socket.sendTextMessage(text); }
@@ -38,18 +53,16 @@ class QtWebSocketTransport : public MAWebSocketTransport {
         Q_EMIT received({MAWebSocketFrame::Closed{static_cast<int>(m_socket.closeCode())}});
     }
 
-    void endFailed(QAbstractSocket::SocketError error) {
-        // The other side closed: `disconnected` follows, with the reason.
-        if (error == QAbstractSocket::RemoteHostClosedError && m_socket.isValid())
-            return;
+    void endFailed() {
         if (std::exchange(m_ended, true))
             return;
         Q_EMIT failed({.kind = MATransportError::Kind::network, .detail = m_socket.errorString()});
     }
 
     const QUrl m_url;
+    bool m_opened = false;
     bool m_ended = false;
-    QWebSocket m_socket; // last: it goes first, and says so
+    QWebSocket m_socket;
 };
 
 } // namespace

@@ -54,8 +54,8 @@ class MAWebSocketTransports {
     [[nodiscard]] virtual std::unique_ptr<MAWebSocketTransport> make(const QUrl &url) = 0;
 };
 
-/// The real one: QWebSocket with the system's certificates. No redirection is followed and no wrong certificate
-/// accepted.
+/// The real one: QWebSocket with the system's certificates. No redirection is followed and no wrong
+/// certificate accepted.
 class QtWebSocketTransports : public MAWebSocketTransports {
   public:
     [[nodiscard]] std::unique_ptr<MAWebSocketTransport> make(const QUrl &url) override;

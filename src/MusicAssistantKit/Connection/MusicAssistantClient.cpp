@@ -23,7 +23,8 @@ constexpr qint64 maxInfoBytes = 1 << 20;
 std::optional<MusicAssistantError> addressProblem(const QUrl &baseURL) {
     if (!isServerURL(baseURL))
         return MusicAssistantError::invalidURL();
-    // The address may come from a file that somebody edited: the token never travels openly through the Internet.
+    // The address may come from a file that somebody edited: the token never travels openly through the
+    // Internet.
     if (classifyAddress(baseURL) == MusicAssistantAddressSecurity::requiresTLS)
         return MusicAssistantError::transport(
             {.kind = MATransportError::Kind::securityRequired, .detail = u"plain http"_s});
@@ -38,8 +39,8 @@ class MusicAssistantClient::Private : public QObject {
     using ConnectOutcome = std::variant<MAServerInfo, MusicAssistantError>;
 
     Private(const QUrl &url, const Collaborators &collaborators, const Timing &clientTiming)
-        : baseURL(url), transports(collaborators.transports), clock(collaborators.clock), timing(clientTiming),
-          calls(clock) {}
+        : baseURL(url), transports(collaborators.transports), clock(collaborators.clock),
+          timing(clientTiming), calls(clock) {}
 
     void begin(const MusicAssistantToken &newToken, const std::optional<QString> &expectedID,
                AsyncStreamProducer<ConnectOutcome> outcome);
@@ -180,7 +181,8 @@ MusicAssistantClient::MusicAssistantClient(const QUrl &baseURL, const Collaborat
 MusicAssistantClient::~MusicAssistantClient() = default;
 
 std::optional<MusicAssistantError> MusicAssistantClient::schemaProblem(const MAServerInfo &info) {
-    if (info.schemaVersion >= minimumSchemaVersion && info.minSupportedSchemaVersion <= supportedSchemaVersion)
+    if (info.schemaVersion >= minimumSchemaVersion &&
+        info.minSupportedSchemaVersion <= supportedSchemaVersion)
         return std::nullopt;
     return MusicAssistantError::schemaUnsupported(info.schemaVersion, info.minSupportedSchemaVersion);
 }
@@ -227,7 +229,8 @@ QCoro::Task<MAJSON> MusicAssistantClient::call(MARequest request,
         throw MusicAssistantError::notConnected();
     const QString id = m_private->nextMessageID();
     const auto limit = timeout ? timeout : request.timeout;
-    const auto stream = m_private->calls.add(id, request.description(), limit.value_or(m_private->timing.callTimeout));
+    const auto stream =
+        m_private->calls.add(id, request.description(), limit.value_or(m_private->timing.callTimeout));
     m_private->connection->send(request.encoded(id));
     const auto outcome = co_await stream.next();
     Q_ASSERT_X(outcome, "call(_:timeout:)", "MusicAssistantKit/MusicAssistantClient");

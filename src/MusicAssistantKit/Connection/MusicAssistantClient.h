@@ -17,12 +17,13 @@ namespace vantor {
 
 class MAConnection;
 
-/// One connection to a Music Assistant server: signs in, sends commands and matches their answers, delivers the
-/// server's events, and comes back by itself after a loss. Main thread; lives in a shared_ptr, which every
-/// operation under way holds.
+/// One connection to a Music Assistant server: signs in, sends commands and matches their answers, delivers
+/// the server's events, and comes back by itself after a loss. Main thread; lives in a shared_ptr, which
+/// every operation under way holds.
 ///
-/// No call runs the caller's code: what waits for a result or a stream is resumed by the event loop. The token
-/// is kept as long as the connection is wanted, and sent only after the server has proved to be the expected one.
+/// No call runs the caller's code: what waits for a result or a stream is resumed by the event loop. The
+/// token is kept as long as the connection is wanted, and sent only after the server has proved to be the
+/// expected one.
 class MusicAssistantClient : public std::enable_shared_from_this<MusicAssistantClient> {
   public:
     struct ConnectionState {
@@ -68,8 +69,8 @@ class MusicAssistantClient : public std::enable_shared_from_this<MusicAssistantC
                                                               std::chrono::milliseconds timeout);
 
     /// Opens, signs in and stays connected until disconnect(), in place of any connection before. Throws
-    /// MusicAssistantError; then the state is `failed` and no attempt follows. `expectedServerID`: when another
-    /// server answers, it never sees the token.
+    /// MusicAssistantError; then the state is `failed` and no attempt follows. `expectedServerID`: when
+    /// another server answers, it never sees the token.
     [[nodiscard]] QCoro::Task<MAServerInfo> connect(MusicAssistantToken token,
                                                     std::optional<QString> expectedServerID);
     /// For good: no attempt to reconnect follows, and the token is forgotten.

@@ -13,17 +13,17 @@ constexpr auto unreachableText = "Can't reach the Music Assistant server."_L1;
 
 QString schemaText(qint64 server, qint64 minSupported) {
     if (server >= MusicAssistantClient::minimumSchemaVersion)
-        return u"This Music Assistant server is too new for Vantor (it needs clients newer than schema %1)."_s.arg(
-            minSupported);
-    return u"This Music Assistant server is too old for Vantor (schema %1; needs %2 or later)."_s.arg(server).arg(
-        MusicAssistantClient::minimumSchemaVersion);
+        return u"This Music Assistant server is too new for Vantor (it needs clients newer than schema %1)."_s
+            .arg(minSupported);
+    return u"This Music Assistant server is too old for Vantor (schema %1; needs %2 or later)."_s.arg(server)
+        .arg(MusicAssistantClient::minimumSchemaVersion);
 }
 
 const char *caseName(MusicAssistantError::Case errorCase) {
-    static constexpr const char *names[] = {"transport",      "schema unsupported", "server error",
-                                            "timeout",        "decoding",           "invalid URL",
-                                            "handshake failed", "server mismatch",  "token rejected",
-                                            "unauthenticated", "disconnected",      "not connected"};
+    static constexpr const char *names[] = {"transport",        "schema unsupported", "server error",
+                                            "timeout",          "decoding",           "invalid URL",
+                                            "handshake failed", "server mismatch",    "token rejected",
+                                            "unauthenticated",  "disconnected",       "not connected"};
     return names[static_cast<std::size_t>(errorCase)];
 }
 
@@ -97,7 +97,8 @@ MusicAssistantError MusicAssistantError::notConnected() {
 }
 
 bool MusicAssistantError::isPermanent() const {
-    return m_case == Case::tokenRejected || m_case == Case::serverMismatch || m_case == Case::schemaUnsupported;
+    return m_case == Case::tokenRejected || m_case == Case::serverMismatch ||
+           m_case == Case::schemaUnsupported;
 }
 
 QString MusicAssistantError::logText() const {

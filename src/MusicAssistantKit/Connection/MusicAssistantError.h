@@ -73,9 +73,9 @@ class MusicAssistantError : public std::exception {
     MusicAssistantError(Case errorCase, const QString &description);
 
     Case m_case;
-    qint64 m_code = 0;   ///< of `server`; of `schemaUnsupported` the server's schema
-    QString m_command;   ///< of `timeout` and `decoding`
-    QString m_details;   ///< of `server` and `decoding`
+    qint64 m_code = 0; ///< of `server`; of `schemaUnsupported` the server's schema
+    QString m_command; ///< of `timeout` and `decoding`
+    QString m_details; ///< of `server` and `decoding`
     MATransportError m_transport;
     QString m_description;
     QByteArray m_what;

@@ -35,11 +35,13 @@ const std::array<ServiceType, 4> serviceTypes{{
 }};
 
 bool announcesOwnPort(const QString &type) {
-    return std::any_of(serviceTypes.begin(), serviceTypes.end(),
-                       [&](const ServiceType &known) { return known.name == type && known.isMusicAssistant; });
+    return std::any_of(serviceTypes.begin(), serviceTypes.end(), [&](const ServiceType &known) {
+        return known.name == type && known.isMusicAssistant;
+    });
 }
 
-QDBusPendingCall callServer(const QDBusConnection &bus, const QString &method, const QVariantList &arguments) {
+QDBusPendingCall callServer(const QDBusConnection &bus, const QString &method,
+                            const QVariantList &arguments) {
     auto message = QDBusMessage::createMethodCall(service, u"/"_s, serverInterface, method);
     message.setArguments(arguments);
     return bus.asyncCall(message);
@@ -99,7 +101,7 @@ void AvahiServiceBrowser::allForNow() {
 QCoro::Task<> AvahiServiceBrowser::resolve(Item item) {
     const QPointer self(this);
     const int round = m_round;
-    const QVariantList arguments{item.interface, anyProtocol, item.name, item.type,
+    const QVariantList arguments{item.interface, anyProtocol,  item.name, item.type,
                                  item.domain,    protocolIPv4, noFlags};
     const QDBusMessage reply = co_await callServer(m_bus, u"ResolveService"_s, arguments);
     if (!self || m_round != round)

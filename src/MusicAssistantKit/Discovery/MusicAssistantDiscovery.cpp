@@ -126,7 +126,9 @@ void MusicAssistantDiscovery::take(const MAServerInfo &info, const QUrl &url) {
             onConfiguredServerMoved(moved, url);
         return;
     }
-    const auto isSame = [&](const MusicAssistantDiscoveredServer &server) { return server.id == info.serverID; };
+    const auto isSame = [&](const MusicAssistantDiscoveredServer &server) {
+        return server.id == info.serverID;
+    };
     if (std::any_of(m_servers.begin(), m_servers.end(), isSame))
         return;
     m_servers.push_back({.id = info.serverID, .url = url, .name = info.name});

@@ -32,8 +32,8 @@ enum class Problem { empty, invalid, unsupportedScheme, credentialsNotAllowed, h
 [[nodiscard]] QString message(Problem problem);
 
 /// The address that `text` means. Without a scheme a local or MagicDNS host gets http, any other https; http
-/// without a port gets the default port. Of a path the end slash goes, as do a query and a fragment, which come
-/// with an address that was copied from a browser.
+/// without a port gets the default port. Of a path the end slash goes, as do a query and a fragment, which
+/// come with an address that was copied from a browser.
 [[nodiscard]] std::variant<QUrl, Problem> parse(const QString &text);
 
 /// A short text from which parse() makes the same URL again.

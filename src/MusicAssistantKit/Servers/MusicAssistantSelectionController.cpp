@@ -33,10 +33,9 @@ QString textOf(Outcome outcome) {
 
 } // namespace
 
-MusicAssistantSelectionController::MusicAssistantSelectionController(const MusicAssistantServerList &list,
-                                                                     const WiFiNetworkProvider &wifi,
-                                                                     const MusicAssistantServerSelector &selector,
-                                                                     Scheduler &clock)
+MusicAssistantSelectionController::MusicAssistantSelectionController(
+    const MusicAssistantServerList &list, const WiFiNetworkProvider &wifi,
+    const MusicAssistantServerSelector &selector, Scheduler &clock)
     : m_list(list), m_wifi(wifi), m_selector(selector), m_clock(clock) {
     connect(&list, &MusicAssistantServerList::changed, this, &MusicAssistantSelectionController::resolve);
     connect(&wifi, &WiFiNetworkProvider::networkChanged, this,

@@ -21,7 +21,9 @@ class MusicAssistantSelectionController : public QObject {
                                       const MusicAssistantServerSelector &selector, Scheduler &clock);
 
     /// The chosen server. While another decision is under way the former one stays.
-    [[nodiscard]] const std::optional<MusicAssistantServerConfiguration> &current() const { return m_current; }
+    [[nodiscard]] const std::optional<MusicAssistantServerConfiguration> &current() const {
+        return m_current;
+    }
     /// Why this server, or why none: one sentence.
     [[nodiscard]] const QString &reason() const { return m_reason; }
     /// What the music library is called: the chosen server's name.

@@ -21,11 +21,11 @@ QJsonObject MusicAssistantServerConfiguration::encode() const {
 std::optional<MusicAssistantServerConfiguration>
 MusicAssistantServerConfiguration::decode(const QJsonObject &object) {
     const QJsonObject encodedAddress = object.value("address"_L1).toObject();
-    MusicAssistantServerConfiguration made{.id = QUuid::fromString(object.value("id"_L1).toString()),
-                                           .name = object.value("name"_L1).toString(),
-                                           .address = {.baseURL = QUrl(encodedAddress.value("baseURL"_L1).toString()),
-                                                       .serverID = {}},
-                                           .networks = {}};
+    MusicAssistantServerConfiguration made{
+        .id = QUuid::fromString(object.value("id"_L1).toString()),
+        .name = object.value("name"_L1).toString(),
+        .address = {.baseURL = QUrl(encodedAddress.value("baseURL"_L1).toString()), .serverID = {}},
+        .networks = {}};
     if (made.id.isNull() || !isServerURL(made.address.baseURL))
         return std::nullopt;
     const QString serverID = encodedAddress.value("serverID"_L1).toString();

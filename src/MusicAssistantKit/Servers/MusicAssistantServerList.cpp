@@ -16,7 +16,8 @@ MusicAssistantServerList::MusicAssistantServerList(QSettings &settings, QObject 
 }
 
 std::optional<MusicAssistantServerConfiguration> MusicAssistantServerList::server(const QUuid &id) const {
-    const auto found = std::find_if(m_servers.begin(), m_servers.end(), [&](const auto &s) { return s.id == id; });
+    const auto found =
+        std::find_if(m_servers.begin(), m_servers.end(), [&](const auto &s) { return s.id == id; });
     return found == m_servers.end() ? std::nullopt : std::optional(*found);
 }
 
@@ -66,7 +67,8 @@ void MusicAssistantServerList::save() {
     QJsonArray entries;
     for (const auto &server : m_servers)
         entries.append(server.encode());
-    m_settings.setValue(settingsKey, QString::fromUtf8(QJsonDocument(entries).toJson(QJsonDocument::Compact)));
+    m_settings.setValue(settingsKey,
+                        QString::fromUtf8(QJsonDocument(entries).toJson(QJsonDocument::Compact)));
     Q_EMIT changed();
 }
 

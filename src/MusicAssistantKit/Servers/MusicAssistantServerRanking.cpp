@@ -20,8 +20,9 @@ std::vector<Candidate> candidates(const std::vector<MusicAssistantServerConfigur
                                   const std::optional<QString> &ssid) {
     const QString network = ssid.value_or(QString()).trimmed();
     const auto prefers = [&](const MusicAssistantServerConfiguration &server) {
-        return !network.isEmpty() && std::any_of(server.networks.begin(), server.networks.end(),
-                                                 [&](const QString &name) { return name.trimmed() == network; });
+        return !network.isEmpty() &&
+               std::any_of(server.networks.begin(), server.networks.end(),
+                           [&](const QString &name) { return name.trimmed() == network; });
     };
     std::vector<Candidate> preferred;
     std::vector<Candidate> others;

@@ -28,7 +28,8 @@ struct Decision {
 /// Whether the host is a machine in the user's Tailscale network.
 [[nodiscard]] bool isTailscale(const QUrl &url);
 
-/// The verified servers: first those that prefer the Wi-Fi network `ssid`, then the others, each in list order.
+/// The verified servers: first those that prefer the Wi-Fi network `ssid`, then the others, each in list
+/// order.
 [[nodiscard]] std::vector<Candidate> candidates(const std::vector<MusicAssistantServerConfiguration> &servers,
                                                 const std::optional<QString> &ssid);
 

@@ -23,7 +23,8 @@ QCoro::Task<Outcome> outcomeOf(MusicAssistantServerAddress address, MAHTTPTransp
             co_return Outcome::mismatch;
         co_return MusicAssistantClient::schemaProblem(info) ? Outcome::schemaUnsupported : Outcome::reachable;
     } catch (const MusicAssistantError &error) {
-        co_return error.errorCase() == MusicAssistantError::Case::timeout ? Outcome::timedOut : Outcome::unreachable;
+        co_return error.errorCase() == MusicAssistantError::Case::timeout ? Outcome::timedOut
+                                                                          : Outcome::unreachable;
     }
 }
 

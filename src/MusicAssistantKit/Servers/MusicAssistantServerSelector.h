@@ -24,7 +24,8 @@ class MusicAssistantServerSelector {
 
     /// A result after every answer, so that a choice need not wait for what cannot change it; ends when all
     /// candidates have their outcome. Without candidates it gives the decision `none`.
-    [[nodiscard]] AsyncStream<Result> resolve(std::vector<MusicAssistantServerRanking::Candidate> candidates) const;
+    [[nodiscard]] AsyncStream<Result>
+    resolve(std::vector<MusicAssistantServerRanking::Candidate> candidates) const;
 
   private:
     MAHTTPTransport &m_http;

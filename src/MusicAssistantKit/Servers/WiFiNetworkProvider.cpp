@@ -5,7 +5,8 @@ namespace vantor {
 QString message(WiFiLocationMessage message) {
     switch (message) {
     case WiFiLocationMessage::needsLocationAccess:
-        return QStringLiteral("Allow access to the location, so that Vantor can see the name of the Wi-Fi network.");
+        return QStringLiteral(
+            "Allow access to the location, so that Vantor can see the name of the Wi-Fi network.");
     case WiFiLocationMessage::notOnWiFi:
         break;
     }

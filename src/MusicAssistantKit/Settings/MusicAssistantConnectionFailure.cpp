@@ -32,13 +32,17 @@ Case caseOf(const MusicAssistantError &error, const QUrl &address) {
 
 MusicAssistantConnectionFailure MusicAssistantConnectionFailure::from(const MusicAssistantError &error,
                                                                       const QUrl &address) {
-    return {.failureCase = caseOf(error, address), .message = error.description(), .foundName = {}, .problem = {}};
+    return {.failureCase = caseOf(error, address),
+            .message = error.description(),
+            .foundName = {},
+            .problem = {}};
 }
 
 QString MusicAssistantConnectionFailure::description() const {
     switch (failureCase) {
     case Case::invalidAddress:
-        return MusicAssistantAddressInput::message(problem.value_or(MusicAssistantAddressInput::Problem::invalid));
+        return MusicAssistantAddressInput::message(
+            problem.value_or(MusicAssistantAddressInput::Problem::invalid));
     case Case::serverMismatch:
         return foundName ? u"A different server answered (%1). Its token was not sent."_s.arg(*foundName)
                          : u"A different server answered. Its token was not sent."_s;
@@ -47,7 +51,8 @@ QString MusicAssistantConnectionFailure::description() const {
     case Case::blockedByATS:
         return u"macOS blocks this connection. Use https; plain http works only on the local network or Tailscale."_s;
     case Case::httpsOnMusicAssistantPort:
-        return u"Music Assistant serves plain http on port 8095. Use http for a local or MagicDNS address, or https "
+        return u"Music Assistant serves plain http on port 8095. Use http for a local or MagicDNS address, "
+               u"or https "
                u"without a port when Tailscale's serve feature is used."_s;
     case Case::tokenRejected:
         return u"Music Assistant rejected this token."_s;

@@ -19,8 +19,8 @@ struct MusicAssistantConnectionFailure {
         tokenRejected,
     };
     Case failureCase = Case::unreachable;
-    QString message; ///< of `unreachable`, `schema` and `keychain`: the sentence
-    std::optional<QString> foundName;                           ///< of `serverMismatch` and `needsToken`
+    QString message;                  ///< of `unreachable`, `schema` and `keychain`: the sentence
+    std::optional<QString> foundName; ///< of `serverMismatch` and `needsToken`
     std::optional<MusicAssistantAddressInput::Problem> problem; ///< of `invalidAddress`
 
     /// What a failed test of `address` means for the user.

@@ -42,7 +42,8 @@ QString MusicAssistantSettingsModel::tokenPlaceholder() {
 }
 
 QString MusicAssistantSettingsModel::afterAddingText() {
-    return u"After adding, paste the server's token and press Test Connection. The token is sent only to the server "
+    return u"After adding, paste the server's token and press Test Connection. The token is sent only to the "
+           u"server "
            u"that was tested."_s;
 }
 
@@ -53,7 +54,8 @@ QString MusicAssistantSettingsModel::replacingText() {
 MusicAssistantSettingsModel::MusicAssistantSettingsModel(const Collaborators &collaborators, QObject *parent)
     : QObject(parent), m_with(collaborators) {}
 
-std::variant<QUuid, Failure> MusicAssistantSettingsModel::add(const QString &name, const QString &addressText) {
+std::variant<QUuid, Failure> MusicAssistantSettingsModel::add(const QString &name,
+                                                              const QString &addressText) {
     const auto address = addressOf(addressText);
     if (const auto *failure = std::get_if<Failure>(&address))
         return *failure;
@@ -180,8 +182,8 @@ QCoro::Task<> MusicAssistantSettingsModel::test(QUuid id) {
 QCoro::Task<MAServerInfo> MusicAssistantSettingsModel::signIn(MusicAssistantServerConfiguration server,
                                                               MusicAssistantToken token, QString serverID) {
     const MusicAssistantClient::Collaborators with{.transports = m_with.transports, .clock = m_with.clock};
-    const auto client = std::make_shared<MusicAssistantClient>(server.address.baseURL, with,
-                                                               MusicAssistantClient::Timing());
+    const auto client =
+        std::make_shared<MusicAssistantClient>(server.address.baseURL, with, MusicAssistantClient::Timing());
     const MAServerInfo info = co_await client->connect(token, serverID);
     client->disconnect();
     co_return info;
@@ -196,7 +198,8 @@ QString MusicAssistantSettingsModel::expectedServerID(const MusicAssistantServer
     return isKnown ? found->info.serverID : answering.serverID;
 }
 
-void MusicAssistantSettingsModel::verify(const MusicAssistantServerConfiguration &tested, const MAServerInfo &info) {
+void MusicAssistantSettingsModel::verify(const MusicAssistantServerConfiguration &tested,
+                                         const MAServerInfo &info) {
     auto server = m_with.list.server(tested.id);
     if (!server)
         return;
@@ -204,7 +207,8 @@ void MusicAssistantSettingsModel::verify(const MusicAssistantServerConfiguration
     m_found.remove(tested.id);
     m_with.list.update(*server);
     const QString name = info.name.value_or(server->name);
-    setStatus(tested.id, {.kind = Status::Kind::passed, .text = u"Connected to %1."_s.arg(name), .failure = {}});
+    setStatus(tested.id,
+              {.kind = Status::Kind::passed, .text = u"Connected to %1."_s.arg(name), .failure = {}});
 }
 
 void MusicAssistantSettingsModel::setStatus(const QUuid &id, const Status &status) {
@@ -219,7 +223,8 @@ void MusicAssistantSettingsModel::setFailure(const QUuid &id, const Failure &fai
     setStatus(id, {.kind = Status::Kind::failed, .text = failure.description(), .failure = failure});
 }
 
-void MusicAssistantSettingsModel::setKeychainFailure(const QUuid &id, const MusicAssistantTokenStoreError &error) {
+void MusicAssistantSettingsModel::setKeychainFailure(const QUuid &id,
+                                                     const MusicAssistantTokenStoreError &error) {
     setFailure(id, {.failureCase = Failure::Case::keychain,
                     .message = error.description(),
                     .foundName = {},
@@ -227,7 +232,8 @@ void MusicAssistantSettingsModel::setKeychainFailure(const QUuid &id, const Musi
 }
 
 QCoro::Task<std::optional<MusicAssistantServerSettings>>
-MusicAssistantSettingsModel::settings(MusicAssistantServerConfiguration server, MusicAssistantTokenStore &tokens) {
+MusicAssistantSettingsModel::settings(MusicAssistantServerConfiguration server,
+                                      MusicAssistantTokenStore &tokens) {
     const auto token = co_await tokens.token(accountOf(server.id));
     if (!token || token->isEmpty())
         co_return std::nullopt;

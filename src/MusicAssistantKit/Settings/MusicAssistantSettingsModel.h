@@ -11,8 +11,8 @@ namespace vantor {
 
 /// What the settings do to servers and their tokens: adding, changing, testing. Main thread.
 ///
-/// A token goes only to the server that was tested: the one whose ID is stored, or the one that the latest test
-/// without a token found.
+/// A token goes only to the server that was tested: the one whose ID is stored, or the one that the latest
+/// test without a token found.
 class MusicAssistantSettingsModel : public QObject {
     Q_OBJECT
   public:
@@ -46,7 +46,8 @@ class MusicAssistantSettingsModel : public QObject {
     /// The stored server ID stays: behind another address the same server is expected.
     [[nodiscard]] std::optional<MusicAssistantConnectionFailure> setAddress(const QUuid &id,
                                                                             const QString &addressText);
-    /// The server that answers at the address now takes the place of the former one, whose token is forgotten.
+    /// The server that answers at the address now takes the place of the former one, whose token is
+    /// forgotten.
     QCoro::Task<> replace(QUuid id);
     /// With its token.
     QCoro::Task<> remove(QUuid id);

@@ -3,7 +3,6 @@
 #include "Platform/AsyncStream.h"
 
 #include <QLoggingCategory>
-
 #include <qt6keychain/keychain.h>
 
 namespace vantor {
@@ -85,7 +84,8 @@ QCoro::Task<std::optional<MusicAssistantToken>> KeychainMusicAssistantTokenStore
     co_return co_await read(account, MusicAssistantTokenStoreError::notReadable());
 }
 
-QCoro::Task<std::optional<MusicAssistantTokenStore::Kept>> KeychainMusicAssistantTokenStore::kept(QString account) {
+QCoro::Task<std::optional<MusicAssistantTokenStore::Kept>>
+KeychainMusicAssistantTokenStore::kept(QString account) {
     if (m_session.contains(account))
         co_return Kept::untilQuit;
     const auto found = co_await read(account, MusicAssistantTokenStoreError::notCheckable());
@@ -107,8 +107,8 @@ KeychainMusicAssistantTokenStore::read(QString account, MusicAssistantTokenStore
     co_return MusicAssistantToken(result->secret);
 }
 
-QCoro::Task<MusicAssistantTokenStore::Kept> KeychainMusicAssistantTokenStore::save(QString account,
-                                                                                   MusicAssistantToken token) {
+QCoro::Task<MusicAssistantTokenStore::Kept>
+KeychainMusicAssistantTokenStore::save(QString account, MusicAssistantToken token) {
     auto *job = new QKeychain::WritePasswordJob(m_service);
     job->setKey(account);
     job->setTextData(token.reveal());

@@ -25,7 +25,9 @@ class MusicAssistantTokenStoreError : public std::exception {
     [[nodiscard]] const QString &description() const { return m_description; }
     [[nodiscard]] const char *what() const noexcept override { return m_what.constData(); }
 
-    bool operator==(const MusicAssistantTokenStoreError &other) const { return m_description == other.m_description; }
+    bool operator==(const MusicAssistantTokenStoreError &other) const {
+        return m_description == other.m_description;
+    }
 
   private:
     MusicAssistantTokenStoreError(int status, const QString &description)
@@ -61,7 +63,8 @@ class KeychainMusicAssistantTokenStore : public MusicAssistantTokenStore {
   public:
     [[nodiscard]] static QString standardService();
 
-    explicit KeychainMusicAssistantTokenStore(const QString &service = standardService()) : m_service(service) {}
+    explicit KeychainMusicAssistantTokenStore(const QString &service = standardService())
+        : m_service(service) {}
 
     [[nodiscard]] QCoro::Task<std::optional<MusicAssistantToken>> token(QString account) override;
     [[nodiscard]] QCoro::Task<std::optional<Kept>> kept(QString account) override;

@@ -10,8 +10,8 @@
 
 namespace vantor {
 
-/// A JSON value as the server sends or takes it: the form that every message has before records are made of it.
-/// A value type, implicitly shared, cheap to copy. Whole numbers keep 64 bits.
+/// A JSON value as the server sends or takes it: the form that every message has before records are made of
+/// it. A value type, implicitly shared, cheap to copy. Whole numbers keep 64 bits.
 class MAJSON {
   public:
     enum class Kind { boolean, number, string, array, object, null };
@@ -29,7 +29,8 @@ class MAJSON {
     explicit MAJSON(const QJsonObject &value) : m_value(value) {}
     explicit MAJSON(const QJsonArray &value) : m_value(value) {}
 
-    /// What `utf8` holds when it is an object or an array, and not made of more values than a message may have.
+    /// What `utf8` holds when it is an object or an array, and not made of more values than a message may
+    /// have.
     [[nodiscard]] static std::optional<MAJSON> parse(const QByteArray &utf8);
     /// The compact text; of an object or an array.
     [[nodiscard]] QByteArray encoded() const;

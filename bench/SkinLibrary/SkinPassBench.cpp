@@ -1,5 +1,5 @@
+#include "Platform/ParallelMap.h"
 #include "SkinLibrary/Ingest/FolderScanner.h"
-#include "SkinLibrary/Ingest/ParallelMap_p.h"
 #include "SkinLibrary/Ingest/SkinIndexer.h"
 #include "tests/Support/SkinCollection.h"
 

@@ -52,4 +52,14 @@ QByteArray bytes(const QString &text) {
     return result;
 }
 
+QUrl url(const QString &text) {
+    if (text.isValidUtf16())
+        return QUrl::fromLocalFile(text);
+    return QUrl::fromEncoded("file://" + bytes(text).toPercentEncoding("/"));
+}
+
+QString fromUrl(const QUrl &url) {
+    return text(QByteArray::fromPercentEncoding(url.path(QUrl::FullyEncoded).toLatin1()));
+}
+
 } // namespace vantor::NativePath

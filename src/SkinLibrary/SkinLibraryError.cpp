@@ -13,6 +13,10 @@ SkinLibraryError SkinLibraryError::sqlite(std::int32_t code, const QString &mess
     return SkinLibraryError(Case::sqlite, code, 0, message);
 }
 
+SkinLibraryError SkinLibraryError::interruption() {
+    return sqlite(SQLITE_INTERRUPT, QString::fromUtf8(sqlite3_errstr(SQLITE_INTERRUPT)));
+}
+
 SkinLibraryError SkinLibraryError::incompatibleDatabase(std::int32_t found, std::int32_t supported) {
     return SkinLibraryError(Case::incompatibleDatabase, found, supported);
 }
@@ -27,6 +31,14 @@ SkinLibraryError SkinLibraryError::passAlreadyRunning() {
 
 bool SkinLibraryError::isInterruption() const {
     return m_case == Case::sqlite && m_code == SQLITE_INTERRUPT;
+}
+
+bool SkinLibraryError::isUnusableIndex() const {
+    if (m_case != Case::sqlite)
+        return m_case == Case::incompatibleDatabase;
+    const int code = m_code & 0xFF; // without the detail that SQLite may add
+    // The general error is what a file without our tables gives.
+    return code == SQLITE_CORRUPT || code == SQLITE_NOTADB || code == SQLITE_ERROR;
 }
 
 QString SkinLibraryError::description() const {

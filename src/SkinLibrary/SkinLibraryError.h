@@ -15,13 +15,17 @@ class SkinLibraryError : public std::exception {
 
     /// `code`: SQLite's result code; `message`: its own words.
     [[nodiscard]] static SkinLibraryError sqlite(std::int32_t code, const QString &message);
+    /// What a question fails with that is no longer wanted.
+    [[nodiscard]] static SkinLibraryError interruption();
     [[nodiscard]] static SkinLibraryError incompatibleDatabase(std::int32_t found, std::int32_t supported);
     [[nodiscard]] static SkinLibraryError folderUnreadable(const QString &message);
     [[nodiscard]] static SkinLibraryError passAlreadyRunning();
 
     [[nodiscard]] Case errorCase() const { return m_case; }
-    /// A query that SkinIndexStore::interrupt() has ended; nothing to tell the user.
+    /// A query that was interrupted; nothing to tell the user.
     [[nodiscard]] bool isInterruption() const;
+    /// The file is damaged or from a newer version: only an index made afresh will help.
+    [[nodiscard]] bool isUnusableIndex() const;
     /// The sentence for the user.
     [[nodiscard]] QString description() const;
     [[nodiscard]] const char *what() const noexcept override { return m_what.constData(); }

@@ -11,14 +11,6 @@ QString counted(qsizetype count, const char *noun) {
                                          count == 1 ? QString() : QStringLiteral("s"));
 }
 
-QString printable(QString text) {
-    for (QChar &c : text) {
-        if (c.category() == QChar::Other_Control && c != QLatin1Char('\t'))
-            c = QChar::ReplacementCharacter;
-    }
-    return text;
-}
-
 QString hex(RGBColor color) {
     return QColor(color.red, color.green, color.blue).name();
 }
@@ -72,6 +64,14 @@ void appendCursors(QStringList &lines, const Skin &skin) {
 }
 
 } // namespace
+
+QString printable(QString text) {
+    for (QChar &c : text) {
+        if (c.category() == QChar::Other_Control && c != QLatin1Char('\t'))
+            c = QChar::ReplacementCharacter;
+    }
+    return text;
+}
 
 QStringList summary(const QString &input, const Skin &skin) {
     QStringList lines{

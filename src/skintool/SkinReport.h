@@ -13,6 +13,9 @@ struct Skin;
 /// replaced, so that they cannot steer a terminal.
 namespace SkinReport {
 
+/// A text of one line as it may go to a terminal.
+[[nodiscard]] QString printable(QString text);
+
 /// One line of counts, then "warning: …" and "fallback: …" in the skin's order.
 [[nodiscard]] QStringList summary(const QString &input, const Skin &skin);
 

@@ -1,6 +1,9 @@
 #include "skintool/SkintoolOptions.h"
 
+#include "skintool/ArgumentWalk.h"
+
 #include <climits>
+#include <cstdint>
 
 namespace vantor {
 
@@ -8,88 +11,25 @@ namespace {
 
 using UsageError = SkintoolOptions::UsageError;
 
-/// The walk over the arguments; the first error ends it.
-class Walk {
-  public:
-    explicit Walk(const QStringList &arguments) : m_arguments(arguments) {}
-
-    SkintoolOptions run() {
-        for (; m_next < m_arguments.size(); ++m_next)
-            step(m_arguments.at(m_next));
-        check();
-        m_options.input = m_positionals.first();
-        return m_options;
-    }
-
-  private:
-    void step(const QString &argument);
-    void check() const;
-
-    /// The argument after the current one; fails when there is none or it looks like an option.
-    QString value(const char *complaint) {
-        ++m_next;
-        if (m_next >= m_arguments.size() || m_arguments.at(m_next).startsWith(QLatin1Char('-')))
-            throw UsageError(QString::fromLatin1(complaint));
-        return m_arguments.at(m_next);
-    }
-
-    const QStringList &m_arguments;
-    qsizetype m_next = 0;
-    SkintoolOptions m_options;
-    QStringList m_positionals;
-    bool m_scaleGiven = false;
-};
-
-// Digits alone, with or without a plus: no blanks, no decimal point. What exceeds an int is as good as its
-// largest value.
-std::optional<int> scaleFrom(const QString &text) {
-    const QString digits = text.startsWith(QLatin1Char('+')) ? text.mid(1) : text;
-    const bool plain =
-        std::ranges::all_of(digits, [](QChar c) { return c >= QLatin1Char('0') && c <= QLatin1Char('9'); });
-    bool fits = false;
-    const qlonglong number = digits.toLongLong(&fits);
-    if (!plain || !fits || number < 1)
-        return std::nullopt;
-    return static_cast<int>(std::min<qlonglong>(number, INT_MAX));
+SkintoolOptions::State stateFrom(ArgumentWalk &walk) {
+    constexpr auto complaint = "--state must be webamp or idle";
+    const auto state = skintoolStateFromRawValue(walk.value(complaint));
+    if (!state)
+        throw UsageError(QString::fromLatin1(complaint));
+    return *state;
 }
 
-void Walk::step(const QString &argument) {
-    static constexpr auto stateComplaint = "--state must be webamp or idle";
-    static constexpr auto scaleComplaint = "--scale needs an integer of 1 or more";
-    if (argument == QStringLiteral("-v") || argument == QStringLiteral("--verbose")) {
-        m_options.verbose = true;
-    } else if (argument == QStringLiteral("--no-region")) {
-        m_options.noRegion = true;
-    } else if (argument == QStringLiteral("--png")) {
-        m_options.png = value("--png needs an output path");
-    } else if (argument == QStringLiteral("--compare")) {
-        m_options.compare = value("--compare needs a folder");
-    } else if (argument == QStringLiteral("--state")) {
-        m_options.state = skintoolStateFromRawValue(value(stateComplaint));
-        if (!m_options.state)
-            throw UsageError(QString::fromLatin1(stateComplaint));
-    } else if (argument == QStringLiteral("--scale")) {
-        const std::optional<int> scale = scaleFrom(value(scaleComplaint));
-        if (!scale)
-            throw UsageError(QString::fromLatin1(scaleComplaint));
-        m_options.scale = *scale;
-        m_scaleGiven = true;
-    } else if (argument.startsWith(QLatin1Char('-'))) {
-        throw UsageError(QStringLiteral("unknown option: ") + argument);
-    } else {
-        m_positionals.append(argument);
-    }
+// What exceeds an int is as good as its largest value.
+int scaleFrom(ArgumentWalk &walk) {
+    return static_cast<int>(
+        std::min<std::int64_t>(walk.number(1, INT64_MAX, "--scale needs an integer of 1 or more"), INT_MAX));
 }
 
-void Walk::check() const {
-    if (m_positionals.isEmpty())
-        throw UsageError(QStringLiteral("missing <skin.wsz | folder>"));
-    if (m_positionals.size() > 1)
-        throw UsageError(QStringLiteral("only one <skin.wsz | folder> is accepted"));
-    const bool needsPng = m_options.state || m_scaleGiven || m_options.compare || m_options.noRegion;
-    if (m_options.png && m_options.compare && m_options.scale != 1)
+void check(const SkintoolOptions &options, bool scaleGiven) {
+    const bool needsPng = options.state || scaleGiven || options.compare || options.noRegion;
+    if (options.png && options.compare && options.scale != 1)
         throw UsageError(QStringLiteral("--compare needs --scale 1 (the references are 1x)"));
-    if (!m_options.png && needsPng)
+    if (!options.png && needsPng)
         throw UsageError(QStringLiteral("--state, --scale, --compare and --no-region need --png"));
 }
 
@@ -104,7 +44,24 @@ std::optional<SkintoolOptions::State> skintoolStateFromRawValue(const QString &t
 }
 
 SkintoolOptions SkintoolOptions::parse(const QStringList &arguments) {
-    return Walk(arguments).run();
+    SkintoolOptions result;
+    bool scaleGiven = false;
+    const std::vector<ArgumentWalk::Option> known{
+        {"-v", [&](ArgumentWalk &) { result.verbose = true; }},
+        {"--verbose", [&](ArgumentWalk &) { result.verbose = true; }},
+        {"--no-region", [&](ArgumentWalk &) { result.noRegion = true; }},
+        {"--png", [&](ArgumentWalk &walk) { result.png = walk.value("--png needs an output path"); }},
+        {"--compare", [&](ArgumentWalk &walk) { result.compare = walk.value("--compare needs a folder"); }},
+        {"--state", [&](ArgumentWalk &walk) { result.state = stateFrom(walk); }},
+        {"--scale",
+         [&](ArgumentWalk &walk) {
+             result.scale = scaleFrom(walk);
+             scaleGiven = true;
+         }},
+    };
+    result.input = ArgumentWalk(arguments, known).run("<skin.wsz | folder>");
+    check(result, scaleGiven);
+    return result;
 }
 
 } // namespace vantor

@@ -1,22 +1,29 @@
 #include "SkinKit/Loading/SkinError.h"
 #include "SkinKit/Loading/SkinParser.h"
 #include "SkinKit/Loading/SkinPreviewPage.h"
+#include "SkinKit/Rendering/MainWindowRenderer.h"
+#include "skintool/CorpusCommand.h"
+#include "skintool/CorpusResult.h"
 #include "skintool/PictureComparison.h"
-#include "skintool/SkinPicture.h"
 #include "skintool/SkinReport.h"
+#include "skintool/SkinScene.h"
 #include "skintool/SkintoolOptions.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
+#include <QGuiApplication>
 #include <QImageReader>
 #include <QLoggingCategory>
 
 #include <cstdio>
+#include <memory>
 
 namespace {
 
 using namespace vantor;
+
+constexpr auto corpusWord = "corpus";
 
 enum ExitCode { succeeded = 0, failed = 1, misused = 2 };
 
@@ -81,7 +88,9 @@ ExitCode writePicture(const Skin &skin, const SkintoolOptions &options) {
     if (options.scale > maxPictureScale)
         return fail(QStringLiteral("Cannot draw at a scale above %1").arg(maxPictureScale));
     const MainWindowScene scene = skinScene(options.state.value_or(SkintoolOptions::State::idle));
-    const QImage picture = skinPicture(skin, scene, options.scale, options.noRegion);
+    const auto outside =
+        options.noRegion ? MainWindowRenderer::Outside::drawn : MainWindowRenderer::Outside::transparent;
+    const QImage picture = MainWindowRenderer::picture(skin, scene, options.scale, outside);
     if (!picture.save(*options.png, "PNG"))
         return fail(QStringLiteral("Could not write ") + *options.png);
     return options.compare ? compare(picture, *options.compare, *options.png) : succeeded;
@@ -99,26 +108,42 @@ ExitCode run(const SkintoolOptions &options) {
     return options.png ? writePicture(skin, options) : succeeded;
 }
 
-ExitCode runArguments(const QStringList &arguments) {
-    const QString first = arguments.value(0);
-    if (first == QStringLiteral("corpus"))
-        return showUsage(QStringLiteral("corpus is not available yet"), SkintoolUsage::corpus);
-    if (first == QStringLiteral("corpus-report"))
-        return showUsage(QStringLiteral("corpus-report is not available yet"), SkintoolUsage::corpusReport);
+/// `usage`: the line that explains a misuse.
+template <typename Command>
+int guarded(const char *usage, const Command &command) {
     try {
-        return run(SkintoolOptions::parse(arguments));
+        return command();
     } catch (const SkintoolOptions::UsageError &error) {
-        return showUsage(error.description(), SkintoolUsage::skintool);
+        return showUsage(error.description(), usage);
+    } catch (const CorpusError &error) {
+        return fail(error.description());
     } catch (const SkinError &error) {
         return fail(error.description());
     }
 }
 
+int runArguments(const QStringList &arguments) {
+    const QString first = arguments.value(0);
+    if (first == QLatin1String(corpusWord))
+        return guarded(SkintoolUsage::corpus, [&] { return CorpusCommand::run(arguments.mid(1)); });
+    if (first == QStringLiteral("corpus-report"))
+        return guarded(SkintoolUsage::corpusReport, [&] { return CorpusCommand::report(arguments.mid(1)); });
+    return guarded(SkintoolUsage::skintool, [&] { return run(SkintoolOptions::parse(arguments)); });
+}
+
+// Pictures are drawn in memory, so no display is needed; only the text of the playlist needs fonts and with
+// them a GUI application.
+std::unique_ptr<QCoreApplication> makeApplication(int &argc, char **argv) {
+    if (argc < 2 || qstrcmp(argv[1], corpusWord) != 0)
+        return std::make_unique<QCoreApplication>(argc, argv);
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    return std::make_unique<QGuiApplication>(argc, argv);
+}
+
 } // namespace
 
 int main(int argc, char **argv) {
-    // Without a GUI application: pictures are drawn in memory, so no display is needed.
-    const QCoreApplication application(argc, argv);
+    const auto application = makeApplication(argc, argv);
     // What is wrong with a picture is said in the skin's own lines.
     QLoggingCategory::setFilterRules(QStringLiteral("qt.gui.imageio*=false"));
     return runArguments(QCoreApplication::arguments().mid(1));

@@ -3,8 +3,12 @@
 #include "PlayerFixture.h"
 #include "SkinKit/Layout/MainSliders.h"
 #include "SkinKit/Layout/MainWindowLayout.h"
+#include "Vantor/Windows/EqualizerWindow.h"
+#include "Vantor/Windows/MainMenu.h"
+#include "Vantor/Windows/PlaylistWindow.h"
 
 #include <QDropEvent>
+#include <QMenu>
 #include <QMimeData>
 #include <QTest>
 
@@ -111,4 +115,39 @@ TEST_F(MainWindowTest, DroppedMusicPlaysAndShiftOnlyAddsIt) {
     drop(file("b.wav"), {});
     ASSERT_TRUE(waitFor([&] { return m_player.queue().count() == 1; }));
     EXPECT_EQ(m_player.queue().current()->title, QStringLiteral("b"));
+}
+
+TEST_F(MainWindowTest, TheMainMenuHoldsEveryCommandOfEveryWindow) {
+    EqualizerModel equalizerModel(m_player, m_settings, m_folder.path("data"));
+    PlaylistModel playlistModel(m_model, m_settings);
+    EqualizerWindow equalizer(m_model, equalizerModel, m_commands);
+    PlaylistWindow playlist(playlistModel, m_model, m_commands);
+    m_player.enqueue({Track::file(writeTone("a.wav", 5)), Track::file(writeTone("b.wav", 5))});
+    QMenu menu;
+    MainMenu::fill(menu, m_commands, m_model);
+    QHash<QString, QAction *> texts;
+    QList<QAction *> all;
+    const std::function<void(const QMenu &)> gather = [&](const QMenu &part) {
+        for (QAction *const action : part.actions()) {
+            all.append(action);
+            texts.insert(action->text(), action);
+            if (const QMenu *const below = action->menu())
+                gather(*below);
+        }
+    };
+    gather(menu);
+    for (QAction *const action : m_window.actions())
+        EXPECT_TRUE(all.contains(action)) << action->text().toStdString();
+    EXPECT_FALSE(m_commands.action(Commands::Id::skippedFiles).isEnabled());
+    for (const char *text : {"Auto", "Techno", "Save Preset…", "Select All", "Remove Duplicates"}) {
+        ASSERT_TRUE(texts.contains(QString::fromUtf8(text))) << text;
+        texts.value(QString::fromUtf8(text))->trigger();
+    }
+    EXPECT_TRUE(equalizerModel.isAuto());
+    EXPECT_EQ(m_player.eq().gains(), EQPreset::builtIn().back().gains());
+    EXPECT_TRUE(playlistModel.isSelected(1));
+    QWidget *const dialog = QApplication::activeModalWidget();
+    ASSERT_TRUE(dialog);
+    EXPECT_TRUE(dialog->parentWidget()->isVisible()); // the equalizer, whose preset it is, is not
+    dialog->close();
 }

@@ -1,12 +1,15 @@
 #include "AudioCore/NowPlaying/NowPlayingBridge.h"
 #include "PlayerFixture.h"
 #include "Vantor/Mpris/MprisService.h"
+#include "Vantor/Windows/Commands.h"
 
+#include <QApplication>
 #include <QDBusArgument>
 #include <QDBusConnectionInterface>
 #include <QDBusPendingCall>
 #include <QDir>
 #include <QFileInfo>
+#include <QSignalSpy>
 #include <QStandardPaths>
 
 #include <signal.h>
@@ -115,11 +118,10 @@ class MprisTest : public PlayerFixture {
     QDBusConnection m_client =
         QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("client"));
     Listener m_listener;
-    QStringList m_asked;
-    MprisService m_service{m_model,
-                           {.raise = [this] { m_asked << QStringLiteral("raise"); },
-                            .quit = [this] { m_asked << QStringLiteral("quit"); }}};
-    NowPlayingBridge m_bridge{m_player, m_player, m_service.center()};
+    int m_raised = 0;
+    Commands m_commands{m_model};
+    MprisService m_service{m_model, m_commands, [this] { ++m_raised; }};
+    NowPlayingBridge m_bridge{m_player, m_commands, m_service.center()};
 };
 
 } // namespace
@@ -132,9 +134,17 @@ TEST_F(MprisTest, TheProgramIsFoundRaisedAndEnded) {
     EXPECT_EQ(get("PlaybackStatus"), QStringLiteral("Stopped"));
     EXPECT_EQ(get("CanPlay"), false);
     EXPECT_EQ(metadata(), QVariantMap());
+    EXPECT_TRUE(get("SupportedUriSchemes", root).toStringList().contains(QStringLiteral("https")));
+    for (const char *command : {"Play", "Pause", "PlayPause", "Stop", "Next", "Previous"})
+        call(player, command);
+    EXPECT_EQ(QApplication::activeModalWidget(), nullptr); // no dialog asks for files
     call(root, "Raise");
+    EXPECT_EQ(m_raised, 1);
+    QAction &quits = m_commands.action(Commands::Id::quit);
+    quits.disconnect(&m_commands);
+    const QSignalSpy quit(&quits, &QAction::triggered);
     call(root, "Quit");
-    EXPECT_EQ(m_asked, (QStringList{QStringLiteral("raise"), QStringLiteral("quit")}));
+    EXPECT_EQ(quit.count(), 1);
 }
 
 TEST_F(MprisTest, ASecondOneTakesANameOfItsOwn) {
@@ -146,8 +156,20 @@ TEST_F(MprisTest, TheTransportAndTheOptionsFollowTheBus) {
     connectToBus();
     playTwoTones();
     EXPECT_EQ(get("PlaybackStatus"), QStringLiteral("Playing"));
-    call(player, "PlayPause");
-    EXPECT_EQ(get("PlaybackStatus"), QStringLiteral("Paused"));
+    m_player.seek(30);
+    const struct {
+        const char *command;
+        const char *status;
+        double from; ///< the earliest place at which it may stand, in seconds
+    } rows[] = {{"Play", "Playing", 30},      {"Pause", "Paused", 30},     {"Pause", "Paused", 30},
+                {"PlayPause", "Playing", 30}, {"PlayPause", "Paused", 30}, {"Play", "Playing", 30},
+                {"Stop", "Stopped", 0},       {"Pause", "Stopped", 0},     {"PlayPause", "Playing", 0}};
+    for (const auto &row : rows) {
+        SCOPED_TRACE(row.command);
+        call(player, row.command);
+        EXPECT_TRUE(waitFor([&] { return get("PlaybackStatus") == QLatin1String(row.status); }));
+        EXPECT_GE(m_player.currentTime(), row.from);
+    }
     call(player, "Next");
     EXPECT_EQ(m_player.queue().currentIndex(), 1);
     EXPECT_EQ(get("CanGoNext"), false);

@@ -5,9 +5,8 @@
 #include "tests/Support/AudioFileBuilder.h"
 #include "tests/Support/TestFolder.h"
 #include "tests/Support/TestOutput.h"
+#include "tests/Support/WaitFor.h"
 
-#include <QCoreApplication>
-#include <QDeadlineTimer>
 #include <QSettings>
 
 #include <gtest/gtest.h>
@@ -17,18 +16,6 @@ namespace vantor {
 /// A player that sounds nowhere but runs in real time, its model, and a folder for settings and files.
 class PlayerFixture : public testing::Test {
   protected:
-    /// Runs the event loop until the condition holds; false after five seconds.
-    template <class Condition>
-    [[nodiscard]] static bool waitFor(Condition condition) {
-        const QDeadlineTimer deadline(5000);
-        while (!condition()) {
-            if (deadline.hasExpired())
-                return false;
-            QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-        }
-        return true;
-    }
-
     [[nodiscard]] QUrl file(const char *name) const { return QUrl::fromLocalFile(m_folder.path(name)); }
     QUrl writeFile(const char *name, const QByteArray &bytes) const {
         return QUrl::fromLocalFile(m_folder.write(name, bytes));

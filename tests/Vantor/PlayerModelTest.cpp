@@ -1,4 +1,5 @@
 #include "PlayerFixture.h"
+#include "Vantor/Model/ResumePoint.h"
 
 #include <QSignalSpy>
 
@@ -26,6 +27,11 @@ TEST_F(PlayerModelTest, OpeningRubbishKeepsWhatPlays) {
     EXPECT_EQ(m_player.state(), PlaybackState::playing);
     EXPECT_EQ(m_player.queue().current(), playing);
     EXPECT_EQ(m_model.scene().marquee, QStringLiteral("Skipped 1 file (see Console)"));
+    EXPECT_EQ(
+        m_model.skippedFiles(),
+        (std::vector<SkippedFile>{{file("rubbish.mp3"), u"This file is not a supported audio file."_qs}}));
+    m_model.enqueue({file("good.wav")});
+    EXPECT_TRUE(waitFor([&] { return m_model.skippedFiles().empty(); }));
 }
 
 TEST_F(PlayerModelTest, AFolderPlaysInNameOrderAndSkipsWhatIsNoAudio) {
@@ -95,10 +101,82 @@ TEST_F(PlayerModelTest, TheVisualizerMovesWhilePlayingFreezesPausedAndComesToRes
     m_model.advance(1);
     EXPECT_EQ(m_model.scene().visualizer, frozen);
 
+    Visualizer &visualizer = m_model.visualizer();
+    for (const PlaybackState state : {PlaybackState::stopped, PlaybackState::loading}) {
+        m_player.play();
+        ASSERT_TRUE(waitFor(showsBars));
+        int frames = 0;
+        for (; visualizer.moves(state) && frames < 300; ++frames)
+            visualizer.advance(state, 0.016);
+        EXPECT_GT(frames, 5); // they fall
+        EXPECT_EQ(visualizer.picture(), VisualizerPicture());
+    }
     m_player.stop();
-    int frames = 0;
-    while (m_model.frameInterval() && ++frames < 1000)
-        m_model.advance(0.016);
-    EXPECT_LT(frames, 300);
-    EXPECT_EQ(m_model.scene().visualizer, VisualizerPicture());
+    EXPECT_EQ(m_model.frameInterval(), std::nullopt);
+}
+
+TEST_F(PlayerModelTest, DevicesAreToldApartAndTheirLossIsSaidOnce) {
+    TestOutput::Shared outputs;
+    using Shared = TestOutput::Shared;
+    outputs.devices = {Shared::device(1, "a"), Shared::device(2, "b"), Shared::device(3, "c")};
+    for (OutputDeviceDescription &device : outputs.devices)
+        device.name = device.id == 3 ? u"Speakers"_qs : u"Headset"_qs;
+    auto provider = std::make_unique<TestOutputDevices>(outputs);
+    TestOutputDevices *const devices = provider.get();
+    Player player(std::make_unique<FileTrackResolver>(), std::move(provider));
+    PlayerModel model(player, m_settings);
+    QStringList labels;
+    for (const OutputChoice::Item &item : model.output().items())
+        labels.append(item.label);
+    EXPECT_EQ(labels,
+              QStringList({u"System Default"_qs, u"Headset (a)"_qs, u"Headset (b)"_qs, u"Speakers"_qs}));
+
+    model.output().choose(u"b"_qs);
+    const std::vector<OutputDeviceDescription> all = outputs.devices;
+    const struct {
+        std::vector<OutputDeviceDescription> devices;
+        QString before; ///< in the marquee
+        QString after;
+    } rows[] = {{{all[0], all[2]}, u"before"_qs, u"Sound device not connected"_qs},
+                {{all[2]}, u"it was said"_qs, u"it was said"_qs},
+                {{}, u"before"_qs, u"No sound device"_qs},
+                {all, {}, u"Vantor"_qs}};
+    for (const auto &[there, before, after] : rows) {
+        if (!before.isEmpty())
+            model.showNotice(before);
+        outputs.devices = there;
+        Q_EMIT devices->changed();
+        EXPECT_EQ(model.scene().marquee, after);
+    }
+}
+
+TEST_F(PlayerModelTest, ARunGoesOnWhereTheLastOneWasClosedIfItPlayed) {
+    m_player.enqueue({Track::file(writeTone("a.wav", 60)), Track::file(writeTone("b.wav", 60))});
+    m_player.play(1);
+    m_player.seek(30);
+    ASSERT_TRUE(waitFor([&] { return m_player.state() == PlaybackState::playing; }));
+    const auto nextRun = [&](auto check) {
+        const QSettings stored(m_settings.fileName(), QSettings::IniFormat);
+        Player player(std::make_unique<FileTrackResolver>(), std::make_unique<SilentOutputDevices>());
+        player.restoreQueue(m_player.queue().tracks(), 1, RepeatMode::off, false);
+        ResumePoint::resume(stored, player);
+        check(player);
+    };
+    ResumePoint::save(m_settings, m_player);
+    m_settings.sync();
+    nextRun([&](Player &player) {
+        EXPECT_TRUE(waitFor([&] { return player.state() == PlaybackState::playing; }));
+        EXPECT_EQ(player.queue().currentIndex(), 1);
+        EXPECT_GE(player.currentTime(), 30);
+        EXPECT_LT(player.currentTime(), 40);
+    });
+    for (const char *stored : {"-3", "nan", "soon"}) {
+        m_settings.setValue(QStringLiteral("resumeSeconds"), QLatin1String(stored));
+        m_settings.sync();
+        nextRun([&](Player &player) { EXPECT_EQ(player.state(), PlaybackState::stopped) << stored; });
+    }
+    m_player.pause();
+    ResumePoint::save(m_settings, m_player);
+    m_settings.sync();
+    nextRun([](Player &player) { EXPECT_EQ(player.state(), PlaybackState::stopped); });
 }

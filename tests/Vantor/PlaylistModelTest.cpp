@@ -180,6 +180,30 @@ TEST_F(PlaylistModelTest, TypedWordsFindTheNextTrack) {
     EXPECT_EQ(m_playlist.cursor(), 2);
 }
 
+TEST_F(PlaylistModelTest, ALongListIsSearchedBitByBitAndOverChanges) {
+    std::vector<Track> tracks(200'000, made(QStringLiteral("Ünknown"), QStringLiteral("Título")));
+    tracks.push_back(made(QStringLiteral("Zoë"), QStringLiteral("Here")));
+    const int last = static_cast<int>(tracks.size()) - 1;
+    m_player.enqueue(tracks);
+    const auto type = [&](const char *letters) {
+        m_playlist.select(0, Selecting::only);
+        m_playlist.type(QLatin1String(letters));
+        EXPECT_EQ(m_playlist.cursor(), 0); // the key has not waited
+    };
+    type("z");
+    m_playlist.type(QStringLiteral("o"));
+    EXPECT_TRUE(waitFor([&] { return m_playlist.cursor() == last; }));
+    m_playlist.endTyping();
+    type("zoe");
+    m_player.removeTracks({1, 2});
+    m_playlist.endTyping();
+    EXPECT_EQ(m_playlist.cursor(), last - 2);
+    type("zoe");
+    m_playlist.select(5, Selecting::only); // the user has another idea
+    m_playlist.endTyping();
+    EXPECT_EQ(m_playlist.cursor(), 5);
+}
+
 TEST_F(PlaylistModelTest, AnImportStaysInFrontOfItsRowAndInOrder) {
     fill("ab");
     m_model.insert({writeTone("1.wav", 1), writeTone("2.wav", 1), writeTone("3.wav", 1)}, 1);

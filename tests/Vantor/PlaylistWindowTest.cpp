@@ -185,6 +185,18 @@ TEST_F(PlaylistWindowTest, AssistiveToolsGetTheSameEntriesAsText) {
     EXPECT_EQ(m_playlist.firstRow(), 2);
     for (const SkinControl &control : m_window.controls())
         EXPECT_FALSE(control.name.isEmpty()) << control.id;
+
+    const auto rows = [&] {
+        QStringList rows;
+        for (const SkinControl &control : m_window.controls()) {
+            if (control.kind == SkinControl::Kind::row)
+                rows.append(control.checked ? u"> "_qs + control.name : control.name);
+        }
+        return rows;
+    };
+    EXPECT_EQ(rows().first(), QStringLiteral("> 3. c"));
+    m_window.pressControl(m_window.controls()[1].id);
+    EXPECT_EQ(rows().mid(0, 3), QStringList({u"3. c"_qs, u"> 4. d"_qs, u"5. e"_qs}));
 }
 
 TEST_F(PlaylistWindowTest, TheGripAndTheHandleFollowThePointer) {

@@ -70,10 +70,4 @@ TEST_F(PlayerFixture, SkinsWornLatelyAreAtHandAsLongAsTheyAreThere) {
     EXPECT_EQ(shelf.lastWorn(), skin(4));
     shelf.wore({});
     EXPECT_TRUE(shelf.lastWorn().isEmpty());
-
-    writeFile("folder skin/main.bmp", "x");
-    writeFile("music/main.mp3", "x");
-    shelf.setFolder(m_folder.path());
-    EXPECT_EQ(shelf.inFolder(), QList({skin(1), skin(2), skin(3), skin(4), skin(5), skin(6), skin(7), skin(8),
-                                       skin(10), file("folder skin")}));
 }

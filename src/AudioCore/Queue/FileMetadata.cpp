@@ -46,6 +46,8 @@ void readTags(const QString &path, FileMetadata &metadata) {
         if (metadata.artist.isEmpty())
             metadata.artist = joined(properties, "ALBUMARTIST");
         metadata.album = joined(properties, "ALBUM");
+        metadata.trackNumber = joined(properties, "TRACKNUMBER");
+        metadata.discNumber = joined(properties, "DISCNUMBER");
     }
     if (const TagLib::AudioProperties *audio = file.audioProperties()) {
         metadata.duration = std::max(audio->lengthInMilliseconds(), 0) / 1000.0;
@@ -90,6 +92,8 @@ bool readStreams(const QString &path, FileMetadata &metadata) {
     fillText(metadata.artist, "artist");
     fillText(metadata.artist, "album_artist");
     fillText(metadata.album, "album");
+    fillText(metadata.trackNumber, "track");
+    fillText(metadata.discNumber, "disc");
     return true;
 }
 

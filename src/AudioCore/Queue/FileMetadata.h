@@ -9,6 +9,8 @@ struct FileMetadata {
     QString title;
     QString artist; ///< several are joined with ", "
     QString album;
+    QString trackNumber;   ///< as it is written: "3", "3/12"
+    QString discNumber;    ///< likewise
     double duration = 0;   ///< seconds
     int bitrate = 0;       ///< kbit/s
     double sampleRate = 0; ///< Hz

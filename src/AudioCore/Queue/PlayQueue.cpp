@@ -94,7 +94,7 @@ TextOrder sortTexts(const std::vector<Track> &tracks, PlaylistSortKey key) {
 
 /// Puts the tracks into an order of their old indices without a second list: goes round every ring of tracks
 /// that take each other's places.
-void rearrange(std::vector<Track> &tracks, std::vector<int> order) {
+void rearrange(std::span<Track> tracks, std::vector<int> order) {
     for (size_t start = 0; start < order.size(); ++start) {
         if (order[start] == static_cast<int>(start))
             continue;
@@ -219,18 +219,21 @@ void PlayQueue::move(const IndexSet &indices, int offset) {
     if (moved.empty())
         return;
     const int step = std::clamp(offset, -*moved.begin(), count() - 1 - *moved.rbegin());
-    std::vector<int> order(m_tracks->size(), -1);
+    // Only what lies between the old places and the new ones changes: rows are dragged through long lists.
+    const int first = *moved.begin() + std::min(step, 0);
+    const int last = *moved.rbegin() + std::max(step, 0);
+    std::vector<int> order(static_cast<size_t>(last - first + 1), -1);
     for (const int index : moved)
-        order[static_cast<size_t>(index + step)] = index;
-    int other = 0;
+        order[static_cast<size_t>(index + step - first)] = index - first;
+    int other = first;
     for (int &entry : order) {
         if (entry >= 0)
             continue;
         while (moved.contains(other))
             ++other;
-        entry = other++;
+        entry = other++ - first;
     }
-    applyPermutation(order);
+    applyPermutation(order, first);
 }
 
 bool PlayQueue::reorder(const std::vector<int> &order) {
@@ -367,17 +370,20 @@ void PlayQueue::commit(const Target &target) {
         m_shufflePosition = target.shufflePosition;
 }
 
-void PlayQueue::applyPermutation(const std::vector<int> &order) {
+void PlayQueue::applyPermutation(const std::vector<int> &order, int first) {
     std::vector<int> newIndices(order.size());
     for (size_t index = 0; index < order.size(); ++index)
         newIndices[static_cast<size_t>(order[index])] = static_cast<int>(index);
-    rearrange(m_tracks.edit(), order);
+    const auto follow = [&](int &index) {
+        if (const auto place = static_cast<size_t>(index - first);
+            index >= first && place < newIndices.size())
+            index = first + newIndices[place];
+    };
+    rearrange(std::span(m_tracks.edit()).subspan(static_cast<size_t>(first), order.size()), order);
     if (m_currentIndex)
-        m_currentIndex = newIndices[static_cast<size_t>(*m_currentIndex)];
-    for (std::vector<int> *pass : {&m_shuffleOrder, &m_nextPass}) {
-        for (int &entry : *pass)
-            entry = newIndices[static_cast<size_t>(entry)];
-    }
+        follow(*m_currentIndex);
+    std::ranges::for_each(m_shuffleOrder, follow);
+    std::ranges::for_each(m_nextPass, follow);
 }
 
 } // namespace vantor

@@ -87,7 +87,8 @@ class PlayQueue {
     [[nodiscard]] std::optional<Target> forwardTarget(bool wrap) const;
     [[nodiscard]] std::optional<Target> backwardTarget(bool wrap) const;
     void commit(const Target &target);
-    void applyPermutation(const std::vector<int> &order);
+    /// Reorders the rows from `first` on, as many as `order` has entries, which count from there.
+    void applyPermutation(const std::vector<int> &order, int first = 0);
     [[nodiscard]] bool wraps() const { return m_repeatMode == RepeatMode::all; }
 
     SharedTracks m_tracks;

@@ -1,6 +1,7 @@
 #include "LocalPlayback/Loading/TrackLoader.h"
 
 #include "AudioCore/AudioCoreError.h"
+#include "AudioCore/Queue/AudioFileNames.h"
 #include "LocalPlayback/Loading/AddressLoader.h"
 #include "LocalPlayback/Playlists/PlaylistFile.h"
 
@@ -118,10 +119,8 @@ class Loader {
 const QStringList &audioPatterns() {
     static const QStringList value = [] {
         QStringList patterns;
-        for (const char *extension : {"flac", "mp3", "m4a", "aac", "ogg", "oga", "opus", "wav", "aif", "aiff",
-                                      "aifc", "wma", "ape", "wv",  "mpc", "tta", "mka",  "mp2", "mp4", "m4b",
-                                      "ac3",  "dts", "spx", "au",  "caf", "w64", "alac", "dsf", "dff"})
-            patterns.append(QLatin1String("*.") + QLatin1String(extension));
+        for (const QString &extension : AudioFileNames::extensions())
+            patterns.append(QLatin1String("*.") + extension);
         return patterns;
     }();
     return value;

@@ -4,6 +4,8 @@
 #include "SkinKit/Rendering/MainWindowElements_p.h"
 #include "SkinKit/Rendering/ScenePainting_p.h"
 
+#include <QPainter>
+
 namespace vantor::MainWindowRenderer {
 
 static auto elementsOf(bool shaded) {
@@ -27,6 +29,19 @@ QRegion changed(const Skin &, const MainWindowScene &before, const MainWindowSce
 QRegion mask(const Skin &skin, bool shaded, int scale) {
     return ScenePainting::mask(shaded ? skin.region.windowShade() : skin.region.normal(), size(shaded, 1),
                                scale);
+}
+
+QImage picture(const Skin &skin, const MainWindowScene &scene, int scale, Outside outside) {
+    QImage picture(size(scene.shaded, scale), QImage::Format_ARGB32_Premultiplied);
+    picture.fill(Qt::transparent);
+    QPainter painter(&picture);
+    draw(painter, skin, scene, scale);
+    if (outside == Outside::drawn)
+        return picture;
+    painter.setCompositionMode(QPainter::CompositionMode_Clear);
+    for (const QRect &rect : QRegion(picture.rect()).subtracted(mask(skin, scene.shaded, scale)))
+        painter.fillRect(rect, Qt::transparent);
+    return picture;
 }
 
 } // namespace vantor::MainWindowRenderer

@@ -2,6 +2,7 @@
 
 #include "SkinKit/Rendering/MainWindowScene.h"
 
+#include <QImage>
 #include <QRegion>
 #include <QSize>
 
@@ -31,6 +32,13 @@ void draw(QPainter &painter, const Skin &skin, const MainWindowScene &scene, int
 /// The outline of the window, in pixels at `scale`; the full rectangle when the skin gives none or an empty
 /// one.
 [[nodiscard]] QRegion mask(const Skin &skin, bool shaded, int scale);
+
+/// What a picture shows beyond the skin's outline.
+enum class Outside { transparent, drawn };
+
+/// The window by itself, in premultiplied ARGB.
+[[nodiscard]] QImage picture(const Skin &skin, const MainWindowScene &scene, int scale,
+                             Outside outside = Outside::transparent);
 
 } // namespace MainWindowRenderer
 } // namespace vantor

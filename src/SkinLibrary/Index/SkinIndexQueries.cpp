@@ -3,8 +3,6 @@
 #include "SkinLibrary/Index/SkinRow_p.h"
 #include "SkinLibrary/SkinLibraryError.h"
 
-#include <sqlite3.h>
-
 // What the browser asks of the index.
 namespace vantor {
 
@@ -70,6 +68,19 @@ std::string countSql(const SkinQuery &query, bool hasExpression) {
     return "SELECT COUNT(*) FROM skins s WHERE " + statusFilter(query.statuses);
 }
 
+std::string rankedIdsSql(const SkinQuery &query) {
+    return "SELECT s.id FROM skins s JOIN skins_fts ON skins_fts.rowid = s.id WHERE skins_fts MATCH ? AND " +
+           (allowsAll(query.statuses) ? "TRUE" : statusFilter(query.statuses)) +
+           " ORDER BY bm25(skins_fts), s.name COLLATE NOCASE, s.id";
+}
+
+std::string hitsInNameOrderSql(const SkinQuery &query, bool hasExpression) {
+    return "SELECT COUNT(*) FROM skins s WHERE " +
+           std::string(hasExpression ? "s.id IN (SELECT rowid FROM skins_fts WHERE skins_fts MATCH ?) AND "
+                                     : "") +
+           (allowsAll(query.statuses) ? "TRUE" : statusFilter(query.statuses));
+}
+
 std::string neighborSql(SkinNeighborDirection direction, const std::set<SkinStatus> &statuses) {
     const bool next = direction == SkinNeighborDirection::next;
     const std::string op = next ? ">" : "<";
@@ -85,9 +96,10 @@ std::string neighborSql(SkinNeighborDirection direction, const std::set<SkinStat
 class VANTOR_THREAD_ATTRIBUTE(scoped_lockable) SkinIndexStore::Reading {
   public:
     explicit Reading(SkinIndexStore &store) VANTOR_THREAD_ATTRIBUTE(acquire_capability(store.m_mutex))
-        : m_store(store), m_interruptionsBefore(store.m_interruptions), m_lock(store.m_mutex) {
+        : m_store(store), m_interruptionsBefore(store.m_questionBegan.value_or(store.m_interruptions)),
+          m_lock(store.m_mutex) {
         if (m_interruptionsBefore != store.m_interruptions)
-            throw SkinLibraryError::sqlite(SQLITE_INTERRUPT, QStringLiteral("interrupted"));
+            throw SkinLibraryError::interruption();
         store.m_interruptionsBefore = m_interruptionsBefore;
     }
     ~Reading() VANTOR_THREAD_ATTRIBUTE(release_capability()) { m_store.m_interruptionsBefore.reset(); }
@@ -168,6 +180,38 @@ std::int64_t SkinIndexStore::count(const SkinQuery &query) {
     if (!allowsAll(query.statuses))
         bindAll(count, query.statuses, index);
     return count.step() ? count.integer(0) : 0;
+}
+
+std::optional<std::int64_t> SkinIndexStore::position(std::int64_t id, const SkinQuery &query) {
+    if (query.statuses.empty())
+        return std::nullopt;
+    const std::optional<QString> expression = expressionOf(query);
+    const Reading reading(*this);
+    const auto bindQuery = [&](Statement &statement) {
+        int index = 1;
+        if (expression)
+            statement.bind(expression, index++);
+        return allowsAll(query.statuses) ? index : bindAll(statement, query.statuses, index);
+    };
+    if (expression && !isBroad(*expression)) {
+        auto ids = m_db.temporaryStatement(rankedIdsSql(query));
+        bindQuery(ids);
+        for (std::int64_t at = 0; ids.step(); ++at) {
+            if (ids.integer(0) == id)
+                return at;
+        }
+        return std::nullopt;
+    }
+    const std::string hits = hitsInNameOrderSql(query, expression.has_value());
+    auto self = m_db.temporaryStatement(hits + " AND s.id = ?");
+    self.bind(id, bindQuery(self));
+    if (!self.step() || self.integer(0) == 0)
+        return std::nullopt;
+    auto before = m_db.temporaryStatement(
+        hits +
+        " AND (s.name COLLATE NOCASE, s.id) < (SELECT name COLLATE NOCASE, id FROM skins WHERE id = ?)");
+    before.bind(id, bindQuery(before));
+    return before.step() ? std::optional(before.integer(0)) : std::nullopt;
 }
 
 std::optional<SkinRecord> SkinIndexStore::neighbor(std::int64_t id, SkinNeighborDirection direction,

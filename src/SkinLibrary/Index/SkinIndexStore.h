@@ -89,6 +89,8 @@ class SkinIndexStore {
     [[nodiscard]] std::vector<SkinRecord> skins(const SkinQuery &query);
     /// How many skins the query's pages hold together.
     [[nodiscard]] std::int64_t count(const SkinQuery &query);
+    /// Where the skin stands among them, from 0; none when the query does not find it.
+    [[nodiscard]] std::optional<std::int64_t> position(std::int64_t id, const SkinQuery &query);
     /// The skin after or before this one in name order among those of these statuses.
     [[nodiscard]] std::optional<SkinRecord> neighbor(std::int64_t id, SkinNeighborDirection direction,
                                                      const std::set<SkinStatus> &statuses);
@@ -110,6 +112,20 @@ class SkinIndexStore {
     /// isInterruption(). Those asked for later, and everything that writes, run as ever. Does not block.
     void interrupt() { ++m_interruptions; }
 
+    /// Makes one of all the readings that its thread begins during its life, so that interrupt() ends those
+    /// too that follow. Only for a store that no other thread reads through.
+    class Question {
+      public:
+        explicit Question(SkinIndexStore &store) : m_store(store) {
+            m_store.m_questionBegan = m_store.m_interruptions.load();
+        }
+        ~Question() { m_store.m_questionBegan.reset(); }
+        Q_DISABLE_COPY_MOVE(Question)
+
+      private:
+        SkinIndexStore &m_store;
+    };
+
   private:
     class Reading;
 
@@ -128,6 +144,7 @@ class SkinIndexStore {
 
     const QUrl m_url;
     std::atomic_int m_interruptions = 0;
+    std::optional<int> m_questionBegan; ///< after this many interruptions
     Mutex m_mutex;
     SQLiteDatabase m_db VANTOR_GUARDED_BY(m_mutex);
     /// The interruptions when the running search began; none while nothing that may be interrupted runs.

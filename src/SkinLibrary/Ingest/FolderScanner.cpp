@@ -1,7 +1,7 @@
 #include "SkinLibrary/Ingest/FolderScanner.h"
 
+#include "Platform/FileTime.h"
 #include "Platform/NativePath.h"
-#include "SkinLibrary/Ingest/FileTime_p.h"
 #include "SkinLibrary/SkinLibraryError.h"
 
 #include <QFile>

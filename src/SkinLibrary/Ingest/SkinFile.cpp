@@ -1,5 +1,5 @@
+#include "Platform/FileTime.h"
 #include "Platform/NativePath.h"
-#include "SkinLibrary/Ingest/FileTime_p.h"
 #include "SkinLibrary/Ingest/SkinFile_p.h"
 
 #include <fcntl.h>

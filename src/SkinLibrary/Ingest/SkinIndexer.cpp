@@ -1,8 +1,8 @@
 #include "SkinLibrary/Ingest/SkinIndexer.h"
 
 #include "Platform/NativePath.h"
+#include "Platform/ParallelMap.h"
 #include "SkinLibrary/Ingest/FolderScanner.h"
-#include "SkinLibrary/Ingest/ParallelMap_p.h"
 #include "SkinLibrary/SkinLibraryError.h"
 
 #include <QDateTime>

@@ -5,6 +5,7 @@
 #include "AudioCore/Playback/Player.h"
 #include "Platform/AppPaths.h"
 #include "Vantor/App/CarryOut.h"
+#include "Vantor/App/IndexedSkins.h"
 #include "Vantor/App/LaunchOptions.h"
 #include "Vantor/App/SavedQueue.h"
 #include "Vantor/App/SingleInstance.h"
@@ -12,12 +13,14 @@
 #include "Vantor/Model/PlayerModel.h"
 #include "Vantor/Model/ResumePoint.h"
 #include "Vantor/Mpris/MprisService.h"
+#include "Vantor/Windows/DialogPlace.h"
 #include "Vantor/Windows/SkinnedWindows.h"
 #include "Vantor/Windows/WelcomeDialog.h"
 
 #include <QApplication>
 #include <QIcon>
 #include <QSettings>
+#include <QTimer>
 
 #include <cmath>
 #include <cstdio>
@@ -67,9 +70,8 @@ QUrl demoTrack() {
 class DesktopPresence {
   public:
     DesktopPresence(PlayerModel &model, SkinnedWindows &windows)
-        : m_service(model,
-                    {.raise = [&windows] { windows.bringToFront(); }, .quit = &SkinnedWindow::quitProgram}),
-          m_bridge(model.player(), model.player(), m_service.center()) {
+        : m_service(model, windows.commands(), [&windows] { windows.bringToFront(); }),
+          m_bridge(model.player(), windows.commands(), m_service.center()) {
         m_bridge.install();
         m_service.connectToBus();
     }
@@ -85,12 +87,32 @@ void welcome(PlayerModel &model, MainWindow &window) {
         return;
     model.preferences().setWelcomed();
     auto *const dialog = new WelcomeDialog(model, &window);
-    // Beside the player, which is what there is to see.
     dialog->adjustSize();
-    dialog->move(window.frameGeometry().bottomLeft() +
-                 QPoint((window.width() - dialog->width()) / 2, dialog->fontMetrics().height() * 3));
+    DialogPlace::beside(*dialog, {window.frameGeometry()});
     dialog->show();
 }
+
+/// Has something done once a window stands on the screen, and not before: the start shall not wait for it.
+class AfterFirstPaint : public QObject {
+  public:
+    AfterFirstPaint(QWidget &window, const std::function<void()> &action)
+        : QObject(&window), m_action(action) {
+        window.installEventFilter(this);
+    }
+
+  protected:
+    bool eventFilter(QObject *window, QEvent *event) override {
+        if (event->type() == QEvent::Paint) {
+            window->removeEventFilter(this);
+            QTimer::singleShot(0, window, m_action);
+            deleteLater();
+        }
+        return false;
+    }
+
+  private:
+    std::function<void()> m_action;
+};
 
 // The skin asked for, else the one worn last.
 void dress(PlayerModel &model, const std::optional<QUrl> &asked) {
@@ -160,6 +182,10 @@ int runProgram(int argc, char **argv) {
             windows.bringToFront();
     });
     std::optional<DesktopPresence> presence; // from when the window is there
+    std::optional<IndexedSkins> indexedSkins;
+    if (!timedRun)
+        new AfterFirstPaint(windows.mainWindow(),
+                            [&] { indexedSkins.emplace(model, windows.commands(), settings); });
     bool hasBegun = false;
     // What was asked for, else on from where the last run ended, else the demo.
     const auto begin = [&](bool hasTracks) {

@@ -14,7 +14,7 @@ class SkinWindowController {
 
     [[nodiscard]] virtual WindowKind windowKind() const = 0;
     /// The window itself, in most cases `*this`. Lives as long as the controller.
-    [[nodiscard]] virtual QWidget &window() = 0;
+    [[nodiscard]] virtual QWidget &widget() = 0;
     /// The height of the area by which the window is dragged, in the window's own points: twice as much at
     /// double size. This much of a window stays within reach of the pointer.
     [[nodiscard]] virtual double titleBarHeight() const = 0;

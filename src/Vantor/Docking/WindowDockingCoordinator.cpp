@@ -97,7 +97,7 @@ SkinWindowController *WindowDockingCoordinator::controller(WindowKind kind) cons
 }
 
 QRect WindowDockingCoordinator::frame(SkinWindowController &controller) const {
-    const QWidget &window = controller.window();
+    const QWidget &window = controller.widget();
     const auto asked = m_asked.find(controller.windowKind());
     const bool isPending =
         asked != m_asked.end() && !asked->second.since.hasExpired(confirmationTime.count());
@@ -107,7 +107,7 @@ QRect WindowDockingCoordinator::frame(SkinWindowController &controller) const {
 std::vector<DockedWindow> WindowDockingCoordinator::dockedWindows() const {
     std::vector<DockedWindow> windows;
     for (const auto &[kind, controller] : m_controllers) {
-        if (isShown(controller->window()))
+        if (isShown(controller->widget()))
             windows.push_back({kind, boxOf(frame(*controller))});
     }
     return windows;
@@ -126,7 +126,7 @@ void WindowDockingCoordinator::move(SkinWindowController &controller, Offset toT
     Asked &asked = m_asked[controller.windowKind()];
     asked.topLeft = pointOf(toTopLeft);
     asked.since.start();
-    controller.window().move(asked.topLeft);
+    controller.widget().move(asked.topLeft);
 }
 
 void WindowDockingCoordinator::place(const std::map<WindowKind, Offset> &topLefts) {
@@ -246,7 +246,7 @@ void WindowDockingCoordinator::watchScreens() {
 
 void WindowDockingCoordinator::prepareToShow(SkinWindowController &appearing) {
     const std::vector<DockedWindow> windows = dockedWindows();
-    const QSize size = sizeOf(appearing.window());
+    const QSize size = sizeOf(appearing.widget());
     const auto hasRoomBelow = [&](const DockedWindow &above) {
         const Box place{above.box.x, above.box.bottom(), static_cast<double>(size.width()),
                         static_cast<double>(size.height())};
@@ -284,7 +284,7 @@ void WindowDockingCoordinator::dragBegan(SkinWindowController &controller) {
 
 void WindowDockingCoordinator::drag(SkinWindowController &controller, QPoint to) {
     if (!m_drag) {
-        controller.window().move(to);
+        controller.widget().move(to);
         return;
     }
     place(m_drag->session.positions(asOffset(to - m_drag->origin), dragLimits()));
@@ -375,7 +375,7 @@ void WindowDockingCoordinator::raiseGroup(SkinWindowController &around) {
     }
     // From the last to the first, each on top of all: the one order that every window manager takes.
     for (auto kind = chain.rbegin(); kind != chain.rend(); ++kind)
-        controller(*kind)->window().raise();
+        controller(*kind)->widget().raise();
     std::erase_if(m_frontToBack, [&](WindowKind kind) { return std::ranges::count(chain, kind) > 0; });
     m_frontToBack.insert(m_frontToBack.begin(), chain.begin(), chain.end());
 }
@@ -388,22 +388,22 @@ void WindowDockingCoordinator::attachChildWindows(SkinWindowController &) {
     SkinWindowController *const parent = controller(WindowKind::main);
     if (!parent)
         return;
-    parent->window().winId(); // makes the handle
+    parent->widget().winId(); // makes the handle
     for (const auto &[kind, child] : m_controllers) {
         if (parentWindow(kind) != WindowKind::main)
             continue;
-        QWidget &window = child->window();
+        QWidget &window = child->widget();
         window.overrideWindowFlags((window.windowFlags() & ~Qt::WindowType_Mask) | Qt::Dialog);
         window.winId();
         window.windowHandle()->setFlags(window.windowFlags());
-        window.windowHandle()->setTransientParent(parent->window().windowHandle());
+        window.windowHandle()->setTransientParent(parent->widget().windowHandle());
     }
 }
 
 // Most window managers minimise child windows with their parent; this does it under all of them.
 void WindowDockingCoordinator::skinnedWindowWillMinimize() {
     for (const auto &[kind, child] : m_controllers) {
-        QWidget &window = child->window();
+        QWidget &window = child->widget();
         if (parentWindow(kind) && isShown(window)) {
             m_minimizedAlong.insert(kind);
             window.setWindowState(window.windowState() | Qt::WindowMinimized);
@@ -413,7 +413,7 @@ void WindowDockingCoordinator::skinnedWindowWillMinimize() {
 
 void WindowDockingCoordinator::skinnedWindowDidDeminimize() {
     for (const WindowKind kind : std::exchange(m_minimizedAlong, {})) {
-        QWidget &window = controller(kind)->window();
+        QWidget &window = controller(kind)->widget();
         window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
     }
     m_screensSettle.start(); // the screens may have changed meanwhile

@@ -30,6 +30,11 @@ void MarqueeLine::setNotice(const StatusNotice &notice) {
     m_noticeAge = 0;
 }
 
+void MarqueeLine::withdrawNotice(const QString &text) {
+    if (m_notice && m_notice->text == text)
+        m_notice.reset();
+}
+
 bool MarqueeLine::hasNotice(StatusNotice::Clock::time_point now) const {
     return m_notice && m_notice->isActive(now);
 }

@@ -14,6 +14,8 @@ class MarqueeLine {
   public:
     void setTitle(const QString &title);
     void setNotice(const StatusNotice &notice);
+    /// Takes that notice away if it is the one shown.
+    void withdrawNotice(const QString &text);
     /// What a slider says while it is dragged; none when it is let go.
     void setDragText(const std::optional<QString> &text) { m_dragText = text; }
 

@@ -28,13 +28,27 @@ OutputChoice::OutputChoice(Player &player, QSettings &settings) : m_player(playe
 std::vector<OutputChoice::Item> OutputChoice::items() const {
     const std::optional<QString> chosen = m_player.chosenOutputDevice();
     std::vector<Item> items{{tr("System Default"), std::nullopt, !chosen}};
-    for (const OutputDeviceDescription &device : m_player.outputDevices())
-        items.push_back({device.name, device.key, chosen == device.key});
+    const std::vector<OutputDeviceDescription> devices = m_player.outputDevices();
+    for (const OutputDeviceDescription &device : devices) {
+        const bool isAlone = std::ranges::count(devices, device.name, &OutputDeviceDescription::name) == 1;
+        items.push_back({isAlone ? device.name : QStringLiteral("%1 (%2)").arg(device.name, device.key),
+                         device.key, chosen == device.key});
+    }
     if (std::ranges::none_of(items, &Item::chosen)) {
         const QString name = m_settings.value(nameKey).toString();
         items.push_back({tr("%1 (not connected)").arg(name.isEmpty() ? *chosen : name), chosen, true});
     }
     return items;
+}
+
+std::optional<QString> OutputChoice::problem() const {
+    const std::vector<OutputDeviceDescription> devices = m_player.outputDevices();
+    const std::optional<QString> chosen = m_player.chosenOutputDevice();
+    if (devices.empty())
+        return tr("No sound device");
+    if (chosen && std::ranges::find(devices, *chosen, &OutputDeviceDescription::key) == devices.end())
+        return tr("Sound device not connected");
+    return std::nullopt;
 }
 
 void OutputChoice::choose(const std::optional<QString> &key) {

@@ -25,8 +25,12 @@ class OutputChoice {
 
         bool operator==(const Item &) const = default;
     };
-    /// The system's default, then the devices, then the chosen one if it is missing.
+    /// The system's default, then the devices, then the chosen one if it is missing. Devices of one name have
+    /// their keys behind it.
     [[nodiscard]] std::vector<Item> items() const;
+    /// Why the user does not hear what was asked for, in a sentence; none as long as the chosen device, or
+    /// any device, is there.
+    [[nodiscard]] std::optional<QString> problem() const;
     void choose(const std::optional<QString> &key);
 
   private:

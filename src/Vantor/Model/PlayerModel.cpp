@@ -65,6 +65,7 @@ PlayerModel::PlayerModel(Player &player, QSettings &settings, QObject *parent)
             Q_EMIT sceneChanged();
     });
 
+    connect(&player, &Player::outputDevicesChanged, this, &PlayerModel::watchOutput);
     connect(&player, &Player::loudnessChanged, this, [this] {
         store("replayGain", rawValue(m_player.replayGainMode()));
         store("limiter", m_player.isLimiterEnabled());
@@ -229,10 +230,11 @@ void PlayerModel::takeTracks(quint64 import, const std::vector<Track> &tracks) {
 
 void PlayerModel::finishImport(quint64 import, int added, const std::vector<SkippedFile> &skipped) {
     for (const SkippedFile &file : skipped) {
-        const QString name = file.url.isLocalFile() ? file.url.fileName() : file.url.toDisplayString();
-        qCWarning(playerModelLog, "could not play %s: %s", qUtf8Printable(name), qUtf8Printable(file.reason));
-        Q_EMIT trackRefused(name, file.reason);
+        qCWarning(playerModelLog, "could not play %s: %s", qUtf8Printable(file.name()),
+                  qUtf8Printable(file.reason));
+        Q_EMIT trackRefused(file.name(), file.reason);
     }
+    m_skippedFiles = skipped;
     if (const auto notice =
             StatusNotice::skipped(static_cast<int>(skipped.size()), added, StatusNotice::Clock::now()))
         notify(*notice);
@@ -263,6 +265,18 @@ void PlayerModel::handleFailure(const PlaybackFailure &failure) {
     qCWarning(playerModelLog, "could not play %s: %s", qUtf8Printable(name), qUtf8Printable(failure.message));
     notify(StatusNotice::playbackFailed(failure, StatusNotice::Clock::now()));
     Q_EMIT trackRefused(name, failure.message);
+}
+
+void PlayerModel::watchOutput() {
+    const std::optional<QString> before = std::exchange(m_outputProblem, m_output.problem());
+    if (m_outputProblem == before)
+        return;
+    if (before)
+        m_marquee.withdrawNotice(*before);
+    if (m_outputProblem)
+        showNotice(*m_outputProblem);
+    else
+        Q_EMIT sceneChanged();
 }
 
 void PlayerModel::updateTitle() {

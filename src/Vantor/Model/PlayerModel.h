@@ -66,6 +66,8 @@ class PlayerModel : public QObject {
     /// comes in while the queue changes goes in front of the same track.
     void insert(const QList<QUrl> &urls, int row);
     [[nodiscard]] bool isImporting() const { return !m_imports.empty() || !m_heldImports.empty(); }
+    /// What the import that ended last left out, and why.
+    [[nodiscard]] const std::vector<SkippedFile> &skippedFiles() const { return m_skippedFiles; }
     /// From here to releaseImports() what is opened and enqueued waits, in its order.
     void holdImports() { m_holdsImports = true; }
     void releaseImports();
@@ -116,6 +118,7 @@ class PlayerModel : public QObject {
     void importMusic(const QList<QUrl> &music, const ImportPlan &plan);
     void takeTracks(quint64 import, const std::vector<Track> &tracks);
     void finishImport(quint64 import, int added, const std::vector<SkippedFile> &skipped);
+    void watchOutput();
     void notify(const StatusNotice &notice);
     void updateTitle();
     void setSkin(const QUrl &url, const Skin &skin);
@@ -133,6 +136,7 @@ class PlayerModel : public QObject {
 
     Preferences m_preferences;
     OutputChoice m_output;
+    std::optional<QString> m_outputProblem; ///< that was last told
     SkinShelf m_skins;
     WindowState m_windows;
     FrameClock m_clock;
@@ -144,6 +148,7 @@ class PlayerModel : public QObject {
     bool m_holdsImports = false;
     std::vector<HeldImport> m_heldImports;
     std::map<quint64, ImportPlan> m_imports; ///< under way, by number
+    std::vector<SkippedFile> m_skippedFiles;
 };
 
 } // namespace vantor

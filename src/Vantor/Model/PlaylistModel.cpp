@@ -4,11 +4,13 @@
 #include "LocalPlayback/LocalPlaybackError.h"
 #include "LocalPlayback/Playlists/PlaylistFile.h"
 #include "MusicBackendKit/MarqueeText.h"
+#include "Platform/TextFolding.h"
+#include "Vantor/Model/NameOrder.h"
 #include "Vantor/Model/TrackFinder.h"
 
-#include <QCollator>
 #include <QFileInfo>
 #include <QFutureWatcher>
+#include <QScopedValueRollback>
 #include <QSettings>
 #include <QtConcurrentRun>
 
@@ -20,6 +22,7 @@ namespace vantor {
 namespace {
 
 constexpr std::chrono::milliseconds typingPause{1000};
+constexpr std::chrono::milliseconds longestSearch{6}; // at a time: windows are painted in between
 constexpr const char *sizeKey = "playlist.size";
 constexpr QSize firstSize{275, 232};
 namespace Layout = PlaylistWindowLayout;
@@ -61,6 +64,8 @@ PlaylistModel::PlaylistModel(PlayerModel &model, QSettings &settings, QObject *p
     m_typing.setSingleShot(true);
     m_typing.setInterval(typingPause);
     connect(&m_typing, &QTimer::timeout, this, &PlaylistModel::endTyping);
+    m_searching.setSingleShot(true);
+    connect(&m_searching, &QTimer::timeout, this, [this] { searchOn(longestSearch); });
     connect(&model.player(), &Player::queueChanged, this, &PlaylistModel::takeQueue);
     m_observer = model.player().addEventObserver([this](const PlayerEvent &event) {
         if (!std::holds_alternative<PlayerEvents::TrackChanged>(event))
@@ -164,8 +169,12 @@ void PlaylistModel::reveal(int row) {
 }
 
 void PlaylistModel::takeQueue() {
+    if (m_isMoving)
+        return;
     if (count() < m_count)
         m_selection.prune(tracks());
+    if (m_search)
+        m_search = {.wanted = m_search->wanted, .from = m_search->from};
     m_count = count();
     m_cursor = std::clamp(m_cursor, 0, std::max(0, m_count - 1));
     m_firstRow = std::min(m_firstRow, Layout::lastFirstRow(m_count, m_size));
@@ -177,7 +186,14 @@ void PlaylistModel::takeQueue() {
 void PlaylistModel::selectionChanged() {
     m_rows.reset();
     m_runningTime.reset();
+    m_selectedRows.reset();
     Q_EMIT changed();
+}
+
+const IndexSet &PlaylistModel::selectedRows() const {
+    if (!m_selectedRows)
+        m_selectedRows = m_selection.indices(tracks());
+    return *m_selectedRows;
 }
 
 void PlaylistModel::select(int row, Selecting how) {
@@ -195,6 +211,7 @@ void PlaylistModel::select(int row, Selecting how) {
         break;
     }
     m_cursor = row;
+    m_search.reset();
     reveal(row);
     selectionChanged();
 }
@@ -246,6 +263,7 @@ void PlaylistModel::beginTyping() {
 }
 
 void PlaylistModel::endTyping() {
+    searchOn(std::chrono::hours(1));
     m_typed.reset();
     m_typing.stop();
     Q_EMIT changed();
@@ -256,25 +274,36 @@ void PlaylistModel::type(const QString &letters) {
         beginTyping();
     m_typing.start();
     *m_typed += letters;
-    const QString wanted = TrackFinder::folded(*m_typed);
-    const auto matches = [&](int row, bool inside) {
-        const Track &track = tracks()[static_cast<std::size_t>(row)];
-        const QString name = TrackFinder::folded(nameOf(track));
-        return inside ? name.contains(wanted)
-                      : name.startsWith(wanted) || TrackFinder::folded(track.title).startsWith(wanted);
-    };
     // A further letter may keep the row; a first one moves on, so that it can be pressed again.
-    const int from = m_cursor + (m_typed->size() == letters.size() && hasSelection() ? 1 : 0);
-    for (const bool inside : {false, true}) {
-        for (int step = 0; step < count(); ++step) {
-            const int row = (from + step) % count();
-            if (matches(row, inside)) {
-                select(row, Selecting::only);
-                return;
-            }
+    const bool isFirst = m_typed->size() == letters.size();
+    const int from = m_search ? m_search->from : m_cursor + (isFirst && hasSelection() ? 1 : 0);
+    m_search = {.wanted = TextFolding::folded(*m_typed), .from = from};
+    searchOn(longestSearch);
+    Q_EMIT changed();
+}
+
+void PlaylistModel::searchOn(std::chrono::milliseconds longest) {
+    constexpr int betweenLooks = 64; // at the clock
+    const QDeadlineTimer end(longest);
+    while (m_search) {
+        if (m_search->step == count()) {
+            if (const std::optional<int> inside = std::exchange(m_search, std::nullopt)->inside)
+                select(*inside, Selecting::only);
+            break;
+        }
+        const int row = (m_search->from + m_search->step++) % count();
+        const Track &track = tracks()[static_cast<std::size_t>(row)];
+        const QString name = TextFolding::folded(nameOf(track));
+        const QString &wanted = m_search->wanted;
+        if (name.startsWith(wanted) || TextFolding::folded(track.title).startsWith(wanted))
+            select(row, Selecting::only);
+        else if (!m_search->inside && name.contains(wanted))
+            m_search->inside = row;
+        if (m_search && m_search->step % betweenLooks == 0 && end.hasExpired()) {
+            m_searching.start();
+            break;
         }
     }
-    Q_EMIT changed();
 }
 
 // What is done
@@ -289,7 +318,7 @@ void PlaylistModel::removeRows(const IndexSet &rows) {
 }
 
 void PlaylistModel::removeSelected() {
-    const IndexSet rows = m_selection.indices(tracks());
+    const IndexSet rows = selectedRows();
     if (rows.empty())
         return;
     const int first = *rows.begin();
@@ -299,7 +328,7 @@ void PlaylistModel::removeSelected() {
 
 void PlaylistModel::crop() {
     if (hasSelection())
-        m_model.player().cropTracks(m_selection.indices(tracks()));
+        m_model.player().cropTracks(IndexSet(selectedRows()));
 }
 
 void PlaylistModel::removeAll() {
@@ -348,26 +377,32 @@ void PlaylistModel::removeDuplicates() {
                                                 : tr("Removed %1 duplicates").arg(duplicates.size()));
 }
 
+// Costs what is moved, not how long the list is: a drag does it for every row that the pointer passes.
 int PlaylistModel::moveSelected(int by) {
-    const IndexSet rows = m_selection.indices(tracks());
+    const IndexSet rows = selectedRows();
     if (rows.empty())
         return 0;
     const int step = std::clamp(by, -*rows.begin(), count() - 1 - *rows.rbegin());
     if (step == 0)
         return 0;
-    m_model.player().moveTracks(rows, step);
+    m_rows.reset();
+    {
+        const QScopedValueRollback moving(m_isMoving, true);
+        m_model.player().moveTracks(rows, step);
+    }
+    IndexSet moved;
+    for (const int row : rows)
+        moved.insert(moved.end(), row + step);
+    m_selectedRows = std::move(moved);
     m_cursor += step;
     if (m_selection.anchor)
         *m_selection.anchor += step;
-    selectionChanged();
+    Q_EMIT changed();
     return step;
 }
 
 void PlaylistModel::sortByTitle() {
-    // Where no language is set, names would be compared by their bytes.
-    QCollator collator(QLocale().language() == QLocale::C ? QLocale(QLocale::English) : QLocale());
-    collator.setCaseSensitivity(Qt::CaseInsensitive);
-    collator.setNumericMode(true);
+    const QCollator collator = nameOrder();
     std::vector<QCollatorSortKey> keys;
     keys.reserve(tracks().size());
     for (const Track &track : tracks())

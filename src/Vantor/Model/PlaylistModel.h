@@ -47,7 +47,8 @@ class PlaylistModel : public QObject {
     void invertSelection();
 
     // Type-ahead: letters that follow each other within a second make one word, by which the next track that
-    // begins with it, or else contains it, is selected.
+    // begins with it, or else contains it, is selected. In a long list it may be found only later; the end of
+    // typing waits for it.
     void beginTyping();
     void type(const QString &letters);
     void endTyping();
@@ -75,10 +76,20 @@ class PlaylistModel : public QObject {
     void sizeChanged();
 
   private:
+    /// For what is typed, as far as it has come.
+    struct Search {
+        QString wanted; ///< folded
+        int from = 0;
+        int step = 0;                ///< rows looked at
+        std::optional<int> inside{}; ///< the first that contains it
+    };
+
+    void searchOn(std::chrono::milliseconds longest);
     [[nodiscard]] const std::vector<Track> &tracks() const { return m_model.player().queue().tracks(); }
     void takeQueue();
     void selectionChanged();
     void removeRows(const IndexSet &rows);
+    [[nodiscard]] const IndexSet &selectedRows() const;
     [[nodiscard]] std::vector<PlaylistRow> shownRows() const;
     [[nodiscard]] QString runningTime() const;
 
@@ -92,9 +103,13 @@ class PlaylistModel : public QObject {
     int m_count = 0; ///< of the queue when it was last looked at
     std::optional<QString> m_typed;
     QTimer m_typing;
+    std::optional<Search> m_search;
+    QTimer m_searching; ///< runs while the search waits for its next turn
     // Made when they are asked for: scenes are, sixty times a second.
     mutable std::optional<std::vector<PlaylistRow>> m_rows;
     mutable std::optional<QString> m_runningTime;
+    mutable std::optional<IndexSet> m_selectedRows;
+    bool m_isMoving = false; ///< rows of its own, as it knows
 };
 
 } // namespace vantor

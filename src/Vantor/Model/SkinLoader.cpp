@@ -1,7 +1,9 @@
 #include "Vantor/Model/SkinLoader.h"
 
+#include "Platform/NativePath.h"
 #include "SkinKit/Loading/SkinError.h"
 #include "SkinKit/Loading/SkinParser.h"
+#include "SkinLibrary/Ingest/SkinIngester.h"
 
 #include <QFile>
 #include <QFutureWatcher>
@@ -17,7 +19,9 @@ using Outcome = std::variant<Skin, QString>;
 
 Outcome parse(const QUrl &url) {
     try {
-        return SkinParser::parse(url);
+        // A name in an old encoding is one that Qt's own file classes cannot spell.
+        const QString path = NativePath::fromUrl(url);
+        return path.isValidUtf16() ? SkinParser::parse(url) : SkinParser::parse(SkinIngester::archive(path));
     } catch (const SkinError &error) {
         return error.description();
     } catch (const std::bad_alloc &) {

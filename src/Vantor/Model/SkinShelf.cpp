@@ -1,19 +1,13 @@
 #include "Vantor/Model/SkinShelf.h"
 
-#include <QCollator>
 #include <QDir>
-#include <QDirIterator>
 #include <QSettings>
-
-#include <algorithm>
 
 namespace vantor {
 
 namespace {
 
 constexpr qsizetype recentCount = 8;
-constexpr int longestLook = 2000; // entries of the skins folder
-constexpr qsizetype menuCount = 60;
 const QString lastKey = QStringLiteral("skin");
 const QString recentKey = QStringLiteral("skins.recent");
 const QString folderKey = QStringLiteral("SkinsFolderPath");
@@ -58,26 +52,10 @@ QString SkinShelf::folder() const {
 }
 
 void SkinShelf::setFolder(const QString &path) {
+    if (path == folder())
+        return;
     m_settings.setValue(folderKey, path);
-}
-
-QList<QUrl> SkinShelf::inFolder() const {
-    QList<QUrl> skins;
-    if (folder().isEmpty())
-        return skins;
-    QDirIterator entries(folder(), QDir::Files | QDir::Dirs | QDir::NoDotAndDotDot);
-    for (int looked = 0; entries.hasNext() && looked < longestLook; ++looked) {
-        if (const QUrl url = QUrl::fromLocalFile(entries.next()); isSkin(url))
-            skins.append(url);
-    }
-    // Without a language set, names would go by the bytes of their letters.
-    QCollator names(QLocale().language() == QLocale::C ? QLocale(QLocale::English) : QLocale());
-    names.setNumericMode(true);
-    names.setCaseSensitivity(Qt::CaseInsensitive);
-    std::ranges::sort(skins, [&names](const QUrl &a, const QUrl &b) {
-        return names.compare(a.fileName(), b.fileName()) < 0;
-    });
-    return skins.mid(0, menuCount);
+    Q_EMIT folderChanged();
 }
 
 } // namespace vantor

@@ -1,17 +1,20 @@
 #pragma once
 
 #include <QList>
+#include <QObject>
 #include <QUrl>
 
 class QSettings;
 
 namespace vantor {
 
-/// The skins at hand: those worn lately and those in the user's skins folder. Main thread. Borrows the
-/// settings.
-class SkinShelf {
+/// The skins worn lately, and where the user keeps skins. Main thread. Borrows the settings.
+class SkinShelf : public QObject {
+    Q_OBJECT
+
   public:
-    explicit SkinShelf(QSettings &settings) : m_settings(settings) {}
+    explicit SkinShelf(QSettings &settings, QObject *parent = nullptr)
+        : QObject(parent), m_settings(settings) {}
 
     /// The skin last worn; empty for the default one or when it has gone.
     [[nodiscard]] QUrl lastWorn() const;
@@ -23,8 +26,9 @@ class SkinShelf {
     /// Empty when none was chosen.
     [[nodiscard]] QString folder() const;
     void setFolder(const QString &path);
-    /// The archives and skin folders right inside it, by name, as many as a menu can bear.
-    [[nodiscard]] QList<QUrl> inFolder() const;
+
+  Q_SIGNALS:
+    void folderChanged();
 
   private:
     QSettings &m_settings;

@@ -1,5 +1,7 @@
 #include "Vantor/Model/TrackFinder.h"
 
+#include "Platform/TextFolding.h"
+
 #include <QStringMatcher>
 
 #include <numeric>
@@ -9,10 +11,6 @@ namespace vantor {
 namespace {
 
 constexpr qsizetype longestField = 256; // of what a file says of itself
-
-bool isPlain(const QString &text) {
-    return std::ranges::all_of(text, [](QChar c) { return c.unicode() < 0x80; });
-}
 
 QString searchText(const Track &track) {
     QString text = track.artist.left(longestField) + QLatin1Char('\n') + track.title.left(longestField);
@@ -25,26 +23,15 @@ QString searchText(const Track &track) {
 
 } // namespace
 
-QString TrackFinder::folded(const QString &text) {
-    if (isPlain(text))
-        return text.toLower();
-    QString result;
-    for (const QChar c : text.normalized(QString::NormalizationForm_KD)) {
-        if (c.category() != QChar::Mark_NonSpacing)
-            result += c;
-    }
-    return result.toCaseFolded();
-}
-
 TrackFinder::TrackFinder(const std::vector<Track> &tracks) : m_found(tracks.size()) {
     m_texts.reserve(tracks.size());
     for (const Track &track : tracks)
-        m_texts.push_back(folded(searchText(track)));
+        m_texts.push_back(TextFolding::folded(searchText(track)));
     std::iota(m_found.begin(), m_found.end(), 0);
 }
 
 const std::vector<int> &TrackFinder::find(const QString &query) {
-    const QString wanted = folded(query.simplified());
+    const QString wanted = TextFolding::folded(query.simplified());
     if (!wanted.startsWith(m_query)) {
         m_found.resize(m_texts.size());
         std::iota(m_found.begin(), m_found.end(), 0);

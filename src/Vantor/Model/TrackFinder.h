@@ -19,9 +19,6 @@ class TrackFinder {
     /// narrows the one before searches only what that one found.
     const std::vector<int> &find(const QString &query);
 
-    /// The form in which texts are compared.
-    [[nodiscard]] static QString folded(const QString &text);
-
   private:
     std::vector<QString> m_texts; ///< by row
     QString m_query;

@@ -98,18 +98,18 @@ void Visualizer::clear() {
 bool Visualizer::moves(PlaybackState state) const {
     if (state == PlaybackState::playing)
         return m_mode != VisualizerMode::off;
-    return state == PlaybackState::stopped && !std::holds_alternative<std::monostate>(m_picture);
+    return state != PlaybackState::paused && !std::holds_alternative<std::monostate>(m_picture);
 }
 
 void Visualizer::advance(PlaybackState state, double elapsed) {
-    if (state == PlaybackState::paused || state == PlaybackState::loading || m_mode == VisualizerMode::off)
+    if (state == PlaybackState::paused || m_mode == VisualizerMode::off)
         return;
     const std::optional<VisFrame> frame = state == PlaybackState::playing ? nextFrame(elapsed) : std::nullopt;
     if (m_mode == VisualizerMode::spectrum)
         stepBars(frame, state);
     else if (frame)
         m_picture = VisualizerScope{frame->scope, m_scopeStyle};
-    else if (state == PlaybackState::stopped)
+    else if (state != PlaybackState::playing)
         clear();
 }
 
@@ -117,7 +117,7 @@ void Visualizer::stepBars(const std::optional<VisFrame> &frame, PlaybackState st
     m_bars.step(frame ? std::span<const float>(frame->spectrum) : std::span<const float>());
     const bool atRest = std::ranges::all_of(m_bars.fallingBars, [](float bar) { return bar <= 0; }) &&
                         std::ranges::all_of(m_bars.peakPositions, [](int peak) { return peak <= 0; });
-    if (state == PlaybackState::stopped && atRest) {
+    if (state != PlaybackState::playing && atRest) {
         clear();
         return;
     }

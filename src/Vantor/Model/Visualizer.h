@@ -41,7 +41,8 @@ class Visualizer : public QObject {
     [[nodiscard]] const VisualizerPicture &picture() const { return m_picture; }
     /// Whether advance() would change the picture.
     [[nodiscard]] bool moves(PlaybackState state) const;
-    /// Paused keeps the last picture; stopped lets the bars fall and then clears it.
+    /// Paused keeps the last picture; stopped, and as long as a track is loading, the bars fall and it is
+    /// cleared.
     void advance(PlaybackState state, double elapsed);
 
   Q_SIGNALS:

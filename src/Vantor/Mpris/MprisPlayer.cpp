@@ -1,6 +1,7 @@
 #include "Vantor/Mpris/MprisPlayer.h"
 
 #include "Vantor/Model/PlayerModel.h"
+#include "Vantor/Windows/Commands.h"
 
 #include <cmath>
 
@@ -23,8 +24,10 @@ constexpr std::array<std::pair<RepeatMode, const char *>, 3> loopNames{
 
 } // namespace
 
-MprisPlayer::MprisPlayer(QObject *service, PlayerModel &model, const QString &artworkFolder, Tell tell)
-    : QDBusAbstractAdaptor(service), m_model(model), m_artworkFiles(artworkFolder), m_tell(std::move(tell)) {
+MprisPlayer::MprisPlayer(QObject *service, PlayerModel &model, Commands &commands,
+                         const QString &artworkFolder, Tell tell)
+    : QDBusAbstractAdaptor(service), m_model(model), m_programCommands(commands),
+      m_artworkFiles(artworkFolder), m_tell(std::move(tell)) {
     m_telling.setSingleShot(true);
     m_telling.setInterval(0);
     connect(&m_telling, &QTimer::timeout, this, &MprisPlayer::tellChanges);
@@ -155,7 +158,7 @@ bool MprisPlayer::isShuffled() const {
 
 void MprisPlayer::setShuffled(bool on) {
     if (on != isShuffled())
-        m_model.toggleShuffle();
+        m_programCommands.trigger(Commands::Id::shuffle);
 }
 
 QVariantMap MprisPlayer::metadata() const {

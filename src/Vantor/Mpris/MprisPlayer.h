@@ -13,10 +13,14 @@
 
 namespace vantor {
 
+class Commands;
 class PlayerModel;
 
 /// What plays, and the commands over it, on the message bus: MPRIS 2's player interface, in its names, types
-/// and units (times in microseconds). Main thread; borrows the model.
+/// and units (times in microseconds). What the desktop commands comes to the program's own commands, by the
+/// handlers of the bridge and, for Shuffle, directly; but LoopStatus goes to the model, because the command
+/// knows no repeating of one track, and Volume and OpenUri, because they carry a value. Main thread; borrows
+/// the model and the commands.
 class MprisPlayer : public QDBusAbstractAdaptor, public NowPlayingCenter {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.mpris.MediaPlayer2.Player")
@@ -40,7 +44,8 @@ class MprisPlayer : public QDBusAbstractAdaptor, public NowPlayingCenter {
     /// The properties that have changed, and their values.
     using Tell = std::function<void(const QVariantMap &changed)>;
 
-    MprisPlayer(QObject *service, PlayerModel &model, const QString &artworkFolder, Tell tell);
+    MprisPlayer(QObject *service, PlayerModel &model, Commands &commands, const QString &artworkFolder,
+                Tell tell);
     ~MprisPlayer() override;
 
     void publish(const NowPlayingInfo &info) override;
@@ -95,6 +100,7 @@ class MprisPlayer : public QDBusAbstractAdaptor, public NowPlayingCenter {
     [[nodiscard]] QVariantMap properties() const;
 
     PlayerModel &m_model;
+    Commands &m_programCommands;
     PlayerEventToken m_observer;
     std::map<NowPlayingCommand, Command> m_commands;
     std::optional<NowPlayingInfo> m_info;

@@ -29,7 +29,7 @@ class MprisRoot : public QDBusAbstractAdaptor {
 
     [[nodiscard]] QString identity() const { return QStringLiteral("Vantor"); }
     [[nodiscard]] QString desktopEntry() const;
-    [[nodiscard]] QStringList supportedUriSchemes() const { return {QStringLiteral("file")}; }
+    [[nodiscard]] QStringList supportedUriSchemes() const;
     [[nodiscard]] QStringList supportedMimeTypes() const;
 
   public Q_SLOTS: // whose names are the bus's

@@ -1,6 +1,7 @@
 #include "Vantor/Mpris/MprisService.h"
 
 #include "Platform/AppPaths.h"
+#include "Vantor/Windows/Commands.h"
 
 #include <QCoreApplication>
 #include <QDBusMessage>
@@ -27,10 +28,11 @@ bool hasSessionBus() {
 
 } // namespace
 
-MprisService::MprisService(PlayerModel &model, MprisRoot::Actions actions) {
-    new MprisRoot(this, std::move(actions));
-    m_player = new MprisPlayer(this, model, AppPaths::cacheFolder() + QStringLiteral("/now-playing"),
-                               [this](const QVariantMap &changed) { tell(changed); });
+MprisService::MprisService(PlayerModel &model, Commands &commands, std::function<void()> raise) {
+    new MprisRoot(this, {std::move(raise), [&commands] { commands.trigger(Commands::Id::quit); }});
+    m_player =
+        new MprisPlayer(this, model, commands, AppPaths::cacheFolder() + QStringLiteral("/now-playing"),
+                        [this](const QVariantMap &changed) { tell(changed); });
 }
 
 MprisService::~MprisService() {

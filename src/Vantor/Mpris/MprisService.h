@@ -10,12 +10,14 @@ namespace vantor {
 
 /// Puts the player on the session's message bus, where desktops find it for media keys, widgets and lock
 /// screens, as "org.mpris.MediaPlayer2.vantor"; a second one appends ".instance" and its process number.
-/// Without a bus nothing happens. Main thread; borrows the model.
+/// Without a bus nothing happens. Main thread; borrows the model and the
+/// commands.
 class MprisService : public QObject {
     Q_OBJECT
 
   public:
-    MprisService(PlayerModel &model, MprisRoot::Actions actions);
+    /// `raise`: shows the windows in front of all others.
+    MprisService(PlayerModel &model, Commands &commands, std::function<void()> raise);
     ~MprisService() override;
 
     /// Looks for the bus without waiting for it.

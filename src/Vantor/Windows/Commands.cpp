@@ -1,11 +1,14 @@
 #include "Vantor/Windows/Commands.h"
 
+#include "Vantor/Model/SkinSwitcher.h"
+#include "Vantor/Windows/DialogPlace.h"
 #include "Vantor/Windows/FileInfoDialog.h"
 #include "Vantor/Windows/JumpToFileDialog.h"
 #include "Vantor/Windows/MainMenu.h"
 #include "Vantor/Windows/OpenDialogs.h"
 #include "Vantor/Windows/PreferencesDialog.h"
 #include "Vantor/Windows/SkinnedWindow.h"
+#include "Vantor/Windows/SkippedFilesDialog.h"
 
 #include <QActionGroup>
 #include <QApplication>
@@ -26,10 +29,9 @@ constexpr double seekStep = 5; // seconds
 Commands::Commands(PlayerModel &model) : m_model(model) {
     addPlayback();
     addOpening();
+    addSkins();
     addVisualisation();
     addWindows();
-    connect(&model.windows(), &WindowState::changed, this, &Commands::updateChecks);
-    updateChecks();
 }
 
 void Commands::addTo(SkinnedWindow &window) {
@@ -38,12 +40,34 @@ void Commands::addTo(SkinnedWindow &window) {
         window.addAction(action);
 }
 
-SkinnedWindow *Commands::window() const {
+SkinnedWindow *Commands::activeWindow() const {
     const auto active = std::ranges::find_if(
         m_windows, [](const QPointer<SkinnedWindow> &window) { return window && window->isActiveWindow(); });
     if (active != m_windows.end())
         return *active;
+    return mainWindow();
+}
+
+SkinnedWindow *Commands::mainWindow() const {
     return m_windows.empty() ? nullptr : m_windows.front().data();
+}
+
+QList<QRect> Commands::shownFrames() const {
+    QList<QRect> frames;
+    for (const QPointer<SkinnedWindow> &window : m_windows) {
+        if (window && window->isVisible() && !window->isMinimized())
+            frames.append(window->frameGeometry());
+    }
+    return frames;
+}
+
+QAction &Commands::action(Id id) {
+    QAction &action = *m_actions.at(id);
+    if (const auto isOn = m_checks.find(id); isOn != m_checks.end())
+        action.setChecked(isOn->second());
+    if (id == Id::skippedFiles)
+        action.setEnabled(!m_model.skippedFiles().empty());
+    return action;
 }
 
 void Commands::add(Id id, const QString &text, const QList<QKeySequence> &shortcuts,
@@ -59,7 +83,7 @@ void Commands::addCheck(Id id, const QString &text, const QList<QKeySequence> &s
                         const std::function<bool()> &isOn, const std::function<void()> &run) {
     add(id, text, shortcuts, [this, id, run] {
         run();
-        action(id).setChecked(m_checks.at(id)()); // the menu has ticked it by itself, whatever came of it
+        (void)action(id); // the menu has ticked it by itself, whatever came of it
     });
     action(id).setCheckable(true);
     m_checks.emplace(id, isOn);
@@ -71,17 +95,12 @@ void Commands::oneOf(std::initializer_list<Id> ids) {
         group->addAction(&action(id));
 }
 
-void Commands::updateChecks() {
-    for (const auto &[id, isOn] : m_checks)
-        action(id).setChecked(isOn());
-}
-
 void Commands::addPlayback() {
     Player &player = m_model.player();
     add(Id::previous, tr("Previous"), {Qt::Key_Z}, [&player] { player.previous(); });
     add(Id::play, tr("Play"), {Qt::Key_X, Qt::Key_MediaPlay}, [this, &player] {
         if (player.queue().count() == 0)
-            OpenDialogs::openFiles(m_model, window());
+            OpenDialogs::openFiles(m_model, activeWindow());
         else if (player.state() == PlaybackState::playing)
             player.seek(0);
         else
@@ -104,20 +123,69 @@ void Commands::addPlayback() {
         [this] { m_model.toggleRepeat(); });
 }
 
+// The desktop
+
+void Commands::play() {
+    Player &player = m_model.player();
+    if (player.queue().count() > 0 && player.state() != PlaybackState::playing)
+        trigger(Id::play);
+}
+
+void Commands::pause() {
+    Player &player = m_model.player();
+    if (player.state() == PlaybackState::playing)
+        trigger(Id::pause);
+    else
+        player.pause(); // what is loading, which the command would set going again the second time
+}
+
+void Commands::togglePlayPause() {
+    if (m_model.player().state() == PlaybackState::stopped)
+        play();
+    else
+        trigger(Id::pause);
+}
+
 void Commands::addOpening() {
-    add(Id::openFiles, tr("Open Files…"), {Qt::Key_L}, [this] { OpenDialogs::openFiles(m_model, window()); });
+    add(Id::openFiles, tr("Open Files…"), {Qt::Key_L},
+        [this] { OpenDialogs::openFiles(m_model, activeWindow()); });
     add(Id::openFolder, tr("Open Folder…"), {Qt::SHIFT | Qt::Key_L},
-        [this] { OpenDialogs::openFolder(m_model, window()); });
+        [this] { OpenDialogs::openFolder(m_model, activeWindow()); });
     add(Id::openAddress, tr("Open Address…"), {Qt::CTRL | Qt::Key_L},
-        [this] { OpenDialogs::openAddress(m_model, window()); });
+        [this] { OpenDialogs::openAddress(m_model, activeWindow()); });
     add(Id::jumpToFile, tr("Jump to File…"), {Qt::Key_J},
-        [this] { (new JumpToFileDialog(m_model, window()))->open(); });
+        [this] { (new JumpToFileDialog(m_model, activeWindow()))->open(); });
     add(Id::fileInfo, tr("File Info…"), {Qt::ALT | Qt::Key_3}, [this] { showFileInfo(); });
+    add(Id::skippedFiles, tr("Skipped Files…"), {},
+        [this] { (new SkippedFilesDialog(m_model.skippedFiles(), activeWindow()))->show(); });
+}
+
+void Commands::addSkins() {
     add(Id::loadSkin, tr("Load Skin…"), {Qt::ALT | Qt::Key_S},
-        [this] { OpenDialogs::loadSkin(m_model, window()); });
+        [this] { OpenDialogs::loadSkin(m_model, activeWindow()); });
     addCheck(
         Id::defaultSkin, tr("Default Skin"), {}, [this] { return m_model.skinUrl().isEmpty(); },
         [this] { m_model.wearDefaultSkin(); });
+    add(Id::skinBrowser, tr("Skin Browser…"), {Qt::ALT | Qt::Key_B}, [this] { m_browseSkins(); });
+    const auto step = [this](Id id, const QString &text, const QKeySequence &key, SkinSwitcher::Step where) {
+        add(id, text, {key}, [this, where] { m_skins->step(where); });
+    };
+    step(Id::nextSkin, tr("Next Skin"), Qt::ALT | Qt::Key_Right, SkinSwitcher::Step::next);
+    step(Id::previousSkin, tr("Previous Skin"), Qt::ALT | Qt::Key_Left, SkinSwitcher::Step::previous);
+    step(Id::randomSkin, tr("Random Skin"), Qt::ALT | Qt::Key_R, SkinSwitcher::Step::random);
+    setSkins(nullptr, {});
+}
+
+void Commands::setSkins(SkinSwitcher *skins, const std::function<void()> &browse) {
+    m_skins = skins;
+    m_browseSkins = browse;
+    for (const Id id : {Id::skinBrowser, Id::nextSkin, Id::previousSkin, Id::randomSkin})
+        action(id).setEnabled(skins != nullptr);
+}
+
+void Commands::wearSkin(const SkinRecord &skin) {
+    if (m_skins)
+        m_skins->wear(skin);
 }
 
 void Commands::addVisualisation() {
@@ -176,9 +244,9 @@ void Commands::addWindows() {
         [&state] { state.setAlwaysOnTop(!state.isAlwaysOnTop()); });
     addCheck(
         Id::shade, tr("Window Shade"), {Qt::CTRL | Qt::Key_W},
-        [this] { return window() && window()->isShaded(); },
+        [this] { return activeWindow() && activeWindow()->isShaded(); },
         [this, &state] {
-            if (const SkinnedWindow *const active = window())
+            if (const SkinnedWindow *const active = activeWindow())
                 state.setShaded(active->windowKind(), !active->isShaded());
         });
     const auto toggle = [&](Id id, const QString &text, const QKeySequence &key, WindowKind kind) {
@@ -190,48 +258,60 @@ void Commands::addWindows() {
     toggle(Id::equalizer, tr("Equalizer"), Qt::ALT | Qt::Key_G, WindowKind::equalizer);
     toggle(Id::playlist, tr("Playlist"), Qt::ALT | Qt::Key_E, WindowKind::playlist);
     add(Id::minimize, tr("Minimise"), {Qt::CTRL | Qt::Key_M}, [this] {
-        if (!m_windows.empty() && m_windows.front())
-            m_windows.front()->showMinimized();
+        if (SkinnedWindow *const main = mainWindow())
+            main->showMinimized();
     });
     add(Id::preferences, tr("Preferences…"), {Qt::CTRL | Qt::Key_P}, [this] { showPreferences(); });
     add(Id::about, tr("About Vantor"), {}, [this] { showAbout(); });
     add(Id::quit, tr("Exit"), {Qt::CTRL | Qt::Key_Q, Qt::ALT | Qt::Key_F4}, &SkinnedWindow::quitProgram);
 }
 
+void Commands::addSubmenu(const QString &title, SkinnedWindow &window,
+                          const std::function<void(QMenu &)> &fill) {
+    m_submenus.push_back({title, &window, fill});
+}
+
+void Commands::fillSubmenus(QMenu &menu) const {
+    for (const Submenu &submenu : m_submenus) {
+        if (submenu.window)
+            submenu.fill(*menu.addMenu(submenu.title));
+    }
+}
+
 void Commands::popUpMainMenu(QPoint at) {
-    auto *menu = new QMenu(window());
+    auto *menu = new QMenu(activeWindow());
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    updateChecks(); // the window's own, too: another one may have been entered since
     MainMenu::fill(*menu, *this, m_model);
     menu->popup(at);
 }
 
 void Commands::popUpVisualizerMenu(QPoint at) {
-    auto *menu = new QMenu(window());
+    auto *menu = new QMenu(activeWindow());
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    updateChecks();
     MainMenu::fillVisualisation(*menu, *this);
     menu->popup(at);
 }
 
 void Commands::showFileInfo() {
     if (const std::optional<Track> track = m_model.player().queue().current())
-        (new FileInfoDialog(TrackInfo::fromTrack(*track, m_model.player().currentFormat()), window()))
+        (new FileInfoDialog(TrackInfo::fromTrack(*track, m_model.player().currentFormat()), activeWindow()))
             ->show();
     else
         m_model.showNotice(tr("No file is loaded"));
 }
 
 void Commands::showPreferences() {
-    if (!m_preferences)
-        m_preferences = new PreferencesDialog(m_model, window());
+    if (!m_preferences) {
+        m_preferences = new PreferencesDialog(m_model, activeWindow());
+        DialogPlace::beside(*m_preferences, shownFrames());
+    }
     m_preferences->show();
     m_preferences->raise();
     m_preferences->activateWindow();
 }
 
 void Commands::showAbout() {
-    auto *box = new QMessageBox(window());
+    auto *box = new QMessageBox(activeWindow());
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->setWindowTitle(tr("About Vantor"));
     box->setIconPixmap(QApplication::windowIcon().pixmap(64));

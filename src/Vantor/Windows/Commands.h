@@ -1,5 +1,6 @@
 #pragma once
 
+#include "AudioCore/NowPlaying/NowPlayingCommandTarget.h"
 #include "Vantor/Model/PlayerModel.h"
 
 #include <QAction>
@@ -14,11 +15,15 @@ class QMenu;
 namespace vantor {
 
 class PreferencesDialog;
+class SkinSwitcher;
 class SkinnedWindow;
+struct SkinRecord;
 
 /// Every command of the program, once: buttons trigger them, menus list them and their shortcuts work in
-/// every skinned window, but in no dialog. Main thread.
-class Commands : public QObject {
+/// every skinned window, but in no dialog. What the desktop commands triggers them too, but for the desktop
+/// no dialog opens and what plays is not begun again; a pause of what is still loading and a place in the
+/// track go to the player itself, because no command means them. Main thread.
+class Commands : public QObject, public NowPlayingCommandTarget {
     Q_OBJECT
 
   public:
@@ -40,6 +45,10 @@ class Commands : public QObject {
         repeat,
         loadSkin,
         defaultSkin,
+        skinBrowser,
+        nextSkin,
+        previousSkin,
+        randomSkin,
         timeElapsed,
         timeRemaining,
         toggleTime,
@@ -56,6 +65,7 @@ class Commands : public QObject {
         shade,
         alwaysOnTop,
         fileInfo,
+        skippedFiles,
         mainWindow,
         equalizer,
         playlist,
@@ -72,8 +82,36 @@ class Commands : public QObject {
     /// comes first.
     void addTo(SkinnedWindow &window);
 
-    [[nodiscard]] QAction &action(Id id) { return *m_actions.at(id); }
+    /// What works through the index of the skins folder, from when there is one until nullptr is set: the
+    /// steps, and what opens the browser.
+    void setSkins(SkinSwitcher *skins, const std::function<void()> &browse);
+    [[nodiscard]] const SkinSwitcher *skins() const { return m_skins; }
+    void wearSkin(const SkinRecord &skin);
+
+    /// Ticked and enabled as it is now.
+    [[nodiscard]] QAction &action(Id id);
     void trigger(Id id) { action(id).trigger(); }
+
+    // What the desktop commands.
+    void play() override;
+    void pause() override;
+    void togglePlayPause() override;
+    void stop() override { trigger(Id::stop); }
+    void next() override { trigger(Id::next); }
+    void previous() override { trigger(Id::previous); }
+    void seek(double seconds) override { m_model.player().seek(seconds); }
+
+    /// The skinned window that the user works in, else the main one; over it dialogs open.
+    [[nodiscard]] SkinnedWindow *activeWindow() const;
+
+    /// Of the skinned windows, on the screen.
+    [[nodiscard]] QList<QRect> shownFrames() const;
+
+    /// Gives the main menu a submenu of what belongs to one window: `fill` is called each time the menu
+    /// opens, as long as the window lives.
+    void addSubmenu(const QString &title, SkinnedWindow &window, const std::function<void(QMenu &)> &fill);
+    /// Fills a menu with those submenus, in the order of their windows.
+    void fillSubmenus(QMenu &menu) const;
 
     /// Opens at a point of the screen and returns at once.
     void popUpMainMenu(QPoint at);
@@ -90,16 +128,25 @@ class Commands : public QObject {
     void addPlayback();
     void addOpening();
     void addVisualisation();
+    void addSkins();
     void addWindows();
-    void updateChecks();
-    /// The skinned window that the user works in.
-    [[nodiscard]] SkinnedWindow *window() const;
+    /// None before it is added.
+    [[nodiscard]] SkinnedWindow *mainWindow() const;
     void showFileInfo();
     void showPreferences();
     void showAbout();
 
+    struct Submenu {
+        QString title;
+        QPointer<SkinnedWindow> window;
+        std::function<void(QMenu &)> fill;
+    };
+
     PlayerModel &m_model;
+    SkinSwitcher *m_skins = nullptr;
+    std::function<void()> m_browseSkins;
     std::vector<QPointer<SkinnedWindow>> m_windows;
+    std::vector<Submenu> m_submenus;
     QPointer<PreferencesDialog> m_preferences; ///< while it is open
     std::map<Id, QAction *> m_actions;         ///< owned by this object
     std::map<Id, std::function<bool()>> m_checks;

@@ -88,6 +88,7 @@ std::optional<EqControl> buttonKey(int key) {
 EqualizerWindow::EqualizerWindow(PlayerModel &model, EqualizerModel &equalizer, Commands &commands)
     : SkinnedWindow(WindowKind::equalizer, model, commands), m_equalizer(equalizer) {
     setWindowTitle(tr("Vantor Equalizer"));
+    commands.addSubmenu(tr("Equalizer"), *this, [this](QMenu &menu) { fillMenu(menu); });
     connect(&equalizer, &EqualizerModel::changed, this, &EqualizerWindow::refresh);
     // The setting that was being changed is not the one that sounds now.
     connect(&equalizer, &EqualizerModel::settingReplaced, this, [this] {
@@ -329,6 +330,22 @@ void EqualizerWindow::click(Control control) {
     default:
         break;
     }
+}
+
+/// What it offers in the main menu.
+void EqualizerWindow::fillMenu(QMenu &menu) {
+    const auto addSwitch = [&](const QString &text, EqControl control, bool isOn) {
+        QAction *const action = menu.addAction(text, this, [this, control] {
+            click(static_cast<Control>(control));
+            refresh();
+        });
+        action->setCheckable(true);
+        action->setChecked(isOn);
+    };
+    addSwitch(tr("On"), EqControl::on, m_equalizer.state().isEnabled());
+    addSwitch(tr("Auto"), EqControl::autoLoad, m_equalizer.isAuto());
+    menu.addSeparator();
+    menu.addMenu(new PresetsMenu(m_equalizer, *commands().activeWindow(), menu));
 }
 
 void EqualizerWindow::wheel(double notches, QPoint at) {

@@ -37,6 +37,7 @@ class EqualizerWindow : public SkinnedWindow {
     void setValue(Control slider, double value) override;
 
   private:
+    void fillMenu(QMenu &menu);
     [[nodiscard]] bool exists(EqualizerWindowControl control) const;
     void describe(SkinControl &known) const;
     void dragSlider(EqualizerWindowControl slider, QPoint at);

@@ -17,6 +17,10 @@ FolderField::FolderField(const QString &purpose, const QString &folder, QWidget 
     m_edit->setClearButtonEnabled(true);
     m_edit->setAccessibleName(purpose);
     m_edit->setMinimumWidth(220);
+    // Its place is kept free: a dialog that grew under the pointer would move the button away from it.
+    QSizePolicy place = m_problem->sizePolicy();
+    place.setRetainSizeWhenHidden(true);
+    m_problem->setSizePolicy(place);
     m_problem->hide();
     auto *choose = new QPushButton(tr("Choose…"));
     choose->setAutoDefault(false);
@@ -29,8 +33,7 @@ FolderField::FolderField(const QString &purpose, const QString &folder, QWidget 
     layout->addWidget(m_problem, 1, 0);
     setFocusProxy(m_edit);
 
-    connect(m_edit, &QLineEdit::editingFinished, this,
-            [this] { take(QDir::fromNativeSeparators(m_edit->text().trimmed())); });
+    connect(m_edit, &QLineEdit::editingFinished, this, [this] { (void)confirm(); });
     connect(choose, &QPushButton::clicked, this, &FolderField::browse);
 }
 
@@ -41,21 +44,22 @@ void FolderField::browse() {
     dialog->setOption(QFileDialog::ShowDirsOnly);
     connect(dialog, &QFileDialog::fileSelected, this, [this](const QString &path) {
         m_edit->setText(QDir::toNativeSeparators(path));
-        take(path);
+        (void)confirm();
     });
     dialog->open();
 }
 
-void FolderField::take(const QString &path) {
-    QString folder = path;
+bool FolderField::confirm() {
+    QString folder = QDir::fromNativeSeparators(m_edit->text().trimmed());
     if (folder == QLatin1String("~") || folder.startsWith(QLatin1String("~/")))
         folder.replace(0, 1, QDir::homePath());
     const bool usable = folder.isEmpty() || (QDir::isAbsolutePath(folder) && QDir(folder).exists());
     m_problem->setVisible(!usable);
-    if (!usable || folder == m_folder)
-        return;
-    m_folder = folder;
-    Q_EMIT chosen(folder);
+    if (usable && folder != m_folder) {
+        m_folder = folder;
+        Q_EMIT chosen(folder);
+    }
+    return usable;
 }
 
 } // namespace vantor

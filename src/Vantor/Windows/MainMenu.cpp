@@ -1,6 +1,7 @@
 #include "Vantor/Windows/MainMenu.h"
 
 #include "Vantor/Model/PlayerModel.h"
+#include "Vantor/Model/SkinSwitcher.h"
 #include "Vantor/Windows/Commands.h"
 
 #include <QActionGroup>
@@ -45,23 +46,33 @@ void addSkin(QMenu &menu, const QUrl &skin, PlayerModel &model) {
     QObject::connect(action, &QAction::triggered, &model, [&model, skin] { model.wear(skin); });
 }
 
-void fillSkins(QMenu &menu, const Adder &add, PlayerModel &model) {
+void fillSkinsFolder(QMenu &menu, Commands &commands, const SkinSwitcher &skins) {
+    for (const SkinRecord &skin : skins.first()) {
+        QAction *const action = menu.addAction(label(skin.name));
+        action->setCheckable(true);
+        action->setChecked(skin.id == skins.worn());
+        QObject::connect(action, &QAction::triggered, &commands,
+                         [&commands, skin] { commands.wearSkin(skin); });
+    }
+    if (skins.first().empty())
+        menu.addAction(tr("No skins in this folder"))->setEnabled(false);
+    if (skins.first().size() < SkinSwitcher::menuLength)
+        return;
+    menu.addSeparator();
+    QObject::connect(menu.addAction(tr("All of Them…")), &QAction::triggered, &commands,
+                     [&commands] { commands.trigger(Id::skinBrowser); });
+}
+
+void fillSkins(QMenu &menu, Commands &commands, const Adder &add, PlayerModel &model) {
     add(menu, {Id::loadSkin, Id::defaultSkin});
+    add(menu, {Id::skinBrowser, Id::nextSkin, Id::previousSkin, Id::randomSkin});
     const QList<QUrl> recent = model.skins().recent();
     if (!recent.isEmpty())
         menu.addSeparator();
     for (const QUrl &skin : recent)
         addSkin(menu, skin, model);
-    QMenu *const folder = menu.addMenu(tr("Skins Folder"));
-    folder->menuAction()->setVisible(!model.skins().folder().isEmpty());
-    // Only once it is wanted: a folder may be large, or far away.
-    QObject::connect(folder, &QMenu::aboutToShow, &model, [folder, &model] {
-        folder->clear();
-        for (const QUrl &skin : model.skins().inFolder())
-            addSkin(*folder, skin, model);
-        if (folder->isEmpty())
-            folder->addAction(tr("No skins in this folder"))->setEnabled(false);
-    });
+    if (commands.skins() && !model.skins().folder().isEmpty())
+        fillSkinsFolder(*menu.addMenu(tr("Skins Folder")), commands, *commands.skins());
 }
 
 void fillOutputs(QMenu &menu, PlayerModel &model) {
@@ -80,7 +91,7 @@ void fillOutputs(QMenu &menu, PlayerModel &model) {
 
 void fill(QMenu &menu, Commands &commands, PlayerModel &model) {
     const Adder add(commands);
-    add(menu, {Id::openFiles, Id::openFolder, Id::openAddress, Id::fileInfo});
+    add(menu, {Id::openFiles, Id::openFolder, Id::openAddress, Id::fileInfo, Id::skippedFiles});
     menu.addSeparator();
 
     QMenu *const playback = menu.addMenu(tr("Playback"));
@@ -89,7 +100,8 @@ void fill(QMenu &menu, Commands &commands, PlayerModel &model) {
     add(*playback, {Id::jumpToFile, Id::shuffle, Id::repeat});
     playback->addSeparator();
     fillOutputs(*playback->addMenu(tr("Output Device")), model);
-    fillSkins(*menu.addMenu(tr("Skins")), add, model);
+    commands.fillSubmenus(menu);
+    fillSkins(*menu.addMenu(tr("Skins")), commands, add, model);
     fillVisualisation(*menu.addMenu(tr("Visualisation")), commands);
     QMenu *const windows = menu.addMenu(tr("Windows"));
     add(*windows, {Id::mainWindow, Id::equalizer, Id::playlist});

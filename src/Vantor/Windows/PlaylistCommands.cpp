@@ -3,6 +3,7 @@
 #include "LocalPlayback/Playlists/PlaylistFile.h"
 #include "Vantor/Windows/FileInfoDialog.h"
 #include "Vantor/Windows/OpenDialogs.h"
+#include "Vantor/Windows/SkinnedWindow.h"
 
 #include <QDesktopServices>
 #include <QFileDialog>
@@ -85,11 +86,11 @@ void PlaylistCommands::run(PlaylistMenuEntry entry, QPoint at) {
     };
     switch (entry) {
     case Entry::addUrl:
-        return OpenDialogs::openAddress(m_model, &m_window, OpenDialogs::Use::add);
+        return OpenDialogs::openAddress(m_model, m_commands.activeWindow(), OpenDialogs::Use::add);
     case Entry::addFolder:
-        return OpenDialogs::openFolder(m_model, &m_window, OpenDialogs::Use::add);
+        return OpenDialogs::openFolder(m_model, m_commands.activeWindow(), OpenDialogs::Use::add);
     case Entry::addFiles:
-        return OpenDialogs::openFiles(m_model, &m_window, OpenDialogs::Use::add);
+        return OpenDialogs::openFiles(m_model, m_commands.activeWindow(), OpenDialogs::Use::add);
     case Entry::removeMisc:
         return popUpWith(&PlaylistCommands::fillRemoval);
     case Entry::removeAll:
@@ -126,6 +127,12 @@ QMenu *PlaylistCommands::newMenu() {
     return menu;
 }
 
+/// Only where it works: in other windows it may mean something else.
+void PlaylistCommands::showKey(QAction &action, const QKeySequence &key) const {
+    if (m_window.isActiveWindow())
+        action.setShortcut(key);
+}
+
 void PlaylistCommands::popUp(PlaylistMenu entries, QPoint at) {
     QMenu *menu = newMenu();
     fill(*menu, entries);
@@ -142,7 +149,7 @@ void PlaylistCommands::fill(QMenu &menu, PlaylistMenu entries) {
             fillOptions(*menu.addMenu(textOf(entry)));
         } else {
             QAction *action = menu.addAction(textOf(entry), this, [this, entry] { run(entry, {}); });
-            action->setShortcut(keyOf(entry));
+            showKey(*action, keyOf(entry));
         }
     }
 }
@@ -174,38 +181,43 @@ void PlaylistCommands::fillOptions(QMenu &menu) {
 
 void PlaylistCommands::popUpRowMenu(QPoint at) {
     QMenu *menu = newMenu();
+    fillMenu(*menu);
+    menu->popup(at);
+}
+
+void PlaylistCommands::fillMenu(QMenu &menu) {
     const bool hasSelection = m_playlist.hasSelection();
     const auto addSelected = [&](const QString &text, auto run) {
-        QAction *action = menu->addAction(text, this, run);
+        QAction *action = menu.addAction(text, this, run);
         action->setEnabled(hasSelection);
         return action;
     };
     const auto addEntry = [&](Entry entry) {
-        addSelected(textOf(entry), [this, entry] { run(entry, {}); })->setShortcut(keyOf(entry));
+        showKey(*addSelected(textOf(entry), [this, entry] { run(entry, {}); }), keyOf(entry));
     };
     QAction *play = addSelected(tr("Play"), [this] { m_playlist.play(m_playlist.cursor().value_or(-1)); });
-    play->setShortcut(Qt::Key_Return);
-    menu->setDefaultAction(play);
-    menu->addSeparator();
+    showKey(*play, Qt::Key_Return);
+    menu.setDefaultAction(play);
+    menu.addSeparator();
     addEntry(Entry::removeSelected);
     addEntry(Entry::crop);
-    menu->addSeparator();
+    menu.addSeparator();
     addEntry(Entry::fileInfo);
     addSelected(tr("Show in Folder"), [this] { showInFolder(); });
-    menu->addSeparator();
-    fill(*menu->addMenu(tr("Add")), PlaylistMenu::add);
-    fill(*menu->addMenu(tr("Remove")), PlaylistMenu::remove);
-    fill(*menu->addMenu(tr("Select")), PlaylistMenu::select);
-    fillSorting(*menu->addMenu(tr("Sort")));
-    fill(*menu->addMenu(tr("List")), PlaylistMenu::list);
-    fillOptions(*menu->addMenu(tr("Options")));
-    menu->popup(at);
+    menu.addSeparator();
+    fill(*menu.addMenu(tr("Add")), PlaylistMenu::add);
+    fill(*menu.addMenu(tr("Remove")), PlaylistMenu::remove);
+    fill(*menu.addMenu(tr("Select")), PlaylistMenu::select);
+    fillSorting(*menu.addMenu(tr("Sort")));
+    fill(*menu.addMenu(tr("List")), PlaylistMenu::list);
+    fillOptions(*menu.addMenu(tr("Options")));
 }
 
 // Files
 
 void PlaylistCommands::saveList() {
-    auto *dialog = new QFileDialog(&m_window, tr("Save List"), m_model.preferences().libraryFolder());
+    auto *dialog =
+        new QFileDialog(m_commands.activeWindow(), tr("Save List"), m_model.preferences().libraryFolder());
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setAcceptMode(QFileDialog::AcceptSave);
     dialog->setNameFilters({tr("M3U8 playlist (*.m3u8)"), tr("PLS playlist (*.pls)")});
@@ -220,7 +232,8 @@ void PlaylistCommands::saveList() {
 }
 
 void PlaylistCommands::loadList() {
-    auto *dialog = new QFileDialog(&m_window, tr("Load List"), m_model.preferences().libraryFolder());
+    auto *dialog =
+        new QFileDialog(m_commands.activeWindow(), tr("Load List"), m_model.preferences().libraryFolder());
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setFileMode(QFileDialog::ExistingFile);
     dialog->setNameFilters(
@@ -239,7 +252,7 @@ void PlaylistCommands::showFileInfo() {
     }
     const bool plays = row == m_model.player().queue().currentIndex();
     const auto format = plays ? m_model.player().currentFormat() : std::nullopt;
-    (new FileInfoDialog(TrackInfo::fromTrack(*track, format), &m_window))->show();
+    (new FileInfoDialog(TrackInfo::fromTrack(*track, format), m_commands.activeWindow()))->show();
 }
 
 void PlaylistCommands::showInFolder() {

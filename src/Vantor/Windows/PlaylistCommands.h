@@ -6,12 +6,14 @@
 
 #include <QObject>
 
+class QAction;
+class QKeySequence;
 class QMenu;
 
 namespace vantor {
 
 /// What the playlist's pop-ups and menus offer. The pop-ups of sprites and the menus of text run the same
-/// entries. Main thread; borrows everything; `window` is the parent of menus and dialogs.
+/// entries. Main thread; borrows everything; `window` is the parent of the menus that pop up.
 class PlaylistCommands : public QObject {
     Q_OBJECT
 
@@ -22,12 +24,15 @@ class PlaylistCommands : public QObject {
     void run(PlaylistMenuEntry entry, QPoint at);
     /// A pop-up as a menu of text.
     void popUp(PlaylistMenu menu, QPoint at);
-    /// For the rows that are selected.
+    /// For the rows that are selected, and all else.
     void popUpRowMenu(QPoint at);
+    /// With what that menu offers.
+    void fillMenu(QMenu &menu);
     void showFileInfo();
 
   private:
     [[nodiscard]] QMenu *newMenu();
+    void showKey(QAction &action, const QKeySequence &key) const;
     void fill(QMenu &menu, PlaylistMenu entries);
     void fillRemoval(QMenu &menu);
     void fillSorting(QMenu &menu);

@@ -18,6 +18,8 @@ List listControl(SkinnedWindow::Control control) {
     return static_cast<List>(control);
 }
 
+constexpr SkinnedWindow::Control firstLine = 2000; ///< the rows shown, for assistive tools
+
 bool isText(const QKeyEvent &event) {
     return !event.text().isEmpty() && event.text().at(0).isPrint() &&
            (event.modifiers() & ~(Qt::ShiftModifier | Qt::KeypadModifier)) == Qt::NoModifier;
@@ -29,6 +31,7 @@ PlaylistWindow::PlaylistWindow(PlaylistModel &playlist, PlayerModel &model, Comm
     : SkinnedWindow(WindowKind::playlist, model, commands), m_playlist(playlist),
       m_entries(new PlaylistCommands(playlist, model, commands, *this)) {
     setWindowTitle(tr("Playlist"));
+    commands.addSubmenu(windowTitle(), *this, [this](QMenu &menu) { m_entries->fillMenu(menu); });
     // The size may be from a larger screen, and the grip would be out of reach. setSize() rounds.
     const QSize room = screen()->availableVirtualSize() / zoom() - Layout::step / 2;
     m_playlist.setSize(m_playlist.size().boundedTo(room));
@@ -74,7 +77,9 @@ void PlaylistWindow::click(Control control) {
                                      {List::next, Id::next},         {List::eject, Id::openFiles},
                                      {List::time, Id::toggleTime}};
     const List clicked = listControl(control);
-    if (const auto command = ids.constFind(clicked); command != ids.cend()) {
+    if (control >= firstLine)
+        m_playlist.select(m_playlist.firstRow() + control - firstLine, Selecting::only);
+    else if (const auto command = ids.constFind(clicked); command != ids.cend()) {
         commands().trigger(*command);
     } else if (const auto menu = PlaylistMenus::of(clicked); menu && !m_menu) {
         const QRect button = Layout::rect(clicked, m_playlist.size(), isShaded());
@@ -95,6 +100,16 @@ void PlaylistWindow::setValue(Control slider, double value) {
 
 std::vector<SkinControl> PlaylistWindow::controls() const {
     std::vector<SkinControl> all;
+    for (int line = 0; !isShaded() && line < static_cast<int>(m_scene.rows.size()); ++line) {
+        const PlaylistRow &row = m_scene.rows[static_cast<std::size_t>(line)];
+        SkinControl &known = all.emplace_back();
+        known.id = firstLine + line;
+        known.kind = SkinControl::Kind::row;
+        known.name = row.title;
+        known.text = row.length;
+        known.rect = Layout::row(line, m_playlist.size());
+        known.checked = row.selected;
+    }
     for (const List control : {List::rows, List::scrollBar, List::add, List::remove, List::select, List::misc,
                                List::previous, List::play, List::pause, List::stop, List::next, List::eject,
                                List::time, List::list, List::visualizer, List::shade, List::close}) {
@@ -189,9 +204,13 @@ std::function<void()> PlaylistWindow::keyAction(const QKeyEvent &event) const {
         const QSize by(columns * Layout::step.width(), rows * Layout::step.height());
         return [&list, by] { list.setSize(list.size() + by); };
     };
+    const auto play = [&list] {
+        list.endTyping();
+        list.play(list.cursor().value_or(-1));
+    };
     const QList<std::pair<QKeyCombination, Action>> actions{
-        {Qt::Key_Return, [&list] { list.play(list.cursor().value_or(-1)); }},
-        {Qt::Key_Enter, [&list] { list.play(list.cursor().value_or(-1)); }},
+        {Qt::Key_Return, play},
+        {Qt::Key_Enter, play},
         {Qt::Key_Delete, [&list] { list.removeSelected(); }},
         {Qt::CTRL | Qt::Key_Delete, [&list] { list.crop(); }},
         {Qt::CTRL | Qt::Key_A, [&list] { list.selectAll(); }},

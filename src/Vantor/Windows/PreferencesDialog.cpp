@@ -67,18 +67,31 @@ PreferencesDialog::PreferencesDialog(PlayerModel &model, QWidget *parent)
     m_titles->setCurrentRow(0);
 
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Close);
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    connect(buttons, &QDialogButtonBox::rejected, this, &PreferencesDialog::closeIfConfirmed);
     auto *layout = new QGridLayout(this);
     layout->addWidget(m_titles, 0, 0);
     layout->addWidget(m_pages, 0, 1);
     layout->addWidget(buttons, 1, 0, 1, 2);
     layout->setColumnStretch(1, 1);
-    resize(540, 300);
+    resize(460, 320);
 }
 
 void PreferencesDialog::addPage(const QString &title, QWidget *page) {
     m_titles->addItem(title);
     m_pages->addWidget(page);
+}
+
+void PreferencesDialog::closeIfConfirmed() {
+    for (int page = 0; page < m_pages->count(); ++page) {
+        for (FolderField *const field : m_pages->widget(page)->findChildren<FolderField *>()) {
+            if (!field->confirm()) {
+                m_titles->setCurrentRow(page);
+                field->setFocus();
+                return;
+            }
+        }
+    }
+    reject();
 }
 
 QWidget *PreferencesDialog::generalPage() {

@@ -9,8 +9,9 @@ namespace vantor {
 
 class PlayerModel;
 
-/// Everything that the user can set, a page a subject. What is changed holds at once. Deletes itself when
-/// closed. Main thread; borrows the model.
+/// Everything that the user can set, a page a subject. What is changed holds at once. Its button does not
+/// close it over a folder that is none; Escape does. Deletes itself when closed. Main thread; borrows the
+/// model.
 class PreferencesDialog : public QDialog {
     Q_OBJECT
 
@@ -24,6 +25,7 @@ class PreferencesDialog : public QDialog {
     [[nodiscard]] QWidget *libraryPage();
     [[nodiscard]] QWidget *outputPage();
     [[nodiscard]] QWidget *playbackPage();
+    void closeIfConfirmed();
 
     PlayerModel &m_model;
     QListWidget *m_titles;

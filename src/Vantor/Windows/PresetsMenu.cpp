@@ -54,8 +54,8 @@ QStringList namesOf(const std::vector<EQPreset> &presets) {
 
 } // namespace
 
-PresetsMenu::PresetsMenu(EqualizerModel &model, QWidget &window)
-    : QMenu(&window), m_model(model), m_window(window) {
+PresetsMenu::PresetsMenu(EqualizerModel &model, QWidget &window, QWidget &parent)
+    : QMenu(tr("Presets"), &parent), m_model(model), m_window(window) {
     addPresets(*this, EQPreset::builtIn());
     addSeparator();
     addOwnPresets();
@@ -66,7 +66,7 @@ PresetsMenu::PresetsMenu(EqualizerModel &model, QWidget &window)
 }
 
 void PresetsMenu::popUp(EqualizerModel &model, QWidget &window, QPoint at) {
-    auto *menu = new PresetsMenu(model, window);
+    auto *menu = new PresetsMenu(model, window, window);
     menu->setAttribute(Qt::WA_DeleteOnClose);
     menu->popup(at);
 }

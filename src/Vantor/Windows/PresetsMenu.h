@@ -14,7 +14,7 @@ class PresetsMenu : public QMenu {
 
   public:
     /// `window`: the parent of the menu's dialogs.
-    PresetsMenu(EqualizerModel &model, QWidget &window);
+    PresetsMenu(EqualizerModel &model, QWidget &window, QWidget &parent);
 
     /// Opens at a point of the screen, returns at once and deletes itself when it closes.
     static void popUp(EqualizerModel &model, QWidget &window, QPoint at);

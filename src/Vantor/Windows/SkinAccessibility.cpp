@@ -88,6 +88,8 @@ QAccessible::Role ControlInterface::role() const {
         return QAccessible::CheckBox;
     case Kind::slider:
         return QAccessible::Slider;
+    case Kind::row:
+        return QAccessible::ListItem;
     case Kind::text:
         break;
     }
@@ -102,10 +104,12 @@ QAccessible::State ControlInterface::state() const {
         return state;
     }
     state.invisible = !m_window->isVisible();
-    state.focusable = shown->kind != Kind::text;
+    state.focusable = shown->isTabStop();
     state.focused = m_window->focusedControl() == m_id && m_window->isActiveWindow();
     state.checkable = shown->kind == Kind::toggle;
-    state.checked = shown->checked;
+    state.checked = shown->kind == Kind::toggle && shown->checked;
+    state.selectable = shown->kind == Kind::row;
+    state.selected = shown->kind == Kind::row && shown->checked;
     return state;
 }
 
@@ -129,6 +133,8 @@ QStringList ControlInterface::actionNames() const {
         return {toggleAction(), pressAction(), setFocusAction()};
     case Kind::slider:
         return {increaseAction(), decreaseAction(), setFocusAction()};
+    case Kind::row:
+        return {pressAction()};
     case Kind::text:
         break;
     }

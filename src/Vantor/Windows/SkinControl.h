@@ -7,14 +7,14 @@ namespace vantor {
 
 /// A painted control of a skinned window as keyboards and assistive tools meet it.
 struct SkinControl {
-    enum class Kind { button, toggle, slider, text };
+    enum class Kind { button, toggle, slider, text, row };
 
     int id = 0; ///< the window's own number for it
     Kind kind = Kind::button;
     QString name; ///< as it is spoken
     QRect rect;   ///< in skin pixels
 
-    bool checked = false; ///< of a toggle
+    bool checked = false; ///< of a toggle; of a row, whether it is selected
 
     // Of a slider, in its own units; the step is what an arrow key changes.
     double value = 0;
@@ -23,6 +23,9 @@ struct SkinControl {
     double step = 0.05;
 
     QString text; ///< what a text shows, or a slider's value in words ("−3.5 dB")
+
+    /// A list's rows have the arrow keys.
+    [[nodiscard]] bool isTabStop() const { return kind != Kind::text && kind != Kind::row; }
 
     bool operator==(const SkinControl &) const = default;
 };

@@ -35,7 +35,7 @@ class SkinnedWindow : public QWidget, public SkinWindowController {
     ~SkinnedWindow() override;
 
     [[nodiscard]] WindowKind windowKind() const override { return m_kind; }
-    [[nodiscard]] QWidget &window() override { return *this; }
+    [[nodiscard]] QWidget &widget() override { return *this; }
     [[nodiscard]] double titleBarHeight() const override { return titleBar().height() * zoom(); }
     [[nodiscard]] int zoom() const { return m_model.windows().isDoubleSize() ? 2 : 1; }
     [[nodiscard]] bool isShaded() const { return m_model.windows().isShaded(m_kind); }

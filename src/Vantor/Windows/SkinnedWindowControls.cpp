@@ -47,7 +47,7 @@ void SkinnedWindow::focusControl(std::optional<Control> id) {
 
 bool SkinnedWindow::focusNextPrevChild(bool next) {
     std::vector<SkinControl> stops = controls();
-    std::erase_if(stops, [](const SkinControl &control) { return control.kind == SkinControl::Kind::text; });
+    std::erase_if(stops, [](const SkinControl &control) { return !control.isTabStop(); });
     if (stops.empty())
         return false;
     const auto count = static_cast<std::ptrdiff_t>(stops.size());
@@ -140,7 +140,8 @@ void SkinnedWindow::tellAssistiveTools() {
         QAccessibleInterface *const child = self->child(static_cast<int>(i));
         if (before->checked != now[i].checked) {
             QAccessible::State changed;
-            changed.checked = true;
+            changed.selected = now[i].kind == SkinControl::Kind::row;
+            changed.checked = !changed.selected;
             QAccessibleStateChangeEvent event(child, changed);
             QAccessible::updateAccessibility(&event);
         } else if (before->value != now[i].value) {

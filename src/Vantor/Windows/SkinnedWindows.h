@@ -19,6 +19,7 @@ class SkinnedWindows {
     Q_DISABLE_COPY_MOVE(SkinnedWindows)
 
     [[nodiscard]] MainWindow &mainWindow() { return m_main; }
+    [[nodiscard]] Commands &commands() { return m_commands; }
 
     /// Puts the windows where they were left and shows those that were open.
     void show();

@@ -10,19 +10,20 @@
 
 namespace vantor {
 
-WelcomeDialog::WelcomeDialog(PlayerModel &model, QWidget *parent) : QDialog(parent) {
+WelcomeDialog::WelcomeDialog(PlayerModel &model, QWidget *parent)
+    : QDialog(parent), m_skins(new FolderField(tr("Skins folder"), model.skins().folder())),
+      m_music(new FolderField(tr("Music folder"), model.preferences().libraryFolder())) {
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowTitle(tr("Welcome to Vantor"));
     auto *intro =
         new QLabel(tr("Where do you keep your skins and your music? You can leave either empty, and change "
                       "both later in the preferences (Ctrl+P)."));
     intro->setWordWrap(true);
-    intro->setMinimumWidth(fontMetrics().averageCharWidth() * 70); // so that its height is known at once
-    auto *skins = new FolderField(tr("Skins folder"), model.skins().folder());
-    auto *music = new FolderField(tr("Music folder"), model.preferences().libraryFolder());
-    connect(skins, &FolderField::chosen, this,
+    const int width = fontMetrics().averageCharWidth() * 70;
+    intro->setMinimumSize(width, intro->heightForWidth(width)); // or what is below it would be squeezed
+    connect(m_skins, &FolderField::chosen, this,
             [&model](const QString &path) { model.skins().setFolder(path); });
-    connect(music, &FolderField::chosen, this,
+    connect(m_music, &FolderField::chosen, this,
             [&model](const QString &path) { model.preferences().setLibraryFolder(path); });
 
     auto *buttons = new QDialogButtonBox;
@@ -36,9 +37,19 @@ WelcomeDialog::WelcomeDialog(PlayerModel &model, QWidget *parent) : QDialog(pare
     auto *layout = new QFormLayout(this);
     layout->setVerticalSpacing(12);
     layout->addRow(intro);
-    layout->addRow(tr("&Skins:"), skins);
-    layout->addRow(tr("&Music:"), music);
+    layout->addRow(tr("&Skins:"), m_skins);
+    layout->addRow(tr("&Music:"), m_music);
     layout->addRow(buttons);
+}
+
+void WelcomeDialog::accept() {
+    for (FolderField *const field : {m_skins, m_music}) {
+        if (!field->confirm()) {
+            field->setFocus();
+            return;
+        }
+    }
+    QDialog::accept();
 }
 
 } // namespace vantor

@@ -4,6 +4,7 @@
 
 namespace vantor {
 
+class FolderField;
 class PlayerModel;
 
 /// Greets a new user and asks where skins and music are, neither of which has to be answered. Does not hold
@@ -13,6 +14,13 @@ class WelcomeDialog : public QDialog {
 
   public:
     WelcomeDialog(PlayerModel &model, QWidget *parent);
+
+    /// Stays open at a folder that is none.
+    void accept() override;
+
+  private:
+    FolderField *m_skins;
+    FolderField *m_music;
 };
 
 } // namespace vantor

@@ -6,9 +6,7 @@
 #include "tests/Support/AudioFileBuilder.h"
 #include "tests/Support/TestFolder.h"
 #include "tests/Support/TestOutput.h"
-
-#include <QCoreApplication>
-#include <QDeadlineTimer>
+#include "tests/Support/WaitFor.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -17,14 +15,6 @@ using namespace vantor;
 using Command = NowPlayingCommand;
 
 namespace {
-
-template <class Condition>
-bool waitFor(Condition condition) {
-    const QDeadlineTimer deadline(10'000);
-    while (!condition() && !deadline.hasExpired())
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents | QEventLoop::AllEvents, 20);
-    return condition();
-}
 
 struct Center final : NowPlayingCenter {
     std::optional<NowPlayingInfo> shown;

@@ -162,9 +162,12 @@ TEST_F(SkinIndexStoreTest, RanksOnlyWhatIsNotBroad) {
     store->apply({parsedSkin("/Zz common common.wsz", "z", q("common"))}, 1);
     const SkinQuery query{.text = q("COMM"), .limit = 1};
     EXPECT_EQ(names(query), std::vector{q("Zz common common")});
+    const std::int64_t best = store->skins(query).front().id;
+    EXPECT_EQ(store->position(best, query), 0);
     store->apply({parsedSkin("/one more.wsz", "y", q("common"))}, 1);
     EXPECT_EQ(names(query), std::vector{q("00000")});
     EXPECT_EQ(store->count(query), 2001);
+    EXPECT_EQ(store->position(best, query), 2000);
     EXPECT_EQ(names({.text = q("common"), .limit = 5, .offset = 1999}),
               (std::vector{q("one more"), q("Zz common common")}));
 }
@@ -199,7 +202,15 @@ TEST_F(SkinIndexStoreTest, AnswersQueries) {
         SCOPED_TRACE(row.name);
         EXPECT_EQ(names(row.query), row.expected);
         EXPECT_EQ(store->count(row.query), row.count);
+        for (std::size_t at = 0; at < row.expected.size(); ++at) {
+            const auto id = store->skins(row.query)[at].id;
+            EXPECT_EQ(store->position(id, row.query), static_cast<std::int64_t>(at) + row.query.offset);
+        }
     }
+    const std::int64_t ok = store->random(SkinStatus::ok)->id;
+    EXPECT_FALSE(store->position(ok, {.statuses = {SkinStatus::partial}}));
+    EXPECT_FALSE(store->position(ok, {.text = q("beta")}));
+    EXPECT_FALSE(store->position(999, {}));
     EXPECT_EQ(store->skins(SkinStatus::partial, 9, 0).size(), 4U);
     EXPECT_EQ(store->random(std::set{SkinStatus::ok})->name, all[3]);
     EXPECT_FALSE(store->random(SkinStatus::failed));

@@ -28,7 +28,7 @@ class TestWindow : public QWidget, public SkinWindowController {
     }
 
     [[nodiscard]] WindowKind windowKind() const override { return m_kind; }
-    [[nodiscard]] QWidget &window() override { return *this; }
+    [[nodiscard]] QWidget &widget() override { return *this; }
     [[nodiscard]] double titleBarHeight() const override { return 14; }
 
   private:

@@ -1,8 +1,4 @@
-#include "skintool/SkinPicture.h"
-
-#include "SkinKit/Rendering/MainWindowRenderer.h"
-
-#include <QPainter>
+#include "skintool/SkinScene.h"
 
 namespace vantor {
 
@@ -40,21 +36,6 @@ MainWindowScene skinScene(SkintoolOptions::State state) {
     scene.marquee = QStringLiteral("1. Comparison - Title (4:05)");
     scene.visualizer = comparisonBars();
     return scene;
-}
-
-QImage skinPicture(const Skin &skin, const MainWindowScene &scene, int scale, bool wholeRectangle) {
-    QImage picture(MainWindowRenderer::size(scene.shaded, scale), QImage::Format_ARGB32_Premultiplied);
-    picture.fill(Qt::transparent);
-    QPainter painter(&picture);
-    MainWindowRenderer::draw(painter, skin, scene, scale);
-    if (wholeRectangle)
-        return picture;
-    const QRegion outside =
-        QRegion(picture.rect()).subtracted(MainWindowRenderer::mask(skin, scene.shaded, scale));
-    painter.setCompositionMode(QPainter::CompositionMode_Clear);
-    for (const QRect &rect : outside)
-        painter.fillRect(rect, Qt::transparent);
-    return picture;
 }
 
 } // namespace vantor

@@ -3,11 +3,7 @@
 #include "SkinKit/Rendering/MainWindowScene.h"
 #include "skintool/SkintoolOptions.h"
 
-#include <QImage>
-
 namespace vantor {
-
-struct Skin;
 
 /// Beyond it a picture would take more than half a gigabyte.
 inline constexpr int maxPictureScale = 64;
@@ -17,10 +13,5 @@ inline constexpr int maxPictureScale = 64;
 /// and 128 kbps plays at 1:23 of 4:05, volume 78 %, balance in the middle, repeat, equalizer and playlist
 /// lit, a title that just fills the marquee, a fixed spectrum.
 [[nodiscard]] MainWindowScene skinScene(SkintoolOptions::State state);
-
-/// The main window at a whole scale of 1…maxPictureScale. What lies outside the skin's region is transparent
-/// unless `wholeRectangle`.
-[[nodiscard]] QImage skinPicture(const Skin &skin, const MainWindowScene &scene, int scale,
-                                 bool wholeRectangle);
 
 } // namespace vantor

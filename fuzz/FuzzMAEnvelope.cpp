@@ -4,8 +4,8 @@
 
 using namespace vantor;
 
-// Whatever a server sends is told apart without harm, and a result that is read as a record either becomes one
-// or says where it is wrong. -max_len=65536.
+// Whatever a server sends is told apart without harm, and a result that is read as a record either becomes
+// one or says where it is wrong. -max_len=65536.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     const QByteArray bytes(reinterpret_cast<const char *>(data), static_cast<qsizetype>(size));
     const MAEnvelope envelope = MAEnvelope::decode(QString::fromUtf8(bytes));

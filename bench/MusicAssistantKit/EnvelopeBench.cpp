@@ -15,13 +15,16 @@ QString page(int count) {
     QJsonArray tracks;
     for (int i = 0; i < count; ++i) {
         const QString number = QString::number(i);
-        const QJsonObject mapping{{u"item_id"_s, number},      {u"provider_domain"_s, u"filesystem_local"_s},
-                                  {u"available"_s, true},      {u"provider_instance"_s, u"filesystem_local--abc"_s},
+        const QJsonObject mapping{{u"item_id"_s, number},
+                                  {u"provider_domain"_s, u"filesystem_local"_s},
+                                  {u"available"_s, true},
+                                  {u"provider_instance"_s, u"filesystem_local--abc"_s},
                                   {u"audio_format"_s, QJsonObject{{u"content_type"_s, u"flac"_s},
                                                                   {u"sample_rate"_s, 44100},
                                                                   {u"bit_depth"_s, 16},
                                                                   {u"bit_rate"_s, 900}}}};
-        const QJsonObject image{{u"type"_s, u"thumb"_s}, {u"path"_s, u"Artist/Album %1/cover.jpg"_s.arg(i / 10)}};
+        const QJsonObject image{{u"type"_s, u"thumb"_s},
+                                {u"path"_s, u"Artist/Album %1/cover.jpg"_s.arg(i / 10)}};
         tracks.append(QJsonObject{{u"item_id"_s, number},
                                   {u"provider"_s, u"library"_s},
                                   {u"name"_s, u"Title of track %1 “live”"_s.arg(i)},

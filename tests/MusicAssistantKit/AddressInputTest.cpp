@@ -80,13 +80,27 @@ TEST(MusicAssistantAddressInputTest, KnowsHowHostsAreReached) {
         bool isMagicDNS;
     };
     const Row rows[] = {
-        {"nas", true, false},           {" NAS ", true, false},      {"a.LOCAL", true, false},
-        {"a.local.", false, false},     {"::1", true, false},        {"1.2.3.4", true, false},
-        {"1.2.3.256", false, false},    {"1.2.3", false, false},     {"1.2.3.", false, false},
-        {"1.2.3.4x", false, false},     {"1.2.3.-4", false, false},  {"99999999999.1.1.1", false, false},
-        {"a.example.org", false, false}, {"", false, false},          {"  ", false, false},
-        {"a.ts.net", false, true},      {" A.B.TS.NET ", false, true}, {".ts.net", false, false},
-        {"ats.net", false, false},      {"a..ts.net", false, false}, {"a.ts.net.", false, false},
+        {"nas", true, false},
+        {" NAS ", true, false},
+        {"a.LOCAL", true, false},
+        {"a.local.", false, false},
+        {"::1", true, false},
+        {"1.2.3.4", true, false},
+        {"1.2.3.256", false, false},
+        {"1.2.3", false, false},
+        {"1.2.3.", false, false},
+        {"1.2.3.4x", false, false},
+        {"1.2.3.-4", false, false},
+        {"99999999999.1.1.1", false, false},
+        {"a.example.org", false, false},
+        {"", false, false},
+        {"  ", false, false},
+        {"a.ts.net", false, true},
+        {" A.B.TS.NET ", false, true},
+        {".ts.net", false, false},
+        {"ats.net", false, false},
+        {"a..ts.net", false, false},
+        {"a.ts.net.", false, false},
     };
     for (const Row &row : rows) {
         SCOPED_TRACE(row.host);
@@ -97,9 +111,12 @@ TEST(MusicAssistantAddressInputTest, KnowsHowHostsAreReached) {
     const struct {
         const char *url;
         Security expected;
-    } classes[] = {{"HTTPS://music.example.org", Security::encrypted}, {"wss://music.example.org", Security::encrypted},
-                   {"ws://nas", Security::local},                      {"http://[fd00::1]", Security::local},
-                   {"http://a.ts.net", Security::tailnet},             {"http://music.example.org", Security::requiresTLS}};
+    } classes[] = {{"HTTPS://music.example.org", Security::encrypted},
+                   {"wss://music.example.org", Security::encrypted},
+                   {"ws://nas", Security::local},
+                   {"http://[fd00::1]", Security::local},
+                   {"http://a.ts.net", Security::tailnet},
+                   {"http://music.example.org", Security::requiresTLS}};
     for (const auto &row : classes)
         EXPECT_EQ(classifyAddress(QUrl(QString::fromLatin1(row.url))), row.expected) << row.url;
 }
@@ -108,7 +125,8 @@ namespace {
 
 using namespace MusicAssistantServerRanking;
 
-MusicAssistantServerConfiguration server(const char *name, bool isVerified, const QStringList &networks = {}) {
+MusicAssistantServerConfiguration server(const char *name, bool isVerified,
+                                         const QStringList &networks = {}) {
     return {.id = QUuid::createUuidV5(QUuid(), QString::fromLatin1(name)),
             .name = QString::fromLatin1(name),
             .address = {.baseURL = QUrl(u"http://nas:8095"_s),
@@ -116,7 +134,8 @@ MusicAssistantServerConfiguration server(const char *name, bool isVerified, cons
             .networks = networks};
 }
 
-QString order(const std::vector<MusicAssistantServerConfiguration> &servers, const std::optional<QString> &ssid) {
+QString order(const std::vector<MusicAssistantServerConfiguration> &servers,
+              const std::optional<QString> &ssid) {
     QStringList names;
     for (const Candidate &candidate : candidates(servers, ssid))
         names.append(candidate.server.name + (candidate.network ? u'@' + *candidate.network : QString()));
@@ -126,8 +145,9 @@ QString order(const std::vector<MusicAssistantServerConfiguration> &servers, con
 } // namespace
 
 TEST(MusicAssistantServerRankingTest, TheNetworkComesBeforeTheList) {
-    const std::vector servers{server("a", true), server("new", false, {u"Home"_s}), server("b", true, {u"Office"_s, u" Home "_s}),
-                              server("c", true, {u"Home"_s}), server("d", true, {u""_s, u"home"_s})};
+    const std::vector servers{server("a", true), server("new", false, {u"Home"_s}),
+                              server("b", true, {u"Office"_s, u" Home "_s}), server("c", true, {u"Home"_s}),
+                              server("d", true, {u""_s, u"home"_s})};
     EXPECT_EQ(order(servers, std::nullopt), u"a b c d"_s);
     EXPECT_EQ(order(servers, u"  "_s), u"a b c d"_s);
     EXPECT_EQ(order(servers, u" Home"_s), u"b@Home c@Home a d"_s);
@@ -161,9 +181,15 @@ TEST(MusicAssistantServerRankingTest, RecognisesTailscale) {
     const struct {
         const char *url;
         bool expected;
-    } rows[] = {{"http://a.ts.net", true},       {"http://a.ts.net.", true},      {"http://100.64.0.0", true},
-                {"http://100.127.255.255", true}, {"http://100.128.0.0", false},  {"http://100.63.255.255", false},
-                {"http://[fd7a:115c:a1e0::1]", true}, {"http://[fd7a:115c:a1e1::1]", false}, {"http://nas", false}};
+    } rows[] = {{"http://a.ts.net", true},
+                {"http://a.ts.net.", true},
+                {"http://100.64.0.0", true},
+                {"http://100.127.255.255", true},
+                {"http://100.128.0.0", false},
+                {"http://100.63.255.255", false},
+                {"http://[fd7a:115c:a1e0::1]", true},
+                {"http://[fd7a:115c:a1e1::1]", false},
+                {"http://nas", false}};
     for (const auto &row : rows)
         EXPECT_EQ(isTailscale(QUrl(QString::fromLatin1(row.url))), row.expected) << row.url;
 }

@@ -19,7 +19,8 @@ class MusicAssistantCallTest : public ClientFixture {
         ClientFixture::SetUp();
         ASSERT_TRUE(connectClient().value);
         // Answers are given by hand.
-        server.onCommand(u"held"_s, [this](const QJsonObject &, const FakeAnswer &answer) { held.append(answer); });
+        server.onCommand(u"held"_s,
+                         [this](const QJsonObject &, const FakeAnswer &answer) { held.append(answer); });
     }
     auto heldCall() {
         const auto before = held.size();
@@ -55,7 +56,9 @@ TEST_F(MusicAssistantCallTest, PiecesBecomeOneResult) {
         QJsonValue expected;
     };
     const Row rows[] = {
-        {"three pieces and a rest", {numbers(0, 500), numbers(500, 500), numbers(1000, 500), numbers(1500, 7)}, numbers(0, 1507)},
+        {"three pieces and a rest",
+         {numbers(0, 500), numbers(500, 500), numbers(1000, 500), numbers(1500, 7)},
+         numbers(0, 1507)},
         {"an empty rest", {numbers(0, 500), QJsonArray()}, numbers(0, 500)},
         {"a null in place of the rest", {numbers(0, 2), QJsonValue()}, numbers(0, 2)},
         {"no pieces", {u"whole"_s}, u"whole"_s},
@@ -134,8 +137,9 @@ TEST_F(MusicAssistantCallTest, ALateAnswerReachesNobody) {
 
 TEST_F(MusicAssistantCallTest, IgnoresWhatMeansNothing) {
     const auto made = heldCall();
-    for (const auto &text : {u"garbage"_s, u"{\"message_id\":\"99\",\"result\":1}"_s, u"{\"message_id\":2.5,\"result\":1}"_s,
-                             u"{\"message_id\":\"2\"}"_s, u"[]"_s, u"{\"server_id\":\"other\"}"_s})
+    for (const auto &text :
+         {u"garbage"_s, u"{\"message_id\":\"99\",\"result\":1}"_s, u"{\"message_id\":2.5,\"result\":1}"_s,
+          u"{\"message_id\":\"2\"}"_s, u"[]"_s, u"{\"server_id\":\"other\"}"_s})
         server.sendRaw(text);
     held[0].result(true);
     ASSERT_TRUE(waitUntil([&] { return made->ends > 0; }));
@@ -158,11 +162,13 @@ TEST_F(MusicAssistantCallTest, EveryStreamGetsEveryEvent) {
         auto event = co_await stream.next();
         co_return event.value_or(MAServerEvent());
     };
-    const MAServerEvent known{.event = u"queue_updated"_s, .objectID = u"q1"_s, .data = MAJSON(QJsonObject{{u"items"_s, 3}})};
+    const MAServerEvent known{
+        .event = u"queue_updated"_s, .objectID = u"q1"_s, .data = MAJSON(QJsonObject{{u"items"_s, 3}})};
     EXPECT_EQ(ended(take(first)).value, known);
     EXPECT_EQ(ended(take(*second)).value, known);
     second.reset();
-    EXPECT_EQ(ended(take(first)).value, (MAServerEvent{.event = u"of_tomorrow"_s, .objectID = {}, .data = MAJSON(7)}));
+    EXPECT_EQ(ended(take(first)).value,
+              (MAServerEvent{.event = u"of_tomorrow"_s, .objectID = {}, .data = MAJSON(7)}));
     client.reset();
     EXPECT_EQ(ended(take(first)).value, MAServerEvent()) << "the stream goes on without its client";
 }

@@ -1,6 +1,6 @@
 #include "tests/MusicAssistantKit/ClientFixture.h"
-#include "tests/Support/TestCertificate.h"
 #include "tests/Support/TcpRelay.h"
+#include "tests/Support/TestCertificate.h"
 
 #include <QElapsedTimer>
 #include <QSslConfiguration>
@@ -59,7 +59,8 @@ TEST_F(MusicAssistantConnectionTest, SignsInAndStays) {
     clock.advance(1h);
     runEvents();
     EXPECT_EQ(server.clientCount(), 0) << "came back uninvited";
-    EXPECT_EQ(seen->names, (QStringList{u"connecting"_s, u"authenticating"_s, u"connected"_s, u"disconnected"_s}));
+    EXPECT_EQ(seen->names,
+              (QStringList{u"connecting"_s, u"authenticating"_s, u"connected"_s, u"disconnected"_s}));
     EXPECT_EQ(server.receivedCommands().size(), 1);
 }
 
@@ -77,16 +78,62 @@ TEST_F(MusicAssistantConnectionTest, SayWhatIsWrongWithAServer) {
     constexpr auto unreachable = "Can't reach the Music Assistant server.";
     const QString good = token.reveal();
     const Row rows[] = {
-        {"too old", Fault::none, {{u"schema_version"_s, 27}}, {}, good, Case::schemaUnsupported,
-         "This Music Assistant server is too old for Vantor (schema 27; needs 28 or later).", false},
-        {"too new", Fault::none, {{u"schema_version"_s, 80}, {u"min_supported_schema_version"_s, 66}}, {}, good, Case::schemaUnsupported,
-         "This Music Assistant server is too new for Vantor (it needs clients newer than schema 66).", false},
-        {"another server", Fault::none, {}, u"home"_s, good, Case::serverMismatch,
-         "A different Music Assistant server answered at this address.", false},
-        {"wrong token", Fault::none, {}, {}, u"wrong"_s, Case::tokenRejected, "The Music Assistant token was rejected.", false},
-        {"no token", Fault::none, {}, {}, u""_s, Case::tokenRejected, "The Music Assistant token was rejected.", false},
-        {"says no", Fault::notAuthenticated, {}, {}, good, Case::tokenRejected, "The Music Assistant token was rejected.", true},
-        {"unreadable information", Fault::brokenInfo, {}, {}, good, Case::handshakeFailed, unreachable, false},
+        {"too old",
+         Fault::none,
+         {{u"schema_version"_s, 27}},
+         {},
+         good,
+         Case::schemaUnsupported,
+         "This Music Assistant server is too old for Vantor (schema 27; needs 28 or later).",
+         false},
+        {"too new",
+         Fault::none,
+         {{u"schema_version"_s, 80}, {u"min_supported_schema_version"_s, 66}},
+         {},
+         good,
+         Case::schemaUnsupported,
+         "This Music Assistant server is too new for Vantor (it needs clients newer than schema 66).",
+         false},
+        {"another server",
+         Fault::none,
+         {},
+         u"home"_s,
+         good,
+         Case::serverMismatch,
+         "A different Music Assistant server answered at this address.",
+         false},
+        {"wrong token",
+         Fault::none,
+         {},
+         {},
+         u"wrong"_s,
+         Case::tokenRejected,
+         "The Music Assistant token was rejected.",
+         false},
+        {"no token",
+         Fault::none,
+         {},
+         {},
+         u""_s,
+         Case::tokenRejected,
+         "The Music Assistant token was rejected.",
+         false},
+        {"says no",
+         Fault::notAuthenticated,
+         {},
+         {},
+         good,
+         Case::tokenRejected,
+         "The Music Assistant token was rejected.",
+         true},
+        {"unreadable information",
+         Fault::brokenInfo,
+         {},
+         {},
+         good,
+         Case::handshakeFailed,
+         unreachable,
+         false},
         {"silence", Fault::saysNothing, {}, {}, good, Case::handshakeFailed, unreachable, false},
         {"stalls", Fault::stallsDuringAuth, {}, {}, good, Case::handshakeFailed, unreachable, true},
         {"drops", Fault::dropsDuringAuth, {}, {}, good, Case::handshakeFailed, unreachable, true},
@@ -101,8 +148,11 @@ TEST_F(MusicAssistantConnectionTest, SayWhatIsWrongWithAServer) {
             faulty.info.insert(member.key(), member.value());
         makeClient(faulty.url());
         const auto connecting = started(client->connect(MusicAssistantToken(row.token), row.expectedID));
-        if (row.fault == Fault::saysNothing || row.fault == Fault::brokenInfo || row.fault == Fault::stallsDuringAuth) {
-            waitUntil([&] { return faulty.clientCount() == 1 && (!row.getsToken || !faulty.receivedFrames().isEmpty()); });
+        if (row.fault == Fault::saysNothing || row.fault == Fault::brokenInfo ||
+            row.fault == Fault::stallsDuringAuth) {
+            waitUntil([&] {
+                return faulty.clientCount() == 1 && (!row.getsToken || !faulty.receivedFrames().isEmpty());
+            });
             runEvents();
             clock.advance(timing.handshakeTimeout);
         }
@@ -145,7 +195,8 @@ TEST_F(MusicAssistantConnectionTest, RefusesAddressesWithoutATry) {
         ASSERT_TRUE(connected.error);
         EXPECT_EQ(connected.error->errorCase(), row.errorCase);
         EXPECT_EQ(connected.error->description(), QString::fromLatin1(row.text));
-        EXPECT_EQ(ended(MusicAssistantClient::serverInfo(client->baseURL(), http, 1s)).error, connected.error);
+        EXPECT_EQ(ended(MusicAssistantClient::serverInfo(client->baseURL(), http, 1s)).error,
+                  connected.error);
     }
 }
 
@@ -203,8 +254,10 @@ TEST_F(MusicAssistantConnectionTest, GivesUpOnlyWhenRetryingCannotHelp) {
     };
     const Row rows[] = {
         {"token revoked", [](auto &fake) { fake.tokens.clear(); }, Case::tokenRejected, true},
-        {"another server moved in", [](auto &fake) { fake.info.insert("server_id"_L1, u"other"_s); }, Case::serverMismatch, false},
-        {"server outgrew us", [](auto &fake) { fake.info.insert("min_supported_schema_version"_L1, 66); }, Case::schemaUnsupported, false},
+        {"another server moved in", [](auto &fake) { fake.info.insert("server_id"_L1, u"other"_s); },
+         Case::serverMismatch, false},
+        {"server outgrew us", [](auto &fake) { fake.info.insert("min_supported_schema_version"_L1, 66); },
+         Case::schemaUnsupported, false},
         {"auth breaks off", [](auto &fake) { fake.fault = Fault::dropsDuringAuth; }, std::nullopt, true},
         {"odd auth reply", [](auto &fake) { fake.fault = Fault::eventDuringAuth; }, std::nullopt, true},
     };
@@ -219,8 +272,10 @@ TEST_F(MusicAssistantConnectionTest, GivesUpOnlyWhenRetryingCannotHelp) {
         ASSERT_TRUE(waitFor(Phase::reconnecting));
         const auto framesBefore = changing.receivedFrames().size();
         nextAttempt();
-        ASSERT_TRUE(waitUntil([&] { return client->state().phase == Phase::failed || client->state().attempt == 2; }));
-        EXPECT_EQ(client->state().error ? std::optional(client->state().error->errorCase()) : std::nullopt, row.ending);
+        ASSERT_TRUE(waitUntil(
+            [&] { return client->state().phase == Phase::failed || client->state().attempt == 2; }));
+        EXPECT_EQ(client->state().error ? std::optional(client->state().error->errorCase()) : std::nullopt,
+                  row.ending);
         EXPECT_EQ(changing.receivedFrames().size() > framesBefore, row.getsToken);
     }
 }
@@ -232,7 +287,8 @@ TEST_F(MusicAssistantConnectionTest, ASilentConnectionCountsAsLost) {
     // A living one is asked now and then, and that is all.
     for (int i = 0; i < 3; ++i) {
         clock.advance(timing.pingInterval);
-        ASSERT_TRUE(waitUntil([&] { return clock.untilNext() == timing.pingInterval; })) << "the pong was not heard";
+        ASSERT_TRUE(waitUntil([&] { return clock.untilNext() == timing.pingInterval; }))
+            << "the pong was not heard";
     }
     relay.freeze();
     clock.advance(timing.pingInterval);
@@ -282,16 +338,23 @@ TEST_F(MusicAssistantConnectionTest, AsksWhoIsThere) {
     EXPECT_EQ(other.httpRequestCount(), 0) << "followed a redirection";
 
     server.fault = Fault::none;
-    server.onHTTP(u"/info"_s, [](const QUrl &) { return FakeMusicAssistant::HTTPAnswer{.body = QByteArray(3 << 20, ' ')}; });
-    EXPECT_EQ(ended(MusicAssistantClient::serverInfo(server.url(), http, 2s)).error->errorCase(), Case::transport) << "too long";
-    server.onHTTP(u"/info"_s, [](const QUrl &) { return FakeMusicAssistant::HTTPAnswer{.body = R"({"server_id":7})"}; });
+    server.onHTTP(u"/info"_s, [](const QUrl &) {
+        return FakeMusicAssistant::HTTPAnswer{.body = QByteArray(3 << 20, ' ')};
+    });
+    EXPECT_EQ(ended(MusicAssistantClient::serverInfo(server.url(), http, 2s)).error->errorCase(),
+              Case::transport)
+        << "too long";
+    server.onHTTP(u"/info"_s,
+                  [](const QUrl &) { return FakeMusicAssistant::HTTPAnswer{.body = R"({"server_id":7})"}; });
     EXPECT_EQ(ended(MusicAssistantClient::serverInfo(server.url(), http, 2s)).error,
               MusicAssistantError::decoding(u"info"_s, u"type mismatch at server_id"_s));
     TcpRelay silent(server.port());
     silent.freeze();
-    EXPECT_EQ(ended(MusicAssistantClient::serverInfo(silent.url(), http, 50ms)).error->errorCase(), Case::timeout);
+    EXPECT_EQ(ended(MusicAssistantClient::serverInfo(silent.url(), http, 50ms)).error->errorCase(),
+              Case::timeout);
     server.stop();
-    EXPECT_EQ(ended(MusicAssistantClient::serverInfo(server.url(), http, 2s)).error->errorCase(), Case::transport);
+    EXPECT_EQ(ended(MusicAssistantClient::serverInfo(server.url(), http, 2s)).error->errorCase(),
+              Case::transport);
     makeClient(server.url());
     EXPECT_EQ(connectClient().error->errorCase(), Case::transport);
 }
@@ -323,8 +386,8 @@ TEST(ReconnectPolicyTest, GrowsToItsCapWithAPartOfChance) {
         int attempt;
         double chance;
         std::chrono::milliseconds expected;
-    } rows[] = {{1, 0, 1s},      {5, 0, 16s},       {6, 0, 30s},      {1000, 0, 30s},
-                {1, 1, 1200ms}, {1, -1, 800ms},   {6, 1, 36s},      {0, 0, 1s}};
+    } rows[] = {{1, 0, 1s},     {5, 0, 16s},    {6, 0, 30s}, {1000, 0, 30s},
+                {1, 1, 1200ms}, {1, -1, 800ms}, {6, 1, 36s}, {0, 0, 1s}};
     for (const auto &row : rows)
         EXPECT_EQ(standard.delay(row.attempt, row.chance), row.expected) << row.attempt << ' ' << row.chance;
     const ReconnectPolicy capped{.steps = {10s, 20s}, .cap = 5s, .jitter = 0};
@@ -349,7 +412,8 @@ TEST_F(MusicAssistantConnectionTest, TheTokenShowsNowhere) {
     const auto before = qInstallMessageHandler(&collectLog);
     const auto request = MARequest::auth(token);
     qDebug() << token << request << MusicAssistantError::timeout(request.description());
-    for (const Fault fault : {Fault::none, Fault::notAuthenticated, Fault::stallsDuringAuth, Fault::eventDuringAuth}) {
+    for (const Fault fault :
+         {Fault::none, Fault::notAuthenticated, Fault::stallsDuringAuth, Fault::eventDuringAuth}) {
         server.fault = fault;
         makeClient(server.url());
         const auto connecting = started(client->connect(token, std::nullopt));

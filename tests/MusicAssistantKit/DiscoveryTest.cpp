@@ -1,7 +1,6 @@
 #include "MusicAssistantKit/Discovery/AvahiServiceBrowser.h"
 #include "MusicAssistantKit/Discovery/MusicAssistantDiscovery.h"
 #include "MusicAssistantKit/Discovery/NetworkManagerWiFi.h"
-
 #include "tests/MusicAssistantKit/Awaited.h"
 #include "tests/Support/FakeMusicAssistant/FakeMusicAssistant.h"
 #include "tests/Support/ManualScheduler.h"
@@ -48,7 +47,8 @@ class ScriptedService : public QDBusVirtualObject {
             connection.send(message.createReply(values));
         return true;
     }
-    void say(const QString &path, const QString &interface, const QString &signal, const QVariantList &values) {
+    void say(const QString &path, const QString &interface, const QString &signal,
+             const QVariantList &values) {
         auto message = QDBusMessage::createSignal(path, interface, signal);
         message.setArguments(values);
         m_bus.send(message);
@@ -116,7 +116,8 @@ class AvahiDiscoveryTest : public BusTest {
     }
     void startAvahi() {
         qDBusRegisterMetaType<QByteArrayList>();
-        avahi.emplace(*services, u"org.freedesktop.Avahi"_s, [this](const QDBusMessage &message) { return answer(message); });
+        avahi.emplace(*services, u"org.freedesktop.Avahi"_s,
+                      [this](const QDBusMessage &message) { return answer(message); });
     }
     QVariantList answer(const QDBusMessage &message) {
         const QVariantList args = message.arguments();
@@ -131,8 +132,17 @@ class AvahiDiscoveryTest : public BusTest {
             return {};
         for (const Announced &item : announced) {
             if (item.type == args[3].toString() && item.name == args[2].toString())
-                return {args[0], 0, item.name, item.type, u"local"_s, item.host, 0, u"127.0.0.1"_s,
-                        QVariant::fromValue(static_cast<ushort>(item.port)), QVariant::fromValue(QByteArrayList{"path=/x"}), 0U};
+                return {args[0],
+                        0,
+                        item.name,
+                        item.type,
+                        u"local"_s,
+                        item.host,
+                        0,
+                        u"127.0.0.1"_s,
+                        QVariant::fromValue(static_cast<ushort>(item.port)),
+                        QVariant::fromValue(QByteArrayList{"path=/x"}),
+                        0U};
         }
         return {};
     }
@@ -185,7 +195,8 @@ TEST_F(AvahiDiscoveryTest, FindsServersByWhatTheyAnnounce) {
     ASSERT_TRUE(waitUntilSettled());
     ASSERT_EQ(discovery->servers().size(), 1U) << "one server, however often it is announced";
     EXPECT_EQ(discovery->servers().front(),
-              (MusicAssistantDiscoveredServer{.id = u"fake-server"_s, .url = server.url(), .name = u"Fake Home"_s}));
+              (MusicAssistantDiscoveredServer{
+                  .id = u"fake-server"_s, .url = server.url(), .name = u"Fake Home"_s}));
     EXPECT_EQ(discovery->statusText(), QString());
     types.sort();
     EXPECT_EQ(types, (QStringList{u"_home-assistant._tcp"_s, u"_mass._tcp"_s, u"_music-assistant._tcp"_s,
@@ -201,8 +212,11 @@ TEST_F(AvahiDiscoveryTest, FindsServersByWhatTheyAnnounce) {
 TEST_F(AvahiDiscoveryTest, TellsOfAKnownServerThatMoved) {
     startAvahi();
     announced = {{u"_mass._tcp"_s, u"ma"_s, u"127.0.0.1"_s, server.port()}};
-    MusicAssistantServerConfiguration known{.id = QUuid::createUuid(), .name = u"Home"_s,
-                                            .address = {.baseURL = QUrl(u"http://nas:8095"_s), .serverID = u"fake-server"_s}, .networks = {}};
+    MusicAssistantServerConfiguration known{
+        .id = QUuid::createUuid(),
+        .name = u"Home"_s,
+        .address = {.baseURL = QUrl(u"http://nas:8095"_s), .serverID = u"fake-server"_s},
+        .networks = {}};
     list.add(known);
     std::vector<std::pair<QUuid, QUrl>> moved;
     discovery->onConfiguredServerMoved = [&](const auto &configuration, const QUrl &url) {
@@ -252,12 +266,18 @@ TEST_F(NetworkManagerTest, KnowsTheWiFiNetworkAndItsChanges) {
         if (message.member() != "GetAll"_L1)
             return {};
         if (message.path() == manager)
-            return {QVariantMap{{u"ActiveConnections"_s, QVariant::fromValue(QList{QDBusObjectPath(u"/active/1"_s), QDBusObjectPath(u"/gone"_s), QDBusObjectPath(u"/active/2"_s)})},
-                                {u"PrimaryConnection"_s, path(primary)}}};
+            return {QVariantMap{
+                {u"ActiveConnections"_s,
+                 QVariant::fromValue(QList{QDBusObjectPath(u"/active/1"_s), QDBusObjectPath(u"/gone"_s),
+                                           QDBusObjectPath(u"/active/2"_s)})},
+                {u"PrimaryConnection"_s, path(primary)}}};
         if (message.path() == "/active/1"_L1)
-            return {QVariantMap{{u"Type"_s, u"802-3-ethernet"_s}, {u"State"_s, 2U}, {u"SpecificObject"_s, path(u"/"_s)}}};
+            return {QVariantMap{
+                {u"Type"_s, u"802-3-ethernet"_s}, {u"State"_s, 2U}, {u"SpecificObject"_s, path(u"/"_s)}}};
         if (message.path() == "/active/2"_L1)
-            return {QVariantMap{{u"Type"_s, u"802-11-wireless"_s}, {u"State"_s, state}, {u"SpecificObject"_s, path(u"/ap"_s)}}};
+            return {QVariantMap{{u"Type"_s, u"802-11-wireless"_s},
+                                {u"State"_s, state},
+                                {u"SpecificObject"_s, path(u"/ap"_s)}}};
         if (message.path() == "/ap"_L1)
             return {QVariantMap{{u"Ssid"_s, ssid.toUtf8()}}};
         return {};
@@ -266,7 +286,8 @@ TEST_F(NetworkManagerTest, KnowsTheWiFiNetworkAndItsChanges) {
     ASSERT_TRUE(waitUntil([&] { return wifi.ssid() == ssid; })) << "a service that starts later";
     const auto change = [&] {
         const auto before = changes.size();
-        service->say(manager, u"org.freedesktop.DBus.Properties"_s, u"PropertiesChanged"_s, {manager, QVariantMap(), QStringList()});
+        service->say(manager, u"org.freedesktop.DBus.Properties"_s, u"PropertiesChanged"_s,
+                     {manager, QVariantMap(), QStringList()});
         return QTest::qWaitFor([&] { return changes.size() > before; }, 500);
     };
     EXPECT_FALSE(change()) << "nothing is another network";

@@ -12,7 +12,9 @@ QString shortForm(const MAEnvelope &envelope) {
     struct Visitor {
         QString operator()(const MAEnvelope::Unknown &) const { return u"unknown"_s; }
         QString operator()(const MAServerInfo &info) const {
-            return u"info %1 %2 %3"_s.arg(info.serverID).arg(info.schemaVersion).arg(info.name.value_or(u"-"_s));
+            return u"info %1 %2 %3"_s.arg(info.serverID)
+                .arg(info.schemaVersion)
+                .arg(info.name.value_or(u"-"_s));
         }
         QString operator()(const MAEnvelope::Result &result) const {
             return u"result %1 %2 %3"_s.arg(result.messageID)
@@ -52,13 +54,17 @@ TEST(MAEnvelopeTest, TellsMessagesApartByTheirMembers) {
     };
     // Kinds of MAJSON: 0 boolean, 1 number, 2 string, 3 array, 4 object, 5 null.
     const Row rows[] = {
-        {R"({"server_id":"s","schema_version":65,"min_supported_schema_version":28,"name":"N"})", "info s 65 N"},
-        {R"({"server_id":"s","schema_version":65,"min_supported_schema_version":28,"name":7})", "info s 65 -"},
-        {R"({"message_id":null,"server_id":"s","schema_version":1,"min_supported_schema_version":1})", "info s 1 -"},
+        {R"({"server_id":"s","schema_version":65,"min_supported_schema_version":28,"name":"N"})",
+         "info s 65 N"},
+        {R"({"server_id":"s","schema_version":65,"min_supported_schema_version":28,"name":7})",
+         "info s 65 -"},
+        {R"({"message_id":null,"server_id":"s","schema_version":1,"min_supported_schema_version":1})",
+         "info s 1 -"},
         {R"({"server_id":"s","schema_version":"65","min_supported_schema_version":28})", "unknown"},
         {R"({"server_id":"s","schema_version":65})", "unknown"},
         {R"({"server_id":"s","schema_version":"65","event":"e"})", "event e -"},
-        {R"({"message_id":"1","server_id":"s","schema_version":65,"min_supported_schema_version":28})", "unknown"},
+        {R"({"message_id":"1","server_id":"s","schema_version":65,"min_supported_schema_version":28})",
+         "unknown"},
         {R"({"message_id":"7","result":[1]})", "result 7 3 whole"},
         {R"({"message_id":7,"result":null,"partial":true})", "result 7 5 partial"},
         {R"({"message_id":7.0,"result":{},"partial":"true"})", "result 7 4 whole"},
@@ -85,7 +91,8 @@ TEST(MAEnvelopeTest, TellsMessagesApartByTheirMembers) {
 }
 
 TEST(MAEnvelopeTest, SurvivesNestingAndFloodsOfTinyValues) {
-    const QString deep = u"{\"event\":\"e\",\"data\":"_s + QString(200'000, u'[') + QString(200'000, u']') + u'}';
+    const QString deep =
+        u"{\"event\":\"e\",\"data\":"_s + QString(200'000, u'[') + QString(200'000, u']') + u'}';
     EXPECT_EQ(MAEnvelope::decode(deep), MAEnvelope());
     const QString flood = u"{\"event\":\"e\",\"data\":["_s + u"[],"_s.repeated(6'000'000) + u"[]]}"_s;
     EXPECT_EQ(MAEnvelope::decode(flood), MAEnvelope());

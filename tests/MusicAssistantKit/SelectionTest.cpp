@@ -1,5 +1,4 @@
 #include "MusicAssistantKit/Servers/MusicAssistantSelectionController.h"
-
 #include "tests/MusicAssistantKit/Awaited.h"
 #include "tests/Support/FakeMusicAssistant/FakeMusicAssistant.h"
 #include "tests/Support/ManualScheduler.h"
@@ -41,11 +40,16 @@ class MusicAssistantSelectionTest : public testing::Test {
     QUuid add(const QString &serverID, const QUrl &url, const QStringList &networks = {}) {
         const auto id = QUuid::createUuid();
         const auto known = serverID.isEmpty() ? std::nullopt : std::optional(serverID);
-        list.add({.id = id, .name = serverID, .address = {.baseURL = url, .serverID = known}, .networks = networks});
+        list.add({.id = id,
+                  .name = serverID,
+                  .address = {.baseURL = url, .serverID = known},
+                  .networks = networks});
         return id;
     }
     void makeController() { controller.emplace(list, wifi, selector, clock); }
-    [[nodiscard]] QString current() const { return controller->current() ? controller->current()->name : u"-"_s; }
+    [[nodiscard]] QString current() const {
+        return controller->current() ? controller->current()->name : u"-"_s;
+    }
     bool waitForReason(const QString &reason) {
         return waitUntil([&] { return controller->reason() == reason; });
     }
@@ -150,7 +154,8 @@ TEST_F(MusicAssistantSelectionTest, TheListSurvivesARestartAndDamage) {
     const QString key = settings.allKeys().constFirst();
     const QString broken = u"[7, {\"id\": \"x\"}, {\"id\": \"%1\"}, "_s.arg(QUuid::createUuid().toString());
     settings.setValue(key, broken + settings.value(key).toString().sliced(1));
-    EXPECT_EQ(MusicAssistantServerList(settings).servers().size(), 2U) << "broken entries took others with them";
+    EXPECT_EQ(MusicAssistantServerList(settings).servers().size(), 2U)
+        << "broken entries took others with them";
     settings.setValue(key, u"{broken"_s);
     EXPECT_TRUE(MusicAssistantServerList(settings).servers().empty());
 }

@@ -1,5 +1,4 @@
 #include "MusicAssistantKit/Settings/MusicAssistantSettingsModel.h"
-
 #include "tests/MusicAssistantKit/Awaited.h"
 #include "tests/Support/FakeMusicAssistant/FakeMusicAssistant.h"
 #include "tests/Support/TestFolder.h"
@@ -97,7 +96,8 @@ TEST_F(MusicAssistantSettingsModelTest, FromTheAddressToTheVerifiedServer) {
     model.setToken(id, token);
     EXPECT_EQ(test(), u"Connected to Fake Home."_s);
     EXPECT_EQ(list.server(id)->address.serverID, u"fake-server"_s);
-    EXPECT_TRUE(waitUntil([&] { return server.clientCount() == 0; })) << "the test leaves its connection behind";
+    EXPECT_TRUE(waitUntil([&] { return server.clientCount() == 0; }))
+        << "the test leaves its connection behind";
 
     model.checkToken(id);
     EXPECT_EQ(model.status(id).text, u"Saved in Keychain"_s);
@@ -174,9 +174,11 @@ TEST_F(MusicAssistantSettingsModelTest, SaysWhatIsWrong) {
     EXPECT_EQ(test(), u"Can't reach the Music Assistant server."_s);
     EXPECT_EQ(problemOf("https://localhost:8095"), QString());
     EXPECT_TRUE(test().contains(u"plain http on port 8095"_s)) << model.status(id).text.toStdString();
-    const auto blocked = Failure::from(MusicAssistantError::transport({.kind = MATransportError::Kind::securityRequired, .detail = {}}), {});
-    EXPECT_EQ(blocked.description(),
-              u"macOS blocks this connection. Use https; plain http works only on the local network or Tailscale."_s);
+    const auto blocked = Failure::from(
+        MusicAssistantError::transport({.kind = MATransportError::Kind::securityRequired, .detail = {}}), {});
+    EXPECT_EQ(
+        blocked.description(),
+        u"macOS blocks this connection. Use https; plain http works only on the local network or Tailscale."_s);
 }
 
 TEST_F(MusicAssistantSettingsModelTest, AnOutdatedTestSaysNothing) {
@@ -214,7 +216,8 @@ TEST(KeychainMusicAssistantTokenStoreTest, WithoutAKeychainATokenStaysForTheSess
     EXPECT_EQ(saved.value, MusicAssistantTokenStore::Kept::untilQuit);
     EXPECT_EQ(ended(store.token(u"account"_s)).value, std::optional(token));
     EXPECT_TRUE(isEmpty(u"other"_s));
-    EXPECT_EQ(ended(store.kept(u"account"_s)).value, std::optional(MusicAssistantTokenStore::Kept::untilQuit));
+    EXPECT_EQ(ended(store.kept(u"account"_s)).value,
+              std::optional(MusicAssistantTokenStore::Kept::untilQuit));
     EXPECT_EQ(MusicAssistantTokenStore::message(*saved.value),
               u"No keychain is running on this computer: the token is kept until Vantor quits."_s);
     [[maybe_unused]] const auto removing = store.remove(u"account"_s);

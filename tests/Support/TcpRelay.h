@@ -15,7 +15,9 @@ class TcpRelay : public QObject {
         m_server.listen(QHostAddress::LocalHost);
     }
 
-    [[nodiscard]] QUrl url() const { return QUrl(QStringLiteral("http://127.0.0.1:%1").arg(m_server.serverPort())); }
+    [[nodiscard]] QUrl url() const {
+        return QUrl(QStringLiteral("http://127.0.0.1:%1").arg(m_server.serverPort()));
+    }
     void freeze() { m_frozen = true; }
     void thaw() { m_frozen = false; }
 

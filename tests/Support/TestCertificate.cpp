@@ -53,7 +53,8 @@ TestCertificate::TestCertificate(const QString &host) {
     addExtension(certificate.get(), NID_basic_constraints, "critical,CA:TRUE");
     X509_sign(certificate.get(), key.get(), EVP_sha256());
     m_certificate = QSslCertificate(pem([&](BIO *out) { PEM_write_bio_X509(out, certificate.get()); }));
-    m_key = pem([&](BIO *out) { PEM_write_bio_PrivateKey(out, key.get(), nullptr, nullptr, 0, nullptr, nullptr); });
+    m_key = pem(
+        [&](BIO *out) { PEM_write_bio_PrivateKey(out, key.get(), nullptr, nullptr, 0, nullptr, nullptr); });
 }
 
 QSslConfiguration TestCertificate::serverConfiguration() const {

@@ -10,19 +10,20 @@ namespace vantor {
 
 namespace {
 
-/// Collects the body of one reply; owns the reply.
+/// Collects the body of one reply; owns the reply, which must not outlive its manager.
 class Download : public QObject {
   public:
     enum class End { finished, tooLong, timedOut };
 
-    Download(QNetworkReply *reply, qint64 maxBytes, std::chrono::milliseconds timeout)
-        : m_reply(reply), m_maxBytes(maxBytes) {
-        reply->setParent(this);
+    Download(std::shared_ptr<QNetworkAccessManager> network, const QNetworkRequest &request, qint64 maxBytes,
+             std::chrono::milliseconds timeout)
+        : m_network(std::move(network)), m_reply(m_network->get(request)), m_maxBytes(maxBytes) {
+        m_reply->setParent(nullptr);
         // Bounds what waits unread, however fast the server sends.
-        reply->setReadBufferSize(256 << 10);
+        m_reply->setReadBufferSize(256 << 10);
         std::tie(m_whenFinished, m_finished) = AsyncStream<bool>::make(latestValueOnly);
-        connect(reply, &QNetworkReply::readyRead, this, &Download::read);
-        connect(reply, &QNetworkReply::finished, this, [this] { m_whenFinished.finish(); });
+        connect(m_reply.get(), &QNetworkReply::readyRead, this, &Download::read);
+        connect(m_reply.get(), &QNetworkReply::finished, this, [this] { m_whenFinished.finish(); });
         m_timer.setSingleShot(true);
         m_timer.callOnTimeout(this, [this] { stop(End::timedOut); });
         m_timer.start(timeout);
@@ -50,7 +51,8 @@ class Download : public QObject {
         m_reply->abort();
     }
 
-    QNetworkReply *m_reply;
+    std::shared_ptr<QNetworkAccessManager> m_network;
+    std::unique_ptr<QNetworkReply> m_reply;
     qint64 m_maxBytes;
     End m_end = End::finished;
     QByteArray m_body;
@@ -61,15 +63,15 @@ class Download : public QObject {
 
 } // namespace
 
-QtHTTPTransport::QtHTTPTransport() {
-    m_network.setRedirectPolicy(QNetworkRequest::ManualRedirectPolicy);
+QtHTTPTransport::QtHTTPTransport() : m_network(std::make_shared<QNetworkAccessManager>()) {
+    m_network->setRedirectPolicy(QNetworkRequest::ManualRedirectPolicy);
 }
 
 QCoro::Task<MAHTTPAnswer> QtHTTPTransport::get(QUrl url, qint64 maxBytes, std::chrono::milliseconds timeout) {
     QNetworkRequest request(url);
     request.setAttribute(QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::Manual);
     request.setAttribute(QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::Manual);
-    Download download(m_network.get(request), maxBytes, timeout);
+    Download download(m_network, request, maxBytes, timeout);
     QNetworkReply &reply = download.reply();
     [[maybe_unused]] const auto end = co_await download.finished().next();
     QByteArray body = download.takeBody();

@@ -6,6 +6,7 @@
 #include <QUrl>
 
 #include <chrono>
+#include <memory>
 
 namespace vantor {
 
@@ -25,7 +26,7 @@ class MAHTTPTransport {
                                                         std::chrono::milliseconds timeout) = 0;
 };
 
-/// The real one.
+/// The real one. It may go while it works.
 class QtHTTPTransport : public MAHTTPTransport {
   public:
     QtHTTPTransport();
@@ -33,7 +34,7 @@ class QtHTTPTransport : public MAHTTPTransport {
                                                 std::chrono::milliseconds timeout) override;
 
   private:
-    QNetworkAccessManager m_network;
+    std::shared_ptr<QNetworkAccessManager> m_network; ///< shared with what is under way
 };
 
 } // namespace vantor

@@ -101,20 +101,25 @@ void AvahiServiceBrowser::allForNow() {
 QCoro::Task<> AvahiServiceBrowser::resolve(Item item) {
     const QPointer self(this);
     const int round = m_round;
+    const bool belongsToStart = m_unsettled > 0;
+    if (belongsToStart)
+        ++m_unsettled;
     const QVariantList arguments{item.interface, anyProtocol,  item.name, item.type,
                                  item.domain,    protocolIPv4, noFlags};
     const QDBusMessage reply = co_await callServer(m_bus, u"ResolveService"_s, arguments);
     if (!self || m_round != round)
         co_return;
     const QVariantList values = reply.arguments();
-    if (reply.type() != QDBusMessage::ReplyMessage || values.size() < addressCount)
-        co_return;
-    const int port = values[8].toInt();
-    const bool isOwnPort = announcesOwnPort(item.type) && port > 0 && port < 65536;
-    const MusicAssistantDiscoveredHost host{.host = values[5].toString(),
-                                            .port = isOwnPort ? std::optional(port) : std::nullopt,
-                                            .address = values[7].toString()};
-    Q_EMIT hostFound(host);
+    if (reply.type() == QDBusMessage::ReplyMessage && values.size() >= addressCount) {
+        const int port = values[8].toInt();
+        const bool isOwnPort = announcesOwnPort(item.type) && port > 0 && port < 65536;
+        const MusicAssistantDiscoveredHost host{.host = values[5].toString(),
+                                                .port = isOwnPort ? std::optional(port) : std::nullopt,
+                                                .address = values[7].toString()};
+        Q_EMIT hostFound(host);
+    }
+    if (self && m_round == round && belongsToStart)
+        settleOne();
 }
 
 void AvahiServiceBrowser::settleOne() {

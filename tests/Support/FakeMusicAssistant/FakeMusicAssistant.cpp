@@ -26,12 +26,8 @@ void sendTo(QWebSocket *client, const QJsonObject &message) {
 }
 
 QJsonObject userRecord() {
-    return {{u"user_id"_s, u"u1"_s},
-            {u"username"_s, u"listener"_s},
-            {u"role"_s, u"user"_s},
-            {u"enabled"_s, true},
-            {u"display_name"_s, u"Listener"_s},
-            {u"player_filter"_s, QJsonArray()}};
+    return {{u"user_id"_s, u"u1"_s}, {u"username"_s, u"listener"_s},     {u"role"_s, u"user"_s},
+            {u"enabled"_s, true},    {u"display_name"_s, u"Listener"_s}, {u"player_filter"_s, QJsonArray()}};
 }
 
 QJsonObject eventMessage(const QString &name, const QJsonValue &objectID, const QJsonValue &data) {
@@ -79,17 +75,14 @@ class FakeMusicAssistant::Listener : public QTcpServer {
 };
 
 FakeMusicAssistant::FakeMusicAssistant()
-    : info{{u"server_id"_s, u"fake-server"_s},
-           {u"server_version"_s, u"2.7.0"_s},
-           {u"schema_version"_s, 65},
-           {u"min_supported_schema_version"_s, 28},
-           {u"homeassistant_addon"_s, false},
-           {u"onboard_done"_s, true},
-           {u"name"_s, u"Fake Home"_s},
-           {u"status"_s, u"running"_s},
+    : info{{u"server_id"_s, u"fake-server"_s}, {u"server_version"_s, u"2.7.0"_s},
+           {u"schema_version"_s, 65},          {u"min_supported_schema_version"_s, 28},
+           {u"homeassistant_addon"_s, false},  {u"onboard_done"_s, true},
+           {u"name"_s, u"Fake Home"_s},        {u"status"_s, u"running"_s},
            {u"has_remote_access"_s, false}},
       m_listener(std::make_unique<Listener>(*this)), m_upgrades(u"fake"_s, QWebSocketServer::NonSecureMode) {
-    connect(&m_upgrades, &QWebSocketServer::newConnection, this, [this] { greet(m_upgrades.nextPendingConnection()); });
+    connect(&m_upgrades, &QWebSocketServer::newConnection, this,
+            [this] { greet(m_upgrades.nextPendingConnection()); });
     m_pings.callOnTimeout(this, [this] {
         for (auto client = m_clients.keyBegin(); client != m_clients.keyEnd(); ++client)
             (*client)->ping();
@@ -154,9 +147,9 @@ void FakeMusicAssistant::readHead(QTcpSocket *socket) {
 void FakeMusicAssistant::answerHTTP(QTcpSocket *socket, const QUrl &target) {
     ++m_httpRequests;
     const HTTPAnswer answer = pageFor(target);
-    socket->write("HTTP/1.1 " + QByteArray::number(answer.status) + " Answer\r\nContent-Type: " + answer.type +
-                  "\r\nContent-Length: " + QByteArray::number(answer.body.size()) + "\r\nConnection: close\r\n" +
-                  answer.headers + "\r\n" + answer.body);
+    socket->write("HTTP/1.1 " + QByteArray::number(answer.status) + " Answer\r\nContent-Type: " +
+                  answer.type + "\r\nContent-Length: " + QByteArray::number(answer.body.size()) +
+                  "\r\nConnection: close\r\n" + answer.headers + "\r\n" + answer.body);
     socket->disconnectFromHost();
 }
 
@@ -173,13 +166,15 @@ void FakeMusicAssistant::greet(QWebSocket *client) {
     if (!client)
         return;
     m_clients.insert(client, {});
-    connect(client, &QWebSocket::textMessageReceived, this, [this, client](const QString &text) { takeFrame(client, text); });
+    connect(client, &QWebSocket::textMessageReceived, this,
+            [this, client](const QString &text) { takeFrame(client, text); });
     connect(client, &QWebSocket::disconnected, this, [this, client] {
         m_clients.remove(client);
         client->deleteLater();
     });
     if (fault == Fault::garbageFirst) {
-        for (const auto &garbage : {u""_s, u"{"_s, u"[]"_s, u"42"_s, u"{\"event\": 7}"_s, u"{\"server_id\": \"x\"}"_s})
+        for (const auto &garbage :
+             {u""_s, u"{"_s, u"[]"_s, u"42"_s, u"{\"event\": 7}"_s, u"{\"server_id\": \"x\"}"_s})
             client->sendTextMessage(garbage);
         client->sendBinaryMessage("\x01\x02");
     }

@@ -32,9 +32,9 @@ class FakeAnswer {
     QJsonValue m_messageID; ///< as it came
 };
 
-/// A Music Assistant server as far as a client sees one: the real messages over a real WebSocket and HTTP on one
-/// port, and the faults that a test asks for. What the library and the players answer is added from outside.
-/// One thread, that of the event loop.
+/// A Music Assistant server as far as a client sees one: the real messages over a real WebSocket and HTTP on
+/// one port, and the faults that a test asks for. What the library and the players answer is added from
+/// outside. One thread, that of the event loop.
 class FakeMusicAssistant : public QObject {
   public:
     enum class Fault {
@@ -44,11 +44,11 @@ class FakeMusicAssistant : public QObject {
         brokenInfo,       ///< the information has members of wrong types
         stallsDuringAuth, ///< takes the token and never answers
         dropsDuringAuth,
-        eventDuringAuth,   ///< an event in place of the answer
-        notAuthenticated,  ///< a result that says no
-        closesAfterAuth,   ///< as a server does that falls over
-        redirects,         ///< every request over HTTP, to `redirectTarget`
-        failsHTTP,         ///< every request over HTTP, with a page in HTML
+        eventDuringAuth,  ///< an event in place of the answer
+        notAuthenticated, ///< a result that says no
+        closesAfterAuth,  ///< as a server does that falls over
+        redirects,        ///< every request over HTTP, to `redirectTarget`
+        failsHTTP,        ///< every request over HTTP, with a page in HTML
     };
     struct HTTPAnswer {
         int status = 200;
@@ -83,7 +83,9 @@ class FakeMusicAssistant : public QObject {
     void dropClients();
 
     /// In place of one with this name.
-    void onCommand(const QString &name, CommandHandler handler) { m_commands.insert(name, std::move(handler)); }
+    void onCommand(const QString &name, CommandHandler handler) {
+        m_commands.insert(name, std::move(handler));
+    }
     void onHTTP(const QString &path, HTTPHandler handler) { m_pages.insert(path, std::move(handler)); }
     /// To everybody who has signed in.
     void sendEvent(const QString &name, const QJsonValue &objectID, const QJsonValue &data);

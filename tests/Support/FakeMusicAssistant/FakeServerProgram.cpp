@@ -45,13 +45,14 @@ int main(int argc, char **argv) {
     QCommandLineParser parser;
     parser.setApplicationDescription(u"A stand-in for a Music Assistant server, on this machine only."_s);
     parser.addHelpOption();
-    parser.addOptions({{u"port"_s, u"Where to listen; 0: any free port."_s, u"N"_s, u"8095"_s},
-                       {u"token"_s, u"The token that signs in (made up for tests)."_s, u"TEXT"_s, u"secret-token"_s},
-                       {u"server-id"_s, u"The server's ID."_s, u"TEXT"_s, u"fake-server"_s},
-                       {u"name"_s, u"The server's name."_s, u"TEXT"_s, u"Fake Home"_s},
-                       {u"schema"_s, u"Its schema."_s, u"N"_s, u"65"_s},
-                       {u"min-schema"_s, u"The oldest schema that it speaks."_s, u"N"_s, u"28"_s},
-                       {u"fault"_s, u"One of: %1."_s.arg(faultNames.join(u", "_s)), u"NAME"_s, u"none"_s}});
+    parser.addOptions(
+        {{u"port"_s, u"Where to listen; 0: any free port."_s, u"N"_s, u"8095"_s},
+         {u"token"_s, u"The token that signs in (made up for tests)."_s, u"TEXT"_s, u"secret-token"_s},
+         {u"server-id"_s, u"The server's ID."_s, u"TEXT"_s, u"fake-server"_s},
+         {u"name"_s, u"The server's name."_s, u"TEXT"_s, u"Fake Home"_s},
+         {u"schema"_s, u"Its schema."_s, u"N"_s, u"65"_s},
+         {u"min-schema"_s, u"The oldest schema that it speaks."_s, u"N"_s, u"28"_s},
+         {u"fault"_s, u"One of: %1."_s.arg(faultNames.join(u", "_s)), u"NAME"_s, u"none"_s}});
     parser.process(application);
 
     FakeMusicAssistant server;

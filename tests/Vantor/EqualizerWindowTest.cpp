@@ -89,14 +89,17 @@ TEST_F(EqualizerWindowTest, TheMenuKeyIsForWhatTabHasReached) {
         QContextMenuEvent event(QContextMenuEvent::Keyboard, middle, m_window.mapToGlobal(middle));
         QCoreApplication::sendEvent(&m_window, &event);
     };
-    pressMenuKey();
-    QWidget *const menu = QApplication::activePopupWidget();
-    ASSERT_TRUE(menu);
-    menu->close();
-    EXPECT_EQ(m_player.eq().band(3), 12);
-    m_window.focusControl(static_cast<int>(bandControl(9)));
-    pressMenuKey();
-    EXPECT_EQ(m_player.eq().band(9), 0);
+    for (const std::optional<int> reached : {std::optional<int>(), {static_cast<int>(bandControl(9))}}) {
+        m_window.focusControl(reached);
+        pressMenuKey();
+        QWidget *const menu = QApplication::activePopupWidget();
+        ASSERT_TRUE(menu);
+        if (reached)
+            EXPECT_EQ(menu->pos(), m_window.mapToGlobal(m_window.control(*reached)->rect.center()));
+        menu->close();
+        EXPECT_EQ(m_player.eq().band(3), 12);
+        EXPECT_EQ(m_player.eq().band(9), 12);
+    }
 }
 
 TEST_F(EqualizerWindowTest, ButtonsSwitchAndShowIt) {

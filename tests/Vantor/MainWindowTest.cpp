@@ -3,11 +3,15 @@
 #include "PlayerFixture.h"
 #include "SkinKit/Layout/MainSliders.h"
 #include "SkinKit/Layout/MainWindowLayout.h"
+#include "Vantor/App/CarryOut.h"
+#include "Vantor/App/LaunchOptions.h"
 #include "Vantor/Windows/EqualizerWindow.h"
+#include "Vantor/Windows/JumpToFileDialog.h"
 #include "Vantor/Windows/MainMenu.h"
 #include "Vantor/Windows/PlaylistWindow.h"
 
 #include <QDropEvent>
+#include <QListView>
 #include <QMenu>
 #include <QMimeData>
 #include <QTest>
@@ -115,6 +119,53 @@ TEST_F(MainWindowTest, DroppedMusicPlaysAndShiftOnlyAddsIt) {
     drop(file("b.wav"), {});
     ASSERT_TRUE(waitFor([&] { return m_player.queue().count() == 1; }));
     EXPECT_EQ(m_player.queue().current()->title, QStringLiteral("b"));
+    m_player.stop();
+    drop(file("a.wav"), Qt::ShiftModifier);
+    ASSERT_TRUE(waitFor([&] { return m_player.queue().count() == 2 && !m_model.isImporting(); }));
+    EXPECT_EQ(m_player.state(), PlaybackState::stopped);
+}
+
+TEST_F(MainWindowTest, WhatPlaysIsNotBegunAgainByAnotherStartOrAMediaKey) {
+    m_model.open({writeTone("a.wav", 60)});
+    ASSERT_TRUE(waitFor([&] { return m_player.state() == PlaybackState::playing; }));
+    m_player.seek(30);
+    LaunchOptions options;
+    options.command = LaunchCommand::play;
+    carryOut(options, m_model, m_commands);
+    EXPECT_GE(m_player.currentTime(), 30);
+    for (const PlaybackState state : {PlaybackState::paused, PlaybackState::playing}) {
+        QTest::keyClick(&m_window, Qt::Key_MediaPlay);
+        EXPECT_EQ(m_player.state(), state);
+        EXPECT_GE(m_player.currentTime(), 30);
+    }
+}
+
+TEST_F(MainWindowTest, MinimisingWithoutTheMainWindowIsForTheActiveOne) {
+    EqualizerModel equalizerModel(m_player, m_settings, m_folder.path("data"));
+    EqualizerWindow equalizer(m_model, equalizerModel, m_commands);
+    m_window.hide();
+    equalizer.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&equalizer));
+    m_commands.trigger(Commands::Id::minimize);
+    EXPECT_FALSE(m_window.isVisible());
+    EXPECT_TRUE(equalizer.isMinimized());
+}
+
+TEST_F(MainWindowTest, TheTrackToJumpToStaysChosenWhileTheQueueChanges) {
+    const Track tracks[] = {Track::file(writeTone("a.wav", 60)), Track::file(writeTone("b.wav", 60)),
+                            Track::file(writeTone("c.wav", 60))};
+    m_player.enqueue({tracks[0], tracks[1]});
+    m_commands.trigger(Commands::Id::jumpToFile);
+    auto *const dialog = m_window.findChild<JumpToFileDialog *>();
+    ASSERT_TRUE(dialog);
+    auto *const list = dialog->findChild<QListView *>();
+    list->setCurrentIndex(list->model()->index(1, 0));
+    m_player.insertTracks({tracks[2]}, 0);
+    EXPECT_TRUE(waitFor([&] { return list->model()->rowCount() == 3; }));
+    EXPECT_EQ(list->currentIndex().row(), 2);
+    m_player.removeTrack(0); // and at once:
+    QTest::keyClick(dialog, Qt::Key_Return);
+    EXPECT_EQ(m_player.queue().current(), tracks[1]);
 }
 
 TEST_F(MainWindowTest, TheMainMenuHoldsEveryCommandOfEveryWindow) {

@@ -194,6 +194,20 @@ TEST_F(MprisTest, TheTransportAndTheOptionsFollowTheBus) {
     EXPECT_TRUE(waitFor([&] { return m_player.queue().current()->title == QStringLiteral("c d"); }));
 }
 
+// A slow track takes commands, too.
+TEST_F(MprisTest, WhileATrackLoadsItIsWhatWillComeOfIt) {
+    m_player.enqueue({Track::file(writeTone("a.wav", 60))});
+    auto *const adaptor = m_service.findChild<MprisPlayer *>();
+    adaptor->Play();
+    EXPECT_EQ(adaptor->playbackStatus(), QStringLiteral("Playing"));
+    adaptor->Pause();
+    EXPECT_EQ(adaptor->playbackStatus(), QStringLiteral("Paused"));
+    adaptor->Play();
+    EXPECT_EQ(adaptor->playbackStatus(), QStringLiteral("Playing"));
+    EXPECT_EQ(m_player.state(), PlaybackState::loading);
+    EXPECT_TRUE(waitFor([&] { return m_player.state() == PlaybackState::playing; }));
+}
+
 TEST_F(MprisTest, PositionsAreInMicrosecondsAndOfOneTrackOnly) {
     connectToBus();
     playTwoTones();

@@ -96,6 +96,28 @@ TEST_F(PlaylistModelTest, SelectedRowsMoveTogetherUpToTheEnds) {
     EXPECT_EQ(shown(), "[b]a[d]cef");
     m_playlist.select(2, Selecting::extending); // from the row clicked last, wherever it went
     EXPECT_EQ(shown(), "ba[d]cef");
+    // The cursor stays on its track, also on one that is not selected, and so does the begin of a range.
+    m_playlist.select(5, Selecting::only);
+    m_playlist.select(0, Selecting::toggling);
+    m_playlist.select(0, Selecting::toggling);
+    EXPECT_EQ(m_playlist.moveSelected(-5), -5);
+    EXPECT_EQ(shown(), "[f]badce");
+    EXPECT_EQ(m_playlist.cursor(), 1);
+    m_playlist.select(2, Selecting::extending);
+    EXPECT_EQ(shown(), "f[b][a]dce");
+}
+
+TEST_F(PlaylistModelTest, CursorAndRangesGoWithTheirTracksAndEndWithThem) {
+    fill("abcdef");
+    m_playlist.select(4, Selecting::only);
+    m_playlist.reverse();
+    EXPECT_EQ(m_playlist.cursor(), 1);
+    m_playlist.select(3, Selecting::extending);
+    EXPECT_EQ(shown(), "f[e][d][c]ba");
+    m_playlist.removeAll();
+    fill("uvwxyz");
+    m_playlist.select(3, Selecting::extending);
+    EXPECT_EQ(shown(), "uvw[x]yz");
 }
 
 TEST_F(PlaylistModelTest, ListsAreSortedAsPeopleSort) {
@@ -198,6 +220,9 @@ TEST_F(PlaylistModelTest, ALongListIsSearchedBitByBitAndOverChanges) {
     m_player.removeTracks({1, 2});
     m_playlist.endTyping();
     EXPECT_EQ(m_playlist.cursor(), last - 2);
+    type("zoe");
+    m_playlist.cancelTyping();
+    EXPECT_EQ(m_playlist.cursor(), 0);
     type("zoe");
     m_playlist.select(5, Selecting::only); // the user has another idea
     m_playlist.endTyping();

@@ -128,16 +128,41 @@ TEST_F(PlaylistWindowTest, KeysThatCommandsHaveTooAreTheLists) {
     EXPECT_EQ(m_player.queue().currentIndex(), 0);
 }
 
-TEST_F(PlaylistWindowTest, TheMenuKeyIsForTheRowOfTheCursor) {
+TEST_F(PlaylistWindowTest, TheMenuIsForTheRowOfTheCursorOrUnderThePointer) {
+    const auto placeOfMenu = [&](QContextMenuEvent::Reason reason, QPoint at) {
+        QContextMenuEvent event(reason, at, m_window.mapToGlobal(at));
+        QCoreApplication::sendEvent(&m_window, &event);
+        QWidget *const menu = QApplication::activePopupWidget();
+        EXPECT_TRUE(menu);
+        const QPoint place = menu ? m_window.mapFromGlobal(menu->pos()) : QPoint();
+        if (menu)
+            menu->close();
+        return place;
+    };
     click(line(3));
-    const QPoint middle = m_window.rect().center();
-    QContextMenuEvent event(QContextMenuEvent::Keyboard, middle, m_window.mapToGlobal(middle));
-    QCoreApplication::sendEvent(&m_window, &event);
-    QWidget *const menu = QApplication::activePopupWidget();
-    ASSERT_TRUE(menu);
-    EXPECT_EQ(menu->pos(), m_window.mapToGlobal(line(3)));
-    menu->close();
+    EXPECT_EQ(placeOfMenu(QContextMenuEvent::Keyboard, m_window.rect().center()), line(3));
     EXPECT_EQ(shown(), "abc[d]efgh");
+    click(line(1), Qt::ShiftModifier);
+    EXPECT_EQ(placeOfMenu(QContextMenuEvent::Mouse, line(2)), line(2));
+    EXPECT_EQ(shown(), "a[b][c][d]efgh");
+    EXPECT_EQ(m_playlist.cursor(), 2);
+}
+
+TEST_F(PlaylistWindowTest, FramesAreMadeOnlyForWhatMoves) {
+    m_player.insertTracks({Track::file(writeTone("long.wav", 60))}, 0);
+    m_player.play(0);
+    ASSERT_TRUE(waitFor([&] { return m_player.state() == PlaybackState::playing; }));
+    const FrameClock &clock = m_model.clock();
+    EXPECT_FALSE(clock.isRunning());
+    m_playlist.setSize({400, 145}); // with a visualizer
+    EXPECT_TRUE(clock.isRunning());
+    m_model.windows().setShaded(WindowKind::playlist, true);
+    EXPECT_FALSE(clock.isRunning());
+    m_model.windows().setShaded(WindowKind::playlist, false);
+    m_playlist.setSize({275, 145});
+    EXPECT_FALSE(clock.isRunning());
+    m_player.pause(); // the clock blinks
+    EXPECT_TRUE(clock.isRunning());
 }
 
 TEST_F(PlaylistWindowTest, PopUpsRunWhatThePointerIsLetGoOn) {

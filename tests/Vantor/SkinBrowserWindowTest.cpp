@@ -24,7 +24,10 @@ namespace {
 class SkinBrowserWindowTest : public PlayerFixture {
   protected:
     // Where the Trash is.
-    SkinBrowserWindowTest() { qputenv("XDG_DATA_HOME", QFile::encodeName(m_folder.path("data"))); }
+    SkinBrowserWindowTest() {
+        QDir().mkpath(m_folder.path("data")); // or Qt would take the current folder instead
+        qputenv("XDG_DATA_HOME", QFile::encodeName(m_folder.path("data")));
+    }
     ~SkinBrowserWindowTest() override { qunsetenv("XDG_DATA_HOME"); }
 
     /// "Amber", "Birch", "Cedar" … in this order; the third lacks sheets and the fifth is no skin at all.

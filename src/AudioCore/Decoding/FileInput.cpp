@@ -7,9 +7,11 @@
 namespace vantor {
 
 FileInput::FileInput(const QString &path) : m_file(path) {
-    // Not a pipe or device: opening one may wait for ever.
-    if (!QFileInfo(path).isFile() || !m_file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+    const QFileInfo file(path);
+    if (file.exists() && !file.isFile()) // a folder; or a pipe or device: opening one may wait for ever
         throw AudioCoreError::openFailure();
+    if (!m_file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+        throw AudioCoreError::readFailure();
 }
 
 std::size_t FileInput::read(std::span<char> bytes) {

@@ -9,7 +9,7 @@ namespace vantor {
 /// A regular local file.
 class FileInput final : public AudioInput {
   public:
-    /// Throws AudioCoreError::openFailure.
+    /// Throws AudioCoreError::readFailure for what cannot be read, openFailure for what is no file.
     explicit FileInput(const QString &path);
 
     [[nodiscard]] std::size_t read(std::span<char> bytes) override;

@@ -161,6 +161,7 @@ void PulseAudioOutput::cork(bool corked) {
 }
 
 void PulseAudioOutput::fillBuffer(std::size_t bytes) {
+    std::size_t afterSilence = 0; // written from the first sound on
     while (bytes >= frameBytes) {
         void *data = nullptr;
         std::size_t size = bytes;
@@ -172,14 +173,21 @@ void PulseAudioOutput::fillBuffer(std::size_t bytes) {
         // Silence that waits to be played would only delay the first sound, which takes its place.
         const bool isFirstSound = endsLongSilence({samples, size / sizeof(float)});
         if (isFirstSound)
-            bytes += m_targetBytes;
+            bytes = std::max(size, m_targetBytes);
+        if (isFirstSound || afterSilence > 0)
+            afterSilence += size;
         pa_stream_write(m_stream, data, size, nullptr, 0,
                         isFirstSound ? PA_SEEK_RELATIVE_ON_READ : PA_SEEK_RELATIVE);
         bytes -= size;
     }
     pa_usec_t latency = 0;
     int isNegative = 0;
-    if (pa_stream_get_latency(m_stream, &latency, &isNegative) == 0 && !isNegative)
+    bool isKnown = pa_stream_get_latency(m_stream, &latency, &isNegative) == 0 && !isNegative;
+    if (!isKnown && afterSilence > 0) { // the server has yet to tell where its reading is
+        latency = pa_bytes_to_usec(afterSilence, pa_stream_get_sample_spec(m_stream));
+        isKnown = true;
+    }
+    if (isKnown)
         m_heardAt.store(monotonicNanoseconds() + static_cast<std::int64_t>(latency) * 1000,
                         std::memory_order_relaxed);
 }

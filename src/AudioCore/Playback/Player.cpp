@@ -29,6 +29,10 @@ PlaybackState Player::state() const {
     return d->state;
 }
 
+bool Player::wantsToPlay() const {
+    return d->state == PlaybackState::playing || (d->state == PlaybackState::loading && d->autoplayAfterLoad);
+}
+
 double Player::currentTime() const {
     return d->currentTime;
 }
@@ -111,10 +115,13 @@ void Player::play(int index) {
 }
 
 void Player::pause() {
-    if (d->state == PlaybackState::playing)
+    if (d->state == PlaybackState::playing) {
         d->pause();
-    else if (d->state == PlaybackState::loading)
-        d->autoplayAfterLoad = false;
+    } else if (d->state == PlaybackState::loading) {
+        d->setAutoplay(false);
+        if (d->graph) // it plays on where the track before has just ended
+            d->graph->node()->pause();
+    }
 }
 
 void Player::togglePause() {
@@ -123,10 +130,11 @@ void Player::togglePause() {
 }
 
 void Player::togglePlayPause() {
-    if (d->state == PlaybackState::loading)
-        d->autoplayAfterLoad = !d->autoplayAfterLoad;
-    else if (d->state == PlaybackState::playing)
+    const bool isLoading = d->state == PlaybackState::loading;
+    if (d->state == PlaybackState::playing || (isLoading && d->autoplayAfterLoad))
         pause();
+    else if (isLoading)
+        d->setAutoplay(true);
     else
         play();
 }
@@ -233,14 +241,15 @@ void Player::Private::editQueue(const std::function<void(PlayQueue &)> &edit) {
     const std::optional<QUuid> after = currentID();
     if (!after && state != PlaybackState::stopped)
         stop();
+    const bool plays = state != PlaybackState::stopped;
+    const unsigned commands = startsAndStops;
     Q_EMIT q.queueChanged();
     if (after == before) {
         planFollowers();
         return;
     }
-    const bool plays = state != PlaybackState::stopped;
     announceTrack();
-    if (plays)
+    if (plays && startsAndStops == commands)
         startCurrentTrack(autoplayAfterLoad);
 }
 
@@ -317,6 +326,11 @@ void Player::Private::setState(PlaybackState newState) {
     state = newState;
     emitEvent(PlayerEvents::StateChanged{newState});
     Q_EMIT q.stateChanged();
+}
+
+void Player::Private::setAutoplay(bool autoplay) {
+    if (std::exchange(autoplayAfterLoad, autoplay) != autoplay && state == PlaybackState::loading)
+        Q_EMIT q.stateChanged();
 }
 
 void Player::Private::setCurrentTime(double seconds) {

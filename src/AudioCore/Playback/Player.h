@@ -45,6 +45,9 @@ class Player : public QObject, public NowPlayingCommandTarget {
 
     [[nodiscard]] const PlayQueue &queue() const;
     [[nodiscard]] PlaybackState state() const;
+    /// Whether it plays, or will as soon as what is loading is there. A change while it loads is told by
+    /// stateChanged(), too.
+    [[nodiscard]] bool wantsToPlay() const;
     [[nodiscard]] double currentTime() const; ///< seconds, of the sound that is heard now
     [[nodiscard]] double duration() const;    ///< seconds, of the current track; 0 when unknown
     [[nodiscard]] std::optional<PlaybackFormat> currentFormat() const;

@@ -45,6 +45,7 @@ void Player::Private::planFollowers() {
     std::size_t count = 0;
     double seconds = 0;
     int failures = consecutiveFailures;
+    bool isInNextPass = false;
     std::optional<PlayQueue> ahead; // taken along when the first one is not enough
     std::optional<int> index = queue.indexAfterCurrentEnds();
     while (index && count < mostFollowers) {
@@ -65,7 +66,10 @@ void Player::Private::planFollowers() {
         if (!ahead)
             ahead = queue;
         ahead->advanceAfterTrackEnd();
-        const bool isDrawn = !ahead->isShuffled() || ahead->shufflePosition() > 0;
+        // Of the passes to come only the next one is drawn already.
+        isInNextPass = isInNextPass || (ahead->isShuffled() && ahead->repeatMode() == RepeatMode::all &&
+                                        ahead->shufflePosition() == 0);
+        const bool isDrawn = !isInNextPass || ahead->shufflePosition() + 1 < ahead->count();
         const bool fails = follower.report && follower.report->error;
         failures = fails ? failures + 1 : 0;
         if (!isDrawn || (fails && !PlayerRules::skipsAfterFailure(*ahead, failures)))
@@ -78,17 +82,25 @@ void Player::Private::planFollowers() {
         sendFollowers();
 }
 
-void Player::Private::sendFollowers() {
+TrackStreamer::Request Player::Private::requestFor(const Follower &follower) const {
+    return {.generation = follower.generation,
+            .url = follower.url,
+            .start = 0,
+            .sampleRate = graph->sampleRate(),
+            .node = graph->node()};
+}
+
+// `adopted`: the current track, when the streamer may not have begun with it yet, and must not forget it.
+void Player::Private::sendFollowers(const Follower *adopted) {
     std::vector<std::uint32_t> generations;
     std::vector<TrackStreamer::Request> requests;
+    if (adopted)
+        requests.push_back(requestFor(*adopted));
     for (const Follower &follower : followers) {
-        generations.push_back(follower.generation);
+        if (!follower.report || !follower.report->error)
+            generations.push_back(follower.generation);
         if (!follower.url.isEmpty())
-            requests.push_back({.generation = follower.generation,
-                                .url = follower.url,
-                                .start = 0,
-                                .sampleRate = graph->sampleRate(),
-                                .node = graph->node()});
+            requests.push_back(requestFor(follower));
     }
     graph->node()->follow(generation, generations);
     streamer.follow(generation, std::move(requests));
@@ -127,13 +139,17 @@ void Player::Private::adoptFollower() {
     endHeardAt.reset();
     if (sounds)
         consecutiveFailures = 0;
-    sendFollowers();
+    sendFollowers(report ? nullptr : &adopted);
 
     const auto isCurrent = [this, &adopted] { return generation == adopted.generation; };
     setFormat(sounds ? std::optional(report->format) : std::nullopt);
     setCurrentTime(0);
     Q_EMIT q.queueChanged();
+    const std::optional<Track> current = queue.current();
+    const bool isAgain = current && current->id == lastEmittedTrackID;
     announceTrack();
+    if (isCurrent() && isAgain)
+        emitEvent(PlayerEvents::Seeked{0}); // back at the start of the same entry
     if (isCurrent() && !report) {
         autoplayAfterLoad = state == PlaybackState::playing;
         timeUpdates.stop();

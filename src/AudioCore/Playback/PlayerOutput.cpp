@@ -75,9 +75,9 @@ void Player::Private::ensureOutput() {
     qCInfo(lcPlayer, "output: %s, %d Hz", qUtf8Printable(output->name()), output->sampleRate());
     AudioGraph *const rendered = graph.get();
     // What it reports is followed outside its own call: it is about to be replaced.
-    const auto whileItPlays = [this, started = output.get()](auto follow) {
-        const auto followIfItPlays = [this, started, follow] {
-            if (output.get() == started)
+    const auto whileItPlays = [this, number = ++outputNumber](auto follow) {
+        const auto followIfItPlays = [this, number, follow] {
+            if (output && outputNumber == number)
                 follow();
         };
         QMetaObject::invokeMethod(&q, followIfItPlays, Qt::QueuedConnection);

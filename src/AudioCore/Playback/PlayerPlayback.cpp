@@ -62,18 +62,21 @@ void Player::Private::requestFrom(double seconds) {
 }
 
 void Player::Private::moveToCurrentTrack(bool autoplay) {
+    const unsigned commands = startsAndStops;
     Q_EMIT q.queueChanged();
     announceTrack();
-    startCurrentTrack(autoplay);
+    if (startsAndStops == commands)
+        startCurrentTrack(autoplay);
 }
 
 void Player::Private::startCurrentTrack(bool autoplay) {
     const std::optional<Track> track = queue.current();
     if (!track)
         return;
+    ++startsAndStops;
     generation = newGeneration();
     forgetFollowers();
-    autoplayAfterLoad = autoplay;
+    setAutoplay(autoplay);
     fileDuration = 0;
     url.clear();
     download.reset();
@@ -109,6 +112,8 @@ void Player::Private::streamerReported(const TrackStreamer::Report &report) {
     const auto follower = std::ranges::find(followers, report.generation, &Follower::generation);
     if (follower != followers.end()) {
         follower->take(report);
+        if (report.error)
+            sendFollowers(); // what had been decoded before it failed shall not be heard
         planFollowers();
     }
     if (report.generation != generation)
@@ -135,8 +140,10 @@ void Player::Private::streamerReported(const TrackStreamer::Report &report) {
 
 void Player::Private::resume() {
     autoplayAfterLoad = true;
-    // The node first: an output that wakes asks for sound at once.
-    graph->node()->play();
+    // The node first: an output that wakes asks for sound at once. One that is about to be replaced stays
+    // silent, and its successor plays.
+    if (!switchTimer.isActive())
+        graph->node()->play();
     wakeOutput();
     timeUpdates.start(timeUpdatePeriod);
     setState(PlaybackState::playing);
@@ -154,12 +161,17 @@ void Player::Private::pause() {
 void Player::Private::seekTo(double seconds) {
     if (!url.isEmpty())
         requestFrom(seconds);
+    if (state == PlaybackState::paused) { // awake for a while, so that the node lets go of the old place
+        wakeOutput();
+        idleTimer.start();
+    }
     planFollowers();
     setCurrentTime(seconds);
     emitEvent(PlayerEvents::Seeked{seconds});
 }
 
 void Player::Private::stop() {
+    ++startsAndStops;
     consecutiveFailures = 0;
     autoplayAfterLoad = false;
     generation = newGeneration();

@@ -24,6 +24,7 @@ class Player::Private {
     // Telling the observers.
     void emitEvent(const PlayerEvent &event);
     void setState(PlaybackState newState);
+    void setAutoplay(bool autoplay);
     void setCurrentTime(double seconds);
     void setFormat(const std::optional<PlaybackFormat> &newFormat);
     /// Announces the current track unless it was the last one announced.
@@ -31,7 +32,8 @@ class Player::Private {
 
     // Playing.
     void startCurrentTrack(bool autoplay);
-    /// After a step of the queue: announces the new current track and starts it.
+    /// After a step of the queue: announces the new current track and starts it, unless an observer has given
+    /// another command.
     void moveToCurrentTrack(bool autoplay);
     void resume();
     void pause();
@@ -92,7 +94,8 @@ class Player::Private {
         void take(const TrackStreamer::Report &report);
     };
     [[nodiscard]] Follower makeFollower(const Track &track);
-    void sendFollowers();
+    [[nodiscard]] TrackStreamer::Request requestFor(const Follower &follower) const;
+    void sendFollowers(const Follower *adopted = nullptr);
     std::uint32_t newGeneration() { return ++lastGeneration; }
 
     Player &q;
@@ -116,6 +119,7 @@ class Player::Private {
     QUrl url;                       ///< of the loaded file or stream
     std::uint32_t generation = 0;   ///< of the current track
     std::uint32_t lastGeneration = 0;
+    unsigned startsAndStops = 0;     ///< so far: tells whether an observer has given another command
     std::vector<Follower> followers; ///< in the order in which they are played
     /// When the current track's last frame is heard; known once it has been rendered.
     std::optional<std::chrono::steady_clock::time_point> endHeardAt;
@@ -144,7 +148,8 @@ class Player::Private {
     std::optional<quint32> refusedDevice; ///< does not play although it is there
     PlayerRules::OutputTarget outputMadeFor;
     bool outputIsReplacement = false;
-    QTimer switchTimer; ///< runs while the sound fades out on the old device
+    unsigned outputNumber = 0; ///< of the present output; one that is gone has an older one
+    QTimer switchTimer;        ///< runs while the sound fades out on the old device
 
     // In this order: the output stops before what it renders goes away.
     AnalyzerTap analyzer;

@@ -64,7 +64,9 @@ QString sortText(const Track &track, PlaylistSortKey key) {
     const QUrl *file = std::get_if<QUrl>(&track.source);
     if (!file)
         return {};
-    return key == PlaylistSortKey::fileName ? file->fileName() : file->toLocalFile();
+    if (key == PlaylistSortKey::fileName)
+        return file->fileName();
+    return file->isLocalFile() ? file->toLocalFile() : file->toString();
 }
 
 // In several threads, because most of the time goes into waiting for the memory where the addresses are.
@@ -142,13 +144,14 @@ std::optional<Track> PlayQueue::current() const {
     return (*m_tracks)[static_cast<size_t>(*m_currentIndex)];
 }
 
-void PlayQueue::append(const std::vector<Track> &tracks) {
+void PlayQueue::append(std::vector<Track> tracks) {
     std::vector<int> added = ascending(static_cast<int>(tracks.size()));
     for (int &index : added)
         index += count();
     if (!tracks.empty()) {
         std::vector<Track> &list = m_tracks.edit();
-        list.insert(list.end(), tracks.begin(), tracks.end());
+        list.insert(list.end(), std::make_move_iterator(tracks.begin()),
+                    std::make_move_iterator(tracks.end()));
     }
     if (!m_isShuffled)
         return;

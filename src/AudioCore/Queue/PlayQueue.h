@@ -18,7 +18,7 @@ using IndexSet = std::set<int>;
 /// The text by which rows are sorted.
 enum class PlaylistSortKey {
     fileName, ///< the last path component
-    path,
+    path,     ///< the whole address of what is not local
 };
 
 /// The ordered list of tracks with the current one, shuffle and repeat. Shuffle keeps a permutation for this
@@ -48,7 +48,7 @@ class PlayQueue {
     [[nodiscard]] std::optional<Track> current() const;
     void setRepeatMode(RepeatMode mode) { m_repeatMode = mode; }
 
-    void append(const std::vector<Track> &tracks);
+    void append(std::vector<Track> tracks);
     void remove(int index);
     void remove(const IndexSet &indices);
     void crop(const IndexSet &keeping);

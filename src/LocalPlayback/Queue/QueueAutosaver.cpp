@@ -14,7 +14,7 @@ namespace vantor {
 /// Everything but the two atomics belongs to the pool's one thread.
 struct QueueAutosaver::Writer {
     QueueStore store;
-    std::optional<QueueSnapshot> baseline; ///< what the file holds
+    std::optional<QueueSnapshot> baseline; ///< what the file holds, or what counts as saved
     std::atomic_int saveCount = 0;
     std::atomic_bool failed = false;
 
@@ -55,6 +55,9 @@ QueueAutosaver::~QueueAutosaver() = default;
 void QueueAutosaver::start() {
     if (std::exchange(m_started, true))
         return;
+    m_pool.start([writer = m_writer, queue = m_output.queue()]() mutable {
+        writer->baseline = QueueSnapshot::fromQueue(std::exchange(queue, {}));
+    });
     connect(&m_output, &Player::queueChanged, this, &QueueAutosaver::scheduleSave);
 }
 

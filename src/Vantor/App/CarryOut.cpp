@@ -1,11 +1,12 @@
 #include "Vantor/App/CarryOut.h"
 
+#include "AudioCore/NowPlaying/NowPlayingCommandTarget.h"
 #include "Vantor/App/LaunchOptions.h"
 #include "Vantor/Model/PlayerModel.h"
 
 namespace vantor {
 
-static void carryOut(LaunchCommand command, Player &player) {
+static void carryOut(LaunchCommand command, NowPlayingCommandTarget &player) {
     switch (command) {
     case LaunchCommand::play:
         player.play();
@@ -30,7 +31,7 @@ static void carryOut(LaunchCommand command, Player &player) {
     }
 }
 
-void carryOut(const LaunchOptions &options, PlayerModel &model) {
+void carryOut(const LaunchOptions &options, PlayerModel &model, NowPlayingCommandTarget &commands) {
     if (options.skin)
         model.wear(*options.skin);
     if (options.command == LaunchCommand::enqueue)
@@ -38,7 +39,7 @@ void carryOut(const LaunchOptions &options, PlayerModel &model) {
     else if (!options.files.isEmpty())
         model.open(options.files);
     else if (options.command)
-        carryOut(*options.command, model.player());
+        carryOut(*options.command, commands);
 }
 
 } // namespace vantor

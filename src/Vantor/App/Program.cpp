@@ -10,6 +10,7 @@
 #include "Vantor/App/SavedQueue.h"
 #include "Vantor/App/SingleInstance.h"
 #include "Vantor/App/TimedRun.h"
+#include "Vantor/Library/MusicLibrary.h"
 #include "Vantor/Model/PlayerModel.h"
 #include "Vantor/Model/ResumePoint.h"
 #include "Vantor/Mpris/MprisService.h"
@@ -168,6 +169,8 @@ int runProgram(int argc, char **argv) {
     if (!options.seconds)
         savedQueue.emplace(model, demoTrack());
     SkinnedWindows windows(model, settings);
+    MusicLibrary library(model, settings);
+    windows.commands().setLibrary(&library);
     std::optional<TimedRun> timedRun;
     if (options.seconds) {
         timedRun.emplace(model, windows.mainWindow(), *options.seconds,
@@ -177,7 +180,7 @@ int runProgram(int argc, char **argv) {
         windows.show();
     }
     QObject::connect(&instance, &SingleInstance::requested, &model, [&](const LaunchOptions &request) {
-        carryOut(request, model);
+        carryOut(request, model, windows.commands());
         if (request == LaunchOptions()) // it only wants to see the player
             windows.bringToFront();
     });
@@ -193,7 +196,7 @@ int runProgram(int argc, char **argv) {
         const bool isAsked = !options.files.isEmpty() || options.command.has_value();
         if (!isAsked && hasTracks && model.preferences().resumesOnStart())
             ResumePoint::resume(settings, player);
-        carryOut(options, model);
+        carryOut(options, model, windows.commands());
         if (!hasTracks && options.files.isEmpty())
             playDemo(model);
     };

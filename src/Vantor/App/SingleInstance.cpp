@@ -93,7 +93,13 @@ SingleInstance::Outcome SingleInstance::claim(const LaunchOptions &options) {
         qCWarning(singleInstanceLog, "no lock at %s", qUtf8Printable(m_path));
         return Outcome::first;
     }
-    return handOver(options);
+    const Outcome outcome = handOver(options);
+    // It was about to end, and is gone or will be in a moment.
+    if (outcome == Outcome::unanswered && m_lock.tryLock(longestTalk)) {
+        listen();
+        return Outcome::first;
+    }
+    return outcome;
 }
 
 void SingleInstance::listen() {

@@ -1,7 +1,6 @@
 #include "Vantor/Docking/WindowDockingCoordinator.h"
 
 #include "WindowDocking/DesktopSpace.h"
-#include "WindowDocking/ScreenSelection.h"
 #include "WindowDocking/SnapUtils.h"
 #include "WindowDocking/WindowStacking.h"
 
@@ -278,8 +277,10 @@ QPoint WindowDockingCoordinator::showPosition(SkinWindowController &forControlle
 
 // Drags and sizes
 
-void WindowDockingCoordinator::dragBegan(SkinWindowController &controller) {
-    m_drag.emplace(DragSession(controller.windowKind(), dockedWindows()), frame(controller).topLeft());
+QPoint WindowDockingCoordinator::dragBegan(SkinWindowController &controller) {
+    const QPoint origin = frame(controller).topLeft();
+    m_drag.emplace(DragSession(controller.windowKind(), dockedWindows()), origin);
+    return origin;
 }
 
 void WindowDockingCoordinator::drag(SkinWindowController &controller, QPoint to) {
@@ -339,11 +340,10 @@ void WindowDockingCoordinator::keepReachable() {
     }
     // They are too far apart to come together. Nobody asked for a new layout: only what is lost moves.
     for (const DockedWindow &window : windows) {
-        if (LayoutRules::isGrabbable(window.box, limits.titleBarHeights.at(window.kind), limits.screens))
-            continue;
-        const Box screen = ScreenSelection::nearest(window.box, limits.screens, limits.primary);
-        move(*controller(window.kind),
-             SnapUtils::applyDiff(window.box.topLeft(), LayoutRules::gripShift(window.box, screen)));
+        const std::optional<Offset> back =
+            LayoutRules::dragRecovery({&window, 1}, limits.titleBarHeights, limits.screens, limits.primary);
+        if (back)
+            move(*controller(window.kind), SnapUtils::applyDiff(window.box.topLeft(), *back));
     }
 }
 

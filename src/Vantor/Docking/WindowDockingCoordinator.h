@@ -45,8 +45,9 @@ class WindowDockingCoordinator : public QObject {
     void attachChildWindows(SkinWindowController &around);
 
     /// One drag by the pointer. `to` is where the window's corner would go without snapping, in global
-    /// coordinates. A drag() outside of a drag only moves the window.
-    void dragBegan(SkinWindowController &controller);
+    /// coordinates. dragBegan() says where the corner is then. A drag() outside of a drag only moves the
+    /// window.
+    QPoint dragBegan(SkinWindowController &controller);
     void drag(SkinWindowController &controller, QPoint to);
     void dragEnded(SkinWindowController &controller);
 

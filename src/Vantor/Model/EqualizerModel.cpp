@@ -2,6 +2,7 @@
 
 #include "AudioCore/Equalizer/EQFFile.h"
 #include "Vantor/Model/EQPresetFile.h"
+#include "Vantor/Model/InBackground.h"
 
 #include <QCryptographicHash>
 #include <QFileInfo>
@@ -11,6 +12,7 @@
 #include <QSettings>
 
 #include <algorithm>
+#include <variant>
 
 Q_LOGGING_CATEGORY(equalizerLog, "co.kelvane.vantor.EqualizerModel")
 
@@ -48,12 +50,43 @@ std::optional<QByteArray> contents(const QString &path) {
     return file.read(maxLibraryBytes);
 }
 
+/// The presets, or the sentence that says why there are none.
+std::variant<std::vector<EQPreset>, QString> read(const QString &path) {
+    const QString name = QFileInfo(path).fileName();
+    try {
+        const std::optional<QByteArray> bytes = contents(path);
+        if (bytes)
+            return EQFFile::parse(*bytes);
+        return EqualizerModel::tr("Could not read %1").arg(name);
+    } catch (const EQFFile::ParseError &error) {
+        qCWarning(equalizerLog, "could not read %s: %s", qUtf8Printable(name), error.what());
+        return error.description();
+    }
+}
+
+bool write(const QString &path, const std::vector<EQPreset> &presets) {
+    QSaveFile file(path);
+    if (file.open(QIODevice::WriteOnly) && file.write(EQFFile::serialize(presets)) >= 0 && file.commit())
+        return true;
+    qCWarning(equalizerLog, "could not write %s: %s", qUtf8Printable(path),
+              qUtf8Printable(file.errorString()));
+    return false;
+}
+
+bool keepIn(const QString &path, const std::vector<EQPreset> &presets) {
+    if (EQPresetFile::save(path, presets))
+        return true;
+    qCWarning(equalizerLog, "could not write %s", qUtf8Printable(path));
+    return false;
+}
+
 } // namespace
 
 EqualizerModel::EqualizerModel(Player &player, QSettings &settings, const QString &folder, QObject *parent)
     : QObject(parent), m_player(player), m_settings(settings),
       m_presetsPath(folder + QStringLiteral("/equalizer-presets.json")),
       m_tracksPath(folder + QStringLiteral("/equalizer-tracks.json")) {
+    m_files.setMaxThreadCount(1);
     restore();
     m_saveTimer.setSingleShot(true);
     m_saveTimer.setInterval(saveDelay);
@@ -70,6 +103,7 @@ EqualizerModel::~EqualizerModel() {
     m_player.removeEventObserver(m_observer);
     if (m_saveTimer.isActive())
         save();
+    m_files.waitForDone();
 }
 
 EqualizerModel::Presets::const_iterator EqualizerModel::find(const Presets &presets, const QString &name) {
@@ -181,10 +215,11 @@ void EqualizerModel::savePresets() {
     std::ranges::sort(m_presets, [](const EQPreset &one, const EQPreset &other) {
         return QString::localeAwareCompare(one.name(), other.name()) < 0;
     });
-    if (!EQPresetFile::save(m_presetsPath, m_presets)) {
-        qCWarning(equalizerLog, "could not write %s", qUtf8Printable(m_presetsPath));
-        Q_EMIT noticed(tr("Could not save the equalizer presets"));
-    }
+    const auto work = [path = m_presetsPath, presets = m_presets] { return keepIn(path, presets); };
+    inBackground(m_files, this, work, [this](bool isKept) {
+        if (!isKept)
+            Q_EMIT noticed(tr("Could not save the equalizer presets"));
+    });
     Q_EMIT changed();
 }
 
@@ -236,45 +271,45 @@ void EqualizerModel::useSetting() {
 
 // Files
 
+QStringList EqualizerModel::filePatterns() {
+    return {QStringLiteral("*.eqf"), QStringLiteral("*.q1"), QStringLiteral("*.q2")};
+}
+
 void EqualizerModel::loadFile(const QString &path) {
-    const QString name = QFileInfo(path).fileName();
-    try {
-        const std::optional<QByteArray> bytes = contents(path);
-        if (!bytes) {
-            Q_EMIT noticed(tr("Could not read %1").arg(name));
-            return;
-        }
-        const Presets found = EQFFile::parse(*bytes);
-        if (found.empty()) {
-            Q_EMIT noticed(tr("There are no presets in %1").arg(name));
-        } else if (found.size() == 1) {
-            apply(found.front());
-        } else {
-            addPresets(found);
-            Q_EMIT noticed(tr("Added %n presets", nullptr, static_cast<int>(found.size())));
-        }
-    } catch (const EQFFile::ParseError &error) {
-        qCWarning(equalizerLog, "could not read %s: %s", qUtf8Printable(name), error.what());
-        Q_EMIT noticed(error.description());
+    const auto work = [path] { return read(path); };
+    inBackground(m_files, this, work, [this, path](const std::variant<Presets, QString> &outcome) {
+        if (const auto *failure = std::get_if<QString>(&outcome))
+            Q_EMIT noticed(*failure);
+        else
+            take(std::get<Presets>(outcome), QFileInfo(path).fileName());
+    });
+}
+
+void EqualizerModel::take(const Presets &loaded, const QString &fileName) {
+    if (loaded.empty()) {
+        Q_EMIT noticed(tr("There are no presets in %1").arg(fileName));
+    } else if (loaded.size() == 1) {
+        apply(loaded.front());
+    } else {
+        addPresets(loaded);
+        Q_EMIT noticed(tr("Added %n presets", nullptr, static_cast<int>(loaded.size())));
     }
 }
 
 void EqualizerModel::saveFile(const QString &path) {
-    const EQPreset preset = presetOf(QFileInfo(path).completeBaseName(), m_player.eq());
-    writeFile(path, {&preset, 1});
+    writeFile(path, {presetOf(QFileInfo(path).completeBaseName(), m_player.eq())});
 }
 
 void EqualizerModel::saveLibrary(const QString &path) {
     writeFile(path, m_presets);
 }
 
-void EqualizerModel::writeFile(const QString &path, std::span<const EQPreset> presets) {
-    QSaveFile file(path);
-    if (file.open(QIODevice::WriteOnly) && file.write(EQFFile::serialize(presets)) >= 0 && file.commit())
-        return;
-    qCWarning(equalizerLog, "could not write %s: %s", qUtf8Printable(path),
-              qUtf8Printable(file.errorString()));
-    Q_EMIT noticed(tr("Could not write %1").arg(QFileInfo(path).fileName()));
+void EqualizerModel::writeFile(const QString &path, const Presets &presets) {
+    const auto work = [path, presets] { return write(path, presets); };
+    inBackground(m_files, this, work, [this, path](bool isWritten) {
+        if (!isWritten)
+            Q_EMIT noticed(tr("Could not write %1").arg(QFileInfo(path).fileName()));
+    });
 }
 
 // Settings
@@ -288,8 +323,8 @@ void EqualizerModel::save() {
     object.insert(versionKey, currentVersion);
     m_settings.setValue(stateKey, QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact)));
     m_settings.setValue(autoKey, m_auto);
-    if (std::exchange(m_tracksChanged, false) && !EQPresetFile::save(m_tracksPath, m_tracks))
-        qCWarning(equalizerLog, "could not write %s", qUtf8Printable(m_tracksPath));
+    if (std::exchange(m_tracksChanged, false))
+        m_files.start([path = m_tracksPath, tracks = m_tracks] { keepIn(path, tracks); });
 }
 
 void EqualizerModel::restore() {

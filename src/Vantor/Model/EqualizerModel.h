@@ -4,6 +4,7 @@
 #include "AudioCore/Playback/Player.h"
 
 #include <QObject>
+#include <QThreadPool>
 #include <QTimer>
 
 class QSettings;
@@ -12,8 +13,9 @@ namespace vantor {
 
 /// The player's equalizer as the user has set it: kept in the settings, with the user's own presets and,
 /// while Auto is on, with settings that belong to single tracks. Tracks without one of their own share the
-/// common setting. Main thread. Borrows the player and the settings; what files fail with is told by
-/// noticed().
+/// common setting. Main thread. Borrows the player and the settings. Files are read and written on a worker
+/// thread, in the order of the calls; what they fail with is told by noticed(). The destructor waits for what
+/// is still to be written.
 class EqualizerModel : public QObject {
     Q_OBJECT
 
@@ -49,7 +51,9 @@ class EqualizerModel : public QObject {
     void keepForTrack();
     void forgetTrack();
 
-    // The classic preset files. One preset is put to use; a library is added to the user's own.
+    /// Of the classic preset files, as a file dialog takes them.
+    [[nodiscard]] static QStringList filePatterns();
+    // These files. One preset is put to use; a library is added to the user's own.
     void loadFile(const QString &path);
     /// Writes what sounds now, under the file's name.
     void saveFile(const QString &path);
@@ -70,8 +74,9 @@ class EqualizerModel : public QObject {
     void followTrack();
     void useSetting();
     void addPresets(const Presets &added);
+    void take(const Presets &loaded, const QString &fileName);
     void savePresets();
-    void writeFile(const QString &path, std::span<const EQPreset> presets);
+    void writeFile(const QString &path, const Presets &presets);
     void scheduleSave();
     void save();
     void restore();
@@ -89,6 +94,7 @@ class EqualizerModel : public QObject {
     Presets m_tracks; ///< the one changed last comes last
     bool m_tracksChanged = false;
     QTimer m_saveTimer;
+    QThreadPool m_files; ///< one thread: of two writes to a file the later one stays
 };
 
 } // namespace vantor

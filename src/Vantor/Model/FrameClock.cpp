@@ -22,6 +22,8 @@ void FrameClock::setInterval(std::optional<std::chrono::milliseconds> interval) 
 }
 
 void FrameClock::setWatched(const QObject *by, bool watched) {
+    if (watched == m_watchers.contains(by))
+        return;
     if (watched)
         m_watchers.insert(by);
     else

@@ -5,6 +5,7 @@
 #include "Vantor/Model/StoredValue.h"
 
 #include <QLoggingCategory>
+#include <QPointer>
 #include <QSettings>
 #include <QTimer>
 
@@ -95,7 +96,8 @@ MainWindowScene PlayerModel::scene() const {
 
     MainWindowScene scene;
     scene.status.transport = transportOf(m_player.state());
-    scene.status.timeMode = m_timeMode;
+    // Of a stream nothing remains that could be told.
+    scene.status.timeMode = duration > 0 ? m_timeMode : MainWindowStatus::TimeMode::elapsed;
     scene.status.elapsed = m_player.currentTime();
     scene.status.duration = duration;
     if (track) {
@@ -174,11 +176,24 @@ void PlayerModel::enqueue(const QList<QUrl> &urls) {
 }
 
 void PlayerModel::insert(const QList<QUrl> &urls, int row) {
-    const std::vector<Track> &tracks = m_player.queue().tracks();
-    ImportPlan plan{.plays = false};
+    startImport(urls, planInFrontOf(row));
+}
+
+PlayerModel::ImportPlan PlayerModel::planInFrontOf(int row) const {
+    ImportPlan plan;
     if (row >= 0 && row < m_player.queue().count())
-        plan.before = tracks[static_cast<std::size_t>(row)].id;
-    startImport(urls, plan);
+        plan.before = m_player.queue().tracks()[static_cast<std::size_t>(row)].id;
+    return plan;
+}
+
+void PlayerModel::startImport(const QList<MediaID> &ids, const ImportPlan &plan) {
+    if (!m_library || ids.isEmpty())
+        return;
+    m_library(ids,
+              [self = QPointer(this), plan = ImportPlan(plan)](const std::vector<Track> &tracks) mutable {
+                  if (self)
+                      self->addTracks(tracks, plan);
+              });
 }
 
 void PlayerModel::startImport(const QList<QUrl> &urls, const ImportPlan &plan) {
@@ -213,18 +228,20 @@ void PlayerModel::importMusic(const QList<QUrl> &music, const ImportPlan &plan) 
 }
 
 void PlayerModel::takeTracks(quint64 import, const std::vector<Track> &tracks) {
-    ImportPlan &plan = m_imports[import];
+    addTracks(tracks, m_imports[import]);
+}
+
+void PlayerModel::addTracks(const std::vector<Track> &tracks, ImportPlan &plan) {
     const bool replaces = std::exchange(plan.replaces, false);
     if (replaces)
         m_player.clearQueue();
-    const bool idle = m_player.state() == PlaybackState::stopped;
     const std::vector<Track> &queued = m_player.queue().tracks();
     auto place = queued.end();
     if (plan.before)
         place = std::ranges::find(queued, *plan.before, &Track::id);
     const auto first = static_cast<int>(place - queued.begin());
     m_player.insertTracks(tracks, first);
-    if (plan.plays && (idle || replaces))
+    if (replaces)
         m_player.play(first);
 }
 

@@ -59,12 +59,22 @@ class PlayerModel : public QObject {
     void wearDefaultSkin();
 
     // Music. open() replaces the queue once its first track is known to be playable and plays it; enqueue()
-    // adds to the end and plays when nothing else does. Skins among the addresses are worn.
+    // only adds to the end. Skins among the addresses are worn.
     void open(const QList<QUrl> &urls);
     void enqueue(const QList<QUrl> &urls);
     /// Adds in front of a row, or at the end for a row that there is not, and plays nothing by itself. What
     /// comes in while the queue changes goes in front of the same track.
     void insert(const QList<QUrl> &urls, int row);
+    /// Finds the local files of library items and hands them over; not called when it cannot.
+    using TrackSource =
+        std::function<void(const QList<MediaID> &, const std::function<void(const std::vector<Track> &)> &)>;
+    /// Until one is set, library items cannot be played.
+    void setLibrary(const TrackSource &library) { m_library = library; }
+    [[nodiscard]] bool hasLibrary() const { return static_cast<bool>(m_library); }
+    // The same with items of the library.
+    void openItems(const QList<MediaID> &ids) { startImport(ids, {.replaces = true}); }
+    void enqueueItems(const QList<MediaID> &ids) { startImport(ids, {}); }
+    void insertItems(const QList<MediaID> &ids, int row) { startImport(ids, planInFrontOf(row)); }
     [[nodiscard]] bool isImporting() const { return !m_imports.empty() || !m_heldImports.empty(); }
     /// What the import that ended last left out, and why.
     [[nodiscard]] const std::vector<SkippedFile> &skippedFiles() const { return m_skippedFiles; }
@@ -103,8 +113,7 @@ class PlayerModel : public QObject {
   private:
     /// What is done with the tracks of an import.
     struct ImportPlan {
-        bool replaces = false;         ///< the queue, once the first track is there
-        bool plays = true;             ///< the first one, if it replaces or nothing else plays
+        bool replaces = false;         ///< the queue, once the first track is there, which is played
         std::optional<QUuid> before{}; ///< the track in front of which they go, else at the end
     };
     struct HeldImport {
@@ -114,7 +123,10 @@ class PlayerModel : public QObject {
 
     void handle(const PlayerEvent &event);
     void handleFailure(const PlaybackFailure &failure);
+    [[nodiscard]] ImportPlan planInFrontOf(int row) const;
     void startImport(const QList<QUrl> &urls, const ImportPlan &plan);
+    void startImport(const QList<MediaID> &ids, const ImportPlan &plan);
+    void addTracks(const std::vector<Track> &tracks, ImportPlan &plan);
     void importMusic(const QList<QUrl> &music, const ImportPlan &plan);
     void takeTracks(quint64 import, const std::vector<Track> &tracks);
     void finishImport(quint64 import, int added, const std::vector<SkippedFile> &skipped);
@@ -145,6 +157,7 @@ class PlayerModel : public QObject {
     std::optional<double> m_draggedPosition;
 
     double m_blinkTime = 0;
+    TrackSource m_library;
     bool m_holdsImports = false;
     std::vector<HeldImport> m_heldImports;
     std::map<quint64, ImportPlan> m_imports; ///< under way, by number

@@ -5,14 +5,13 @@
 #include "LocalPlayback/Playlists/PlaylistFile.h"
 #include "MusicBackendKit/MarqueeText.h"
 #include "Platform/TextFolding.h"
+#include "Vantor/Model/InBackground.h"
 #include "Vantor/Model/NameOrder.h"
 #include "Vantor/Model/TrackFinder.h"
 
 #include <QFileInfo>
-#include <QFutureWatcher>
 #include <QScopedValueRollback>
 #include <QSettings>
-#include <QtConcurrentRun>
 
 #include <cmath>
 #include <numeric>
@@ -27,20 +26,22 @@ constexpr const char *sizeKey = "playlist.size";
 constexpr QSize firstSize{275, 232};
 namespace Layout = PlaylistWindowLayout;
 
-QString nameOf(const Track &track) {
-    return MarqueeText::name(track.artist, track.title);
+QString titleOf(const Track &track) {
+    return track.title.left(TrackFinder::longestField);
 }
 
-/// Runs `work` on a worker thread and `then` with its result on this one, unless `context` has gone by then.
-template <class Work, class Then>
-void inBackground(QObject *context, Work work, Then then) {
-    using Result = std::invoke_result_t<Work>;
-    auto *watcher = new QFutureWatcher<Result>(context);
-    QObject::connect(watcher, &QFutureWatcher<Result>::finished, context, [watcher, then] {
-        watcher->deleteLater();
-        then(watcher->result());
-    });
-    watcher->setFuture(QtConcurrent::run(work));
+QString nameOf(const Track &track) {
+    return MarqueeText::name(track.artist.left(TrackFinder::longestField), titleOf(track));
+}
+
+/// Where a row has gone when `rows` have moved by `step` and the others have closed up around them.
+int movedRow(int row, const IndexSet &rows, int step) {
+    if (rows.contains(row))
+        return row + step;
+    int place = row - static_cast<int>(std::distance(rows.begin(), rows.lower_bound(row)));
+    for (const int moved : rows)
+        place += moved + step <= place ? 1 : 0;
+    return place;
 }
 
 struct Lengths {
@@ -176,9 +177,24 @@ void PlaylistModel::takeQueue() {
     if (m_search)
         m_search = {.wanted = m_search->wanted, .from = m_search->from};
     m_count = count();
-    m_cursor = std::clamp(m_cursor, 0, std::max(0, m_count - 1));
+    m_cursor = rowOf(m_cursorTrack, m_cursor).value_or(std::clamp(m_cursor, 0, std::max(0, m_count - 1)));
+    m_cursorTrack = idAt(m_cursor);
+    if (m_selection.anchor)
+        m_selection.anchor = rowOf(m_anchorTrack, *m_selection.anchor);
     m_firstRow = std::min(m_firstRow, Layout::lastFirstRow(m_count, m_size));
     selectionChanged();
+}
+
+QUuid PlaylistModel::idAt(int row) const {
+    return row >= 0 && row < count() ? tracks()[static_cast<std::size_t>(row)].id : QUuid();
+}
+
+/// Where a track is that was at a row before; looked for only if it is there no more.
+std::optional<int> PlaylistModel::rowOf(const QUuid &id, int before) const {
+    if (id.isNull() || idAt(before) == id)
+        return id.isNull() ? std::nullopt : std::optional(before);
+    const auto found = std::ranges::find(tracks(), id, &Track::id);
+    return found == tracks().end() ? std::nullopt : std::optional(static_cast<int>(found - tracks().begin()));
 }
 
 // What is selected
@@ -210,10 +226,20 @@ void PlaylistModel::select(int row, Selecting how) {
         m_selection.shiftClick(row, tracks());
         break;
     }
-    m_cursor = row;
+    m_anchorTrack = m_selection.anchor ? idAt(*m_selection.anchor) : QUuid();
     m_search.reset();
+    m_cursor = row;
+    m_cursorTrack = idAt(row);
     reveal(row);
     selectionChanged();
+}
+
+void PlaylistModel::setCursor(int row) {
+    if (row < 0 || row >= count())
+        return;
+    m_cursor = row;
+    m_cursorTrack = idAt(row);
+    Q_EMIT changed();
 }
 
 void PlaylistModel::moveCursor(int by, Selecting how) {
@@ -269,6 +295,11 @@ void PlaylistModel::endTyping() {
     Q_EMIT changed();
 }
 
+void PlaylistModel::cancelTyping() {
+    m_search.reset();
+    endTyping();
+}
+
 void PlaylistModel::type(const QString &letters) {
     if (!m_typed)
         beginTyping();
@@ -295,7 +326,7 @@ void PlaylistModel::searchOn(std::chrono::milliseconds longest) {
         const Track &track = tracks()[static_cast<std::size_t>(row)];
         const QString name = TextFolding::folded(nameOf(track));
         const QString &wanted = m_search->wanted;
-        if (name.startsWith(wanted) || TextFolding::folded(track.title).startsWith(wanted))
+        if (name.startsWith(wanted) || TextFolding::folded(titleOf(track)).startsWith(wanted))
             select(row, Selecting::only);
         else if (!m_search->inside && name.contains(wanted))
             m_search->inside = row;
@@ -349,7 +380,7 @@ void PlaylistModel::removeMissing() {
         }
         return missing;
     };
-    inBackground(this, findMissing, [this](const QSet<QUuid> &missing) {
+    inBackground(*QThreadPool::globalInstance(), this, findMissing, [this](const QSet<QUuid> &missing) {
         PlaylistSelection gone;
         gone.ids = missing;
         removeRows(gone.indices(tracks()));
@@ -394,9 +425,9 @@ int PlaylistModel::moveSelected(int by) {
     for (const int row : rows)
         moved.insert(moved.end(), row + step);
     m_selectedRows = std::move(moved);
-    m_cursor += step;
+    m_cursor = movedRow(m_cursor, rows, step);
     if (m_selection.anchor)
-        *m_selection.anchor += step;
+        m_selection.anchor = movedRow(*m_selection.anchor, rows, step);
     Q_EMIT changed();
     return step;
 }
@@ -425,7 +456,7 @@ void PlaylistModel::save(const QUrl &list) {
             return error.description();
         }
     };
-    inBackground(this, write, [this](const QString &failure) {
+    inBackground(*QThreadPool::globalInstance(), this, write, [this](const QString &failure) {
         if (!failure.isEmpty())
             m_model.showNotice(failure);
     });

@@ -39,6 +39,8 @@ class PlaylistModel : public QObject {
     void select(int row, Selecting how);
     /// Moves the cursor by rows, to the ends at most.
     void moveCursor(int by, Selecting how);
+    /// Moves the cursor to a row and leaves the selection as it is.
+    void setCursor(int row);
     [[nodiscard]] std::optional<int> cursor() const;
     [[nodiscard]] bool isSelected(int row) const;
     [[nodiscard]] bool hasSelection() const { return !m_selection.ids.isEmpty(); }
@@ -52,6 +54,7 @@ class PlaylistModel : public QObject {
     void beginTyping();
     void type(const QString &letters);
     void endTyping();
+    void cancelTyping(); ///< whatever is not found yet is not looked for any more
     [[nodiscard]] bool isTyping() const { return m_typed.has_value(); }
 
     // What is done.
@@ -87,6 +90,8 @@ class PlaylistModel : public QObject {
     void searchOn(std::chrono::milliseconds longest);
     [[nodiscard]] const std::vector<Track> &tracks() const { return m_model.player().queue().tracks(); }
     void takeQueue();
+    [[nodiscard]] QUuid idAt(int row) const;
+    [[nodiscard]] std::optional<int> rowOf(const QUuid &id, int before) const;
     void selectionChanged();
     void removeRows(const IndexSet &rows);
     [[nodiscard]] const IndexSet &selectedRows() const;
@@ -100,7 +105,9 @@ class PlaylistModel : public QObject {
     QSize m_size;
     int m_firstRow = 0;
     int m_cursor = 0;
-    int m_count = 0; ///< of the queue when it was last looked at
+    QUuid m_cursorTrack; ///< the track at the cursor
+    QUuid m_anchorTrack; ///< the one at the selection's anchor, if it has one
+    int m_count = 0;     ///< of the queue when it was last looked at
     std::optional<QString> m_typed;
     QTimer m_typing;
     std::optional<Search> m_search;

@@ -19,7 +19,10 @@ QString Preferences::libraryFolder() const {
 }
 
 void Preferences::setLibraryFolder(const QString &path) {
+    if (path == libraryFolder())
+        return;
     m_settings.setValue(libraryFolderKey, path);
+    Q_EMIT libraryFolderChanged();
 }
 
 bool Preferences::resumesOnStart() const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QObject>
 #include <QString>
 
 class QSettings;
@@ -8,7 +9,9 @@ namespace vantor {
 
 /// What the user has chosen once and for all, as far as nothing else keeps it. Every change is kept at once.
 /// Main thread. Borrows the settings.
-class Preferences {
+class Preferences : public QObject {
+    Q_OBJECT
+
   public:
     explicit Preferences(QSettings &settings) : m_settings(settings) {}
 
@@ -22,6 +25,9 @@ class Preferences {
 
     [[nodiscard]] bool wasWelcomed() const;
     void setWelcomed();
+
+  Q_SIGNALS:
+    void libraryFolderChanged();
 
   private:
     QSettings &m_settings;

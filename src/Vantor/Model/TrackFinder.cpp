@@ -10,7 +10,7 @@ namespace vantor {
 
 namespace {
 
-constexpr qsizetype longestField = 256; // of what a file says of itself
+constexpr qsizetype longestField = TrackFinder::longestField;
 
 QString searchText(const Track &track) {
     QString text = track.artist.left(longestField) + QLatin1Char('\n') + track.title.left(longestField);

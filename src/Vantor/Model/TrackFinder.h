@@ -12,6 +12,8 @@ namespace vantor {
 /// used on one thread.
 class TrackFinder {
   public:
+    static constexpr qsizetype longestField = 256; ///< of what a file says of itself
+
     explicit TrackFinder(const std::vector<Track> &tracks);
 
     /// The rows whose artist, title, album or file name contain every word of the query, ascending; all rows

@@ -35,7 +35,6 @@ MprisPlayer::MprisPlayer(QObject *service, PlayerModel &model, Commands &command
     for (const auto signal : {&Player::queueChanged, &Player::stateChanged, &Player::volumeChanged})
         connect(&player, signal, &m_telling, qOverload<>(&QTimer::start));
     m_observer = player.addEventObserver([this](const PlayerEvent &event) { handle(event); });
-    m_settledState = player.state();
     m_told = properties();
 }
 
@@ -84,13 +83,7 @@ void MprisPlayer::takeArtwork(const QImage &artwork) {
 // Telling what has changed
 
 void MprisPlayer::handle(const PlayerEvent &event) {
-    if (const auto *changed = std::get_if<PlayerEvents::StateChanged>(&event)) {
-        // Between two tracks nothing stops; from rest, loading is the begin of playing.
-        if (changed->state != PlaybackState::loading)
-            m_settledState = changed->state;
-        else if (m_settledState == PlaybackState::stopped)
-            m_settledState = PlaybackState::playing;
-    } else if (const auto *seeked = std::get_if<PlayerEvents::Seeked>(&event)) {
+    if (const auto *seeked = std::get_if<PlayerEvents::Seeked>(&event)) {
         Q_EMIT Seeked(inMicroseconds(seeked->time));
     }
 }
@@ -122,15 +115,12 @@ void MprisPlayer::tellChanges() {
 
 // Properties
 
+// What is loading counts as what will come of it: between two tracks nothing stops.
 QString MprisPlayer::playbackStatus() const {
-    switch (m_settledState) {
-    case PlaybackState::playing:
-        return QStringLiteral("Playing");
-    case PlaybackState::paused:
-        return QStringLiteral("Paused");
-    default:
+    const Player &player = m_model.player();
+    if (player.state() == PlaybackState::stopped)
         return QStringLiteral("Stopped");
-    }
+    return player.wantsToPlay() ? QStringLiteral("Playing") : QStringLiteral("Paused");
 }
 
 QString MprisPlayer::loopStatus() const {
@@ -211,8 +201,8 @@ bool MprisPlayer::canPause() const {
 }
 
 bool MprisPlayer::canSeek() const {
-    return offers(NowPlayingCommand::changePlaybackPosition) && m_settledState != PlaybackState::stopped &&
-           m_model.player().duration() > 0;
+    return offers(NowPlayingCommand::changePlaybackPosition) &&
+           m_model.player().state() != PlaybackState::stopped && m_model.player().duration() > 0;
 }
 
 // Commands
@@ -248,8 +238,7 @@ void MprisPlayer::Stop() {
 }
 
 void MprisPlayer::Play() {
-    if (m_settledState != PlaybackState::playing) // what plays is not begun again
-        run(NowPlayingCommand::play);
+    run(NowPlayingCommand::play);
 }
 
 void MprisPlayer::Seek(qlonglong Offset) {

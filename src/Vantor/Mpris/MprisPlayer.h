@@ -104,7 +104,6 @@ class MprisPlayer : public QDBusAbstractAdaptor, public NowPlayingCenter {
     PlayerEventToken m_observer;
     std::map<NowPlayingCommand, Command> m_commands;
     std::optional<NowPlayingInfo> m_info;
-    PlaybackState m_settledState = PlaybackState::stopped; ///< what counts while a track is loading
     ArtworkFiles m_artworkFiles;
     qint64 m_artworkKey = 0; ///< of the picture whose path is here or on its way
     QString m_artworkPath;

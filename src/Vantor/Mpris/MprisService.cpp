@@ -1,6 +1,7 @@
 #include "Vantor/Mpris/MprisService.h"
 
 #include "Platform/AppPaths.h"
+#include "Platform/ThreadSafety.h"
 #include "Vantor/Windows/Commands.h"
 
 #include <QCoreApplication>
@@ -9,6 +10,10 @@
 #include <QDBusPendingReply>
 #include <QFileInfo>
 #include <QLoggingCategory>
+
+#include <cstdio>
+#include <cstdlib>
+#include <thread>
 
 Q_LOGGING_CATEGORY(mprisLog, "co.kelvane.vantor.Mpris")
 
@@ -28,6 +33,23 @@ bool hasSessionBus() {
 
 } // namespace
 
+/// Outlives whichever of the two ends first.
+struct MprisService::Search {
+    Mutex mutex;
+    MprisService *service VANTOR_GUARDED_BY(mutex) = nullptr; ///< who wants to know; none when it has gone
+    bool isOver VANTOR_GUARDED_BY(mutex) = false;
+
+    void run() VANTOR_EXCLUDES(mutex) {
+        const QDBusConnection bus =
+            QDBusConnection::connectToBus(QDBusConnection::SessionBus, connectionName);
+        const MutexLock lock(mutex);
+        isOver = true;
+        if (service)
+            QMetaObject::invokeMethod(
+                service, [found = service, bus] { found->takeConnection(bus); }, Qt::QueuedConnection);
+    }
+};
+
 MprisService::MprisService(PlayerModel &model, Commands &commands, std::function<void()> raise) {
     new MprisRoot(this, {std::move(raise), [&commands] { commands.trigger(Commands::Id::quit); }});
     m_player =
@@ -36,22 +58,31 @@ MprisService::MprisService(PlayerModel &model, Commands &commands, std::function
 }
 
 MprisService::~MprisService() {
-    m_pool.waitForDone();
-    if (m_connected)
+    if (!m_search)
+        return;
+    const MutexLock lock(m_search->mutex);
+    m_search->service = nullptr;
+    if (m_search->isOver)
         QDBusConnection::disconnectFromBus(connectionName);
+    else // the bus's library would wait for it when the program has ended and its globals go
+        std::atexit([] {
+            std::fflush(nullptr);
+            std::_Exit(EXIT_SUCCESS);
+        });
 }
 
-// On a worker thread, because a bus that does not answer is waited for.
+// On a thread that nobody waits for: a bus that does not answer is waited for without end.
 void MprisService::connectToBus() {
     if (!hasSessionBus()) {
         qCInfo(mprisLog, "no session bus: the desktop does not see the player");
         return;
     }
-    m_pool.start([this] {
-        const QDBusConnection bus =
-            QDBusConnection::connectToBus(QDBusConnection::SessionBus, connectionName);
-        QMetaObject::invokeMethod(this, [this, bus] { takeConnection(bus); }, Qt::QueuedConnection);
-    });
+    m_search = std::make_shared<Search>();
+    {
+        const MutexLock lock(m_search->mutex);
+        m_search->service = this;
+    }
+    std::thread([search = m_search] { search->run(); }).detach();
 }
 
 void MprisService::takeConnection(const QDBusConnection &bus) {

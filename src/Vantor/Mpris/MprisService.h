@@ -4,7 +4,8 @@
 #include "Vantor/Mpris/MprisRoot.h"
 
 #include <QDBusConnection>
-#include <QThreadPool>
+
+#include <memory>
 
 namespace vantor {
 
@@ -26,13 +27,15 @@ class MprisService : public QObject {
     [[nodiscard]] NowPlayingCenter &center() { return *m_player; }
 
   private:
+    struct Search;
+
     void takeConnection(const QDBusConnection &bus);
     void requestName(const QString &name, const std::function<void()> &taken);
     void tell(const QVariantMap &changed) const;
 
     MprisPlayer *m_player; ///< owned by this object, as adaptors have to be
     bool m_connected = false;
-    QThreadPool m_pool;
+    std::shared_ptr<Search> m_search; ///< for the bus; shared with the thread that waits for it
 };
 
 } // namespace vantor

@@ -1,5 +1,6 @@
 #include "Vantor/Windows/Commands.h"
 
+#include "Vantor/Library/MusicLibrary.h"
 #include "Vantor/Model/SkinSwitcher.h"
 #include "Vantor/Windows/DialogPlace.h"
 #include "Vantor/Windows/FileInfoDialog.h"
@@ -14,12 +15,15 @@
 #include <QApplication>
 #include <QMenu>
 #include <QMessageBox>
+#include <QShortcut>
 
 #include <algorithm>
 
 namespace vantor {
 
 namespace {
+
+using ::operator|; // of keys, which our own flags' operators hide
 
 constexpr double volumeStep = 0.02;
 constexpr double seekStep = 5; // seconds
@@ -38,6 +42,15 @@ void Commands::addTo(SkinnedWindow &window) {
     m_windows.emplace_back(&window);
     for (const auto &[id, action] : m_actions)
         window.addAction(action);
+    // Keyboards' own keys, where the desktop leaves them to the window, mean what the desktop means by them.
+    const auto bind = [&](Qt::Key key, void (Commands::*run)()) {
+        auto *const shortcut = new QShortcut(key, &window);
+        shortcut->setAutoRepeat(false);
+        connect(shortcut, &QShortcut::activated, this, run);
+    };
+    bind(Qt::Key_MediaPlay, &Commands::togglePlayPause);
+    bind(Qt::Key_MediaTogglePlayPause, &Commands::togglePlayPause);
+    bind(Qt::Key_MediaPause, &Commands::pause);
 }
 
 SkinnedWindow *Commands::activeWindow() const {
@@ -97,8 +110,8 @@ void Commands::oneOf(std::initializer_list<Id> ids) {
 
 void Commands::addPlayback() {
     Player &player = m_model.player();
-    add(Id::previous, tr("Previous"), {Qt::Key_Z}, [&player] { player.previous(); });
-    add(Id::play, tr("Play"), {Qt::Key_X, Qt::Key_MediaPlay}, [this, &player] {
+    add(Id::previous, tr("Previous"), {Qt::Key_Z, Qt::Key_MediaPrevious}, [&player] { player.previous(); });
+    add(Id::play, tr("Play"), {Qt::Key_X}, [this, &player] {
         if (player.queue().count() == 0)
             OpenDialogs::openFiles(m_model, activeWindow());
         else if (player.state() == PlaybackState::playing)
@@ -108,7 +121,7 @@ void Commands::addPlayback() {
     });
     add(Id::pause, tr("Pause"), {Qt::Key_C, Qt::Key_Space}, [&player] { player.togglePause(); });
     add(Id::stop, tr("Stop"), {Qt::Key_V, Qt::Key_MediaStop}, [&player] { player.stop(); });
-    add(Id::next, tr("Next"), {Qt::Key_B}, [&player] { player.next(); });
+    add(Id::next, tr("Next"), {Qt::Key_B, Qt::Key_MediaNext}, [&player] { player.next(); });
     add(Id::volumeUp, tr("Volume Up"), {Qt::Key_Up}, [this] { m_model.changeVolume(volumeStep); });
     add(Id::volumeDown, tr("Volume Down"), {Qt::Key_Down}, [this] { m_model.changeVolume(-volumeStep); });
     add(Id::seekBack, tr("Back 5 Seconds"), {Qt::Key_Left}, [this] { m_model.seekBy(-seekStep); });
@@ -127,7 +140,7 @@ void Commands::addPlayback() {
 
 void Commands::play() {
     Player &player = m_model.player();
-    if (player.queue().count() > 0 && player.state() != PlaybackState::playing)
+    if (player.queue().count() > 0 && !player.wantsToPlay())
         trigger(Id::play);
 }
 
@@ -258,9 +271,13 @@ void Commands::addWindows() {
     toggle(Id::equalizer, tr("Equalizer"), Qt::ALT | Qt::Key_G, WindowKind::equalizer);
     toggle(Id::playlist, tr("Playlist"), Qt::ALT | Qt::Key_E, WindowKind::playlist);
     add(Id::minimize, tr("Minimise"), {Qt::CTRL | Qt::Key_M}, [this] {
-        if (SkinnedWindow *const main = mainWindow())
-            main->showMinimized();
+        SkinnedWindow *const main = mainWindow(); // takes the others along
+        SkinnedWindow *const window = main && main->isVisible() ? main : activeWindow();
+        if (window && window->isVisible())
+            window->showMinimized();
     });
+    add(Id::library, tr("Library…"), {Qt::ALT | Qt::Key_L}, [this] { m_library->showWindow(); });
+    setLibrary(nullptr);
     add(Id::preferences, tr("Preferences…"), {Qt::CTRL | Qt::Key_P}, [this] { showPreferences(); });
     add(Id::about, tr("About Vantor"), {}, [this] { showAbout(); });
     add(Id::quit, tr("Exit"), {Qt::CTRL | Qt::Key_Q, Qt::ALT | Qt::Key_F4}, &SkinnedWindow::quitProgram);
@@ -300,11 +317,20 @@ void Commands::showFileInfo() {
         m_model.showNotice(tr("No file is loaded"));
 }
 
-void Commands::showPreferences() {
+void Commands::setLibrary(MusicLibrary *library) {
+    m_library = library;
+    action(Id::library).setEnabled(library != nullptr);
+    if (library)
+        connect(library, &MusicLibrary::settingsAsked, this, [this] { showPreferences(true); });
+}
+
+void Commands::showPreferences(bool ofLibrary) {
     if (!m_preferences) {
-        m_preferences = new PreferencesDialog(m_model, activeWindow());
+        m_preferences = new PreferencesDialog(m_model, m_library, activeWindow());
         DialogPlace::beside(*m_preferences, shownFrames());
     }
+    if (ofLibrary)
+        m_preferences->showLibrary();
     m_preferences->show();
     m_preferences->raise();
     m_preferences->activateWindow();

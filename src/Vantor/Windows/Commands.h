@@ -14,6 +14,7 @@ class QMenu;
 
 namespace vantor {
 
+class MusicLibrary;
 class PreferencesDialog;
 class SkinSwitcher;
 class SkinnedWindow;
@@ -70,6 +71,7 @@ class Commands : public QObject, public NowPlayingCommandTarget {
         equalizer,
         playlist,
         minimize,
+        library,
         preferences,
         about,
         quit,
@@ -87,6 +89,9 @@ class Commands : public QObject, public NowPlayingCommandTarget {
     void setSkins(SkinSwitcher *skins, const std::function<void()> &browse);
     [[nodiscard]] const SkinSwitcher *skins() const { return m_skins; }
     void wearSkin(const SkinRecord &skin);
+
+    /// Whose window the library command opens; borrowed, none for no such command.
+    void setLibrary(MusicLibrary *library);
 
     /// Ticked and enabled as it is now.
     [[nodiscard]] QAction &action(Id id);
@@ -133,7 +138,7 @@ class Commands : public QObject, public NowPlayingCommandTarget {
     /// None before it is added.
     [[nodiscard]] SkinnedWindow *mainWindow() const;
     void showFileInfo();
-    void showPreferences();
+    void showPreferences(bool ofLibrary = false);
     void showAbout();
 
     struct Submenu {
@@ -143,6 +148,7 @@ class Commands : public QObject, public NowPlayingCommandTarget {
     };
 
     PlayerModel &m_model;
+    MusicLibrary *m_library = nullptr;
     SkinSwitcher *m_skins = nullptr;
     std::function<void()> m_browseSkins;
     std::vector<QPointer<SkinnedWindow>> m_windows;

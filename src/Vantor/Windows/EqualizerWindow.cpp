@@ -5,6 +5,7 @@
 #include "SkinKit/Rendering/EqualizerWindowRenderer.h"
 #include "Vantor/Windows/PresetsMenu.h"
 
+#include <QDir>
 #include <QFileInfo>
 #include <QKeyEvent>
 
@@ -356,19 +357,18 @@ void EqualizerWindow::wheel(double notches, QPoint at) {
         SkinnedWindow::wheel(notches, at);
 }
 
-void EqualizerWindow::popUpMenu(QPoint at, QPoint global) {
+bool EqualizerWindow::rightClick(QPoint at) {
     const EqControl under = eqControl(controlAt(at));
     if (isGain(under))
         stepGain(under, 0);
-    else
-        SkinnedWindow::popUpMenu(at, global);
+    return isGain(under);
 }
 
 void EqualizerWindow::drop(const QList<QUrl> &urls, QPoint at, Qt::KeyboardModifiers modifiers) {
     QList<QUrl> others;
     for (const QUrl &url : urls) {
         const QString path = url.toLocalFile();
-        if (QFileInfo(path).suffix().compare(QLatin1String("eqf"), Qt::CaseInsensitive) == 0)
+        if (QDir::match(EqualizerModel::filePatterns(), QFileInfo(path).fileName()))
             m_equalizer.loadFile(path);
         else
             others.append(url);

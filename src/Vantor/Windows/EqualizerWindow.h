@@ -30,7 +30,7 @@ class EqualizerWindow : public SkinnedWindow {
     void cancel(Control control) override;
     void click(Control control) override;
     void wheel(double notches, QPoint at) override;
-    void popUpMenu(QPoint at, QPoint global) override;
+    bool rightClick(QPoint at) override;
     void drop(const QList<QUrl> &urls, QPoint at, Qt::KeyboardModifiers modifiers) override;
     [[nodiscard]] bool wantsKey(const QKeyEvent &event) const override;
     void keyPressEvent(QKeyEvent *event) override;

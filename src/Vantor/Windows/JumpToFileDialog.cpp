@@ -15,6 +15,12 @@
 
 namespace vantor {
 
+namespace {
+
+constexpr std::chrono::milliseconds burstTime{100}; // an import changes the queue many times a second
+
+} // namespace
+
 /// The queue as it was when it was last looked at, and those of its rows that were found.
 class JumpToFileDialog::FoundTracks : public QAbstractListModel {
   public:
@@ -22,13 +28,17 @@ class JumpToFileDialog::FoundTracks : public QAbstractListModel {
         takeQueue();
     }
 
-    void takeQueue() {
+    /// False if it still has the same tracks.
+    bool takeQueue() {
         const std::vector<Track> &tracks = m_player.queue().tracks();
+        if (std::ranges::equal(tracks, m_ids, {}, &Track::id))
+            return false;
         m_finder = TrackFinder(tracks);
         m_ids.clear();
         m_ids.reserve(tracks.size());
         for (const Track &track : tracks)
             m_ids.push_back(track.id);
+        return true;
     }
     void find(const QString &query) {
         beginResetModel();
@@ -49,13 +59,23 @@ class JumpToFileDialog::FoundTracks : public QAbstractListModel {
             return std::nullopt;
         const int row = m_rows[static_cast<std::size_t>(index.row())];
         const std::vector<Track> &tracks = m_player.queue().tracks();
-        const bool same = row < m_player.queue().count() &&
-                          tracks[static_cast<std::size_t>(row)].id == m_ids[static_cast<std::size_t>(row)];
+        const bool same =
+            row < m_player.queue().count() && tracks[static_cast<std::size_t>(row)].id == idOf(row);
         return same ? std::optional(row) : std::nullopt;
     }
     [[nodiscard]] std::size_t total() const { return m_ids.size(); }
+    /// The track of a line, and the line of a track: null, and invalid, for what there is not.
+    [[nodiscard]] QUuid idAt(const QModelIndex &index) const {
+        return index.isValid() ? idOf(m_rows[static_cast<std::size_t>(index.row())]) : QUuid();
+    }
+    [[nodiscard]] QModelIndex lineOf(const QUuid &id) const {
+        const auto found = std::ranges::find(m_rows, id, [this](int row) { return idOf(row); });
+        return found == m_rows.end() ? QModelIndex() : index(static_cast<int>(found - m_rows.begin()));
+    }
 
   private:
+    [[nodiscard]] QUuid idOf(int row) const { return m_ids[static_cast<std::size_t>(row)]; }
+
     const Player &m_player;
     TrackFinder m_finder{{}};
     std::vector<QUuid> m_ids;
@@ -90,9 +110,12 @@ JumpToFileDialog::JumpToFileDialog(PlayerModel &model, QWidget *parent)
     connect(m_list, &QListView::doubleClicked, this, &JumpToFileDialog::playChosen);
     connect(buttons, &QDialogButtonBox::accepted, this, &JumpToFileDialog::playChosen);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    m_takeQueue.setSingleShot(true);
+    m_takeQueue.setInterval(burstTime);
+    connect(&m_takeQueue, &QTimer::timeout, this, &JumpToFileDialog::takeQueue);
     connect(&model.player(), &Player::queueChanged, this, [this] {
-        m_tracks->takeQueue();
-        search();
+        if (!m_takeQueue.isActive())
+            m_takeQueue.start();
     });
     search();
     if (const std::optional<int> current = model.player().queue().currentIndex()) {
@@ -108,7 +131,20 @@ void JumpToFileDialog::search() {
     m_summary->setText(tr("%L1 of %L2 tracks").arg(found).arg(static_cast<qulonglong>(m_tracks->total())));
 }
 
+// The user's choice outlives what happens to the queue.
+void JumpToFileDialog::takeQueue() {
+    m_takeQueue.stop();
+    const QUuid chosen = m_tracks->idAt(m_list->currentIndex());
+    if (!m_tracks->takeQueue())
+        return;
+    search();
+    if (const QModelIndex line = m_tracks->lineOf(chosen); line.isValid())
+        m_list->setCurrentIndex(line);
+}
+
 void JumpToFileDialog::playChosen() {
+    if (m_takeQueue.isActive())
+        takeQueue();
     const std::optional<int> row = m_tracks->queueRow(m_list->currentIndex());
     if (!row)
         return;

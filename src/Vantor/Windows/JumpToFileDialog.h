@@ -3,6 +3,7 @@
 #include "Vantor/Model/PlayerModel.h"
 
 #include <QDialog>
+#include <QTimer>
 
 class QLabel;
 class QLineEdit;
@@ -24,6 +25,7 @@ class JumpToFileDialog : public QDialog {
     class FoundTracks;
 
     void search();
+    void takeQueue();
     void playChosen();
 
     PlayerModel &m_model;
@@ -31,6 +33,7 @@ class JumpToFileDialog : public QDialog {
     QLineEdit *m_query;
     QListView *m_list;
     QLabel *m_summary;
+    QTimer m_takeQueue; ///< runs from a change of the queue until it is looked at again
 };
 
 } // namespace vantor

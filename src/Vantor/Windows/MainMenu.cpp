@@ -92,6 +92,7 @@ void fillOutputs(QMenu &menu, PlayerModel &model) {
 void fill(QMenu &menu, Commands &commands, PlayerModel &model) {
     const Adder add(commands);
     add(menu, {Id::openFiles, Id::openFolder, Id::openAddress, Id::fileInfo, Id::skippedFiles});
+    add(menu, {Id::library});
     menu.addSeparator();
 
     QMenu *const playback = menu.addMenu(tr("Playback"));

@@ -130,9 +130,7 @@ void PlaylistWindow::cancel(Control) {
 
 void PlaylistWindow::resizeTo(QPoint at) {
     const QPoint way = at - m_held.at;
-    const QSize size = Layout::snapped(m_held.size + QSize(way.x(), isShaded() ? 0 : way.y()));
-    if (size != m_playlist.size())
-        resizeDocked([&] { m_playlist.setSize(size); });
+    m_playlist.setSize(m_held.size + QSize(way.x(), isShaded() ? 0 : way.y()));
 }
 
 // Rows
@@ -213,7 +211,9 @@ void PlaylistWindow::popUpMenu(QPoint at, QPoint global) {
         return;
     }
     const int row = rowAt(at);
-    if (!m_playlist.isSelected(row))
+    if (m_playlist.isSelected(row))
+        m_playlist.setCursor(row); // what the menu does to one row, it does to this one
+    else
         m_playlist.select(row, Selecting::only);
     m_entries->popUpRowMenu(global);
 }
@@ -288,9 +288,17 @@ void PlaylistWindow::dragLeaveEvent(QDragLeaveEvent *event) {
 }
 
 void PlaylistWindow::drop(const QList<QUrl> &urls, QPoint, Qt::KeyboardModifiers) {
+    model().insert(urls, takeInsertion());
+}
+
+void PlaylistWindow::drop(const QList<MediaID> &ids, QPoint, Qt::KeyboardModifiers) {
+    model().insertItems(ids, takeInsertion());
+}
+
+int PlaylistWindow::takeInsertion() {
     const std::optional<int> gap = std::exchange(m_insertion, std::nullopt);
-    model().insert(urls, gap ? m_playlist.firstRow() + *gap : m_playlist.count());
     refresh();
+    return gap ? m_playlist.firstRow() + *gap : m_playlist.count();
 }
 
 } // namespace vantor

@@ -68,6 +68,12 @@ void PlaylistWindow::draw(QPainter &painter, int zoom) const {
     PlaylistWindowRenderer::draw(painter, model().skin(), m_scene, zoom);
 }
 
+// The visualizer's picture, or in a pause the clock that blinks.
+bool PlaylistWindow::moves() const {
+    const bool isPaused = model().player().state() == PlaybackState::paused;
+    return !isShaded() && (isPaused || Layout::hasVisualizer(m_playlist.size()));
+}
+
 // Controls
 
 void PlaylistWindow::click(Control control) {
@@ -222,7 +228,7 @@ std::function<void()> PlaylistWindow::keyAction(const QKeyEvent &event) const {
         {Qt::CTRL | Qt::SHIFT | Qt::Key_Right, resize(1, 0)},
         {Qt::CTRL | Qt::SHIFT | Qt::Key_Up, resize(0, isShaded() ? 0 : -1)},
         {Qt::CTRL | Qt::SHIFT | Qt::Key_Down, resize(0, isShaded() ? 0 : 1)},
-        {Qt::Key_Escape, [&list] { list.isTyping() ? list.endTyping() : list.selectNone(); }},
+        {Qt::Key_Escape, [&list] { list.isTyping() ? list.cancelTyping() : list.selectNone(); }},
     };
     for (const auto &[combination, action] : actions) {
         if (combination == QKeyCombination(keys, static_cast<Qt::Key>(event.key())))

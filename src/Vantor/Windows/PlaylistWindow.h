@@ -24,6 +24,7 @@ class PlaylistWindow : public SkinnedWindow {
     [[nodiscard]] QRegion outline(int zoom) const override;
     [[nodiscard]] QRegion composeScene() override;
     void draw(QPainter &painter, int zoom) const override;
+    [[nodiscard]] bool moves() const override;
     [[nodiscard]] Control controlAt(QPoint at) const override;
     [[nodiscard]] QStringList pointerNames(Control control, QPoint at) const override;
     bool grab(Control control, QPoint at, Qt::KeyboardModifiers modifiers) override;
@@ -36,6 +37,7 @@ class PlaylistWindow : public SkinnedWindow {
     void popUpMenu(QPoint at, QPoint global) override;
     [[nodiscard]] QPoint menuPlace() const override;
     void drop(const QList<QUrl> &urls, QPoint at, Qt::KeyboardModifiers modifiers) override;
+    void drop(const QList<MediaID> &ids, QPoint at, Qt::KeyboardModifiers modifiers) override;
     [[nodiscard]] bool wantsKey(const QKeyEvent &event) const override;
     void setValue(Control slider, double value) override;
 
@@ -66,6 +68,8 @@ class PlaylistWindow : public SkinnedWindow {
     void closeMenu();
     void runMenuEntry();
     [[nodiscard]] int rowAt(QPoint at) const;
+    /// The row in front of which a drop goes; from now on none is.
+    [[nodiscard]] int takeInsertion();
     void describe(SkinControl &known, PlaylistWindowControl control) const;
 
     PlaylistModel &m_playlist;

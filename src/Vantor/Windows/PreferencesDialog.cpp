@@ -1,5 +1,6 @@
 #include "Vantor/Windows/PreferencesDialog.h"
 
+#include "Vantor/Library/MusicLibrary.h"
 #include "Vantor/Model/PlayerModel.h"
 #include "Vantor/Windows/FolderField.h"
 
@@ -9,6 +10,7 @@
 #include <QGridLayout>
 #include <QLabel>
 #include <QListWidget>
+#include <QPushButton>
 #include <QStackedWidget>
 
 namespace vantor {
@@ -16,9 +18,9 @@ namespace vantor {
 namespace {
 
 /// A page: everything under one another, from the top.
-class Page : public QWidget {
+class SettingsPage : public QWidget {
   public:
-    Page() : m_layout(new QVBoxLayout(this)) {
+    SettingsPage() : m_layout(new QVBoxLayout(this)) {
         m_layout->setContentsMargins(12, 0, 0, 0);
         m_layout->addStretch(1);
     }
@@ -52,8 +54,9 @@ class Page : public QWidget {
 
 } // namespace
 
-PreferencesDialog::PreferencesDialog(PlayerModel &model, QWidget *parent)
-    : QDialog(parent), m_model(model), m_titles(new QListWidget), m_pages(new QStackedWidget) {
+PreferencesDialog::PreferencesDialog(PlayerModel &model, MusicLibrary *library, QWidget *parent)
+    : QDialog(parent), m_model(model), m_library(library), m_titles(new QListWidget),
+      m_pages(new QStackedWidget) {
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowTitle(tr("Preferences"));
     m_titles->setAccessibleName(tr("Pages"));
@@ -95,7 +98,7 @@ void PreferencesDialog::closeIfConfirmed() {
 }
 
 QWidget *PreferencesDialog::generalPage() {
-    auto *page = new Page;
+    auto *page = new SettingsPage;
     WindowState &windows = m_model.windows();
     QCheckBox *const doubled = page->addCheck(tr("&Double size"), windows.isDoubleSize());
     QCheckBox *const onTop = page->addCheck(tr("&Always on top"), windows.isAlwaysOnTop());
@@ -110,7 +113,7 @@ QWidget *PreferencesDialog::generalPage() {
 }
 
 QWidget *PreferencesDialog::skinsPage() {
-    auto *page = new Page;
+    auto *page = new SettingsPage;
     auto *folder = new FolderField(tr("Skins folder"), m_model.skins().folder());
     page->addField(tr("&Skins folder"), folder);
     page->addNote(tr("The skins in it are at hand in the main menu, under Skins."));
@@ -120,17 +123,49 @@ QWidget *PreferencesDialog::skinsPage() {
 }
 
 QWidget *PreferencesDialog::libraryPage() {
-    auto *page = new Page;
+    auto *page = new SettingsPage;
     auto *folder = new FolderField(tr("Music folder"), m_model.preferences().libraryFolder());
     page->addField(tr("&Music folder"), folder);
-    page->addNote(tr("Files and folders are looked for here first when you open them."));
+    page->addNote(
+        tr("Organize it as Artist/Album/Track. Singles can sit directly in the artist's folder; discs "
+           "as \"Disc 1\", \"Disc 2\" subfolders."));
     connect(folder, &FolderField::chosen, page,
             [this](const QString &path) { m_model.preferences().setLibraryFolder(path); });
+    if (m_library)
+        page->add(rescanField());
     return page;
 }
 
+QWidget *PreferencesDialog::rescanField() {
+    auto *field = new QWidget;
+    auto *button = new QPushButton(tr("&Rescan"));
+    auto *status = new QLabel;
+    button->setAutoDefault(false);
+    status->setForegroundRole(QPalette::PlaceholderText);
+    status->setWordWrap(true);
+    auto *layout = new QHBoxLayout(field);
+    layout->setContentsMargins(0, 6, 0, 0);
+    layout->addWidget(button);
+    layout->addWidget(status, 1);
+    connect(button, &QPushButton::clicked, m_library, &MusicLibrary::rescan);
+    const auto show = [this, button, status] {
+        button->setEnabled(!m_library->isScanning() && !m_model.preferences().libraryFolder().isEmpty());
+        status->setText(m_library->status());
+    };
+    connect(m_library, &MusicLibrary::statusChanged, field, show);
+    connect(&m_model.preferences(), &Preferences::libraryFolderChanged, field, show);
+    show();
+    return field;
+}
+
+void PreferencesDialog::showLibrary() {
+    const QList<QListWidgetItem *> found = m_titles->findItems(tr("Library"), Qt::MatchExactly);
+    if (!found.isEmpty())
+        m_titles->setCurrentItem(found.first());
+}
+
 QWidget *PreferencesDialog::outputPage() {
-    auto *page = new Page;
+    auto *page = new SettingsPage;
     auto *devices = new QComboBox;
     page->addField(tr("&Device"), devices);
     page->addNote(tr("A device that is not connected is used again as soon as it is; until then the system's "
@@ -154,7 +189,7 @@ QWidget *PreferencesDialog::outputPage() {
 }
 
 QWidget *PreferencesDialog::playbackPage() {
-    auto *page = new Page;
+    auto *page = new SettingsPage;
     QCheckBox *const resume =
         page->addCheck(tr("&Resume where playback was on start"), m_model.preferences().resumesOnStart());
     connect(resume, &QCheckBox::toggled, page,

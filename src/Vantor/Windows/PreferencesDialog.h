@@ -7,27 +7,34 @@ class QStackedWidget;
 
 namespace vantor {
 
+class MusicLibrary;
 class PlayerModel;
 
 /// Everything that the user can set, a page a subject. What is changed holds at once. Its button does not
 /// close it over a folder that is none; Escape does. Deletes itself when closed. Main thread; borrows the
-/// model.
+/// model and the library.
 class PreferencesDialog : public QDialog {
     Q_OBJECT
 
   public:
-    PreferencesDialog(PlayerModel &model, QWidget *parent);
+    /// `library`: none where there is none to be looked through.
+    PreferencesDialog(PlayerModel &model, MusicLibrary *library, QWidget *parent);
+
+    /// Shows the page about the library.
+    void showLibrary();
 
   private:
     void addPage(const QString &title, QWidget *page);
     [[nodiscard]] QWidget *generalPage();
     [[nodiscard]] QWidget *skinsPage();
     [[nodiscard]] QWidget *libraryPage();
+    [[nodiscard]] QWidget *rescanField();
     [[nodiscard]] QWidget *outputPage();
     [[nodiscard]] QWidget *playbackPage();
     void closeIfConfirmed();
 
     PlayerModel &m_model;
+    MusicLibrary *m_library;
     QListWidget *m_titles;
     QStackedWidget *m_pages;
 };

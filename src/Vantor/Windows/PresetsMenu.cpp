@@ -33,7 +33,8 @@ void askForFile(QWidget &window, const QString &title, QFileDialog::AcceptMode m
     dialog->setFileMode(mode == QFileDialog::AcceptOpen ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
     dialog->setDefaultSuffix(QStringLiteral("eqf"));
     dialog->setNameFilters(
-        {PresetsMenu::tr("Equalizer presets (*.eqf *.q1 *.q2)"), PresetsMenu::tr("All files (*)")});
+        {PresetsMenu::tr("Equalizer presets (%1)").arg(EqualizerModel::filePatterns().join(QLatin1Char(' '))),
+         PresetsMenu::tr("All files (*)")});
     QObject::connect(dialog, &QFileDialog::fileSelected, &window, take);
     dialog->open();
 }

@@ -57,6 +57,7 @@ QRect SkinnedWindow::titleBar() const {
 void SkinnedWindow::refresh() {
     if (!isVisible())
         return; // showing it comes here again
+    watchClock();
     const QRegion changed = composeScene();
     if (!changed.isEmpty())
         showChange(scaled(changed, zoom()));
@@ -115,6 +116,7 @@ void SkinnedWindow::takeShape() {
     static_cast<void>(composeScene()); // all of it is painted below
     const QSize size = skinSize() * zoom();
     setFixedSize(size);
+    watchClock();
     const QRegion shape = outline(zoom());
     static const bool hasShapes = QGuiApplication::platformName() != QLatin1String("offscreen");
     if (!hasShapes || shape == QRegion(QRect(QPoint(), size)))
@@ -130,6 +132,15 @@ void SkinnedWindow::takeWindowState() {
     if (m_docking && m_model.windows().isOpen(m_kind) && !isVisible())
         m_docking->prepareToShow(*this);
     showIfOpen();
+}
+
+void SkinnedWindow::showIfOpen() {
+    const bool isOpen = m_model.windows().isOpen(m_kind);
+    // Window managers tell late, or not at all, that a window is not minimised any more. One that is opened
+    // must not come up as an icon.
+    if (isOpen && !isVisible())
+        setWindowState(windowState() & ~Qt::WindowMinimized);
+    setVisible(isOpen);
 }
 
 void SkinnedWindow::stayOnTopIfAsked() {
@@ -149,9 +160,7 @@ void SkinnedWindow::dock(WindowDockingCoordinator &docking) {
 }
 
 void SkinnedWindow::beginDrag(QPoint global) {
-    m_dragStart = global - pos();
-    if (m_docking)
-        m_docking->dragBegan(*this);
+    m_dragStart = global - (m_docking ? m_docking->dragBegan(*this) : pos());
 }
 
 void SkinnedWindow::dragTo(QPoint global) {
@@ -214,10 +223,15 @@ void SkinnedWindow::showEvent(QShowEvent *event) {
 // Only the system's window knows that it has gone to another desktop.
 bool SkinnedWindow::eventFilter(QObject *watched, QEvent *event) {
     if (watched == windowHandle() && event->type() == QEvent::Expose) {
-        m_model.clock().setWatched(this, moves() && windowHandle()->isExposed());
+        watchClock();
         refresh();
     }
     return QWidget::eventFilter(watched, event);
+}
+
+void SkinnedWindow::watchClock() {
+    const bool isSeen = isVisible() && windowHandle() && windowHandle()->isExposed();
+    m_model.clock().setWatched(this, isSeen && moves());
 }
 
 void SkinnedWindow::hideEvent(QHideEvent *event) {

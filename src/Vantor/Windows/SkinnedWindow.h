@@ -46,7 +46,7 @@ class SkinnedWindow : public QWidget, public SkinWindowController {
     void dock(WindowDockingCoordinator &docking);
     /// Shows the window, or hides it, as the user last had it. To be called once at the start; from then on
     /// the window follows by itself.
-    void showIfOpen() { setVisible(m_model.windows().isOpen(m_kind)); }
+    void showIfOpen();
 
     // The controls as keyboards and assistive tools meet them.
 
@@ -84,7 +84,7 @@ class SkinnedWindow : public QWidget, public SkinWindowController {
     /// painter's clip need not be drawn.
     virtual void draw(QPainter &painter, int zoom) const = 0;
 
-    /// Whether anything in it moves by itself: if not, nothing is reckoned for its sake.
+    /// Whether anything in it moves by itself now: if not, nothing is reckoned for its sake.
     [[nodiscard]] virtual bool moves() const { return true; }
 
     // The pointer. A press on a control grabs it: until it is let go, all movements are the control's. A grab
@@ -105,11 +105,15 @@ class SkinnedWindow : public QWidget, public SkinWindowController {
     /// A double click; false: it counts as two clicks.
     virtual bool doubleClick(Control control, QPoint at);
     virtual void wheel(double notches, QPoint at);
-    /// Any press of the right button opens the main menu unless a subclass has a better idea.
+    /// What the right button does where it opens no menu; false: it opens one.
+    virtual bool rightClick(QPoint at);
+    /// The main menu opens everywhere unless a subclass has a better idea.
     virtual void popUpMenu(QPoint at, QPoint global);
     /// What the menu key means, which has no place of its own: the control that Tab has reached, or none.
     [[nodiscard]] virtual QPoint menuPlace() const;
     virtual void drop(const QList<QUrl> &urls, QPoint at, Qt::KeyboardModifiers modifiers);
+    /// The same with items of the library.
+    virtual void drop(const QList<MediaID> &ids, QPoint at, Qt::KeyboardModifiers modifiers);
 
     /// True: the key goes to keyPressEvent() even if a command has it as its shortcut.
     [[nodiscard]] virtual bool wantsKey(const QKeyEvent &event) const;
@@ -162,6 +166,7 @@ class SkinnedWindow : public QWidget, public SkinWindowController {
   private:
     void takeWindowState();
     void stayOnTopIfAsked();
+    void watchClock();
     void showChange(const QRegion &region);
     void paint(QPainter &painter, const QRegion &region) const;
     void drawFocus(QPainter &painter) const;

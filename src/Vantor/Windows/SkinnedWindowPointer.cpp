@@ -1,5 +1,6 @@
 // What the skinned windows do with the mouse.
 
+#include "MusicBackendKit/MediaIDTransfer.h"
 #include "Vantor/Docking/WindowDockingCoordinator.h"
 #include "Vantor/Windows/SkinnedWindow.h"
 
@@ -117,6 +118,10 @@ void SkinnedWindow::wheelEvent(QWheelEvent *event) {
         wheel(notches, skinPoint(event->position()));
 }
 
+bool SkinnedWindow::rightClick(QPoint) {
+    return false;
+}
+
 void SkinnedWindow::popUpMenu(QPoint, QPoint global) {
     m_commands.popUpMainMenu(global);
 }
@@ -125,12 +130,14 @@ void SkinnedWindow::contextMenuEvent(QContextMenuEvent *event) {
     cancelGrab();
     if (event->reason() == QContextMenuEvent::Keyboard) // comes with the middle of the window
         popUpMenu(menuPlace(), globalPoint(menuPlace()));
-    else
+    else if (!rightClick(skinPoint(event->pos())))
         popUpMenu(skinPoint(event->pos()), event->globalPos());
 }
 
 void SkinnedWindow::dragEnterEvent(QDragEnterEvent *event) {
-    if (!event->mimeData()->hasUrls())
+    const bool isOfLibrary =
+        m_model.hasLibrary() && event->mimeData()->hasFormat(QLatin1String(MediaIDTransfer::contentType));
+    if (!isOfLibrary && !event->mimeData()->hasUrls())
         return;
     event->setDropAction(Qt::CopyAction); // whatever the keys propose: nothing is moved away from its owner
     event->accept();
@@ -139,7 +146,17 @@ void SkinnedWindow::dragEnterEvent(QDragEnterEvent *event) {
 void SkinnedWindow::dropEvent(QDropEvent *event) {
     event->setDropAction(Qt::CopyAction);
     event->accept();
-    drop(event->mimeData()->urls(), skinPoint(event->position()), event->modifiers());
+    if (const auto transfer = MediaIDTransfer::read(*event->mimeData()))
+        drop(transfer->ids, skinPoint(event->position()), event->modifiers());
+    else
+        drop(event->mimeData()->urls(), skinPoint(event->position()), event->modifiers());
+}
+
+void SkinnedWindow::drop(const QList<MediaID> &ids, QPoint, Qt::KeyboardModifiers modifiers) {
+    if (modifiers.testFlag(Qt::ShiftModifier))
+        m_model.enqueueItems(ids);
+    else
+        m_model.openItems(ids);
 }
 
 void SkinnedWindow::drop(const QList<QUrl> &urls, QPoint, Qt::KeyboardModifiers modifiers) {

@@ -31,7 +31,8 @@ void SkinnedWindows::show() {
 
 void SkinnedWindows::bringToFront() {
     m_state.setOpen(WindowKind::main, true);
-    m_main.setWindowState(m_main.windowState() & ~Qt::WindowMinimized);
+    for (QWidget *const window : std::initializer_list<QWidget *>{&m_equalizer, &m_playlist, &m_main})
+        window->setWindowState(window->windowState() & ~Qt::WindowMinimized);
     m_main.raise();
     m_main.activateWindow();
 }

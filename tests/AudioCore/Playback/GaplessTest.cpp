@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <thread>
 
 using namespace vantor;
 using testing::ElementsAre;
@@ -243,6 +244,40 @@ TEST_F(GaplessTest, ATrackIsCurrentWhenItIsHeard) {
     m_player.removeTracks({1, 2});
     ASSERT_TRUE(pumpUntil(PlaybackState::stopped));
     EXPECT_LT(framesAt(m_output.heard, 0.2F), 0.2 * 44100);
+}
+
+TEST_F(GaplessTest, ATrackThatComesAtTheLastMomentIsLoadedAndCanBePaused) {
+    using namespace std::chrono_literals;
+    m_output.latency = 0.2;
+    const Track a = track(QStringLiteral("a.wav"), level(0.1F, 0.3)),
+                b = track(QStringLiteral("b.wav"), level(0.2F, 2)),
+                c = track(QStringLiteral("c.mp3"), level(0.3F, 2));
+    for (int round = 0; round < 12; ++round) {
+        SCOPED_TRACE(round);
+        m_player.restoreQueue({a}, 0, RepeatMode::off, false);
+        m_output.heard.clear();
+        m_player.play();
+        ASSERT_TRUE(m_output.pump([&] { return framesAt(m_output.heard, 0.1F) == 13230; }));
+        ASSERT_TRUE(pumpFor(0.1));
+        std::this_thread::sleep_for(250ms); // all is heard, and the player has not looked yet
+        m_player.enqueue({c});
+        std::this_thread::sleep_for(round * 100us); // the decoder opens c
+        m_player.removeTrack(1);
+        m_player.enqueue({b});
+        QCoreApplication::processEvents();
+        ASSERT_EQ(m_player.state(), PlaybackState::loading);
+        if (round % 2 == 1) {
+            m_player.pause();
+            std::this_thread::sleep_for(50ms); // b is in the node
+            m_output.current->render(4096);
+            ASSERT_TRUE(pumpUntil(PlaybackState::paused));
+            EXPECT_EQ(framesAt(m_output.heard, 0.2F), 0);
+            m_player.play();
+        }
+        ASSERT_TRUE(pumpUntilHeard("b", 0.1));
+        m_player.stop();
+        ASSERT_TRUE(pumpFor(0.05));
+    }
 }
 
 TEST_F(GaplessTest, AFollowerFailsWhenItsTurnHasCome) {

@@ -229,6 +229,11 @@ TEST(PlayQueueTest, SortsStablyAndSaysWhetherAnythingChanged) {
     for (const std::vector<int> &bad : {std::vector<int>{0, 1}, {0, 1, 1}, {0, 1, 3}, {-1, 0, 1}, {0, 1, 2}})
         EXPECT_FALSE(queue.reorder(bad));
     EXPECT_EQ(titles(queue), "xzy");
+    tracks[0].source = QUrl(QStringLiteral("http://host/b"));
+    tracks[1].source = QUrl(QStringLiteral("http://host/a"));
+    queue = PlayQueue(tracks);
+    EXPECT_TRUE(queue.sort(PlaylistSortKey::path));
+    EXPECT_EQ(titles(queue), "zyx"); // addresses by the whole of them
 }
 
 TEST(PlayQueueTest, SortsManyLongPathsAsTheirCodePointsAre) {

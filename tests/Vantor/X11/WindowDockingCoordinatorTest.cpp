@@ -162,6 +162,14 @@ TEST_P(WindowDockingCoordinatorTest, NeighbourPushedOffTheScreenBringsTheGroupBa
     EXPECT_TRUE(stand({{main, {{775, 276}, usual * 2}}, {equalizer, {{1325, 276}, usual}}}));
 }
 
+TEST_P(WindowDockingCoordinatorTest, AWindowTallerThanTheScreenComesBackByItsTitle) {
+    start(stack);
+    m_docking.resize(m_playlist, [&] { m_playlist.setFixedSize(275, 1000); });
+    m_docking.resize(m_main, [&] { m_main.setFixedSize(275, 520); }); // pushes it under the screen
+    EXPECT_TRUE(QTest::qWaitFor([&] { return m_playlist.pos() == QPoint(663, 900 - 14); }, 3000))
+        << m_playlist.y();
+}
+
 TEST_P(WindowDockingCoordinatorTest, LayoutIsRestoredAndNewWindowsAreStacked) {
     m_settings.setValue(
         QStringLiteral("windowLayout"),

@@ -1,0 +1,189 @@
+#include "LibraryBrowser/LibraryBrowser.h"
+
+#include <QPointer>
+
+namespace vantor {
+
+QList<LibrarySection> librarySections(MusicBackendCapabilities capabilities) {
+    using Capability = MusicBackendCapability;
+    QList<LibrarySection> sections{LibrarySection::artists, LibrarySection::albums, LibrarySection::tracks};
+    const std::pair<Capability, LibrarySection> offered[] = {
+        {Capability::playlists, LibrarySection::playlists},
+        {Capability::radio, LibrarySection::radios},
+        {Capability::favorites, LibrarySection::favorites},
+        {Capability::recommendations, LibrarySection::recommendations}};
+    for (const auto &[capability, section] : offered) {
+        if (capabilities.testFlag(capability))
+            sections.append(section);
+    }
+    return sections;
+}
+
+LibraryBrowser::~LibraryBrowser() {
+    if (m_backend)
+        m_backend->disconnect();
+}
+
+void LibraryBrowser::setBackend(const std::shared_ptr<MusicBackend> &backend) {
+    if (m_backend == backend)
+        return;
+    if (const auto before = std::exchange(m_backend, backend))
+        before->disconnect(); // goes on by itself
+    connectBackend();
+}
+
+std::shared_ptr<MusicBackend> LibraryBrowser::connected() const {
+    return m_state == State::connected ? m_backend : nullptr;
+}
+
+MusicBackendCapabilities LibraryBrowser::capabilities() const {
+    return m_backend ? m_backend->capabilities() : MusicBackendCapabilities();
+}
+
+void LibraryBrowser::retry() {
+    if (m_backend && m_state == State::failed)
+        connectBackend();
+}
+
+void LibraryBrowser::connectBackend() {
+    m_turn = std::make_shared<char>();
+    m_changes = {};
+    m_outputs.clear();
+    m_state = m_backend ? State::connecting : State::noSource;
+    m_failure.reset();
+    Q_EMIT sourceChanged();
+    Q_EMIT outputsChanged();
+    Q_EMIT stateChanged();
+    if (m_state == State::connecting)
+        openConnection();
+}
+
+QCoro::Task<> LibraryBrowser::openConnection() {
+    const std::weak_ptr<char> turn = m_turn;
+    const std::shared_ptr<MusicBackend> backend = m_backend;
+    std::optional<LibraryFailure> failure;
+    try {
+        co_await backend->connect();
+    } catch (...) {
+        failure = LibraryFailure::of(std::current_exception());
+    }
+    if (turn.expired())
+        co_return;
+    if (failure) {
+        setState(State::failed, failure);
+        co_return;
+    }
+    m_changes = backend->libraryChanges();
+    followChanges();
+    loadOutputs();
+    setState(State::connected);
+}
+
+QCoro::Task<> LibraryBrowser::loadOutputs() {
+    const std::weak_ptr<char> turn = m_turn;
+    const std::shared_ptr<MusicBackend> backend = m_backend;
+    QList<OutputDevice> outputs;
+    std::optional<LibraryFailure> failure;
+    try {
+        outputs = co_await backend->outputs();
+    } catch (...) {
+        failure = LibraryFailure::of(std::current_exception());
+    }
+    if (turn.expired())
+        co_return;
+    if (failure) {
+        Q_EMIT failed(failure->sentence);
+        co_return;
+    }
+    m_outputs = outputs;
+    Q_EMIT outputsChanged();
+}
+
+QCoro::Task<> LibraryBrowser::followChanges() {
+    const std::weak_ptr<char> turn = m_turn;
+    std::size_t missed = 0;
+    while (true) {
+        const std::optional<LibraryChange> change = co_await m_changes.next();
+        if (turn.expired() || !change)
+            co_return;
+        if (m_changes.missed() != missed) {
+            missed = m_changes.missed();
+            Q_EMIT refreshed();
+        }
+        if (!turn.expired())
+            Q_EMIT changed(*change);
+        if (turn.expired())
+            co_return;
+    }
+}
+
+void LibraryBrowser::setState(State state, const std::optional<LibraryFailure> &failure) {
+    m_state = state;
+    m_failure = failure;
+    Q_EMIT stateChanged();
+}
+
+std::optional<OutputDevice> LibraryBrowser::output() const {
+    if (m_outputs.isEmpty())
+        return std::nullopt;
+    const auto chosen = std::ranges::find(m_outputs, m_output, &OutputDevice::id);
+    return chosen != m_outputs.end() ? *chosen : m_outputs.first();
+}
+
+void LibraryBrowser::chooseOutput(const OutputDevice::ID &id) {
+    m_output = id;
+    Q_EMIT outputsChanged();
+}
+
+void LibraryBrowser::play(const PlayRequest &request, const Turn &turn) {
+    m_plays.emplace_back(request, turn);
+    if (m_plays.size() == 1)
+        playInTurn();
+}
+
+QCoro::Task<> LibraryBrowser::playInTurn() {
+    const QPointer<LibraryBrowser> self(this);
+    while (self && !m_plays.empty()) {
+        const auto [request, turn] = m_plays.front();
+        // A source that has not told its outputs yet knows its own when it is asked.
+        const OutputDevice on = output().value_or(OutputDevice::thisMac());
+        const std::shared_ptr<MusicBackend> backend = m_backend;
+        std::optional<LibraryFailure> failure;
+        if (turn.begins)
+            turn.begins();
+        try {
+            if (backend)
+                co_await backend->play(request.items, on, request.mode);
+        } catch (...) {
+            failure = LibraryFailure::of(std::current_exception());
+        }
+        if (!self)
+            co_return;
+        if (turn.ends)
+            turn.ends();
+        m_plays.pop_front();
+        if (failure)
+            Q_EMIT failed(failure->sentence);
+    }
+}
+
+void LibraryBrowser::setFavorite(const QList<MediaID> &ids, bool on) {
+    if (m_backend)
+        setFavorites(ids, on);
+}
+
+QCoro::Task<> LibraryBrowser::setFavorites(QList<MediaID> ids, bool on) {
+    const QPointer<LibraryBrowser> self(this);
+    const std::shared_ptr<MusicBackend> backend = m_backend;
+    std::optional<LibraryFailure> failure;
+    try {
+        for (const MediaID &id : ids)
+            co_await backend->setFavorite(id, on);
+    } catch (...) {
+        failure = LibraryFailure::of(std::current_exception());
+    }
+    if (self && failure)
+        Q_EMIT failed(failure->sentence);
+}
+
+} // namespace vantor

@@ -1,0 +1,92 @@
+#pragma once
+
+#include "LibraryBrowser/LibraryFailure.h"
+#include "MusicBackendKit/MusicBackend.h"
+
+#include <QObject>
+
+#include <deque>
+#include <functional>
+
+namespace vantor {
+
+/// The parts of a library that can be browsed, in the order in which they are shown.
+enum class LibrarySection { artists, albums, tracks, playlists, radios, favorites, recommendations };
+
+/// Those that a source with these capabilities has.
+[[nodiscard]] QList<LibrarySection> librarySections(MusicBackendCapabilities capabilities);
+
+/// The music source that is browsed now, one at a time, and what is asked of it. The lists of the library
+/// follow it. Main thread; nothing blocks.
+class LibraryBrowser : public QObject {
+    Q_OBJECT
+
+  public:
+    enum class State { noSource, connecting, connected, failed };
+
+    using QObject::QObject;
+    ~LibraryBrowser() override;
+
+    /// Takes leave of the source before and connects this one; none is allowed.
+    void setBackend(const std::shared_ptr<MusicBackend> &backend);
+    /// None, too, while it is not connected.
+    [[nodiscard]] std::shared_ptr<MusicBackend> connected() const;
+    [[nodiscard]] const std::shared_ptr<MusicBackend> &backend() const { return m_backend; }
+    [[nodiscard]] MusicBackendCapabilities capabilities() const;
+
+    [[nodiscard]] State state() const { return m_state; }
+    /// Why the source failed.
+    [[nodiscard]] const std::optional<LibraryFailure> &failure() const { return m_failure; }
+    /// Connects once more.
+    void retry();
+    /// The source's content may have changed in any way.
+    void refresh() { Q_EMIT refreshed(); }
+
+    [[nodiscard]] const QList<OutputDevice> &outputs() const { return m_outputs; }
+    /// Where it plays; none while there is no output.
+    [[nodiscard]] std::optional<OutputDevice> output() const;
+    void chooseOutput(const OutputDevice::ID &id);
+
+    /// What is to happen when the turn of a request has come, and when the source has carried it out or
+    /// refused.
+    struct Turn {
+        std::function<void()> begins;
+        std::function<void()> ends;
+    };
+
+    // What goes wrong with these is told by failed().
+    /// Requests are carried out one after another.
+    void play(const PlayRequest &request) { play(request, Turn()); }
+    void play(const PlayRequest &request, const Turn &turn);
+    void setFavorite(const QList<MediaID> &ids, bool on);
+
+  Q_SIGNALS:
+    /// Another source, or none; lists are empty until it is connected.
+    void sourceChanged();
+    void stateChanged();
+    void outputsChanged();
+    void changed(const vantor::LibraryChange &change);
+    void refreshed();
+    void failed(const QString &sentence);
+
+  private:
+    void connectBackend();
+    QCoro::Task<> openConnection();
+    QCoro::Task<> loadOutputs();
+    QCoro::Task<> followChanges();
+    QCoro::Task<> playInTurn();
+    QCoro::Task<> setFavorites(QList<MediaID> ids, bool on);
+    void setState(State state, const std::optional<LibraryFailure> &failure = {});
+
+    std::shared_ptr<MusicBackend> m_backend;
+    State m_state = State::noSource;
+    std::optional<LibraryFailure> m_failure;
+    QList<OutputDevice> m_outputs;
+    std::deque<std::pair<PlayRequest, Turn>> m_plays; ///< the first one is being carried out
+    OutputDevice::ID m_output = OutputDevice::thisMacID();
+    AsyncStream<LibraryChange> m_changes;
+    /// Whose answers are awaited.
+    std::shared_ptr<char> m_turn = std::make_shared<char>();
+};
+
+} // namespace vantor

@@ -1,0 +1,379 @@
+#include "Vantor/Library/TrackTable.h"
+
+#include "Vantor/Library/LibraryIcons.h"
+
+#include <QContextMenuEvent>
+#include <QDrag>
+#include <QHeaderView>
+#include <QMenu>
+#include <QMimeData>
+#include <QPainter>
+#include <QScrollBar>
+#include <QSettings>
+#include <QStyledItemDelegate>
+
+namespace vantor {
+
+namespace {
+
+using Model = TrackListModel;
+
+constexpr int textMargin = 8;
+constexpr int leastColumn = 48;
+constexpr std::array<double, Model::columns> defaultShares{0, 5, 3, 3, 0}; // none: as wide as its texts
+
+QColor faint(QColor color, double opacity) {
+    color.setAlphaF(static_cast<float>(opacity));
+    return color;
+}
+
+int lineHeight(const QWidget &view) {
+    return view.fontMetrics().height() + 12;
+}
+
+} // namespace
+
+class TrackTable::Line : public QStyledItemDelegate {
+  public:
+    explicit Line(TrackTable &table) : QStyledItemDelegate(&table), m_table(table) {}
+
+    void paint(QPainter *painter, const QStyleOptionViewItem &option,
+               const QModelIndex &index) const override {
+        QRect cell = option.rect;
+        const int height = lineHeight(m_table);
+        if (cell.height() > height) {
+            const QRect above(cell.left(), cell.top(), cell.width(), cell.height() - height);
+            painter->fillRect(above, option.palette.color(QPalette::Base)); // no part of what is selected
+            // Each cell draws its part of the heading, which goes across them.
+            painter->save();
+            painter->setClipRect(above);
+            drawDisc(*painter, QRect(0, above.top(), m_table.viewport()->width(), above.height()), option,
+                     m_table.discAt(index.row()).value_or(1));
+            painter->restore();
+            cell.setTop(cell.bottom() + 1 - height);
+        }
+        const bool isSelected = option.state.testFlag(QStyle::State_Selected); // which the style has painted
+        if (!isSelected && index.row() == m_table.m_hovered)
+            painter->fillRect(cell, faint(option.palette.color(QPalette::Text), 0.05));
+        if (!isSelected && m_table.hasFocus() && index.row() == m_table.currentIndex().row())
+            painter->fillRect(QRect(cell.left(), cell.bottom(), cell.width(), 1),
+                              option.palette.color(QPalette::Highlight));
+        drawText(*painter, cell, option, index);
+    }
+
+  private:
+    static void drawText(QPainter &painter, const QRect &cell, const QStyleOptionViewItem &option,
+                         const QModelIndex &index) {
+        const bool isSecondary = index.column() != Model::titleColumn;
+        const bool isSelected = option.state.testFlag(QStyle::State_Selected);
+        const bool isActive = option.state.testFlag(QStyle::State_Active);
+        QColor color = option.palette.color(isActive ? QPalette::Active : QPalette::Inactive,
+                                            isSelected ? QPalette::HighlightedText : QPalette::Text);
+        if (isSecondary)
+            color = faint(color, isSelected ? 0.85 : 0.66);
+        painter.setPen(color);
+        painter.setFont(option.font);
+        const QRect place = cell.adjusted(textMargin, 0, -textMargin, 0);
+        const QString text =
+            option.fontMetrics.elidedText(index.data().toString(), Qt::ElideRight, place.width());
+        painter.drawText(place, index.data(Qt::TextAlignmentRole).toInt() | Qt::TextSingleLine, text);
+    }
+
+    static void drawDisc(QPainter &painter, const QRect &place, const QStyleOptionViewItem &option,
+                         int disc) {
+        QFont font = option.font;
+        font.setBold(true);
+        painter.setFont(font);
+        painter.setPen(option.palette.color(QPalette::PlaceholderText));
+        painter.drawText(place.adjusted(textMargin, 0, 0, -5), Qt::AlignLeft | Qt::AlignBottom,
+                         TrackTable::tr("Disc %1").arg(disc));
+    }
+
+    TrackTable &m_table;
+};
+
+TrackTable::TrackTable(TrackListModel &tracks, QWidget *parent)
+    : QTableView(parent), m_tracks(tracks), m_shares(defaultShares) {
+    setFrameShape(NoFrame);
+    setShowGrid(false);
+    setWordWrap(false);
+    setSelectionBehavior(SelectRows);
+    setSelectionMode(ExtendedSelection);
+    setEditTriggers(NoEditTriggers);
+    setDragEnabled(true);
+    setMouseTracking(true);
+    setTabKeyNavigation(false);
+    setVerticalScrollMode(ScrollPerPixel);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setItemDelegate(new Line(*this));
+    setAccessibleName(tr("Tracks"));
+    setModel(&tracks);
+    verticalHeader()->hide();
+    verticalHeader()->setMinimumSectionSize(lineHeight(*this));
+    verticalHeader()->setDefaultSectionSize(lineHeight(*this));
+    verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    QHeaderView &header = *horizontalHeader();
+    header.setHighlightSections(false);
+    header.setSectionsClickable(true);
+    header.setMinimumSectionSize(leastColumn / 2);
+    header.setContextMenuPolicy(Qt::CustomContextMenu);
+    header.setSortIndicatorShown(false);
+    header.setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    connect(&header, &QHeaderView::sectionClicked, this, &TrackTable::takeSorting);
+    connect(&header, &QHeaderView::customContextMenuRequested, this,
+            [this](const QPoint &at) { popUpColumns(horizontalHeader()->mapToGlobal(at)); });
+    connect(&header, &QHeaderView::sectionResized, this, [this](int column, int, int size) {
+        if (m_isFitting || m_shares[static_cast<std::size_t>(column)] == 0)
+            return;
+        for (int other = 0; other < Model::columns; ++other) {
+            double &share = m_shares[static_cast<std::size_t>(other)];
+            if (share > 0 && !isColumnHidden(other))
+                share = other == column ? size : columnWidth(other);
+        }
+        storeColumns();
+    });
+    connect(this, &QAbstractItemView::doubleClicked, this, &TrackTable::opened);
+    for (const auto signal : {&QAbstractItemModel::rowsInserted, &QAbstractItemModel::rowsRemoved})
+        connect(&tracks, signal, this, &TrackTable::takeRows);
+    connect(&tracks, &QAbstractItemModel::modelReset, this, &TrackTable::takeRows);
+    connect(&tracks, &QAbstractItemModel::layoutChanged, this, &TrackTable::takeRows);
+    connect(&tracks, &QAbstractItemModel::dataChanged, this, &TrackTable::takeRows);
+    takeRows();
+    showColumns();
+}
+
+QList<LibraryTrack> TrackTable::selected() const {
+    QModelIndexList rows = selectionModel()->selectedRows();
+    std::sort(rows.begin(), rows.end());
+    QList<LibraryTrack> tracks;
+    for (const QModelIndex &row : rows) {
+        if (const LibraryTrack *const track = m_tracks.track(row.row()))
+            tracks.append(*track);
+    }
+    return tracks;
+}
+
+// Rows
+
+std::optional<int> TrackTable::discAt(int row) const {
+    if (!m_hasDiscs)
+        return std::nullopt;
+    const auto disc = [this](int of) {
+        const LibraryTrack *const track = m_tracks.track(of);
+        return track ? track->discNumber.value_or(1) : 1;
+    };
+    return row == 0 || disc(row) != disc(row - 1) ? std::optional(disc(row)) : std::nullopt;
+}
+
+void TrackTable::takeRows() {
+    const bool hadDiscs = m_hasDiscs;
+    m_hasDiscs = false;
+    const int rows = m_tracks.rowCount();
+    if (m_tracks.album() && !m_tracks.sortColumn()) {
+        for (int row = 1; row < rows && !m_hasDiscs; ++row)
+            m_hasDiscs =
+                m_tracks.track(row)->discNumber.value_or(1) != m_tracks.track(0)->discNumber.value_or(1);
+    }
+    if (hadDiscs || m_hasDiscs) {
+        const int height = lineHeight(*this);
+        for (int row = 0; row < rows; ++row)
+            setRowHeight(row, discAt(row) ? height * 2 : height);
+    }
+    if (m_showsAll)
+        setFixedHeight(sizeHint().height());
+    fitColumns();
+}
+
+void TrackTable::setShowsAll() {
+    m_showsAll = true;
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    takeRows();
+}
+
+QSize TrackTable::sizeHint() const {
+    if (!m_showsAll)
+        return QTableView::sizeHint();
+    return {QTableView::sizeHint().width(),
+            horizontalHeader()->sizeHint().height() + verticalHeader()->length() + 2};
+}
+
+// Columns
+
+void TrackTable::setUnneeded(const QSet<int> &columns) {
+    m_unneeded = columns;
+    showColumns();
+}
+
+void TrackTable::showColumns() {
+    for (int column = 0; column < Model::columns; ++column)
+        setColumnHidden(column, column != Model::titleColumn &&
+                                    (m_unneeded.contains(column) || m_hidden.contains(column)));
+    fitColumns();
+}
+
+// The number and the time take what they need, the others share the rest.
+void TrackTable::fitColumns() {
+    const QFontMetrics metrics = fontMetrics();
+    const int numberWidth = metrics.horizontalAdvance(QStringLiteral("0000")) + 2 * textMargin;
+    const int timeWidth = metrics.horizontalAdvance(QStringLiteral("000:00")) + 2 * textMargin;
+    double shares = 0;
+    int room = viewport()->width();
+    for (int column = 0; column < Model::columns; ++column) {
+        if (isColumnHidden(column))
+            continue;
+        shares += m_shares[static_cast<std::size_t>(column)];
+        if (column == Model::numberColumn || column == Model::timeColumn)
+            room -= column == Model::numberColumn ? numberWidth : timeWidth;
+    }
+    m_isFitting = true;
+    setColumnWidth(Model::numberColumn, numberWidth);
+    setColumnWidth(Model::timeColumn, timeWidth);
+    double left = 0;
+    for (int column = 0; column < Model::columns; ++column) {
+        const double share = m_shares[static_cast<std::size_t>(column)];
+        if (isColumnHidden(column) || share == 0)
+            continue;
+        const double right = left + std::max(0, room) * share / shares;
+        setColumnWidth(column, std::max(leastColumn, static_cast<int>(right) - static_cast<int>(left)));
+        left = right;
+    }
+    m_isFitting = false;
+}
+
+void TrackTable::resizeEvent(QResizeEvent *event) {
+    QTableView::resizeEvent(event);
+    fitColumns();
+}
+
+// Up, down, and back to the source's order.
+void TrackTable::takeSorting(int column) {
+    const bool isSame = m_tracks.sortColumn() == static_cast<Model::Column>(column);
+    const bool wasAscending = m_tracks.sortOrder() == Qt::AscendingOrder;
+    const Qt::SortOrder order = isSame ? Qt::DescendingOrder : Qt::AscendingOrder;
+    const bool ends = isSame && !wasAscending;
+    horizontalHeader()->setSortIndicatorShown(!ends);
+    horizontalHeader()->setSortIndicator(column, order);
+    m_tracks.sort(ends ? -1 : column, order);
+    takeRows();
+}
+
+void TrackTable::popUpColumns(const QPoint &at) {
+    auto *const menu = new QMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    for (int column = 0; column < Model::columns; ++column) {
+        if (column == Model::titleColumn || m_unneeded.contains(column))
+            continue;
+        const QString name = column == Model::numberColumn
+                                 ? tr("Number")
+                                 : m_tracks.headerData(column, Qt::Horizontal, Qt::DisplayRole).toString();
+        QAction *const action = menu->addAction(name);
+        action->setCheckable(true);
+        action->setChecked(!m_hidden.contains(column));
+        connect(action, &QAction::toggled, this, [this, column](bool shows) {
+            if (shows)
+                m_hidden.remove(column);
+            else
+                m_hidden.insert(column);
+            showColumns();
+            storeColumns();
+        });
+    }
+    menu->popup(at);
+}
+
+void TrackTable::restoreColumns(QSettings &settings, const QString &key) {
+    m_settings = &settings;
+    m_key = key;
+    const QVariantList stored = settings.value(key).toList();
+    for (int column = 0; column < Model::columns && column < stored.size(); ++column) {
+        const double value = stored[column].toDouble(); // negative: hidden
+        double &share = m_shares[static_cast<std::size_t>(column)];
+        if (value < 0)
+            m_hidden.insert(column);
+        if (share > 0 && std::isfinite(value) && std::abs(value) >= 1 && std::abs(value) < 10'000)
+            share = std::abs(value);
+    }
+    showColumns();
+}
+
+void TrackTable::storeColumns() const {
+    if (!m_settings)
+        return;
+    QVariantList stored;
+    for (int column = 0; column < Model::columns; ++column) {
+        const double share = std::max(1.0, m_shares[static_cast<std::size_t>(column)]);
+        stored.append(m_hidden.contains(column) ? -share : share);
+    }
+    m_settings->setValue(m_key, stored);
+}
+
+// Keys and pointer
+
+void TrackTable::keyPressEvent(QKeyEvent *event) {
+    const bool isEnter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (isEnter && event->modifiers() == Qt::NoModifier && currentIndex().isValid())
+        Q_EMIT opened(currentIndex());
+    else if (isEnter || event->key() == Qt::Key_Backspace)
+        event->ignore(); // the window's
+    else
+        QTableView::keyPressEvent(event);
+}
+
+void TrackTable::contextMenuEvent(QContextMenuEvent *event) {
+    if (event->reason() == QContextMenuEvent::Keyboard)
+        Q_EMIT menuAsked(viewport()->mapToGlobal(visualRect(currentIndex()).center()));
+    else if (indexAt(event->pos()).isValid())
+        Q_EMIT menuAsked(event->globalPos());
+}
+
+void TrackTable::wheelEvent(QWheelEvent *event) {
+    if (m_showsAll)
+        event->ignore(); // the page's
+    else
+        QTableView::wheelEvent(event);
+}
+
+void TrackTable::mouseMoveEvent(QMouseEvent *event) {
+    QTableView::mouseMoveEvent(event);
+    setHovered(rowAt(event->pos().y()));
+}
+
+void TrackTable::leaveEvent(QEvent *event) {
+    QTableView::leaveEvent(event);
+    setHovered(-1);
+}
+
+void TrackTable::setHovered(int row) {
+    if (row == std::exchange(m_hovered, row))
+        return;
+    viewport()->update();
+}
+
+// What is dragged is seen as its titles, not as all of its cells.
+void TrackTable::startDrag(Qt::DropActions) {
+    const QList<LibraryTrack> tracks = selected();
+    if (tracks.isEmpty())
+        return;
+    const QString text = tracks.size() == 1 ? tracks.first().title : tr("%L1 tracks").arg(tracks.size());
+    const QString shown = fontMetrics().elidedText(text, Qt::ElideRight, 260);
+    const QSize size(fontMetrics().horizontalAdvance(shown) + 24, fontMetrics().height() + 12);
+    QPixmap pixmap(size * devicePixelRatioF());
+    pixmap.setDevicePixelRatio(devicePixelRatioF());
+    pixmap.fill(Qt::transparent);
+    QPainter painter(&pixmap);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(palette().color(QPalette::Highlight));
+    painter.drawRoundedRect(QRect(QPoint(), size), 6, 6);
+    painter.setPen(palette().color(QPalette::HighlightedText));
+    painter.setFont(font());
+    painter.drawText(QRect(QPoint(), size), Qt::AlignCenter, shown);
+    painter.end();
+    auto *const drag = new QDrag(this);
+    drag->setMimeData(m_tracks.mimeData(selectionModel()->selectedIndexes()));
+    drag->setPixmap(pixmap);
+    drag->setHotSpot(QPoint(-8, -8));
+    drag->exec(Qt::CopyAction);
+}
+
+} // namespace vantor

@@ -1,0 +1,70 @@
+#pragma once
+
+#include "LibraryBrowser/TrackListModel.h"
+
+#include <QTableView>
+
+class QSettings;
+
+namespace vantor {
+
+/// The tracks of a model as lines with columns that sort. The tracks of an album with several discs stand
+/// under a heading for each. Main thread; borrows the model.
+class TrackTable : public QTableView {
+    Q_OBJECT
+
+  public:
+    explicit TrackTable(TrackListModel &tracks, QWidget *parent = nullptr);
+
+    [[nodiscard]] TrackListModel &tracks() const { return m_tracks; }
+    /// The tracks that are selected, in the order of the rows.
+    [[nodiscard]] QList<LibraryTrack> selected() const;
+
+    /// Columns that this list does without, whatever the user chose.
+    void setUnneeded(const QSet<int> &columns);
+    /// As tall as all its rows, inside a page that scrolls.
+    void setShowsAll();
+
+    /// The user's choice of columns and their widths, kept under a name.
+    void restoreColumns(QSettings &settings, const QString &key);
+
+  Q_SIGNALS:
+    void opened(const QModelIndex &index); ///< by a double click or Enter
+    void menuAsked(const QPoint &global);  ///< about what is selected
+
+  protected:
+    void keyPressEvent(QKeyEvent *event) override;
+    void contextMenuEvent(QContextMenuEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void wheelEvent(QWheelEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void leaveEvent(QEvent *event) override;
+    void startDrag(Qt::DropActions actions) override;
+    [[nodiscard]] QSize sizeHint() const override;
+
+  private:
+    class Line;
+
+    void takeRows();
+    void fitColumns();
+    void takeSorting(int column);
+    void showColumns();
+    void popUpColumns(const QPoint &at);
+    void storeColumns() const;
+    void setHovered(int row);
+    /// The disc that begins with this row; none when there is nothing to be told apart.
+    [[nodiscard]] std::optional<int> discAt(int row) const;
+
+    TrackListModel &m_tracks;
+    QSet<int> m_unneeded;
+    QSet<int> m_hidden;                                   ///< by the user
+    std::array<double, TrackListModel::columns> m_shares; ///< of the width, of those that give way
+    bool m_isFitting = false;
+    bool m_showsAll = false;
+    bool m_hasDiscs = false;
+    int m_hovered = -1;
+    QSettings *m_settings = nullptr;
+    QString m_key;
+};
+
+} // namespace vantor

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "LibraryBrowser/LibraryBrowser.h"
+#include "tests/Support/MadeBackend.h"
+
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <QElapsedTimer>
+#include <QRegularExpression>
+
+#include <gtest/gtest.h>
+
+namespace vantor {
+
+/// A browser and a source that is not connected yet.
+class BrowserFixture : public testing::Test {
+  protected:
+    /// Runs the event loop until the condition holds; false after five seconds.
+    template <class Condition>
+    [[nodiscard]] static bool waitFor(Condition condition) {
+        const QDeadlineTimer deadline(5000);
+        while (!condition()) {
+            if (deadline.hasExpired())
+                return false;
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+        }
+        return true;
+    }
+    /// Long enough for every answer that is on its way without a delay.
+    static void settle(std::chrono::milliseconds time = std::chrono::milliseconds(60)) {
+        const QDeadlineTimer deadline(time);
+        while (!deadline.hasExpired())
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+    }
+    [[nodiscard]] bool connectTo(const std::shared_ptr<MadeBackend> &backend) {
+        m_browser.setBackend(backend);
+        return waitFor([&] { return m_browser.state() == LibraryBrowser::State::connected; });
+    }
+    [[nodiscard]] int countRequests(const QString &beginning) const {
+        return static_cast<int>(m_made->requests.filter(QRegularExpression(u"^"_qs + beginning)).size());
+    }
+
+    std::shared_ptr<MadeBackend> m_made = std::make_shared<MadeBackend>();
+    LibraryBrowser m_browser;
+};
+
+} // namespace vantor

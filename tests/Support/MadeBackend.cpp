@@ -1,0 +1,198 @@
+#include "MadeBackend.h"
+
+#include "MusicBackendKit/MusicBackendError.h"
+
+#include <QBuffer>
+#include <QCoroTimer>
+#include <QImage>
+#include <QPainter>
+#include <QTimer>
+
+namespace vantor {
+
+namespace {
+
+QImage picture(const QString &name, int side) {
+    QImage image(side, side, QImage::Format_RGB32);
+    const int hue = static_cast<int>(qHash(name) % 360);
+    QPainter painter(&image);
+    QLinearGradient colors(0, 0, side, side);
+    colors.setColorAt(0, QColor::fromHsv(hue, 120, 220));
+    colors.setColorAt(1, QColor::fromHsv((hue + 60) % 360, 190, 90));
+    painter.fillRect(image.rect(), colors);
+    painter.setPen(QPen(QColor::fromHsv((hue + 180) % 360, 90, 240), side / 24.0));
+    painter.setRenderHint(QPainter::Antialiasing);
+    const double radius = side * (0.15 + static_cast<double>(qHash(name, 1) % 100) / 400);
+    painter.drawEllipse(QPointF(side * 0.6, side * 0.45), radius, radius);
+    return image;
+}
+
+} // namespace
+
+void MadeBackend::setSize(Size size) {
+    allArtists.clear();
+    allOfAlbums.clear();
+    tracksOf.clear();
+    for (int a = 0; a < size.artists; ++a) {
+        LibraryArtist artist;
+        artist.id = {MediaKind::artist, QString::number(a)};
+        artist.name = QStringLiteral("Artist %1").arg(a);
+        allArtists.append(artist);
+        for (int b = 0; b < size.albumsPerArtist; ++b) {
+            const int number = a * size.albumsPerArtist + b;
+            LibraryAlbum album;
+            album.id = {MediaKind::album, QString::number(number)};
+            album.title = QStringLiteral("Album %1").arg(number);
+            album.artistID = artist.id;
+            album.artistName = artist.name;
+            album.year = 1970 + number % 50;
+            album.artwork = ArtworkRef{album.title};
+            allOfAlbums.append(album);
+            for (int t = 0; t < size.tracksPerAlbum; ++t) {
+                LibraryTrack track;
+                track.id = {MediaKind::track, QStringLiteral("%1/%2").arg(number).arg(t)};
+                track.title = QStringLiteral("Track %1 of %2").arg(t + 1).arg(number);
+                track.artistName = artist.name;
+                track.albumID = album.id;
+                track.albumName = album.title;
+                track.trackNumber = t + 1;
+                track.duration = 120 + (number * 7 + t * 31) % 240;
+                tracksOf[album.id].append(track);
+            }
+        }
+    }
+}
+
+QCoro::Task<> MadeBackend::answer(QString request, std::chrono::milliseconds after) {
+    const auto self = shared_from_this();
+    requests.append(request);
+    QTimer timer;
+    timer.start(after);
+    co_await timer;
+    if (failure)
+        throw MusicBackendError::unreachable(*failure);
+}
+
+template <typename Record>
+QCoro::Task<Page<Record>> MadeBackend::pageOf(const char *what, QList<Record> all, PageRequest page) {
+    co_await answer(QStringLiteral("%1 %2+%3").arg(QLatin1String(what)).arg(page.offset).arg(page.limit),
+                    delay);
+    const std::optional<int> total = tellsTotal ? std::optional(static_cast<int>(all.size())) : std::nullopt;
+    co_return Page<Record>::make(all.mid(page.offset, page.limit), page, total);
+}
+
+QCoro::Task<> MadeBackend::connect() {
+    co_await answer(QStringLiteral("connect"), delay);
+    isConnected = true;
+}
+
+QCoro::Task<> MadeBackend::disconnect() {
+    isConnected = false;
+    m_changes.finish();
+    co_return;
+}
+
+QCoro::Task<Page<LibraryArtist>> MadeBackend::artists(PageRequest page) {
+    return pageOf("artists", allArtists, page);
+}
+
+QCoro::Task<Page<LibraryAlbum>> MadeBackend::albums(std::optional<MediaID> artist, PageRequest page) {
+    if (!artist)
+        return pageOf("albums", allOfAlbums, page);
+    QList<LibraryAlbum> own;
+    for (const LibraryAlbum &album : allOfAlbums) {
+        if (album.artistID == artist)
+            own.append(album);
+    }
+    return pageOf("albums of", own, page);
+}
+
+QCoro::Task<QList<LibraryTrack>> MadeBackend::tracks(MediaID album) {
+    co_await answer(QStringLiteral("tracks ") + album.rawValue, delay);
+    if (!tracksOf.contains(album))
+        throw MusicBackendError::notFound(album);
+    co_return tracksOf.value(album);
+}
+
+QCoro::Task<Page<LibraryPlaylist>> MadeBackend::playlists(PageRequest page) {
+    return pageOf("playlists", allPlaylists, page);
+}
+
+QCoro::Task<QList<LibraryTrack>> MadeBackend::tracksOfPlaylist(MediaID playlist) {
+    return tracks(playlist);
+}
+
+QCoro::Task<Page<LibraryRadio>> MadeBackend::radios(PageRequest page) {
+    return pageOf("radios", allRadios, page);
+}
+
+QCoro::Task<Page<LibraryTrack>> MadeBackend::favoriteTracks(PageRequest page) {
+    return pageOf("favourite tracks", favorites, page);
+}
+
+QCoro::Task<QList<RecommendationRow>> MadeBackend::recommendationRows() {
+    co_await answer(QStringLiteral("recommendations"), delay);
+    QList<RecommendationRow> rows;
+    for (const auto &[row, items] : recommended)
+        rows.append(row);
+    co_return rows;
+}
+
+QCoro::Task<QList<RecommendationItem>> MadeBackend::recommendationItems(RecommendationRow row) {
+    co_await answer(QStringLiteral("recommended ") + row.itemID, delay);
+    const auto found =
+        std::ranges::find(recommended, row, &std::pair<RecommendationRow, QList<RecommendationItem>>::first);
+    co_return found != recommended.end() ? found->second : QList<RecommendationItem>();
+}
+
+QCoro::Task<SearchResults> MadeBackend::search(QString text, int limit) {
+    co_await answer(QStringLiteral("search ") + text, searchDelay ? searchDelay(text) : delay);
+    const auto matches = [&](const QString &name) { return name.contains(text, Qt::CaseInsensitive); };
+    SearchResults results;
+    for (const LibraryArtist &artist : allArtists) {
+        if (matches(artist.name) && results.artists.size() < limit)
+            results.artists.append(artist);
+    }
+    for (const LibraryAlbum &album : allOfAlbums) {
+        if (matches(album.title) && results.albums.size() < limit)
+            results.albums.append(album);
+        for (const LibraryTrack &track : tracksOf.value(album.id)) {
+            if (matches(track.title) && results.tracks.size() < limit)
+                results.tracks.append(track);
+        }
+    }
+    co_return results;
+}
+
+QCoro::Task<QByteArray> MadeBackend::artwork(ArtworkRef ref, int maxPixels) {
+    co_await answer(QStringLiteral("artwork ") + ref.rawValue, delay);
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    picture(ref.rawValue, maxPixels).save(&buffer, "JPG");
+    co_return bytes;
+}
+
+QCoro::Task<> MadeBackend::setFavorite(MediaID item, bool on) {
+    co_await answer(QStringLiteral("favourite ") + item.rawValue, delay);
+    favoritesSet.append({item, on});
+    announce(LibraryChange::favoriteChanged(item, on));
+}
+
+QCoro::Task<QList<OutputDevice>> MadeBackend::outputs() {
+    co_await answer(QStringLiteral("outputs"), delay);
+    co_return speakers;
+}
+
+QCoro::Task<> MadeBackend::play(QList<MediaID> items, OutputDevice on, PlayMode mode) {
+    co_await answer(QStringLiteral("play"), delay);
+    played.append({{items, mode}, on.id});
+}
+
+AsyncStream<LibraryChange> MadeBackend::libraryChanges() {
+    auto [producer, stream] = AsyncStream<LibraryChange>::make(eventBuffer);
+    m_changes = std::move(producer);
+    return std::move(stream);
+}
+
+} // namespace vantor

@@ -149,6 +149,19 @@ Seeds presets() {
             {QStringLiteral("cut"), EQFFile::serialize(std::array{slope, named}).chopped(9)}};
 }
 
+Seeds envelopes() {
+    return {
+        {QStringLiteral("info"),
+         R"({"server_id":"s","server_version":"2.7.0","schema_version":65,"min_supported_schema_version":28,)"
+         R"("base_url":"http://s:8095","homeassistant_addon":true,"onboard_done":true,"name":"n"})"},
+        {QStringLiteral("auth"),
+         R"({"message_id":"1","result":{"authenticated":true,"user":{"user_id":"u","username":"n",)"
+         R"("role":"user","display_name":"d"}},"partial":false})"},
+        {QStringLiteral("piece"), R"({"message_id":7,"result":[{"item_id":"1","name":"t"}],"partial":true})"},
+        {QStringLiteral("error"), R"({"message_id":"7","error_code":23,"details":"d"})"},
+        {QStringLiteral("event"), R"({"event":"queue_updated","object_id":"q","data":{"items":3}})"}};
+}
+
 bool write(const QString &folder, const Seeds &seeds) {
     if (!QDir().mkpath(folder))
         return false;
@@ -173,6 +186,7 @@ int main(int argc, char **argv) {
                          write(folder + QStringLiteral("AniParser"), animations()) &&
                          write(folder + QStringLiteral("EQFFile"), presets()) &&
                          write(folder + QStringLiteral("HttpAnswer"), answers()) &&
+                         write(folder + QStringLiteral("MAEnvelope"), envelopes()) &&
                          write(folder + QStringLiteral("MediaIDTransfer"), transfers()) &&
                          write(folder + QStringLiteral("PlaylistFile"), playlists()) &&
                          write(folder + QStringLiteral("QueueFile"), queues()) &&

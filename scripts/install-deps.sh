@@ -12,7 +12,7 @@ build_packages=(
     git ca-certificates cmake ninja-build ccache pkg-config
     clang-19 lld-19 g++ libc6-dev
     # Libraries.
-    qt6-base-dev qt6-base-dev-tools libgl1-mesa-dev qcoro-qt6-dev
+    qt6-base-dev qt6-base-dev-tools qt6-websockets-dev libgl1-mesa-dev qcoro-qt6-dev qtkeychain-qt6-dev
     libzip-dev zlib1g-dev libavformat-dev libavcodec-dev libavutil-dev libswresample-dev
     libtag1-dev libpulse-dev libsqlite3-dev libssl-dev
     # A font for dialogs and menus; the window system's plugin comes with Qt's library.
@@ -30,8 +30,9 @@ name_libraries() {
     cat <<'TEXT'
 apt-get was not found, so nothing is installed. Vantor needs, by whatever names your system has them:
   compiler and tools      Clang 19 with LLD, CMake 3.25, Ninja, pkg-config, ccache (optional)
-  windows, images, HTTP   Qt 6.4 or later (base: Core, Gui, Widgets, Network, Concurrent, DBus) and OpenGL headers
-  coroutines              QCoro 0.8 or later for Qt 6 (Core)
+  windows, images, HTTP   Qt 6.4 or later (base: Core, Gui, Widgets, Network, Concurrent, DBus; WebSockets) and OpenGL headers
+  coroutines              QCoro 0.8 or later for Qt 6 (Core, DBus)
+  saved tokens            QtKeychain for Qt 6
   ZIP archives            libzip and zlib
   audio decoding          FFmpeg 5.1 or later (libavformat, libavcodec, libavutil, libswresample)
   tags and covers         TagLib

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QByteArray>
+#include <QCoroTask>
+#include <QNetworkAccessManager>
+#include <QUrl>
+
+#include <chrono>
+#include <memory>
+
+namespace vantor {
+
+/// A server's answer over HTTP.
+struct MAHTTPAnswer {
+    int status = 0;
+    QByteArray body;
+};
+
+/// Plain questions to a server, beside the WebSocket. Main thread.
+class MAHTTPTransport {
+  public:
+    virtual ~MAHTTPTransport() = default;
+    /// Redirections are not followed: their status is the answer. Throws MusicAssistantError: `transport`
+    /// when there is no answer or its body is longer than `maxBytes`, `timeout`.
+    [[nodiscard]] virtual QCoro::Task<MAHTTPAnswer> get(QUrl url, qint64 maxBytes,
+                                                        std::chrono::milliseconds timeout) = 0;
+};
+
+/// The real one. It may go while it works.
+class QtHTTPTransport : public MAHTTPTransport {
+  public:
+    QtHTTPTransport();
+    [[nodiscard]] QCoro::Task<MAHTTPAnswer> get(QUrl url, qint64 maxBytes,
+                                                std::chrono::milliseconds timeout) override;
+
+  private:
+    std::shared_ptr<QNetworkAccessManager> m_network; ///< shared with what is under way
+};
+
+} // namespace vantor

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "MusicAssistantKit/Servers/WiFiNetworkProvider.h"
+
+#include <QCoroTask>
+#include <QDBusConnection>
+#include <QDBusServiceWatcher>
+#include <QStringList>
+#include <QVariantMap>
+
+namespace vantor {
+
+/// Asks NetworkManager on a message bus. Without it there is no name. No permission is needed.
+class NetworkManagerWiFi : public WiFiNetworkProvider {
+    Q_OBJECT
+  public:
+    /// The name is known a moment later; networkChanged() tells.
+    explicit NetworkManagerWiFi(const QDBusConnection &bus = QDBusConnection::systemBus());
+
+    [[nodiscard]] std::optional<QString> ssid() const override { return m_ssid; }
+    [[nodiscard]] WiFiAuthorization authorization() const override { return WiFiAuthorization::authorized; }
+
+  private Q_SLOTS:
+    void refresh();
+
+  private:
+    QCoro::Task<> read();
+    QCoro::Task<std::optional<QString>> ssidOf(QStringList connections);
+    QCoro::Task<QVariantMap> properties(QString path, QString interface);
+
+    QDBusConnection m_bus;
+    QDBusServiceWatcher m_watcher;
+    std::optional<QString> m_ssid;
+    QString m_primaryConnection; ///< an object path; another one is another way to the network
+    int m_round = 0;
+};
+
+} // namespace vantor

@@ -1,0 +1,77 @@
+#include "tests/Support/FakeMusicAssistant/FakeMusicAssistant.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QTextStream>
+
+#include <array>
+
+using namespace vantor;
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+struct NamedFault {
+    QString name;
+    FakeMusicAssistant::Fault fault;
+};
+
+const std::array<NamedFault, 11> faults{{
+    {u"none"_s, FakeMusicAssistant::Fault::none},
+    {u"says-nothing"_s, FakeMusicAssistant::Fault::saysNothing},
+    {u"garbage-first"_s, FakeMusicAssistant::Fault::garbageFirst},
+    {u"broken-info"_s, FakeMusicAssistant::Fault::brokenInfo},
+    {u"stalls-during-auth"_s, FakeMusicAssistant::Fault::stallsDuringAuth},
+    {u"drops-during-auth"_s, FakeMusicAssistant::Fault::dropsDuringAuth},
+    {u"event-during-auth"_s, FakeMusicAssistant::Fault::eventDuringAuth},
+    {u"not-authenticated"_s, FakeMusicAssistant::Fault::notAuthenticated},
+    {u"closes-after-auth"_s, FakeMusicAssistant::Fault::closesAfterAuth},
+    {u"redirects"_s, FakeMusicAssistant::Fault::redirects},
+    {u"fails-http"_s, FakeMusicAssistant::Fault::failsHTTP},
+}};
+
+int fail(const QString &message) {
+    QTextStream(stderr) << message << Qt::endl;
+    return 2;
+}
+
+} // namespace
+
+int main(int argc, char **argv) {
+    QCoreApplication application(argc, argv);
+    QStringList faultNames;
+    for (const NamedFault &known : faults)
+        faultNames.append(known.name);
+    QCommandLineParser parser;
+    parser.setApplicationDescription(u"A stand-in for a Music Assistant server, on this machine only."_s);
+    parser.addHelpOption();
+    parser.addOptions(
+        {{u"port"_s, u"Where to listen; 0: any free port."_s, u"N"_s, u"8095"_s},
+         {u"token"_s, u"The token that signs in (made up for tests)."_s, u"TEXT"_s, u"secret-token"_s},
+         {u"server-id"_s, u"The server's ID."_s, u"TEXT"_s, u"fake-server"_s},
+         {u"name"_s, u"The server's name."_s, u"TEXT"_s, u"Fake Home"_s},
+         {u"schema"_s, u"Its schema."_s, u"N"_s, u"65"_s},
+         {u"min-schema"_s, u"The oldest schema that it speaks."_s, u"N"_s, u"28"_s},
+         {u"fault"_s, u"One of: %1."_s.arg(faultNames.join(u", "_s)), u"NAME"_s, u"none"_s}});
+    parser.process(application);
+
+    FakeMusicAssistant server;
+    const auto fault = std::find_if(faults.begin(), faults.end(), [&](const NamedFault &known) {
+        return known.name == parser.value(u"fault"_s);
+    });
+    if (fault == faults.end())
+        return fail(u"There is no fault “%1”."_s.arg(parser.value(u"fault"_s)));
+    server.fault = fault->fault;
+    server.redirectTarget = QUrl(u"http://127.0.0.1:1/info"_s);
+    server.tokens = {parser.value(u"token"_s)};
+    server.info.insert("server_id"_L1, parser.value(u"server-id"_s));
+    server.info.insert("name"_L1, parser.value(u"name"_s));
+    server.info.insert("schema_version"_L1, parser.value(u"schema"_s).toInt());
+    server.info.insert("min_supported_schema_version"_L1, parser.value(u"min-schema"_s).toInt());
+    bool isPort = false;
+    const quint16 port = parser.value(u"port"_s).toUShort(&isPort);
+    if (!isPort || !server.listen(port))
+        return fail(u"Cannot listen on port %1."_s.arg(parser.value(u"port"_s)));
+    QTextStream(stdout) << server.url().toString() << Qt::endl;
+    return QCoreApplication::exec();
+}

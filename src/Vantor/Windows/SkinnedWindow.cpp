@@ -1,6 +1,7 @@
 #include "Vantor/Windows/SkinnedWindow.h"
 
 #include "Vantor/Docking/WindowDockingCoordinator.h"
+#include "Vantor/Windows/IconicHint.h"
 
 #include <QAccessible>
 #include <QApplication>
@@ -136,10 +137,8 @@ void SkinnedWindow::takeWindowState() {
 
 void SkinnedWindow::showIfOpen() {
     const bool isOpen = m_model.windows().isOpen(m_kind);
-    // Window managers tell late, or not at all, that a window is not minimised any more. One that is opened
-    // must not come up as an icon.
-    if (isOpen && !isVisible())
-        setWindowState(windowState() & ~Qt::WindowMinimized);
+    if (isOpen && !isVisible() && windowHandle())
+        forgetIconicHint(*windowHandle());
     setVisible(isOpen);
 }
 

@@ -144,7 +144,7 @@ TEST_F(SkinLibraryModelTest, ChangesInTheFolderShowUpByThemselves) {
 }
 
 TEST_F(SkinLibraryModelTest, ACancelledPassGoesOnWhereItWas) {
-    writeMany("skins", 1500);
+    writeMany("skins", 6000);
     open();
     m_model->setFolder(path("skins"));
     ASSERT_TRUE(waitForBatch());
@@ -152,18 +152,18 @@ TEST_F(SkinLibraryModelTest, ACancelledPassGoesOnWhereItWas) {
     ASSERT_TRUE(waitForEnd());
     const std::int64_t done = m_model->counts().files;
     EXPECT_TRUE(m_model->summary()->cancelled);
-    EXPECT_LT(done, 1500);
+    EXPECT_LT(done, 6000);
     m_model->reindex();
     m_model->reindex(); // during a pass: one more after it
-    ASSERT_TRUE(waitForFiles(1500));
-    EXPECT_EQ(m_model->summary()->unchanged, 1500);
+    ASSERT_TRUE(waitForFiles(6000));
+    EXPECT_EQ(m_model->summary()->unchanged, 6000);
     EXPECT_EQ(m_passes, 3);
 
     m_model->reindex(true);
     m_model->cancel(); // before it has begun
     ASSERT_TRUE(waitForEnd());
     EXPECT_TRUE(m_model->summary()->cancelled);
-    EXPECT_EQ(m_model->counts().files, 1500);
+    EXPECT_EQ(m_model->counts().files, 6000);
 }
 
 TEST_F(SkinLibraryModelTest, AnotherFolderEndsThePassAndTakesItsPlace) {

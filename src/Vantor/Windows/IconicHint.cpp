@@ -28,8 +28,8 @@ struct Free {
 
 void forgetIconicHint(const QWindow &window) {
     const auto *const x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    if (!x11)
-        return;
+    if (!x11 || QGuiApplication::platformName() != QLatin1String("xcb"))
+        return; // where nothing is shown, there may be an X11 without a connection
     xcb_connection_t *const connection = x11->connection();
     const auto id = static_cast<xcb_window_t>(window.winId());
     constexpr std::uint32_t words = std::tuple_size_v<Hints>;

@@ -11,7 +11,7 @@ int main(int argc, char **argv) {
     const int status = RUN_ALL_TESTS();
     // Coroutines whose streams or timers went with the last test end in the event loop; left waiting, they
     // would count as leaks.
-    for (const QDeadlineTimer end(30); !end.hasExpired();)
+    for (const QDeadlineTimer end(100); !end.hasExpired();)
         QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
     return status;
 }

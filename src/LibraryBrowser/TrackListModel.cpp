@@ -11,6 +11,7 @@
 #include <QMimeData>
 #include <QtConcurrentRun>
 
+#include <algorithm>
 #include <numeric>
 
 namespace vantor {
@@ -233,12 +234,15 @@ void TrackListModel::setOrder(const std::vector<int> &order) {
     Q_EMIT layoutAboutToBeChanged({}, VerticalSortHint);
     std::vector<int> rowOf(static_cast<std::size_t>(rowCount())); // by place in the source's order
     std::iota(rowOf.begin(), rowOf.end(), 0);
-    for (std::size_t row = 0; row < order.size(); ++row)
+    for (std::size_t row = 0; row < std::min(order.size(), rowOf.size()); ++row)
         rowOf[static_cast<std::size_t>(order[row])] = static_cast<int>(row);
     QModelIndexList moved;
     const QModelIndexList kept = persistentIndexList();
-    for (const QModelIndex &old : kept)
-        moved.append(index(rowOf[static_cast<std::size_t>(storedRow(old.row()))], old.column()));
+    for (const QModelIndex &old : kept) {
+        // Rows may just be coming or going: a view has asked for more in the midst of it.
+        const auto place = static_cast<std::size_t>(storedRow(old.row()));
+        moved.append(place < rowOf.size() ? index(rowOf[place], old.column()) : QModelIndex());
+    }
     m_order = order;
     changePersistentIndexList(kept, moved);
     Q_EMIT layoutChanged({}, VerticalSortHint);

@@ -57,7 +57,11 @@ class Loader {
         try {
             ask(address, isList);
         } catch (const ProgressiveError &error) {
-            skip(address.url, error.description());
+            if (isList)
+                skip(address.url, error.description());
+            else
+                add(address); // the player says why it does not play, as it does of those that nobody asks
+                              // for
         } catch (const AudioInput::Interrupted &) {
         }
     }

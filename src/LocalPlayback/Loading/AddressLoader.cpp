@@ -113,18 +113,18 @@ class Loader {
                 skip(url, unsupportedAddress); // files of this machine are none of the list's business
         }
         if (parsed.isDamaged)
-            skip(list, damaged);
+            skip(list, damaged, !parsed.lines.empty());
         if (parsed.isCut)
-            skip(list, tooMany);
+            skip(list, tooMany, true);
     }
 
     void add(const PlaylistEntry &entry) {
         if (contents.entries.size() < maxListEntries)
             contents.entries.push_back(entry);
     }
-    void skip(const QUrl &url, const QString &reason) {
+    void skip(const QUrl &url, const QString &reason, bool isPartial = false) {
         if (contents.skipped.size() < maxListEntries)
-            contents.skipped.push_back({url, reason});
+            contents.skipped.push_back({url, reason, isPartial});
     }
 
     const std::stop_token m_stop;

@@ -13,9 +13,12 @@ static constexpr double secondsInReserve = 1;
 static constexpr std::size_t mostFollowers = PlayerNode::followerSpan;
 
 void Player::Private::Follower::take(const TrackStreamer::Report &news) {
-    report = news;
+    if (news.endsInNode)
+        failure = news.error;
+    else
+        report = news;
     if (news.error)
-        seconds = 0;
+        seconds = 0; // or little, of which nobody knows how much
     else
         seconds = news.duration > 0 ? news.duration : std::numeric_limits<double>::infinity();
 }
@@ -44,10 +47,12 @@ void Player::Private::planFollowers() {
     bool isNew = false;
     std::size_t count = 0;
     double seconds = 0;
-    int failures = consecutiveFailures;
+    int failures = failureAtEnd ? consecutiveFailures + 1 : consecutiveFailures;
     bool isInNextPass = false;
     std::optional<PlayQueue> ahead; // taken along when the first one is not enough
     std::optional<int> index = queue.indexAfterCurrentEnds();
+    if (failureAtEnd && !PlayerRules::skipsAfterFailure(queue, failures))
+        index.reset(); // it will be the end
     while (index && count < mostFollowers) {
         const Track &next = queue.tracks()[static_cast<std::size_t>(*index)];
         if (count == followers.size() || followers[count].trackID != next.id) {
@@ -70,8 +75,8 @@ void Player::Private::planFollowers() {
         isInNextPass = isInNextPass || (ahead->isShuffled() && ahead->repeatMode() == RepeatMode::all &&
                                         ahead->shufflePosition() == 0);
         const bool isDrawn = !isInNextPass || ahead->shufflePosition() + 1 < ahead->count();
-        const bool fails = follower.report && follower.report->error;
-        failures = fails ? failures + 1 : 0;
+        const bool fails = follower.fails();
+        failures = follower.isSilent() ? failures + 1 : fails ? 1 : 0;
         if (!isDrawn || (fails && !PlayerRules::skipsAfterFailure(*ahead, failures)))
             break;
         index = ahead->indexAfterCurrentEnds();
@@ -97,7 +102,7 @@ void Player::Private::sendFollowers(const Follower *adopted) {
     if (adopted)
         requests.push_back(requestFor(*adopted));
     for (const Follower &follower : followers) {
-        if (!follower.report || !follower.report->error)
+        if (!follower.isSilent())
             generations.push_back(follower.generation);
         if (!follower.url.isEmpty())
             requests.push_back(requestFor(follower));
@@ -108,6 +113,7 @@ void Player::Private::sendFollowers(const Follower *adopted) {
 
 void Player::Private::forgetFollowers() {
     followers.clear();
+    failureAtEnd.reset();
     endHeardAt.reset();
 }
 
@@ -136,6 +142,7 @@ void Player::Private::adoptFollower() {
     url = adopted.url;
     download = sounds ? report->download : nullptr;
     fileDuration = sounds ? report->duration : 0;
+    failureAtEnd = adopted.failure;
     endHeardAt.reset();
     if (sounds)
         consecutiveFailures = 0;

@@ -112,12 +112,17 @@ void Player::Private::streamerReported(const TrackStreamer::Report &report) {
     const auto follower = std::ranges::find(followers, report.generation, &Follower::generation);
     if (follower != followers.end()) {
         follower->take(report);
-        if (report.error)
-            sendFollowers(); // what had been decoded before it failed shall not be heard
+        if (follower->isSilent())
+            sendFollowers(); // without it
         planFollowers();
     }
     if (report.generation != generation)
         return;
+    if (report.error && report.endsInNode) {
+        failureAtEnd = report.error;
+        planFollowers();
+        return;
+    }
     if (report.error) {
         trackFailed(*report.error);
         return;
@@ -244,7 +249,8 @@ void Player::Private::tick() {
     }
     if (state == PlaybackState::playing)
         showTime(progress);
-    const bool isNearEnd = duration() > 0 && duration() - currentTime < output->latency() + endWatchSeconds;
+    const bool isNearEnd =
+        failureAtEnd || (duration() > 0 && duration() - currentTime < output->latency() + endWatchSeconds);
     if (state == PlaybackState::playing || endHeardAt)
         timeUpdates.start(isNearEnd || endHeardAt ? endWatchPeriod : timeUpdatePeriod);
 }
@@ -259,6 +265,10 @@ void Player::Private::showTime(const PlayerNode::Progress &progress) {
 }
 
 void Player::Private::trackEnded() {
+    if (failureAtEnd) {
+        trackFailed(PlaybackError(*failureAtEnd));
+        return;
+    }
     if (followers.empty()) {
         stop();
         return;

@@ -90,8 +90,11 @@ class Player::Private {
         QUrl url;
         double seconds = 0;                          ///< how long it plays; infinite when unknown
         std::optional<TrackStreamer::Report> report; ///< once its first sound is decoded, or it failed
+        std::optional<PlaybackError> failure;        ///< why it ends early, behind that sound
 
         void take(const TrackStreamer::Report &report);
+        [[nodiscard]] bool isSilent() const { return report && report->error; }
+        [[nodiscard]] bool fails() const { return isSilent() || failure; }
     };
     [[nodiscard]] Follower makeFollower(const Track &track);
     [[nodiscard]] TrackStreamer::Request requestFor(const Follower &follower) const;
@@ -121,6 +124,8 @@ class Player::Private {
     std::uint32_t lastGeneration = 0;
     unsigned startsAndStops = 0;     ///< so far: tells whether an observer has given another command
     std::vector<Follower> followers; ///< in the order in which they are played
+    /// Why the current track ends early: it fails when what was decoded of it has been heard.
+    std::optional<PlaybackError> failureAtEnd;
     /// When the current track's last frame is heard; known once it has been rendered.
     std::optional<std::chrono::steady_clock::time_point> endHeardAt;
 

@@ -131,18 +131,26 @@ TrackStreamer::Wait TrackStreamer::work() {
         dropDecoder(); // in the middle of something
         return Wait::forRequest;
     } catch (const AudioCoreError &error) {
-        reportFailure(error);
+        return breakOff(error);
     } catch (const ProgressiveError &error) {
-        reportFailure(error);
+        return breakOff(error);
     } catch (const std::exception &) { // out of memory
-        reportFailure(AudioCoreError::readFailure());
+        return breakOff(AudioCoreError::readFailure());
     }
+}
+
+// What has been decoded already is heard, and the failure told when its end is in the node.
+TrackStreamer::Wait TrackStreamer::breakOff(const PlaybackError &error) {
+    m_failure = error;
+    if (m_hasBegun && !m_isReported)
+        reportBegin();
     dropDecoder();
     m_input.reset();
-    m_request.node.reset();
-    m_isComplete = true;
-    becomeFollower();
-    return m_isComplete ? Wait::forRequest : Wait::none;
+    if (!m_hasBegun)
+        return finish();
+    m_block = {};
+    m_atEnd = true;
+    return Wait::none;
 }
 
 // It may be the follower's already.
@@ -155,6 +163,7 @@ void TrackStreamer::begin() {
     m_hasBegun = false;
     m_isReported = false;
     m_atEnd = false;
+    m_failure.reset();
     const bool isJoined = m_request.node && m_joined == m_request.generation;
     m_block = std::exchange(m_rest, {});
     m_joined = 0;
@@ -267,8 +276,10 @@ bool TrackStreamer::hasEnoughAhead() const {
 }
 
 TrackStreamer::Wait TrackStreamer::finish() {
-    if (!m_request.node->endSegment())
+    if (m_hasBegun && !m_request.node->endSegment())
         return Wait::shortly;
+    if (m_failure)
+        reportFailure();
     m_isComplete = true;
     becomeFollower();
     return m_isComplete ? Wait::forRequest : Wait::none;
@@ -284,8 +295,13 @@ void TrackStreamer::reportBegin() {
             .error = std::nullopt});
 }
 
-void TrackStreamer::reportFailure(const PlaybackError &error) {
-    report({.generation = m_request.generation, .format = {}, .duration = 0, .download = {}, .error = error});
+void TrackStreamer::reportFailure() {
+    report({.generation = m_request.generation,
+            .format = {},
+            .duration = 0,
+            .download = {},
+            .error = m_failure,
+            .endsInNode = m_hasBegun});
 }
 
 void TrackStreamer::report(Report report) {

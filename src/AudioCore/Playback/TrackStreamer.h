@@ -35,13 +35,14 @@ class TrackStreamer : public QObject {
         std::stop_token stop = {};        ///< the streamer's own: something else is wanted
     };
 
-    /// The first sound of a request is in the node, or the request failed.
+    /// The first sound of a request is in the node, or the request failed, or both, one after the other.
     struct Report {
         std::uint32_t generation = 0;
         PlaybackFormat format;
         double duration = 0;                            ///< seconds; 0 when unknown
         std::shared_ptr<const DownloadBuffer> download; ///< none for local files
         std::optional<PlaybackError> error;
+        bool endsInNode = false; ///< with an error: the node has the sound from before it, and its end
     };
 
     /// Reports arrive through the event loop of the thread that makes the streamer.
@@ -74,6 +75,7 @@ class TrackStreamer : public QObject {
     void stopAllBut(const FollowUp &wanted) VANTOR_REQUIRES(m_mutex);
     [[nodiscard]] bool hasNews() const VANTOR_REQUIRES(m_mutex);
     [[nodiscard]] Wait work();
+    [[nodiscard]] Wait breakOff(const PlaybackError &error);
     void dropDecoder();
     void begin();
     void open();
@@ -84,7 +86,7 @@ class TrackStreamer : public QObject {
     [[nodiscard]] bool hasEnoughAhead() const;
     void report(Report report);
     void reportBegin();
-    void reportFailure(const PlaybackError &error);
+    void reportFailure();
     void deliverReports();
 
     const std::function<void(const Report &)> m_onReport;
@@ -106,7 +108,8 @@ class TrackStreamer : public QObject {
     bool m_isReported = false;
     bool m_hasBegun = false;
     bool m_atEnd = false;
-    std::shared_ptr<AudioInput> m_input; ///< stays when the decoder goes, so that no download starts again
+    std::optional<PlaybackError> m_failure; ///< what makes m_request end early
+    std::shared_ptr<AudioInput> m_input;    ///< stays when the decoder goes, so that no download starts again
     std::shared_ptr<const DownloadBuffer> m_download;
     QUrl m_inputUrl;
     std::unique_ptr<AudioFileDecoder> m_decoder;

@@ -27,6 +27,7 @@ Player::Private::Follower Player::Private::makeFollower(const Track &track) {
     Follower follower;
     follower.trackID = track.id;
     follower.generation = newGeneration();
+    follower.range = track.range;
     follower.seconds = track.duration > 0 ? track.duration : std::numeric_limits<double>::infinity();
     try {
         follower.url = resolver->resolve(track);
@@ -90,6 +91,7 @@ void Player::Private::planFollowers() {
 TrackStreamer::Request Player::Private::requestFor(const Follower &follower) const {
     return {.generation = follower.generation,
             .url = follower.url,
+            .range = follower.range,
             .start = 0,
             .sampleRate = graph->sampleRate(),
             .node = graph->node()};
@@ -140,6 +142,7 @@ void Player::Private::adoptFollower() {
     const bool sounds = report && !report->error;
     generation = adopted.generation;
     url = adopted.url;
+    range = adopted.range;
     download = sounds ? report->download : nullptr;
     fileDuration = sounds ? report->duration : 0;
     failureAtEnd = adopted.failure;

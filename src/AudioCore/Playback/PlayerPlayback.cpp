@@ -55,6 +55,7 @@ void Player::Private::requestFrom(double seconds) {
     graph->node()->discardBefore(generation);
     streamer.play({.generation = generation,
                    .url = url,
+                   .range = range,
                    .start = seconds,
                    .sampleRate = graph->sampleRate(),
                    .node = graph->node()});
@@ -90,6 +91,7 @@ void Player::Private::startCurrentTrack(bool autoplay) {
         graph->node()->pause();
         graph->node()->discardBefore(generation);
         url = resolver->resolve(*track);
+        range = track->range;
         requestFrom(0);
     } catch (const AudioCoreError &error) {
         // Through the event loop like every other failure: a long list of missing files is no recursion.

@@ -5,6 +5,7 @@
 #include "AudioCore/Network/DownloadBuffer.h"
 #include "AudioCore/Playback/PlaybackError.h"
 #include "AudioCore/PlaybackFormat.h"
+#include "AudioCore/Queue/TrackRange.h"
 #include "Platform/ThreadSafety.h"
 
 #include <QObject>
@@ -28,8 +29,10 @@ class TrackStreamer : public QObject {
   public:
     struct Request {
         std::uint32_t generation = 0;
-        QUrl url;         ///< a local file, or what ProgressiveInput takes
-        double start = 0; ///< seconds; above 0 what is open already is used again, and radio goes on as it is
+        QUrl url;                             ///< a local file, or what ProgressiveInput takes
+        std::optional<TrackRange> range = {}; ///< of the file; none: all of it
+        double start = 0; ///< seconds in the track; above 0 what is open already is used again, and radio
+                          ///< goes on as it is
         int sampleRate = 0;
         std::shared_ptr<PlayerNode> node; ///< none: rest and close the file
         std::stop_token stop = {};        ///< the streamer's own: something else is wanted
@@ -84,6 +87,9 @@ class TrackStreamer : public QObject {
     [[nodiscard]] Wait fill();
     [[nodiscard]] Wait finish();
     [[nodiscard]] bool hasEnoughAhead() const;
+    [[nodiscard]] double place() const;
+    [[nodiscard]] std::int64_t framesOfRequest() const;
+    [[nodiscard]] double duration() const;
     void report(Report report);
     void reportBegin();
     void reportFailure();
@@ -115,13 +121,14 @@ class TrackStreamer : public QObject {
     std::unique_ptr<AudioFileDecoder> m_decoder;
     int m_decoderRate = 0;
     std::span<const StereoFrame> m_block; ///< decoded and not yet in the node
+    std::span<const StereoFrame> m_rest;  ///< decoded behind m_block
+    std::int64_t m_framesDue = 0;         ///< still to be taken for m_request, if the decoder has them
+    std::optional<double> m_readUpTo;     ///< seconds in the file: the end of a range that has been read
 
     // Between the end of a file whose sample rate is changed and its follower's beginning: both are resampled
     // as one sound, so the first frames that the follower's decoder gives are the file's last.
-    std::uint32_t m_joined = 0;          ///< generation of the follower that m_decoder belongs to already
-    std::int64_t m_framesOfTail = 0;     ///< still to be read
-    std::span<const StereoFrame> m_rest; ///< read with them: the follower's
-    std::uint32_t m_joinTried = 0;       ///< generation of a follower
+    std::uint32_t m_joined = 0;    ///< generation of the follower that m_decoder belongs to already
+    std::uint32_t m_joinTried = 0; ///< generation of a follower
 
     std::thread m_thread; ///< last: it uses the others
 };

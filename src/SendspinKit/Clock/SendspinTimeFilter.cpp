@@ -6,11 +6,11 @@ namespace vantor {
 
 namespace {
 
-/// 2^62: far beyond every instant, and sums of two of them still fit.
+/// 2^62: far beyond every instant, and fits. What is no number becomes one, too.
 constexpr double largest = 4611686018427387904.0;
 
 std::int64_t rounded(double instant) {
-    return std::llround(std::min(std::max(instant, -largest), largest));
+    return std::llround(std::min(largest, std::max(-largest, instant)));
 }
 
 double squared(double value) {

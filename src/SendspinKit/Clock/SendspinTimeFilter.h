@@ -13,13 +13,13 @@ namespace vantor {
 class SendspinTimeFilter {
   public:
     struct Config {
-        double processStdDev = 0.0;         ///< process noise of the offset, per microsecond gone by
-        double driftProcessStdDev = 1e-11;  ///< process noise of the drift
-        double forgetFactor = 2.0;          ///< how much the covariance grows on an outlier; applied squared
-        double adaptiveCutoff = 3.0;        ///< an outlier is off by more than this many times the error
-        int minSamples = 100;               ///< that many are taken before anything counts as an outlier
+        double processStdDev = 0.0;        ///< process noise of the offset, per microsecond gone by
+        double driftProcessStdDev = 1e-11; ///< process noise of the drift
+        double forgetFactor = 2.0;         ///< how much the covariance grows on an outlier; applied squared
+        double adaptiveCutoff = 3.0;       ///< an outlier is off by more than this many times the error
+        int minSamples = 100;              ///< that many are taken before anything counts as an outlier
         double driftSignificanceThreshold = 2.0; ///< in standard deviations of the drift
-        double maxErrorScale = 0.5;         ///< the standard deviation of a measurement, in its maximal errors
+        double maxErrorScale = 0.5; ///< the standard deviation of a measurement, in its maximal errors
 
         bool operator==(const Config &) const = default;
     };

@@ -8,15 +8,15 @@ namespace vantor {
 /// What a session tells the player. A value, cheap to copy.
 ///
 /// On each connection: `Connected` once the server has accepted the player, `Synchronized` when its clock is
-/// known, and `Disconnected` at the end. Streams come in between, also before `Synchronized`: their chunks are
-/// kept until then.
+/// known, and `Disconnected` at the end. Streams come in between, also before `Synchronized`: their chunks
+/// are kept until then.
 struct SendspinEvent {
     struct Connected {
         SendspinServerHello server;
         bool operator==(const Connected &) const = default;
     };
-    /// The chunks that follow are coded like this. While another stream is under way, its chunks that have yet
-    /// to be heard stay.
+    /// The chunks that follow are coded like this. While another stream is under way, its chunks that have
+    /// yet to be heard stay.
     struct StreamStarted {
         SendspinStreamFormat format;
         bool operator==(const StreamStarted &) const = default;
@@ -42,8 +42,8 @@ struct SendspinEvent {
         SendspinGroupUpdate update;
         bool operator==(const GroupUpdated &) const = default;
     };
-    /// Nothing of this connection follows. Unless the session was stopped, it tries again by itself. Comes for
-    /// an attempt that failed as well.
+    /// Nothing of this connection follows. Unless the session was stopped, it tries again by itself. Comes
+    /// for an attempt that failed as well.
     struct Disconnected {
         std::optional<SendspinError> reason; ///< none: the session was stopped
         bool operator==(const Disconnected &) const = default;

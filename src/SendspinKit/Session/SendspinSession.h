@@ -30,11 +30,15 @@ using SendspinReconnectPolicy = ReconnectPolicy;
 ///     thread.start();
 ///
 /// Its functions may be called from any thread; what they ask for happens in the session's thread, in the
-/// order of the calls. Its signals come from there; who lives elsewhere gets them by queued calls. Destroyed in
-/// its thread, it takes its leave of the server ("shutdown").
+/// order of the calls. Its signals come from there; who lives elsewhere gets them by queued calls. Destroyed
+/// in its thread, it takes its leave of the server ("shutdown").
 class SendspinSession : public QObject {
     Q_OBJECT
   public:
+    /// The longest frame that a server has reason to send, for the transports: QtWebSocketTransports
+    /// transports(SendspinSession::longestFrame).
+    static constexpr qint64 longestFrame = 1 << 20;
+
     /// The collaborators outlive the session and are used in its thread.
     SendspinSession(MAWebSocketTransports &transports, Scheduler &scheduler, const SendspinClock &clock,
                     SendspinReconnectPolicy reconnect = SendspinReconnectPolicy::standard());
@@ -47,8 +51,9 @@ class SendspinSession : public QObject {
     /// What the server is told from now on; at once when it is connected.
     void report(const SendspinPlayerState &state);
 
-    /// Any thread: what is known of the server's clock, as of the last burst. Of a connection that has yet to
-    /// be synchronized: what an earlier one has left behind, so that what is still buffered plays on.
+    /// Any thread: what is known of the server's clock, as of the last burst. From the beginning of a
+    /// connection until `Synchronized` it is as new; while a clock that has jumped is learnt anew, it stays
+    /// what it was.
     [[nodiscard]] SendspinClockState clock() const VANTOR_EXCLUDES(m_publishing);
 
   Q_SIGNALS:

@@ -58,8 +58,8 @@ struct SendspinIncoming {
     };
     using GroupUpdate = SendspinGroupUpdate;
     struct ServerCommand {
-        QString command; ///< "volume", "mute", "set_static_delay", "set_output_delay" or another
-        std::optional<int> volume;        ///< 0…100
+        QString command;           ///< "volume", "mute", "set_static_delay", "set_output_delay" or another
+        std::optional<int> volume; ///< 0…100
         std::optional<bool> mute;
         std::optional<int> staticDelayMs; ///< 0…`maxStaticDelayMs`
         bool operator==(const ServerCommand &) const = default;

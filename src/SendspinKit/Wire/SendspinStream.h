@@ -19,12 +19,12 @@ struct SendspinAudioFormat {
 
 /// How the chunks of a stream are coded, as the server announces it. A value.
 ///
-/// The numbers are at least 1 and at most `maxChannels`, `maxSampleRate`, `maxBitDepth`; what else they are,
-/// and the codec, nobody has looked at: a server may announce a format that was not offered.
+/// The numbers are in the ranges below; what else they are, and the codec, nobody has looked at: a server may
+/// announce a format that was not offered.
 struct SendspinStreamFormat {
-    static constexpr int maxChannels = 64;
-    static constexpr int maxSampleRate = 1'000'000;
-    static constexpr int maxBitDepth = 64;
+    static constexpr int maxChannels = 64;          ///< at least 1
+    static constexpr int maxSampleRate = 1'000'000; ///< at least 1
+    static constexpr int maxBitDepth = 64;          ///< at least 0, which tells nothing
 
     QString codec;
     int sampleRate = 0; ///< in Hz

@@ -124,7 +124,8 @@ class PagedModelTest : public BrowserFixture {
         onlooker.scrollTo(static_cast<int>(m_random.bounded(2000)));
         const QStringList all = expected();
         EXPECT_TRUE(waitFor([&] {
-            const QStringList inView = all.mid(onlooker.top(), std::max<qsizetype>(onlooker.titles().size(), 50));
+            const QStringList inView =
+                all.mid(onlooker.top(), std::max<qsizetype>(onlooker.titles().size(), 50));
             return model.hasAnswer() && onlooker.titles() == inView;
         })) << "rows "
             << model.rowCount() << " of " << all.size() << ", seen at " << onlooker.top() << ": "

@@ -6,7 +6,6 @@
 #include <QObject>
 
 #include <deque>
-#include <functional>
 
 namespace vantor {
 
@@ -47,17 +46,9 @@ class LibraryBrowser : public QObject {
     [[nodiscard]] std::optional<OutputDevice> output() const;
     void chooseOutput(const OutputDevice::ID &id);
 
-    /// What is to happen when the turn of a request has come, and when the source has carried it out or
-    /// refused.
-    struct Turn {
-        std::function<void()> begins;
-        std::function<void()> ends;
-    };
-
     // What goes wrong with these is told by failed().
     /// Requests are carried out one after another.
-    void play(const PlayRequest &request) { play(request, Turn()); }
-    void play(const PlayRequest &request, const Turn &turn);
+    void play(const PlayRequest &request);
     void setFavorite(const QList<MediaID> &ids, bool on);
 
   Q_SIGNALS:
@@ -82,7 +73,7 @@ class LibraryBrowser : public QObject {
     State m_state = State::noSource;
     std::optional<LibraryFailure> m_failure;
     QList<OutputDevice> m_outputs;
-    std::deque<std::pair<PlayRequest, Turn>> m_plays; ///< the first one is being carried out
+    std::deque<PlayRequest> m_plays; ///< the first one is being carried out
     OutputDevice::ID m_output = OutputDevice::thisMacID();
     AsyncStream<LibraryChange> m_changes;
     /// Whose answers are awaited.

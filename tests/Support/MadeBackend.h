@@ -33,8 +33,10 @@ class MadeBackend : public MusicBackend {
     QList<std::pair<RecommendationRow, QList<RecommendationItem>>> recommended;
     QList<OutputDevice> speakers{OutputDevice::thisMac()};
     bool tellsTotal = true;
+    std::optional<int> claimedTotal; ///< instead of the true one
 
-    /// How long answers take from now on, and what every request fails with.
+    /// How long answers take from now on, below zero when they are there at once, and what every request
+    /// fails with.
     std::chrono::milliseconds delay{0};
     std::optional<QString> failure;
     /// How long the answer to a search takes; without it, as everything.

@@ -19,8 +19,6 @@ namespace vantor {
 
 namespace {
 
-using ::operator|; // of keys, which our own flags' operators hide
-
 const QString geometryKey = QStringLiteral("library/geometry");
 const QString splitterKey = QStringLiteral("library/splitter");
 const QString sectionKey = QStringLiteral("library/section");

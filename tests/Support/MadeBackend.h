@@ -69,8 +69,10 @@ class MadeBackend : public MusicBackend {
     AsyncStream<NowPlaying> nowPlaying(OutputDevice::ID) override { return {}; }
     AsyncStream<LibraryChange> libraryChanges() override;
 
-  private:
+  protected:
     QCoro::Task<> answer(QString request, std::chrono::milliseconds after);
+
+  private:
     template <typename Record>
     QCoro::Task<Page<Record>> pageOf(const char *what, QList<Record> all, PageRequest page);
 

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "AudioCore/Playback/Player.h"
 #include "FolderBackendKit/LocalOutput.h"
+#include "Vantor/Model/PlayerModel.h"
 
 namespace vantor {
 
-/// The program's own player as the output of a music folder. Main thread; borrows the player.
+/// The program's own player as the output of a music folder. Main thread; borrows the model.
 class LibraryOutput : public QObject, public LocalOutput {
     Q_OBJECT
 
@@ -13,7 +13,7 @@ class LibraryOutput : public QObject, public LocalOutput {
     using TrackFinder = std::function<std::optional<MediaID>(const QUrl &)>;
     using Receiver = std::function<void(const std::vector<Track> &)>;
 
-    explicit LibraryOutput(Player &player, QObject *parent = nullptr);
+    explicit LibraryOutput(PlayerModel &model, QObject *parent = nullptr);
     ~LibraryOutput() override;
 
     /// Tells which item of the library a file is.
@@ -29,7 +29,7 @@ class LibraryOutput : public QObject, public LocalOutput {
     [[nodiscard]] NowPlaying present() const;
     void tell();
 
-    Player &m_player;
+    PlayerModel &m_model;
     PlayerEventToken m_observer;
     TrackFinder m_finder;
     Receiver m_receiver;

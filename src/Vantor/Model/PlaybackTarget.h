@@ -11,9 +11,9 @@ namespace vantor {
 /// What plays, as far as transport controls show it.
 struct PlaybackView {
     PlaybackState state = PlaybackState::stopped;
-    bool wantsToPlay = false; ///< it plays, or will as soon as it has loaded
-    double elapsed = 0;       ///< seconds
-    double duration = 0;      ///< seconds, 0 when unknown
+    bool wantsToPlay = false;     ///< it plays, or will as soon as it has loaded
+    double elapsed = 0;           ///< seconds
+    double duration = 0;          ///< seconds, 0 when unknown
     std::optional<double> volume; ///< 0…1; none when it cannot be set
     double balance = 0;           ///< −1…1
     bool isShuffled = false;

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QCoroTask>
-
 #include <QTimer>
 
 #include <functional>

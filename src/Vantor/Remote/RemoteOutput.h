@@ -6,6 +6,7 @@
 #include "Vantor/Remote/LatestSender.h"
 #include "Vantor/Remote/OutputMemory.h"
 
+#include <QImage>
 #include <QTimer>
 
 namespace vantor {
@@ -22,7 +23,6 @@ class RemoteOutput : public QObject, public PlaybackTarget {
 
   public:
     explicit RemoteOutput(QSettings &settings, QObject *parent = nullptr);
-    ~RemoteOutput() override;
 
     /// Whose source and output it follows from now on; nullptr before the browser goes.
     void setBrowser(LibraryBrowser *browser);
@@ -34,7 +34,7 @@ class RemoteOutput : public QObject, public PlaybackTarget {
     /// The speaker; only while one is selected.
     [[nodiscard]] const OutputDevice &device() const { return *m_device; }
     void select(const OutputDevice &output);
-    /// This computer.
+    /// This computer instead.
     void deselect();
 
     [[nodiscard]] PlaybackView view() const override;
@@ -43,55 +43,70 @@ class RemoteOutput : public QObject, public PlaybackTarget {
     [[nodiscard]] NowPlaying nowPlaying() const;
     /// The main window's title line.
     [[nodiscard]] QString title() const;
-    /// Encoded, when it plays something that has a picture; empty otherwise or before it was loaded.
-    [[nodiscard]] const QByteArray &artwork() const { return m_artwork; }
-
+    /// Of what plays, once it has been loaded; else null.
+    [[nodiscard]] const QImage &artwork() const { return m_artwork; }
     [[nodiscard]] const RemoteQueueSnapshot &queue() const { return m_queue; }
-    void play(const QList<MediaID> &items, PlayMode mode);
+
+    /// Also of the source of a speaker that is not there.
+    [[nodiscard]] MusicBackendCapabilities capabilities() const;
+    void play(const QList<MediaID> &items, const PlayMode &mode);
     void saveQueue(const QString &name);
     void favoriteCurrent();
-    [[nodiscard]] MusicBackendCapabilities capabilities() const;
 
-    /// The source, while the speaker is there: for operations of its queue. Failures go to fail().
+    /// The source, as long as the speaker is there.
     [[nodiscard]] const std::shared_ptr<MusicBackend> &backend() const { return m_backend; }
-    /// Tells an error, or that the output is not available.
+    /// Tells the error of an operation.
     void fail(const std::exception_ptr &error);
 
   Q_SIGNALS:
     void selectionChanged(); ///< another output, or whether it is available
-    void changed();          ///< what plays, its time or volume
+    void changed();          ///< anything that view() or title() tells
+    void itemChanged();      ///< something else plays
     void seeked(double seconds);
     void queueChanged();
     void failed(const QString &sentence);
 
   private:
+    void recall();
     void takeOutput();
-    void takeSource();
-    void watch();
+    void watch(const std::shared_ptr<MusicBackend> &backend);
     QCoro::Task<> followPlaying();
     QCoro::Task<> followQueue();
     QCoro::Task<> send(TransportCommand command);
-    QCoro::Task<> loadArtwork(ArtworkRef ref);
-    void take(const NowPlaying &playing);
+    QCoro::Task<> report(QCoro::Task<> operation);
+    QCoro::Task<> loadArtwork();
+    /// False, and told, when the speaker is not there.
+    bool isReady();
+    void expectState(NowPlaying::State state);
+    void forgetExpectations();
+    void confirm(const NowPlaying &told);
+    void take(const NowPlaying &told);
     void startClock();
 
-    LibraryBrowser *m_browser = nullptr;
+    struct Place {
+        double elapsed = 0;
+        double at = 0;
+    };
+
     OutputMemory m_memory;
+    LibraryBrowser *m_browser = nullptr;
     std::optional<OutputDevice> m_device;
-    std::shared_ptr<MusicBackend> m_backend; ///< while the speaker is there
+    std::shared_ptr<MusicBackend> m_backend;
+    std::shared_ptr<char> m_watch = std::make_shared<char>(); ///< whose streams and answers count
     AsyncStream<NowPlaying> m_playingStream;
     AsyncStream<RemoteQueueSnapshot> m_queueStream;
-    NowPlaying m_playing;
+    NowPlaying m_playing; ///< as the server told it
     RemoteQueueSnapshot m_queue;
-    QByteArray m_artwork;
+    QImage m_artwork;
     Expected<NowPlaying::State> m_state;
     Expected<double> m_volume;
-    Expected<std::pair<double, double>> m_place; ///< seconds, at an instant
+    Expected<Place> m_place;
     Expected<bool> m_shuffle;
     Expected<bool> m_repeat;
     LatestSender m_volumeSender;
     LatestSender m_seekSender;
-    QTimer m_clock; ///< to the next whole second of the speaker
+    QTimer m_clock;  ///< to the next whole second of the speaker
+    QTimer m_expiry; ///< to when nothing is expected any more
 };
 
 } // namespace vantor

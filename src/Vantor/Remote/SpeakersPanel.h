@@ -2,22 +2,44 @@
 
 #include "Vantor/Remote/Speakers.h"
 
-#include <QWidget>
+#include <QDialog>
+#include <QScrollArea>
 
 class QToolButton;
+class QVBoxLayout;
 
 namespace vantor {
 
-/// A row for each output: choosing it, what it plays, its volume, its group, moving the music there. Main
+class SpeakerRow;
+
+/// Every output of the music source with what it plays, to be selected, turned up and down, and grouped. Main
 /// thread; borrows the output.
-class SpeakersPanel : public QWidget {
+class SpeakersPanel : public QScrollArea {
     Q_OBJECT
 
   public:
     explicit SpeakersPanel(RemoteOutput &selected, QWidget *parent = nullptr);
+
+    [[nodiscard]] QSize sizeHint() const override;
+
+  private:
+    void takeRows();
+
+    Speakers m_speakers;
+    QVBoxLayout *m_layout;
+    std::map<QString, SpeakerRow *> m_rows; ///< by output
 };
 
-/// Names the selected output and opens the panel above itself. For the foot of a window.
-[[nodiscard]] QToolButton *makeOutputButton(RemoteOutput &selected, QWidget *parent);
+/// The panel as a window. Deletes itself when it is closed.
+class SpeakersDialog : public QDialog {
+    Q_OBJECT
+
+  public:
+    SpeakersDialog(RemoteOutput &selected, QWidget *parent);
+};
+
+/// A button that names the selected output and opens the panel above itself, for the foot of a window; hidden
+/// while there is nothing to choose.
+[[nodiscard]] QToolButton *makeOutputButton(RemoteOutput &selected, QWidget *parent = nullptr);
 
 } // namespace vantor

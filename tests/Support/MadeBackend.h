@@ -88,8 +88,10 @@ class MadeBackend : public MusicBackend {
     AsyncStream<NowPlaying> nowPlaying(OutputDevice::ID on) override;
     AsyncStream<LibraryChange> libraryChanges() override;
 
-  private:
+  protected:
     QCoro::Task<> answer(QString request, std::chrono::milliseconds after);
+
+  private:
     template <typename Record>
     QCoro::Task<Page<Record>> pageOf(const char *what, QList<Record> all, PageRequest page);
 

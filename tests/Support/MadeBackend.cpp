@@ -143,9 +143,11 @@ NowPlaying MadeBackend::somethingPlaying() const {
 QCoro::Task<> MadeBackend::answer(QString request, std::chrono::milliseconds after) {
     const auto self = shared_from_this();
     requests.append(request);
-    QTimer timer;
-    timer.start(after);
-    co_await timer;
+    if (after.count() >= 0) {
+        QTimer timer;
+        timer.start(after);
+        co_await timer;
+    }
     if (failure)
         throw MusicBackendError::unreachable(*failure);
 }
@@ -154,7 +156,8 @@ template <typename Record>
 QCoro::Task<Page<Record>> MadeBackend::pageOf(const char *what, QList<Record> all, PageRequest page) {
     co_await answer(QStringLiteral("%1 %2+%3").arg(QLatin1String(what)).arg(page.offset).arg(page.limit),
                     delay);
-    const std::optional<int> total = tellsTotal ? std::optional(static_cast<int>(all.size())) : std::nullopt;
+    const int count = claimedTotal.value_or(static_cast<int>(all.size()));
+    const std::optional<int> total = tellsTotal ? std::optional(count) : std::nullopt;
     co_return Page<Record>::make(all.mid(page.offset, page.limit), page, total);
 }
 

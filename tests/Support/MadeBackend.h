@@ -38,8 +38,10 @@ class MadeBackend : public MusicBackend {
     QList<std::pair<RecommendationRow, QList<RecommendationItem>>> recommended;
     QList<OutputDevice> speakers{OutputDevice::thisMac()};
     bool tellsTotal = true;
+    std::optional<int> claimedTotal; ///< instead of the true one
 
-    /// How long answers take from now on, and what every request fails with.
+    /// How long answers take from now on, below zero when they are there at once, and what every request
+    /// fails with.
     std::chrono::milliseconds delay{0};
     std::optional<QString> failure;
     /// How long the answer to a search takes; without it, as everything.
@@ -91,8 +93,10 @@ class MadeBackend : public MusicBackend {
     AsyncStream<NowPlaying> nowPlaying(OutputDevice::ID on) override;
     AsyncStream<LibraryChange> libraryChanges() override;
 
-  private:
+  protected:
     QCoro::Task<> answer(QString request, std::chrono::milliseconds after);
+
+  private:
     template <typename Record>
     QCoro::Task<Page<Record>> pageOf(const char *what, QList<Record> all, PageRequest page);
 

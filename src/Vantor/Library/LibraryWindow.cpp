@@ -23,8 +23,6 @@ namespace vantor {
 
 namespace {
 
-using ::operator|; // of keys, which our own flags' operators hide
-
 const QString geometryKey = QStringLiteral("library/geometry");
 const QString splitterKey = QStringLiteral("library/splitter");
 constexpr int mostSections = 7;

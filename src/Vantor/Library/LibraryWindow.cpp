@@ -26,6 +26,8 @@ namespace {
 const QString geometryKey = QStringLiteral("library/geometry");
 const QString splitterKey = QStringLiteral("library/splitter");
 constexpr int mostSections = 7;
+constexpr QSize commonSize{780, 560}; // which has room beside the player on most screens
+constexpr int sidebarWidth = 168;
 constexpr std::chrono::seconds tellingTime{8};
 
 } // namespace
@@ -121,9 +123,9 @@ void LibraryWindow::addKeys() {
 
 void LibraryWindow::restore() {
     if (!restoreGeometry(m_settings.value(geometryKey).toByteArray()))
-        resize(980, 640);
+        resize(commonSize);
     if (!m_splitter->restoreState(m_settings.value(splitterKey).toByteArray()))
-        m_splitter->setSizes({168, 812});
+        m_splitter->setSizes({sidebarWidth, commonSize.width() - sidebarWidth});
     m_history = LibraryHistory({LibraryPlaceStore::section(m_settings)});
 }
 

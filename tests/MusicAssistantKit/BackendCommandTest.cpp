@@ -32,7 +32,8 @@ TEST_F(MusicAssistantCommandTest, OperationsBecomeCommands) {
     const Row rows[] = {
         {[&] { return failureOf(b.artists({0, 50})); }, "music/artists/library_items",
          R"({"album_artists_only":true,"limit":50,"offset":0,"order_by":"sort_name"})"},
-        {[&] { return failureOf(b.artists({0, 50})); }, "music/artists/count", R"({"album_artists_only":true})"},
+        {[&] { return failureOf(b.artists({0, 50})); }, "music/artists/count",
+         R"({"album_artists_only":true})"},
         {[&] { return failureOf(b.albums({}, {100, 50})); }, "music/albums/library_items",
          R"({"limit":50,"offset":100,"order_by":"sort_name"})"},
         {[&] { return failureOf(b.albums(id(MediaKind::artist, 1), {})); }, "music/artists/artist_albums",
@@ -55,7 +56,10 @@ TEST_F(MusicAssistantCommandTest, OperationsBecomeCommands) {
          "music/favorites/remove_item", R"({"media_type":"album","library_item_id":"2"})"},
         {[&] { return failureOf(b.createPlaylist(u" New "_s)); }, "music/playlists/create_playlist",
          R"({"name":"New"})"},
-        {[&] { return failureOf(b.add({id(MediaKind::track, 4), id(MediaKind::album, 1)}, id(MediaKind::playlist, 0))); },
+        {[&] {
+             return failureOf(
+                 b.add({id(MediaKind::track, 4), id(MediaKind::album, 1)}, id(MediaKind::playlist, 0)));
+         },
          "music/playlists/add_playlist_tracks",
          R"({"db_playlist_id":"1","uris":["library://track/5","library://album/2"]})"},
         {[&] { return failureOf(b.remove({3, 1}, id(MediaKind::playlist, 0))); },
@@ -82,8 +86,8 @@ TEST_F(MusicAssistantCommandTest, OperationsBecomeCommands) {
          R"({"queue_id":"kitchen"})"},
         {[&] { return failureOf(b.transport(Transport::seek(61.6), kitchen)); }, "players/cmd/seek",
          R"({"player_id":"kitchen","position":62})"},
-        {[&] { return failureOf(b.transport(Transport::setVolume(0.335), kitchen)); }, "players/cmd/volume_set",
-         R"({"player_id":"kitchen","volume_level":34})"},
+        {[&] { return failureOf(b.transport(Transport::setVolume(0.335), kitchen)); },
+         "players/cmd/volume_set", R"({"player_id":"kitchen","volume_level":34})"},
         {[&] { return failureOf(b.transport(Transport::setVolume(7), kitchen)); }, "players/cmd/volume_set",
          R"({"player_id":"kitchen","volume_level":100})"},
         {[&] { return failureOf(b.setMuted(kitchen, true)); }, "players/cmd/volume_mute",
@@ -95,11 +99,18 @@ TEST_F(MusicAssistantCommandTest, OperationsBecomeCommands) {
         {[&] { return failureOf(b.transport(Transport::setRepeat(false), kitchen)); }, "players/cmd/repeat",
          R"({"player_id":"kitchen","repeat_mode":"off"})"},
         {[&] { return failureOf(b.play({id(MediaKind::album, 0)}, speaker, PlayMode::append())); },
-         "player_queues/play_media", R"({"queue_id":"kitchen","media":["library://album/1"],"option":"add"})"},
-        {[&] { return failureOf(b.play({id(MediaKind::track, 0), id(MediaKind::track, 1)}, speaker, PlayMode::replace(0))); },
+         "player_queues/play_media",
+         R"({"queue_id":"kitchen","media":["library://album/1"],"option":"add"})"},
+        {[&] {
+             return failureOf(
+                 b.play({id(MediaKind::track, 0), id(MediaKind::track, 1)}, speaker, PlayMode::replace(0)));
+         },
          "player_queues/play_media",
          R"({"queue_id":"kitchen","media":["library://track/1","library://track/2"],"option":"replace"})"},
-        {[&] { return failureOf(b.play({id(MediaKind::track, 0), id(MediaKind::track, 1)}, speaker, PlayMode::replace(1))); },
+        {[&] {
+             return failureOf(
+                 b.play({id(MediaKind::track, 0), id(MediaKind::track, 1)}, speaker, PlayMode::replace(1)));
+         },
          "player_queues/play_media",
          R"({"queue_id":"kitchen","media":["library://track/1","library://track/2"],"option":"replace",)"
          R"("start_item":"library://track/2"})"},
@@ -108,8 +119,8 @@ TEST_F(MusicAssistantCommandTest, OperationsBecomeCommands) {
          R"({"queue_id":"kitchen","media":["library://track/1"],"option":"replace"})"},
         {[&] { return failureOf(b.edit(QueueEdit::play(0), kitchen)); }, "player_queues/play_index",
          R"({"queue_id":"kitchen","index":0,"item_id_or_index":0})"},
-        {[&] { return failureOf(b.favoriteCurrentTrack(kitchen)); }, "players/add_currently_playing_to_favorites",
-         R"({"player_id":"kitchen"})"},
+        {[&] { return failureOf(b.favoriteCurrentTrack(kitchen)); },
+         "players/add_currently_playing_to_favorites", R"({"player_id":"kitchen"})"},
         {[&] { return failureOf(b.saveQueueAsPlaylist(kitchen, u"Evening"_s)); },
          "player_queues/save_as_playlist", R"({"queue_id":"kitchen","name":"Evening"})"},
         {[&] { return failureOf(b.transfer(kitchen, bedroom, true)); }, "player_queues/transfer",
@@ -119,8 +130,8 @@ TEST_F(MusicAssistantCommandTest, OperationsBecomeCommands) {
         {[&] { return failureOf(b.setGroupMembers(kitchen, {bedroom}, {{u"office"_s}})); },
          "players/cmd/set_members",
          R"({"target_player":"kitchen","player_ids_to_add":["bedroom"],"player_ids_to_remove":["office"]})"},
-        {[&] { return failureOf(b.recommendationItems(mixed)); },
-         "music/recommendations/items", R"({"provider":"library","item_id":"mixed"})"},
+        {[&] { return failureOf(b.recommendationItems(mixed)); }, "music/recommendations/items",
+         R"({"provider":"library","item_id":"mixed"})"},
         {[&] { return failureOf(b.removeFromLibrary(id(MediaKind::album, 5))); }, "music/library/remove_item",
          R"({"media_type":"album","library_item_id":"6"})"},
     };
@@ -144,27 +155,51 @@ TEST_F(MusicAssistantCommandTest, FailuresHaveTheirSentences) {
         QString sentence;
     };
     const Row rows[] = {
-        {"create without a name", [&] { return failureOf(b.createPlaylist(u" "_s)); }, u"A playlist needs a name."_s},
-        {"rename without a name", [&] { return failureOf(b.renamePlaylist(mine, {})); }, u"The playlist needs a name."_s},
-        {"rename the server's", [&] { return failureOf(b.renamePlaylist(builtIn, u"x"_s)); }, u"Built-in playlists can't be renamed."_s},
-        {"delete the server's", [&] { return failureOf(b.deletePlaylist(builtIn)); }, u"Built-in playlists can't be deleted."_s},
-        {"add to a provider's", [&] { return failureOf(b.add({id(MediaKind::track, 0)}, streamed)); }, u"“%1” is read-only."_s.arg(name)},
-        {"remove from a provider's", [&] { return failureOf(b.remove({1}, streamed)); }, u"“%1” is read-only."_s.arg(name)},
-        {"move", [&] { return failureOf(b.movePlaylistTrack(mine, 1, 2)); }, u"Reordering needs a newer Music Assistant."_s},
-        {"import nothing", [&] { return failureOf(b.importPlaylist(u" \n"_s)); }, u"The playlist file is empty."_s},
-        {"import a head only", [&] { return failureOf(b.importPlaylist(u"#EXTM3U\n"_s)); }, u"The playlist file is empty."_s},
-        {"save an empty queue", [&] { return failureOf(b.saveQueueAsPlaylist(kitchen, u"x"_s)); }, u"The queue is empty: there is nothing to save."_s},
-        {"unfavour what is elsewhere", [&] { return failureOf(b.setFavorite({MediaKind::track, u"spotify://track/1"_s}, false)); }, u"Only items in the Music Assistant library can be unfavorited."_s},
-        {"an item that is no URI", [&] { return failureOf(b.tracks({MediaKind::album, u"42"_s})); }, u"Could not find album 42."_s},
-        {"an item that is gone", [&] { return failureOf(b.tracks(id(MediaKind::album, 9999))); }, u"Could not find album library://album/10000."_s},
-        {"a favourite of nothing", [&] { return failureOf(b.favoriteCurrentTrack(kitchen)); }, u"The Music Assistant request failed."_s},
-        {"an output that is not there", [&] { return failureOf(b.transport(TransportCommand::play(), {u"attic"_s})); }, u"That output is not available."_s},
-        {"an output that is off", [&] { return failureOf(b.transport(TransportCommand::play(), {u"garden"_s})); }, u"That output is not available."_s},
-        {"no volume", [&] { return failureOf(b.transport(TransportCommand::setVolume(1), {u"office"_s})); }, u"This music source does not support that."_s},
-        {"no balance", [&] { return failureOf(b.transport(TransportCommand::setBalance(1), kitchen)); }, u"This music source does not support that."_s},
-        {"a picture of nothing", [&] { return failureOf(b.artwork({u"/imageproxy/x"_s}, 100)); }, u"Music Assistant refused the artwork size."_s},
-        {"a picture that is no path", [&] { return failureOf(b.artwork({u"http://other.invalid/"_s}, 100)); }, u"Music Assistant could not provide the artwork."_s},
-        {"this computer does not take part", [&] { return failureOf(b.transport(TransportCommand::play(), OutputDevice::thisMacID())); },
+        {"create without a name", [&] { return failureOf(b.createPlaylist(u" "_s)); },
+         u"A playlist needs a name."_s},
+        {"rename without a name", [&] { return failureOf(b.renamePlaylist(mine, {})); },
+         u"The playlist needs a name."_s},
+        {"rename the server's", [&] { return failureOf(b.renamePlaylist(builtIn, u"x"_s)); },
+         u"Built-in playlists can't be renamed."_s},
+        {"delete the server's", [&] { return failureOf(b.deletePlaylist(builtIn)); },
+         u"Built-in playlists can't be deleted."_s},
+        {"add to a provider's", [&] { return failureOf(b.add({id(MediaKind::track, 0)}, streamed)); },
+         u"“%1” is read-only."_s.arg(name)},
+        {"remove from a provider's", [&] { return failureOf(b.remove({1}, streamed)); },
+         u"“%1” is read-only."_s.arg(name)},
+        {"move", [&] { return failureOf(b.movePlaylistTrack(mine, 1, 2)); },
+         u"Reordering needs a newer Music Assistant."_s},
+        {"import nothing", [&] { return failureOf(b.importPlaylist(u" \n"_s)); },
+         u"The playlist file is empty."_s},
+        {"import a head only", [&] { return failureOf(b.importPlaylist(u"#EXTM3U\n"_s)); },
+         u"The playlist file is empty."_s},
+        {"save an empty queue", [&] { return failureOf(b.saveQueueAsPlaylist(kitchen, u"x"_s)); },
+         u"The queue is empty: there is nothing to save."_s},
+        {"unfavour what is elsewhere",
+         [&] { return failureOf(b.setFavorite({MediaKind::track, u"spotify://track/1"_s}, false)); },
+         u"Only items in the Music Assistant library can be unfavorited."_s},
+        {"an item that is no URI", [&] { return failureOf(b.tracks({MediaKind::album, u"42"_s})); },
+         u"Could not find album 42."_s},
+        {"an item that is gone", [&] { return failureOf(b.tracks(id(MediaKind::album, 9999))); },
+         u"Could not find album library://album/10000."_s},
+        {"a favourite of nothing", [&] { return failureOf(b.favoriteCurrentTrack(kitchen)); },
+         u"The Music Assistant request failed."_s},
+        {"an output that is not there",
+         [&] { return failureOf(b.transport(TransportCommand::play(), {u"attic"_s})); },
+         u"That output is not available."_s},
+        {"an output that is off",
+         [&] { return failureOf(b.transport(TransportCommand::play(), {u"garden"_s})); },
+         u"That output is not available."_s},
+        {"no volume", [&] { return failureOf(b.transport(TransportCommand::setVolume(1), {u"office"_s})); },
+         u"This music source does not support that."_s},
+        {"no balance", [&] { return failureOf(b.transport(TransportCommand::setBalance(1), kitchen)); },
+         u"This music source does not support that."_s},
+        {"a picture of nothing", [&] { return failureOf(b.artwork({u"/imageproxy/x"_s}, 100)); },
+         u"Music Assistant refused the artwork size."_s},
+        {"a picture that is no path", [&] { return failureOf(b.artwork({u"http://other.invalid/"_s}, 100)); },
+         u"Music Assistant could not provide the artwork."_s},
+        {"this computer does not take part",
+         [&] { return failureOf(b.transport(TransportCommand::play(), OutputDevice::thisMacID())); },
          u"This Mac isn't connected to Music Assistant. Turn on Play on this Mac in Settings › Music Assistant."_s},
     };
     for (const Row &row : rows) {
@@ -186,14 +221,25 @@ TEST_F(MusicAssistantCommandTest, ServerErrorsHaveTheirSentences) {
     const auto unsupported = u"This music source does not support that."_s;
     const auto general = u"The Music Assistant server reported an error."_s;
     const Row rows[] = {
-        {"builtin/add_radio", 12, [&] { return failureOf(b.addRadio(u"u"_s, u"n"_s)); }, general}, // listed: something else
-        {"music/library/remove_item", 22, [&] { return failureOf(b.removeFromLibrary(id(MediaKind::album, 0))); }, u"The Music Assistant request failed."_s},
-        {"player_queues/next", 12, [&] { return failureOf(b.transport(TransportCommand::next(), kitchen)); }, general},
-        {"players/cmd/play", 10, [&] { return failureOf(b.transport(TransportCommand::play(), kitchen)); }, u"That output is not available."_s},
-        {"players/cmd/play", 777, [&] { return failureOf(b.transport(TransportCommand::play(), kitchen)); }, general},
-        {"players/cmd/play", 20, [&] { return failureOf(b.transport(TransportCommand::play(), kitchen)); }, u"Music Assistant needs a token before it will answer."_s},
-        {"player_queues/save_as_playlist", 3, [&] { return failureOf(b.saveQueueAsPlaylist(kitchen, u"x"_s)); }, u"Nothing in this queue can go in a playlist."_s},
-        {"player_queues/move_item", 999, [&] { return failureOf(b.edit(QueueEdit::move(u"q1"_s, 1), kitchen)); }, u"Track already buffered"_s},
+        {"builtin/add_radio", 12, [&] { return failureOf(b.addRadio(u"u"_s, u"n"_s)); },
+         general}, // listed: something else
+        {"music/library/remove_item", 22,
+         [&] { return failureOf(b.removeFromLibrary(id(MediaKind::album, 0))); },
+         u"The Music Assistant request failed."_s},
+        {"player_queues/next", 12, [&] { return failureOf(b.transport(TransportCommand::next(), kitchen)); },
+         general},
+        {"players/cmd/play", 10, [&] { return failureOf(b.transport(TransportCommand::play(), kitchen)); },
+         u"That output is not available."_s},
+        {"players/cmd/play", 777, [&] { return failureOf(b.transport(TransportCommand::play(), kitchen)); },
+         general},
+        {"players/cmd/play", 20, [&] { return failureOf(b.transport(TransportCommand::play(), kitchen)); },
+         u"Music Assistant needs a token before it will answer."_s},
+        {"player_queues/save_as_playlist", 3,
+         [&] { return failureOf(b.saveQueueAsPlaylist(kitchen, u"x"_s)); },
+         u"Nothing in this queue can go in a playlist."_s},
+        {"player_queues/move_item", 999,
+         [&] { return failureOf(b.edit(QueueEdit::move(u"q1"_s, 1), kitchen)); },
+         u"Track already buffered"_s},
     };
     for (const Row &row : rows) {
         SCOPED_TRACE(row.command);
@@ -215,14 +261,16 @@ TEST_F(MusicAssistantCommandTest, OlderServersAreAskedInTheirWay) {
     open({}, FakeLibrary::Dialect::old);
     EXPECT_EQ(failureOf(backend->transport(TransportCommand::setShuffle(true), kitchen)), QString());
     EXPECT_EQ(argsOf("player_queues/shuffle"), object(R"({"queue_id":"kitchen","shuffle_enabled":true})"));
-    EXPECT_EQ(failureOf(backend->addRadio(u"http://x.invalid"_s, u"x"_s)), u"This music source does not support that."_s);
+    EXPECT_EQ(failureOf(backend->addRadio(u"http://x.invalid"_s, u"x"_s)),
+              u"This music source does not support that."_s);
     const auto rows = outcomeOf(backend->recommendationRows());
     ASSERT_EQ(rows.value->size(), 2);
     EXPECT_EQ(outcomeOf(backend->recommendationItems(rows.value->first())).value->size(), 7);
     EXPECT_EQ(countOf("music/recommendations/items"), 1) << "only while it was not known";
     const auto albums = outcomeOf(backend->albums({}, {}));
     const ArtworkRef picture = *albums.value->items[0].artwork;
-    EXPECT_TRUE(picture.rawValue.startsWith("/imageproxy?path=album%252F1%252F"_L1)) << picture.rawValue.toStdString();
+    EXPECT_TRUE(picture.rawValue.startsWith("/imageproxy?path=album%252F1%252F"_L1))
+        << picture.rawValue.toStdString();
     EXPECT_GT(outcomeOf(backend->artwork(picture, 300)).value->size(), 100);
 }
 

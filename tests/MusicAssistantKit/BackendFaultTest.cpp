@@ -49,7 +49,8 @@ TEST_F(MusicAssistantFaultTest, ARestartInTheMiddleOfAnEditEndsItOnceAndEverythi
     const auto stream = backend->libraryChanges();
     const MediaID mine = id(MediaKind::playlist, 0);
     setFault("music/playlists/add_playlist_tracks", {.kind = Kind::doesDrops});
-    EXPECT_EQ(failureOf(backend->add({id(MediaKind::track, 7)}, mine)), u"Can't reach the Music Assistant server."_s);
+    EXPECT_EQ(failureOf(backend->add({id(MediaKind::track, 7)}, mine)),
+              u"Can't reach the Music Assistant server."_s);
     server.stop();
     ASSERT_TRUE(waitFor(State::reconnecting));
     EXPECT_EQ(backend->status().text, u"Reconnecting to Home…"_s);
@@ -95,10 +96,15 @@ TEST_F(MusicAssistantFaultTest, NonsenseIsToldAndHarmsNothing) {
     EXPECT_EQ(failureOf(b.addRadio(u"u"_s, u"n"_s)), unreadable);
     EXPECT_EQ(outcomeOf(b.favoriteCount(MediaKind::track)).value.value(), std::nullopt);
     EXPECT_TRUE(outcomeOf(b.search(u"x"_s, 5)).value->isEmpty());
-    EXPECT_EQ(failureOf(b.play({id(MediaKind::track, 0), id(MediaKind::track, 1)}, speaker, PlayMode::replace(1))), QString());
-    for (const auto &event : {u"player_updated"_s, u"queue_updated"_s, u"queue_items_updated"_s, u"queue_time_updated"_s,
-                              u"media_item_added"_s, u"media_item_played"_s, u"favorite_updated"_s}) {
-        for (const QJsonValue &data : {QJsonValue(), QJsonValue(7), QJsonValue(u"x"_s), QJsonValue(QJsonArray{1}), QJsonValue(QJsonObject{{u"player_id"_s, QJsonArray()}})}) {
+    EXPECT_EQ(
+        failureOf(b.play({id(MediaKind::track, 0), id(MediaKind::track, 1)}, speaker, PlayMode::replace(1))),
+        QString());
+    for (const auto &event :
+         {u"player_updated"_s, u"queue_updated"_s, u"queue_items_updated"_s, u"queue_time_updated"_s,
+          u"media_item_added"_s, u"media_item_played"_s, u"favorite_updated"_s}) {
+        for (const QJsonValue &data :
+             {QJsonValue(), QJsonValue(7), QJsonValue(u"x"_s), QJsonValue(QJsonArray{1}),
+              QJsonValue(QJsonObject{{u"player_id"_s, QJsonArray()}})}) {
             server.sendEvent(event, u"kitchen"_s, data);
             server.sendEvent(event, data, data);
         }
@@ -111,9 +117,13 @@ TEST_F(MusicAssistantFaultTest, NonsenseIsToldAndHarmsNothing) {
 
 TEST_F(MusicAssistantFaultTest, OneBadEntryDoesNotHideTheOthers) {
     open();
-    const char *const bad[] = {
-        "null", "7", "[]", "{}", R"({"item_id":"1","provider":"library"})",
-        R"({"item_id":[],"provider":"library","name":"x"})", R"({"item_id":"1","provider":7,"name":"x"})"};
+    const char *const bad[] = {"null",
+                               "7",
+                               "[]",
+                               "{}",
+                               R"({"item_id":"1","provider":"library"})",
+                               R"({"item_id":[],"provider":"library","name":"x"})",
+                               R"({"item_id":"1","provider":7,"name":"x"})"};
     const char *const odd[] = {
         R"({"item_id":5,"provider":"library","name":"a"})",
         R"({"item_id":"5","provider":"library","name":"a","uri":7,"media_type":{},"metadata":[],"favorite":"yes",)"
@@ -125,7 +135,8 @@ TEST_F(MusicAssistantFaultTest, OneBadEntryDoesNotHideTheOthers) {
         page.append(QJsonDocument::fromJson("[" + QByteArray(text) + "]").array().first());
     for (const char *const text : odd)
         page.append(QJsonDocument::fromJson(text).object());
-    server.onCommand(u"music/albums/library_items"_s, [&](const QJsonObject &, const FakeAnswer &answer) { answer.result(page); });
+    server.onCommand(u"music/albums/library_items"_s,
+                     [&](const QJsonObject &, const FakeAnswer &answer) { answer.result(page); });
     const auto albums = outcomeOf(backend->albums({}, {0, static_cast<int>(page.size())}));
     ASSERT_TRUE(albums.value);
     ASSERT_EQ(albums.value->items.size(), std::size(odd));
@@ -144,7 +155,8 @@ TEST_F(MusicAssistantFaultTest, WithoutATokenOrAServerTheSentenceIsGiven) {
         const MusicAssistantBackend::Server chosen{
             .id = {}, .name = u"Home"_s, .settings = MusicBackendError::notConfigured(sentence)};
         const auto none = std::make_shared<MusicAssistantBackend>(
-            chosen, MusicAssistantBackend::Collaborators{.transports = transports, .http = http, .clock = clock});
+            chosen,
+            MusicAssistantBackend::Collaborators{.transports = transports, .http = http, .clock = clock});
         EXPECT_EQ(failureOf(none->connect()), sentence);
         EXPECT_EQ(failureOf(none->artists({})), sentence);
         EXPECT_EQ(failureOf(none->artwork({u"/x"_s}, 80)), sentence);
@@ -172,9 +184,10 @@ TEST_F(MusicAssistantFaultTest, ARejectedTokenIsToldByEverythingAndNeverShown) {
     }
     EXPECT_GT(log.text().size(), 0);
     EXPECT_FALSE(log.text().contains(u"secret-token"_s)) << log.text().toStdString();
-    const auto carriers = std::count_if(server.receivedFrames().begin(), server.receivedFrames().end(), [](const QString &frame) {
-        return frame.contains("secret-token"_L1) && !frame.contains("\"auth\""_L1);
-    });
+    const auto carriers = std::count_if(
+        server.receivedFrames().begin(), server.receivedFrames().end(), [](const QString &frame) {
+            return frame.contains("secret-token"_L1) && !frame.contains("\"auth\""_L1);
+        });
     EXPECT_EQ(carriers, 0);
 }
 

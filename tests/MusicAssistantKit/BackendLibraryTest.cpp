@@ -105,7 +105,8 @@ TEST_F(MusicAssistantLibraryTest, EditsOfAPlaylistAreAnnouncedWhenTheyAreDone) {
     ASSERT_TRUE(created.value);
     ASSERT_TRUE(waitUntil([&] { return changes->value == LibraryChange::playlistAdded(created.value->id); }));
     EXPECT_EQ(failureOf(backend->deletePlaylist(created.value->id)), QString());
-    ASSERT_TRUE(waitUntil([&] { return changes->value == LibraryChange::playlistDeleted(created.value->id); }));
+    ASSERT_TRUE(
+        waitUntil([&] { return changes->value == LibraryChange::playlistDeleted(created.value->id); }));
 }
 
 TEST_F(MusicAssistantLibraryTest, FavouritesAreCountedListedAndAnnounced) {
@@ -160,7 +161,8 @@ TEST_F(MusicAssistantLibraryTest, RecommendationsAreRecordsOrReferences) {
 TEST_F(MusicAssistantLibraryTest, PicturesComeInTheServersSizes) {
     open();
     const ArtworkRef picture = *outcomeOf(backend->artists({})).value->items[0].artwork;
-    const std::pair<int, int> rows[] = {{1, 80}, {80, 80}, {159, 80}, {300, 256}, {1024, 1024}, {99999, 1024}};
+    const std::pair<int, int> rows[] = {{1, 80},    {80, 80},     {159, 80},
+                                        {300, 256}, {1024, 1024}, {99999, 1024}};
     for (const auto &[wanted, sent] : rows) {
         const auto bytes = outcomeOf(backend->artwork(picture, wanted));
         ASSERT_TRUE(bytes.value) << bytes.failure.toStdString();
@@ -176,8 +178,7 @@ TEST_F(MusicAssistantLibraryTest, OffersWhatTheServerHas) {
     EXPECT_TRUE(backend->capabilities().testFlag(MusicBackendCapability::recommendations)) << "not known yet";
     const auto statuses = watch(backend->statusUpdates());
     connectBackend();
-    ASSERT_TRUE(waitUntil([&] {
-        return !statuses->value->capabilities.testFlag(MusicBackendCapability::recommendations);
-    }));
+    ASSERT_TRUE(waitUntil(
+        [&] { return !statuses->value->capabilities.testFlag(MusicBackendCapability::recommendations); }));
     EXPECT_TRUE(backend->capabilities().testFlag(MusicBackendCapability::radio));
 }

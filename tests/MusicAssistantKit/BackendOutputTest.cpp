@@ -24,9 +24,12 @@ class MusicAssistantOutputTest : public BackendFixture {
         const auto outputs = *outcomeOf(backend->outputs()).value;
         const auto found = std::find_if(outputs.begin(), outputs.end(),
                                         [&](const OutputDevice &device) { return device.id == output; });
-        return found == outputs.end() ? OutputDevice{.id = {u"missing"_s}, .name = {}, .groupableWith = {}} : *found;
+        return found == outputs.end() ? OutputDevice{.id = {u"missing"_s}, .name = {}, .groupableWith = {}}
+                                      : *found;
     }
-    [[nodiscard]] static double now() { return static_cast<double>(QDateTime::currentMSecsSinceEpoch()) / 1000; }
+    [[nodiscard]] static double now() {
+        return static_cast<double>(QDateTime::currentMSecsSinceEpoch()) / 1000;
+    }
 };
 
 } // namespace
@@ -40,7 +43,8 @@ TEST_F(MusicAssistantOutputTest, ListsThePlayersThatAreShown) {
     const auto outputs = *outcomeOf(backend->outputs()).value;
     for (const OutputDevice &output : outputs)
         names.append(output.name);
-    EXPECT_EQ(names, (QStringList{u"This Mac"_s, u"Downstairs"_s, u"Garden"_s, u"Kitchen"_s, u"Living Room"_s, u"Office"_s}));
+    EXPECT_EQ(names, (QStringList{u"This Mac"_s, u"Downstairs"_s, u"Garden"_s, u"Kitchen"_s, u"Living Room"_s,
+                                  u"Office"_s}));
     EXPECT_TRUE(device({u"downstairs"_s}).isGroup);
     EXPECT_FALSE(device({u"garden"_s}).isAvailable);
     const QSet<OutputDevice::ID> others{{u"downstairs"_s}, {u"garden"_s}, {u"living-room"_s}, {u"office"_s}};
@@ -103,7 +107,8 @@ TEST_F(MusicAssistantOutputTest, FollowsWhatPlays) {
     ASSERT_TRUE(waitUntil([&] { return playing->value->item == id(MediaKind::track, 1); }));
     EXPECT_EQ(failureOf(backend->transport(TransportCommand::setVolume(0.5), kitchen)), QString());
     EXPECT_EQ(failureOf(backend->transport(TransportCommand::pause(), kitchen)), QString());
-    ASSERT_TRUE(waitUntil([&] { return playing->value->state == NowPlaying::State::paused && playing->value->volume == 0.5; }));
+    ASSERT_TRUE(waitUntil(
+        [&] { return playing->value->state == NowPlaying::State::paused && playing->value->volume == 0.5; }));
     server.sendEvent(u"player_removed"_s, u"kitchen"_s, {});
     ASSERT_TRUE(waitUntil([&] { return !playing->value->title; }));
     outcomeOf(backend->disconnect());
@@ -196,10 +201,13 @@ TEST_F(MusicAssistantOutputTest, ShowsAQueueAndItsEdits) {
 
     EXPECT_EQ(failureOf(backend->edit(QueueEdit::move(third.id, 2), kitchen)), QString());
     ASSERT_TRUE(waitUntil([&] { return ids() == QList{0, 1, 3, 4, 2, 5}; }));
-    EXPECT_EQ(failureOf(backend->edit(QueueEdit::remove({third.id, queue->value->items[3].id}), kitchen)), QString());
+    EXPECT_EQ(failureOf(backend->edit(QueueEdit::remove({third.id, queue->value->items[3].id}), kitchen)),
+              QString());
     ASSERT_TRUE(waitUntil([&] { return ids() == QList{0, 1, 3, 5}; }));
-    EXPECT_EQ(failureOf(backend->edit(QueueEdit::remove({queue->value->items[1].id}), kitchen)), u"Track already buffered"_s);
-    EXPECT_EQ(failureOf(backend->edit(QueueEdit::move(queue->value->items[1].id, 2), kitchen)), u"Track already buffered"_s);
+    EXPECT_EQ(failureOf(backend->edit(QueueEdit::remove({queue->value->items[1].id}), kitchen)),
+              u"Track already buffered"_s);
+    EXPECT_EQ(failureOf(backend->edit(QueueEdit::move(queue->value->items[1].id, 2), kitchen)),
+              u"Track already buffered"_s);
     EXPECT_EQ(failureOf(backend->edit(QueueEdit::play(3), kitchen)), QString());
     ASSERT_TRUE(waitUntil([&] { return queue->value->currentIndex == 3; }));
     EXPECT_EQ(failureOf(backend->edit(QueueEdit::clear(), kitchen)), QString());

@@ -7,8 +7,9 @@
 #include <QTextStream>
 #include <QTimer>
 
-#include <ctime>
 #include <unistd.h>
+
+#include <ctime>
 
 // How fast a large library comes from a server on this machine, which is a process of its own: the first page
 // of every list, the whole library with the memory that it takes, and what thousands of events a second cost
@@ -27,7 +28,8 @@ double megabytes() {
     QFile file(u"/proc/self/statm"_s);
     if (!file.open(QIODevice::ReadOnly))
         return 0;
-    return file.readAll().split(' ').value(1).toDouble() * static_cast<double>(sysconf(_SC_PAGESIZE)) / (1 << 20);
+    return file.readAll().split(' ').value(1).toDouble() * static_cast<double>(sysconf(_SC_PAGESIZE)) /
+           (1 << 20);
 }
 
 double threadSeconds() {
@@ -82,8 +84,8 @@ QCoro::Task<> firstPage(std::shared_ptr<MusicAssistantBackend> backend, QString 
     const qint64 connected = timer.nsecsElapsed();
     const Page<Record> page = co_await list(PageRequest::first());
     const double milliseconds = static_cast<double>(timer.nsecsElapsed() - connected) / 1e6;
-    out << "first page of " << name << ": " << page.items.size() << " of " << page.total.value_or(-1) << " in "
-        << milliseconds << " ms after connecting" << Qt::endl;
+    out << "first page of " << name << ": " << page.items.size() << " of " << page.total.value_or(-1)
+        << " in " << milliseconds << " ms after connecting" << Qt::endl;
     co_await backend->disconnect();
 }
 
@@ -116,7 +118,8 @@ QCoro::Task<> readAll(std::shared_ptr<MusicAssistantBackend> backend) {
     const QList<LibraryTrack> allTracks = co_await whole<LibraryTrack>(tracks, 500);
     out << "whole library: " << allArtists.size() << " artists, " << allAlbums.size() << " albums, "
         << allTracks.size() << " tracks in " << static_cast<double>(timer.elapsed()) / 1000 << " s, "
-        << threadSeconds() - cpu << " s of the main thread, " << megabytes() - before << " MB added" << Qt::endl;
+        << threadSeconds() - cpu << " s of the main thread, " << megabytes() - before << " MB added"
+        << Qt::endl;
 }
 
 /// Watches everything while events come, and measures the main thread.

@@ -211,7 +211,10 @@ TEST_F(MusicAssistantOutputTest, ShowsAQueueAndItsEdits) {
     EXPECT_EQ(failureOf(backend->edit(QueueEdit::play(3), kitchen)), QString());
     ASSERT_TRUE(waitUntil([&] { return queue->value->currentIndex == 3; }));
     EXPECT_EQ(failureOf(backend->edit(QueueEdit::clear(), kitchen)), QString());
-    ASSERT_TRUE(waitUntil([&] { return queue->value == RemoteQueueSnapshot::empty(kitchen); }));
+    ASSERT_TRUE(waitUntil([&] { return queue->value->items.isEmpty() && queue->value->total == 0; }));
+    EXPECT_EQ(failureOf(backend->transport(TransportCommand::setShuffle(true), kitchen)), QString());
+    EXPECT_EQ(failureOf(backend->transport(TransportCommand::setRepeat(true), kitchen)), QString());
+    EXPECT_TRUE(waitUntil([&] { return queue->value->isShuffled == true && queue->value->repeats == true; }));
 }
 
 TEST_F(MusicAssistantOutputTest, ALongQueueIsShownAroundItsCurrentItem) {
@@ -234,6 +237,10 @@ TEST_F(MusicAssistantOutputTest, ALongQueueIsShownAroundItsCurrentItem) {
         const qsizetype row = index - queue->value->items.first().index;
         EXPECT_EQ(queue->value->items[row].item, id(MediaKind::track, index));
     }
+    const auto further = outcomeOf(backend->queueItems(kitchen, {15'000, 20}));
+    ASSERT_EQ(further.value->size(), 20);
+    EXPECT_EQ(further.value->first().index, 15'000);
+    EXPECT_EQ(further.value->first().item, id(MediaKind::track, 15'000));
 }
 
 TEST_F(MusicAssistantOutputTest, ABurstOfEventsIsWorkedOutOnce) {

@@ -162,6 +162,30 @@ Seeds envelopes() {
         {QStringLiteral("event"), R"({"event":"queue_updated","object_id":"q","data":{"items":3}})"}};
 }
 
+Seeds items() {
+    const QByteArray identity = R"("item_id":"1","provider":"library","name":"n","uri":"library://track/1")";
+    const QByteArray mapping =
+        '{' + identity + R"(,"media_type":"album","image":{"path":"p","provider":"q"}})";
+    const QByteArray track =
+        '{' + identity + R"(,"media_type":"track","duration":1.5,"artists":[)" + mapping + R"(],"album":)" +
+        mapping +
+        R"(,"provider_mappings":[{"item_id":"i","provider_domain":"d","audio_format":)"
+        R"({"sample_rate":44100,"bit_rate":320}}],"metadata":{"images":[{"path":"x"}],"genres":["g"]},)"
+        R"("position":3,"favorite":true})";
+    const QByteArray entry =
+        R"({"queue_item_id":"e","name":"a - b","duration":3,"media_item":)" + track + '}';
+    return {{QStringLiteral("track"), track},
+            {QStringLiteral("queue"),
+             R"({"queue_id":"q","items":2,"current_index":0,"current_item":)" + entry + '}'},
+            {QStringLiteral("page"), '[' + entry + ",7]"},
+            {QStringLiteral("player"),
+             R"({"player_id":"p","group_members":["p","r"],"current_media":{"uri":"u","title":"t"},)"
+             R"("output_protocols":[{"output_protocol_id":"c","protocol_domain":"sendspin"}]})"},
+            {QStringLiteral("commands"),
+             R"([{"command":"music/playlists/move_playlist_track","parameters":[{"name":"playlist_id"},)"
+             R"({"name":"from"},{"name":"to_index"}]}])"}};
+}
+
 bool write(const QString &folder, const Seeds &seeds) {
     if (!QDir().mkpath(folder))
         return false;
@@ -187,6 +211,7 @@ int main(int argc, char **argv) {
                          write(folder + QStringLiteral("EQFFile"), presets()) &&
                          write(folder + QStringLiteral("HttpAnswer"), answers()) &&
                          write(folder + QStringLiteral("MAEnvelope"), envelopes()) &&
+                         write(folder + QStringLiteral("MAItems"), items()) &&
                          write(folder + QStringLiteral("MediaIDTransfer"), transfers()) &&
                          write(folder + QStringLiteral("PlaylistFile"), playlists()) &&
                          write(folder + QStringLiteral("QueueFile"), queues()) &&

@@ -21,9 +21,28 @@ class AsyncBroadcast {
         return std::move(stream);
     }
 
+    /// The same, which begins with this value.
+    [[nodiscard]] AsyncStream<T> subscribe(std::size_t capacity, const T &first) {
+        auto stream = subscribe(capacity);
+        m_producers.back().yield(first);
+        return stream;
+    }
+
     void send(const T &value) {
         for (auto &producer : m_producers)
             producer.yield(value);
+    }
+
+    /// See AsyncStreamProducer::skip().
+    void skip() {
+        for (auto &producer : m_producers)
+            producer.skip();
+    }
+
+    /// Whether anybody takes what is sent.
+    [[nodiscard]] bool isWanted() const {
+        return std::any_of(m_producers.begin(), m_producers.end(),
+                           [](const AsyncStreamProducer<T> &producer) { return producer.isWanted(); });
     }
 
   private:

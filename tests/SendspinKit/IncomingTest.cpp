@@ -136,8 +136,7 @@ TEST(SendspinError, HasASentenceForEachCase) {
     EXPECT_EQ(SendspinError::handshake(u"x"_s).description(), u"The Sendspin handshake failed (x)."_s);
     EXPECT_EQ(SendspinError::malformed(u"x"_s, {}).description(),
               u"Music Assistant sent a malformed Sendspin message (x)."_s);
-    EXPECT_EQ(SendspinError::timeout(u"x"_s).description(),
-              u"Music Assistant did not answer in time (x)."_s);
+    EXPECT_EQ(SendspinError::timeout(u"x"_s).description(), u"Music Assistant did not answer in time (x)."_s);
     EXPECT_EQ(SendspinError::transport(u"x"_s).description(), u"The Sendspin connection failed (x)."_s);
     EXPECT_EQ(SendspinError::roleRejected().description(),
               u"Music Assistant did not accept Vantor as a Sendspin player."_s);

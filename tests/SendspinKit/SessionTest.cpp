@@ -66,9 +66,9 @@ TEST_F(SendspinSessionTest, IntroducesItselfAndReportsOnceTheClockIsKnown) {
     advance(1s);
     const QList<QJsonObject> &received = server.received();
     ASSERT_EQ(received.size(), 3);
-    EXPECT_EQ(received[0], (QJsonObject{{u"type"_s, u"auth"_s},
-                                        {u"token"_s, u"secret-token"_s},
-                                        {u"client_id"_s, u"vantor-1"_s}}));
+    EXPECT_EQ(received[0],
+              (QJsonObject{
+                  {u"type"_s, u"auth"_s}, {u"token"_s, u"secret-token"_s}, {u"client_id"_s, u"vantor-1"_s}}));
     QJsonObject hello = received[1].value("payload"_L1).toObject();
     QJsonObject support = hello.take("player@v1_support"_L1).toObject();
     EXPECT_EQ(hello, (QJsonObject{{u"client_id"_s, u"vantor-1"_s},
@@ -150,7 +150,8 @@ TEST_F(SendspinSessionTest, PassesStreamsOn) {
         ASSERT_GT(chunks.size(), 200U);
         // In order and without a gap, also where the format changes.
         for (std::size_t i = 1; i < chunks.size(); ++i)
-            ASSERT_LT(std::abs(chunks[i].chunk.timestamp - chunks[i - 1].chunk.timestamp - 23'000), 4000) << i;
+            ASSERT_LT(std::abs(chunks[i].chunk.timestamp - chunks[i - 1].chunk.timestamp - 23'000), 4000)
+                << i;
         EXPECT_LE(server.clients().at(0)->mostBuffered(), configuration.bufferCapacity);
 
         server.seek(100, FakeSendspin::Seek::clears);
@@ -225,8 +226,7 @@ TEST_F(SendspinSessionTest, ComesBackUntilItIsStopped) {
     events.clear();
     session.stop(SendspinGoodbyeReason::userRequest);
     deliver();
-    EXPECT_EQ(server.received(u"client/goodbye"_s),
-              (QList<QJsonObject>{{{u"reason"_s, u"user_request"_s}}}));
+    EXPECT_EQ(server.received(u"client/goodbye"_s), (QList<QJsonObject>{{{u"reason"_s, u"user_request"_s}}}));
     EXPECT_EQ(all<SendspinEvent::Disconnected>(), std::vector{SendspinEvent::Disconnected{}});
     advance(1h);
     EXPECT_EQ(events.size(), 1U);

@@ -106,7 +106,8 @@ TEST(SendspinClockBurst, FindsTheSampleThatWasDelayedLeast) {
             burst.add(sampleWithRoundTrip(row.roundTrips[i], static_cast<std::int64_t>(i) * 1000));
         std::optional<SendspinClockSample> expected;
         if (row.best)
-            expected = sampleWithRoundTrip(row.roundTrips[*row.best], static_cast<std::int64_t>(*row.best) * 1000);
+            expected =
+                sampleWithRoundTrip(row.roundTrips[*row.best], static_cast<std::int64_t>(*row.best) * 1000);
         EXPECT_EQ(burst.best(), expected);
     }
 }

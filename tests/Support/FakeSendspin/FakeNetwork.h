@@ -18,7 +18,8 @@ struct FakeNetwork {
     std::chrono::microseconds burstPeriod{0};
 
     [[nodiscard]] bool isIdeal() const { return *this == FakeNetwork(); }
-    [[nodiscard]] std::chrono::microseconds delay(std::int64_t now, bool isToServer, std::mt19937 &chance) const;
+    [[nodiscard]] std::chrono::microseconds delay(std::int64_t now, bool isToServer,
+                                                  std::mt19937 &chance) const;
 
     bool operator==(const FakeNetwork &) const = default;
 };

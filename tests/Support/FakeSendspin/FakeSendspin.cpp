@@ -77,8 +77,8 @@ FakeSendspinPeer *FakeSendspin::attach(FakeLink link) {
 }
 
 void FakeSendspin::detach(FakeSendspinPeer *peer) {
-    const auto found = std::find_if(m_peers.begin(), m_peers.end(),
-                                    [peer](const auto &each) { return each.get() == peer; });
+    const auto found =
+        std::find_if(m_peers.begin(), m_peers.end(), [peer](const auto &each) { return each.get() == peer; });
     if (found == m_peers.end())
         return;
     m_gone.push_back(std::move(*found));
@@ -121,8 +121,8 @@ void FakeSendspin::seek(double to, Seek how) {
         send(u"stream/clear"_s, sent);
     else
         endStream();
-    m_stream = std::make_unique<MadeStream>(format, clock() + std::chrono::microseconds(restartLead).count(),
-                                            to);
+    m_stream =
+        std::make_unique<MadeStream>(format, clock() + std::chrono::microseconds(restartLead).count(), to);
     for (FakeSendspinPeer *peer : clients())
         peer->restart(newest);
     pumpLater();

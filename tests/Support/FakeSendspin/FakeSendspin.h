@@ -9,9 +9,9 @@
 
 namespace vantor {
 
-/// A Sendspin server that plays a made stream to all its clients in step: the endpoint of a music server, with
-/// its sign-in, or, without tokens, the Sendspin server itself. Over sockets once it listens, or over links
-/// that a simulation makes. Main thread.
+/// A Sendspin server that plays a made stream to all its clients in step: the endpoint of a music server,
+/// with its sign-in, or, without tokens, the Sendspin server itself. Over sockets once it listens, or over
+/// links that a simulation makes. Main thread.
 ///
 /// What is public and no function may be changed at any time.
 class FakeSendspin : public QObject {
@@ -40,8 +40,8 @@ class FakeSendspin : public QObject {
     Fault fault = Fault::none;
     FakeNetwork network;
 
-    // The server's clock: ahead of the timeline's by `skew`, and faster by `drift` parts per million from when
-    // that was set.
+    // The server's clock: ahead of the timeline's by `skew`, and faster by `drift` parts per million from
+    // when that was set.
     void setClock(std::int64_t skew, double drift);
     [[nodiscard]] std::int64_t clock() const { return clockAt(m_time.now()); }
     [[nodiscard]] std::int64_t clockAt(std::int64_t timelineInstant) const;
@@ -55,8 +55,8 @@ class FakeSendspin : public QObject {
     void detach(FakeSendspinPeer *peer);
     [[nodiscard]] std::vector<FakeSendspinPeer *> clients() const;
 
-    /// From that place of the made content on, in seconds, to sound after `lead`. Without effect when there is
-    /// no such codec here.
+    /// From that place of the made content on, in seconds, to sound after `lead`. Without effect when there
+    /// is no such codec here.
     void play(const MadeFormat &format, double from = 0,
               std::chrono::microseconds lead = std::chrono::milliseconds(500));
     void seek(double to, Seek how);

@@ -72,7 +72,7 @@ class FakeSendspinPeer : public QObject {
     std::int64_t m_bufferedBytes = 0;
     std::int64_t m_mostBuffered = 0;
     std::int64_t m_chunksSent = 0;
-    std::int64_t m_nextChunk = -1; ///< −1: to be found
+    std::int64_t m_nextChunk = -1;  ///< −1: to be found
     std::optional<int> m_announced; ///< the number of the format
 };
 

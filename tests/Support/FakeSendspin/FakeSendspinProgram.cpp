@@ -5,8 +5,9 @@
 #include <QSocketNotifier>
 #include <QTextStream>
 
-#include <array>
 #include <unistd.h>
+
+#include <array>
 
 using namespace vantor;
 using namespace Qt::Literals::StringLiterals;
@@ -91,15 +92,15 @@ int main(int argc, char **argv) {
     parser.setApplicationDescription(u"A stand-in for a Sendspin server, on this machine only.\n\n"_s +
                                      commandsHelp);
     parser.addHelpOption();
-    parser.addOptions({{u"port"_s, u"Where to listen; 0: any free port."_s, u"N"_s, u"8927"_s},
-                       {u"token"_s, u"The token that signs in; none: no sign-in."_s, u"TEXT"_s},
-                       {u"skew"_s, u"How far its clock is ahead."_s, u"SECONDS"_s, u"1000"_s},
-                       {u"drift"_s, u"How much faster it runs."_s, u"PPM"_s, u"0"_s},
-                       {u"latency"_s, u"How long messages take."_s, u"MS"_s, u"0"_s},
-                       {u"jitter"_s, u"Up to this much longer."_s, u"MS"_s, u"0"_s},
-                       {u"asymmetry"_s, u"Longer on the way here only."_s, u"MS"_s, u"0"_s},
-                       {u"bursts"_s, u"For half a second in five, up to this much longer."_s, u"MS"_s,
-                        u"0"_s}});
+    parser.addOptions(
+        {{u"port"_s, u"Where to listen; 0: any free port."_s, u"N"_s, u"8927"_s},
+         {u"token"_s, u"The token that signs in; none: no sign-in."_s, u"TEXT"_s},
+         {u"skew"_s, u"How far its clock is ahead."_s, u"SECONDS"_s, u"1000"_s},
+         {u"drift"_s, u"How much faster it runs."_s, u"PPM"_s, u"0"_s},
+         {u"latency"_s, u"How long messages take."_s, u"MS"_s, u"0"_s},
+         {u"jitter"_s, u"Up to this much longer."_s, u"MS"_s, u"0"_s},
+         {u"asymmetry"_s, u"Longer on the way here only."_s, u"MS"_s, u"0"_s},
+         {u"bursts"_s, u"For half a second in five, up to this much longer."_s, u"MS"_s, u"0"_s}});
     parser.process(application);
 
     RealTimeline time;

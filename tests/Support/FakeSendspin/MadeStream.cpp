@@ -57,8 +57,7 @@ class MadeEncoder::Codec {
             return;
         m_context.reset(avcodec_alloc_context3(codec));
         m_context->sample_rate = format.sampleRate;
-        m_context->sample_fmt =
-            isOpus || format.bitDepth == 16 ? AV_SAMPLE_FMT_S16 : AV_SAMPLE_FMT_S32;
+        m_context->sample_fmt = isOpus || format.bitDepth == 16 ? AV_SAMPLE_FMT_S16 : AV_SAMPLE_FMT_S32;
         m_context->bits_per_raw_sample = format.bitDepth;
         m_context->bit_rate = isOpus ? 160'000 : 0;
         m_context->frame_size = isOpus ? 0 : flacBlock;

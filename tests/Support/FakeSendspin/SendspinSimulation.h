@@ -29,24 +29,24 @@ class SimulatedTransport : public MAWebSocketTransport {
     void open() override {
         m_opening = m_time.after(std::chrono::milliseconds(1), [this] {
             const QPointer self(this);
-            m_peer = m_server.attach(
-                {.sendText =
-                     [self](const QString &text) {
-                         if (self && self->m_peer)
-                             Q_EMIT self->received({MAWebSocketFrame::Text{text}});
-                     },
-                 .sendBinary =
-                     [self](const QByteArray &data) {
-                         if (self && self->m_peer)
-                             Q_EMIT self->receivedBinary(data);
-                     },
-                 .close =
-                     [self](int code, const QString &reason) {
-                         if (self && self->m_peer) {
-                             self->detach();
-                             Q_EMIT self->received({MAWebSocketFrame::Closed{code, reason}});
-                         }
-                     }});
+            m_peer =
+                m_server.attach({.sendText =
+                                     [self](const QString &text) {
+                                         if (self && self->m_peer)
+                                             Q_EMIT self->received({MAWebSocketFrame::Text{text}});
+                                     },
+                                 .sendBinary =
+                                     [self](const QByteArray &data) {
+                                         if (self && self->m_peer)
+                                             Q_EMIT self->receivedBinary(data);
+                                     },
+                                 .close =
+                                     [self](int code, const QString &reason) {
+                                         if (self && self->m_peer) {
+                                             self->detach();
+                                             Q_EMIT self->received({MAWebSocketFrame::Closed{code, reason}});
+                                         }
+                                     }});
             Q_EMIT opened();
         });
     }

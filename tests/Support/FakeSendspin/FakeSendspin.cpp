@@ -15,9 +15,15 @@ constexpr auto restartLead = 500ms;
 } // namespace
 
 FakeSendspin::FakeSendspin(Timeline &time, unsigned seed)
-    : m_time(time), m_chance(seed), m_listener(u"fake"_s, QWebSocketServer::NonSecureMode) {
-    connect(&m_listener, &QWebSocketServer::newConnection, this,
-            [this] { greet(m_listener.nextPendingConnection()); });
+    : m_time(time), m_chance(seed), m_upgrades(u"fake"_s, QWebSocketServer::NonSecureMode) {
+    connect(&m_listener, &QTcpServer::newConnection, this, [this] {
+        QTcpSocket *socket = m_listener.nextPendingConnection();
+        // An answer about the time must not wait until the sound before it has been acknowledged.
+        socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
+        m_upgrades.handleConnection(socket);
+    });
+    connect(&m_upgrades, &QWebSocketServer::newConnection, this,
+            [this] { greet(m_upgrades.nextPendingConnection()); });
 }
 
 FakeSendspin::~FakeSendspin() {

@@ -3,6 +3,8 @@
 #include "tests/Support/FakeSendspin/FakeSendspinPeer.h"
 
 #include <QSet>
+#include <QTcpServer>
+#include <QTcpSocket>
 #include <QUrl>
 #include <QWebSocket>
 #include <QWebSocketServer>
@@ -88,7 +90,8 @@ class FakeSendspin : public QObject {
     std::int64_t m_skew = 0;
     double m_drift = 0;
     std::int64_t m_driftsFrom = 0;
-    QWebSocketServer m_listener;
+    QTcpServer m_listener;
+    QWebSocketServer m_upgrades;
     std::vector<std::unique_ptr<FakeSendspinPeer>> m_peers;
     std::vector<std::unique_ptr<FakeSendspinPeer>> m_gone; ///< what they have sent may still be on its way
     std::unique_ptr<Scheduler::Pending> m_burial;

@@ -186,6 +186,24 @@ Seeds items() {
              R"({"name":"from"},{"name":"to_index"}]}])"}};
 }
 
+Seeds sendspinFrames() {
+    return {{QStringLiteral("audio"), QByteArray("0\4\0\0\0\0\0\0\0\1sound", 15)},
+            {QStringLiteral("hello"),
+             R"(1{"type":"server/hello","payload":{"server_id":"s","name":"n","version":1,)"
+             R"("active_roles":["player@v1"],"connection_reason":"playback"}})"},
+            {QStringLiteral("time"), R"(1{"type":"server/time","payload":{"client_transmitted":1,)"
+                                     R"("server_received":2,"server_transmitted":3}})"},
+            {QStringLiteral("start"), R"(1{"type":"stream/start","payload":{"player":{"codec":"flac",)"
+                                      R"("sample_rate":44100,"channels":2,"bit_depth":24,)"
+                                      R"("codec_header":"ZkxhQw=="},"server_transmitted":7}})"},
+            {QStringLiteral("end"), R"(1{"type":"stream/end","payload":{"roles":["player"]}})"},
+            {QStringLiteral("group"), R"(1{"type":"group/update","payload":{"playback_state":"playing",)"
+                                      R"("group_id":null,"group_name":"n"}})"},
+            {QStringLiteral("command"),
+             R"(1{"type":"server/command","payload":{"player":{"command":"volume",)"
+             R"("volume":30,"mute":true,"static_delay_ms":9}}})"}};
+}
+
 bool write(const QString &folder, const Seeds &seeds) {
     if (!QDir().mkpath(folder))
         return false;
@@ -215,6 +233,7 @@ int main(int argc, char **argv) {
                          write(folder + QStringLiteral("MediaIDTransfer"), transfers()) &&
                          write(folder + QStringLiteral("PlaylistFile"), playlists()) &&
                          write(folder + QStringLiteral("QueueFile"), queues()) &&
+                         write(folder + QStringLiteral("SendspinIncoming"), sendspinFrames()) &&
                          write(folder + QStringLiteral("SkinArchive"), archives()) &&
                          write(folder + QStringLiteral("SkinTexts"), texts());
     return written ? 0 : 1;

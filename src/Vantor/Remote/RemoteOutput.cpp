@@ -202,7 +202,8 @@ void RemoteOutput::confirm(const NowPlaying &told) {
 NowPlaying RemoteOutput::nowPlaying() const {
     NowPlaying playing = m_playing;
     playing.state = m_state.value().value_or(playing.state);
-    playing.volume = playing.volume ? std::optional(m_volume.value().value_or(*playing.volume)) : std::nullopt;
+    playing.volume =
+        playing.volume ? std::optional(m_volume.value().value_or(*playing.volume)) : std::nullopt;
     if (const std::optional<Place> place = m_place.value()) {
         playing.elapsed = place->elapsed;
         playing.updatedAt = place->at;
@@ -222,7 +223,8 @@ PlaybackView RemoteOutput::view() const {
     const bool repeats = m_repeat.value().value_or(m_queue.repeats.value_or(false));
     view.repeat = repeats ? RepeatMode::all : RepeatMode::off;
     view.isEmpty = m_queue.total == 0 && !playing.title;
-    view.hasNext = m_queue.total > 0 && (repeats || view.isShuffled || m_queue.currentIndex.value_or(-1) + 1 < m_queue.total);
+    view.hasNext = m_queue.total > 0 &&
+                   (repeats || view.isShuffled || m_queue.currentIndex.value_or(-1) + 1 < m_queue.total);
     return view;
 }
 

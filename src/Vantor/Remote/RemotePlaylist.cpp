@@ -171,10 +171,11 @@ void RemotePlaylist::remove(const IndexSet &rows) {
         return;
     commitMoves();
     if (m_current)
-        m_current = rows.contains(*m_current)
-                        ? std::nullopt
-                        : std::optional(*m_current - static_cast<int>(std::distance(
-                                                         rows.begin(), rows.lower_bound(*m_current))));
+        m_current =
+            rows.contains(*m_current)
+                ? std::nullopt
+                : std::optional(*m_current -
+                                static_cast<int>(std::distance(rows.begin(), rows.lower_bound(*m_current))));
     for (auto row = rows.rbegin(); row != rows.rend(); ++row) {
         m_tracks.erase(m_tracks.begin() + *row);
         m_ids.removeAt(*row);

@@ -4,10 +4,9 @@
 #include "Vantor/Model/PlayerModel.h"
 #include "Vantor/Model/SkinSwitcher.h"
 #include "Vantor/Windows/SkinBrowserWindow.h"
+#include "bench/Vantor/MeasuredEvents.h"
 
-#include <QApplication>
 #include <QDirIterator>
-#include <QElapsedTimer>
 #include <QFileInfo>
 #include <QLineEdit>
 #include <QScrollBar>
@@ -15,92 +14,12 @@
 #include <QTemporaryDir>
 #include <QToolButton>
 
-#include <fcntl.h>
 #include <unistd.h>
 
-#include <cstdio>
-#include <ctime>
-
 using namespace vantor;
+using namespace vantor::bench;
 
 namespace {
-
-double threadMilliseconds() {
-    timespec now{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-    return static_cast<double>(now.tv_sec) * 1e3 + static_cast<double>(now.tv_nsec) / 1e6;
-}
-
-/// How long this thread was ready but other ones had the processors.
-double queuedMilliseconds() {
-    static const int file = ::open("/proc/thread-self/schedstat", O_RDONLY);
-    std::array<char, 80> text{};
-    if (::pread(file, text.data(), text.size() - 1, 0) <= 0)
-        return 0;
-    unsigned long long busy = 0;
-    unsigned long long queued = 0;
-    return std::sscanf(text.data(), "%llu %llu", &busy, &queued) == 2 ? static_cast<double>(queued) / 1e6 : 0;
-}
-
-/// Measures how long the main thread takes for each event: the processor's time, and how long it waited for
-/// anything but a processor, which is none of the window's fault.
-class Measured : public QApplication {
-  public:
-    using QApplication::QApplication;
-
-    bool notify(QObject *receiver, QEvent *event) override {
-        if (m_depth > 0)
-            return QApplication::notify(receiver, event);
-        const QEvent::Type type = event->type();
-        const QByteArray name = receiver->metaObject()->className();
-        QElapsedTimer wall;
-        const double queued = queuedMilliseconds();
-        wall.start();
-        const double before = threadMilliseconds();
-        ++m_depth;
-        const bool result = QApplication::notify(receiver, event);
-        --m_depth;
-        const double busy = threadMilliseconds() - before;
-        const double all = static_cast<double>(wall.nsecsElapsed()) / 1e6;
-        take(busy, all - busy - (queuedMilliseconds() - queued), type, name);
-        return result;
-    }
-    void report(const char *phase) {
-        std::printf(
-            "%-28s %7zu events, busy at most %6.2f ms (type %d of %s), waited at most %6.2f ms (type %d), "
-            "over 16 ms: %d\n",
-            phase, m_count, m_longest, m_longestType, m_longestName.constData(), m_longestWait,
-            m_longestWaitType, m_late);
-        std::fflush(stdout);
-        m_count = 0;
-        m_longest = m_longestWait = 0;
-        m_late = 0;
-    }
-
-  private:
-    void take(double busy, double waited, int type, const QByteArray &name) {
-        ++m_count;
-        if (waited > m_longestWait) {
-            m_longestWait = waited;
-            m_longestWaitType = type;
-        }
-        m_late += busy + waited > 16 ? 1 : 0;
-        if (busy <= m_longest)
-            return;
-        m_longest = busy;
-        m_longestType = type;
-        m_longestName = name;
-    }
-
-    int m_depth = 0;
-    std::size_t m_count = 0;
-    double m_longest = 0;
-    double m_longestWait = 0;
-    int m_longestWaitType = 0;
-    int m_longestType = 0;
-    QByteArray m_longestName;
-    int m_late = 0;
-};
 
 QStringList madeSkins(const QString &folder) {
     QStringList files;
@@ -138,19 +57,6 @@ void fill(const QUrl &index, const QString &skins, const QString &links, int row
         }
     }
     store->apply(batch, SkinIngester::parserVersion);
-}
-
-void run(std::chrono::milliseconds time, std::chrono::milliseconds interval,
-         const std::function<void(int)> &step) {
-    QElapsedTimer clock;
-    clock.start();
-    for (int i = 0; !clock.hasExpired(time.count()); ++i) {
-        step(i);
-        QElapsedTimer pause;
-        pause.start();
-        while (!pause.hasExpired(interval.count()))
-            QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 2);
-    }
 }
 
 } // namespace

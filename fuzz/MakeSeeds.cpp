@@ -204,6 +204,15 @@ Seeds sendspinFrames() {
              R"("volume":30,"mute":true,"static_delay_ms":9}}})"}};
 }
 
+Seeds museumPages() {
+    const QByteArray row = R"({"md5":"0123456789abcdef0123456789abcdef","filename":"a/b.wsz","nsfw":true,)"
+                           R"("screenshot_url":"https://s/1","download_url":"https://d/1",)"
+                           R"("museum_url":"https://m/1"})";
+    return {{QStringLiteral("browse"), R"(6{"data":{"skins":{"count":7,"nodes":[)" + row + "]}}}"},
+            {QStringLiteral("search"), R"(7{"data":{"search_classic_skins":[)" + row + "]}}"},
+            {QStringLiteral("error"), R"(6{"errors":[{"message":"m"}],"data":null})"}};
+}
+
 bool write(const QString &folder, const Seeds &seeds) {
     if (!QDir().mkpath(folder))
         return false;
@@ -231,6 +240,7 @@ int main(int argc, char **argv) {
                          write(folder + QStringLiteral("MAEnvelope"), envelopes()) &&
                          write(folder + QStringLiteral("MAItems"), items()) &&
                          write(folder + QStringLiteral("MediaIDTransfer"), transfers()) &&
+                         write(folder + QStringLiteral("MuseumPage"), museumPages()) &&
                          write(folder + QStringLiteral("PlaylistFile"), playlists()) &&
                          write(folder + QStringLiteral("QueueFile"), queues()) &&
                          write(folder + QStringLiteral("SendspinIncoming"), sendspinFrames()) &&

@@ -181,8 +181,8 @@ void LibraryBrowser::chooseOutput(const OutputDevice::ID &id, const QString &nam
     Q_EMIT outputsChanged();
 }
 
-void LibraryBrowser::play(const PlayRequest &request, const Turn &turn) {
-    m_plays.emplace_back(request, turn);
+void LibraryBrowser::play(const PlayRequest &request) {
+    m_plays.push_back(request);
     if (m_plays.size() == 1)
         playInTurn();
 }
@@ -190,13 +190,11 @@ void LibraryBrowser::play(const PlayRequest &request, const Turn &turn) {
 QCoro::Task<> LibraryBrowser::playInTurn() {
     const QPointer<LibraryBrowser> self(this);
     while (self && !m_plays.empty()) {
-        const auto [request, turn] = m_plays.front();
+        const PlayRequest request = m_plays.front();
         // A source that has not told its outputs yet knows its own when it is asked.
         const OutputDevice on = output().value_or(OutputDevice::thisMac());
         const std::shared_ptr<MusicBackend> backend = m_backend;
         std::optional<LibraryFailure> failure;
-        if (turn.begins)
-            turn.begins();
         try {
             if (backend)
                 co_await backend->play(request.items, on, request.mode);
@@ -205,8 +203,6 @@ QCoro::Task<> LibraryBrowser::playInTurn() {
         }
         if (!self)
             co_return;
-        if (turn.ends)
-            turn.ends();
         m_plays.pop_front();
         if (failure)
             Q_EMIT failed(failure->sentence);

@@ -6,7 +6,6 @@
 #include <QObject>
 
 #include <deque>
-#include <functional>
 
 namespace vantor {
 
@@ -52,17 +51,9 @@ class LibraryBrowser : public QObject {
     /// Until another source comes. `name`: as long as the source does not tell a better one.
     void chooseOutput(const OutputDevice::ID &id, const QString &name = {});
 
-    /// What is to happen when the turn of a request has come, and when the source has carried it out or
-    /// refused.
-    struct Turn {
-        std::function<void()> begins;
-        std::function<void()> ends;
-    };
-
     // What goes wrong with these is told by failed().
     /// Requests are carried out one after another.
-    void play(const PlayRequest &request) { play(request, Turn()); }
-    void play(const PlayRequest &request, const Turn &turn);
+    void play(const PlayRequest &request);
     void setFavorite(const QList<MediaID> &ids, bool on);
 
   Q_SIGNALS:
@@ -90,8 +81,8 @@ class LibraryBrowser : public QObject {
     State m_state = State::noSource;
     std::optional<LibraryFailure> m_failure;
     QList<OutputDevice> m_outputs;
-    std::deque<std::pair<PlayRequest, Turn>> m_plays; ///< the first one is being carried out
-    std::optional<OutputDevice> m_chosenOutput;       ///< as it was told last
+    std::deque<PlayRequest> m_plays;            ///< the first one is being carried out
+    std::optional<OutputDevice> m_chosenOutput; ///< as it was told last
     QList<OutputActivity> m_activities;
     AsyncStream<QList<OutputActivity>> m_activityStream;
     bool m_loadsOutputs = false;

@@ -33,10 +33,6 @@ LibraryOutput::~LibraryOutput() {
 }
 
 void LibraryOutput::play(const std::vector<Track> &tracks, PlayMode mode) {
-    if (m_receiver) {
-        m_receiver(tracks);
-        return;
-    }
     const bool replaces = mode.kind == PlayMode::Kind::replace;
     if (replaces)
         m_model.clearQueue();

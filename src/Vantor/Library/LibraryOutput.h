@@ -11,15 +11,12 @@ class LibraryOutput : public QObject, public LocalOutput {
 
   public:
     using TrackFinder = std::function<std::optional<MediaID>(const QUrl &)>;
-    using Receiver = std::function<void(const std::vector<Track> &)>;
 
     explicit LibraryOutput(PlayerModel &model, QObject *parent = nullptr);
     ~LibraryOutput() override;
 
     /// Tells which item of the library a file is.
     void setTrackFinder(const TrackFinder &finder) { m_finder = finder; }
-    /// What comes to be played goes there instead, until there is none.
-    void setReceiver(const Receiver &receiver) { m_receiver = receiver; }
 
     void play(const std::vector<Track> &tracks, PlayMode mode) override;
     void transport(TransportCommand command) override;
@@ -32,7 +29,6 @@ class LibraryOutput : public QObject, public LocalOutput {
     PlayerModel &m_model;
     PlayerEventToken m_observer;
     TrackFinder m_finder;
-    Receiver m_receiver;
     std::vector<AsyncStreamProducer<NowPlaying>> m_listeners;
 };
 

@@ -17,8 +17,7 @@ MusicLibrary::MusicLibrary(PlayerModel &model, QSettings &settings)
             useFolder();
     });
     model.remote().setBrowser(&m_browser);
-    model.setLibrary(
-        [this](const QList<MediaID> &ids, const LibraryOutput::Receiver &take) { findFiles(ids, take); });
+    model.setLibrary([this](const QList<MediaID> &ids, const Receiver &take) { findFiles(ids, take); });
 }
 
 MusicLibrary::~MusicLibrary() {
@@ -57,19 +56,31 @@ void MusicLibrary::showWindow() {
     if (!m_window) {
         m_window = std::make_unique<LibraryWindow>(
             m_browser, m_artwork, m_settings,
-            [this](const QList<MediaID> &ids, const LibraryOutput::Receiver &receive) {
-                findFiles(ids, receive);
-            });
+            [this](const QList<MediaID> &ids, const Receiver &receive) { findFiles(ids, receive); });
         connect(m_window.get(), &LibraryWindow::settingsAsked, this, &MusicLibrary::settingsAsked);
         take(m_status);
     }
     m_window->bringToFront();
 }
 
-// The folder itself tells no paths: what it gives the output to play does.
-void MusicLibrary::findFiles(const QList<MediaID> &ids, const LibraryOutput::Receiver &take) {
-    m_browser.play({ids, PlayMode::append()},
-                   {[this, take] { m_output.setReceiver(take); }, [this] { m_output.setReceiver({}); }});
+QCoro::Task<> MusicLibrary::findFiles(QList<MediaID> ids, Receiver take) {
+    const std::shared_ptr<FolderBackend> folder = m_folder;
+    if (!folder)
+        co_return;
+    const QPointer<MusicLibrary> self(this);
+    std::vector<Track> tracks;
+    std::optional<LibraryFailure> failure;
+    try {
+        tracks = co_await folder->localTracks(ids);
+    } catch (...) {
+        failure = LibraryFailure::of(std::current_exception());
+    }
+    if (!self)
+        co_return;
+    if (failure)
+        Q_EMIT m_browser.failed(failure->sentence);
+    else
+        take(tracks);
 }
 
 void MusicLibrary::rescan() {

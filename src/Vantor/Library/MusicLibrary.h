@@ -38,7 +38,9 @@ class MusicLibrary : public QObject {
   private:
     void open();
     void useFolder();
-    void findFiles(const QList<MediaID> &ids, const LibraryOutput::Receiver &take);
+    using Receiver = std::function<void(const std::vector<Track> &)>;
+
+    QCoro::Task<> findFiles(QList<MediaID> ids, Receiver take);
     QCoro::Task<> followStatus();
     QCoro::Task<> reindex();
     void take(const FolderIndexStatus &status);

@@ -301,9 +301,12 @@ void PlayerModel::finishImport(quint64 import, int added, const std::vector<Skip
 
 void PlayerModel::tellOf(int added, const std::vector<SkippedFile> &skipped) {
     for (const SkippedFile &file : skipped) {
-        qCWarning(playerModelLog, "could not play %s: %s", qUtf8Printable(file.name()),
-                  qUtf8Printable(file.reason));
-        Q_EMIT trackRefused(file.name(), file.reason);
+        qCWarning(playerModelLog, "%s%s: %s", file.isPartial ? "" : "could not play ",
+                  qUtf8Printable(file.name()), qUtf8Printable(file.reason));
+        if (file.isPartial)
+            Q_EMIT partRefused(file.name(), file.reason);
+        else
+            Q_EMIT trackRefused(file.name(), file.reason);
     }
     m_skippedFiles = skipped;
     if (const auto notice =

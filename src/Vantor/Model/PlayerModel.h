@@ -125,6 +125,8 @@ class PlayerModel : public QObject {
     void skinChanged();
     /// A track that was not played or not even taken in: its name and the sentence that says why.
     void trackRefused(const QString &name, const QString &message);
+    /// A list of which a part was not taken in.
+    void partRefused(const QString &name, const QString &message);
     void skinRefused(const QString &name, const QString &message);
     void importsFinished(); ///< nothing is left to import
     void sliderCancelled(); ///< what was dragged does not follow the pointer any more

@@ -24,8 +24,6 @@ namespace vantor {
 
 namespace {
 
-using ::operator|; // of keys, which our own flags' operators hide
-
 constexpr double volumeStep = 0.02;
 constexpr double seekStep = 5; // seconds
 

@@ -402,7 +402,7 @@ void MadeBackend::tellPlaying(const NowPlaying &now) {
 
 QCoro::Task<QList<OutputDevice>> MadeBackend::outputs() {
     co_await answer(QStringLiteral("outputs"), delay);
-    co_return speakers;
+    co_return QList<OutputDevice>(speakers); // a copy: the task would take a member's value away
 }
 
 QCoro::Task<> MadeBackend::play(QList<MediaID> items, OutputDevice on, PlayMode mode) {

@@ -66,6 +66,7 @@ void RemoteOutput::setBrowser(LibraryBrowser *browser) {
     m_browser = browser;
     if (browser) {
         connect(browser, &LibraryBrowser::sourceChanged, this, &RemoteOutput::recall);
+        connect(browser, &LibraryBrowser::outputChosen, this, &RemoteOutput::remember);
         connect(browser, &LibraryBrowser::stateChanged, this, &RemoteOutput::takeOutput);
         connect(browser, &LibraryBrowser::outputsChanged, this, &RemoteOutput::takeOutput);
         recall();
@@ -80,11 +81,14 @@ void RemoteOutput::recall() {
         m_browser->chooseOutput(entry->id, entry->name);
 }
 
+void RemoteOutput::remember(const OutputDevice &output) {
+    if (m_browser->backend())
+        m_memory.remember(m_browser->backend()->sourceID(), {output.id, output.name});
+}
+
 void RemoteOutput::select(const OutputDevice &output) {
-    if (!m_browser || !m_browser->backend())
-        return;
-    m_memory.remember(m_browser->backend()->sourceID(), {output.id, output.name});
-    m_browser->chooseOutput(output.id, output.name);
+    if (m_browser)
+        m_browser->chooseOutput(output.id, output.name);
 }
 
 void RemoteOutput::deselect() {

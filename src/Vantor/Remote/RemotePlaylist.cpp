@@ -112,7 +112,7 @@ void RemotePlaylist::takeItems(const QList<RemoteQueueItem> &items, int offset) 
         const auto row = offset < 0 ? qsizetype{items[i].index} : offset + i;
         if (row < 0 || row >= m_ids.size())
             continue;
-        m_ids[row] = items[i].id;
+        m_ids[row] = items[i].id.isEmpty() ? unknownID(static_cast<int>(row)) : items[i].id;
         m_tracks[static_cast<std::size_t>(row)] = trackOf(items[i]);
     }
 }

@@ -2,6 +2,8 @@
 
 #include <QPointer>
 
+#include <algorithm>
+
 namespace vantor {
 
 QList<LibrarySection> librarySections(MusicBackendCapabilities capabilities) {
@@ -29,6 +31,7 @@ void LibraryBrowser::setBackend(const std::shared_ptr<MusicBackend> &backend) {
         return;
     if (const auto before = std::exchange(m_backend, backend))
         before->disconnect(); // goes on by itself
+    m_chosenOutput.reset();
     connectBackend();
 }
 
@@ -48,6 +51,8 @@ void LibraryBrowser::retry() {
 void LibraryBrowser::connectBackend() {
     m_turn = std::make_shared<char>();
     m_changes = {};
+    m_activityStream = {};
+    m_activities.clear();
     m_outputs.clear();
     m_state = m_backend ? State::connecting : State::noSource;
     m_failure.reset();
@@ -75,6 +80,8 @@ QCoro::Task<> LibraryBrowser::openConnection() {
     }
     m_changes = backend->libraryChanges();
     followChanges();
+    m_activityStream = backend->activities();
+    followActivities();
     loadOutputs();
     setState(State::connected);
 }
@@ -82,6 +89,7 @@ QCoro::Task<> LibraryBrowser::openConnection() {
 QCoro::Task<> LibraryBrowser::loadOutputs() {
     const std::weak_ptr<char> turn = m_turn;
     const std::shared_ptr<MusicBackend> backend = m_backend;
+    const int number = ++m_outputsAsked;
     QList<OutputDevice> outputs;
     std::optional<LibraryFailure> failure;
     try {
@@ -89,14 +97,37 @@ QCoro::Task<> LibraryBrowser::loadOutputs() {
     } catch (...) {
         failure = LibraryFailure::of(std::current_exception());
     }
-    if (turn.expired())
+    if (turn.expired() || number != m_outputsAsked)
         co_return;
     if (failure) {
         Q_EMIT failed(failure->sentence);
         co_return;
     }
     m_outputs = outputs;
+    if (const auto told = output(); told && m_chosenOutput)
+        m_chosenOutput = told;
     Q_EMIT outputsChanged();
+}
+
+QCoro::Task<> LibraryBrowser::followActivities() {
+    const std::weak_ptr<char> turn = m_turn;
+    while (true) {
+        const std::optional<QList<OutputActivity>> activities = co_await m_activityStream.next();
+        if (turn.expired() || !activities)
+            co_return;
+        take(*activities);
+    }
+}
+
+void LibraryBrowser::take(const QList<OutputActivity> &activities) {
+    const auto isSameOutput = [](const OutputActivity &one, const OutputActivity &other) {
+        return one.output == other.output && one.name == other.name && one.leader == other.leader;
+    };
+    const bool areSame = std::ranges::equal(m_activities, activities, isSameOutput);
+    m_activities = activities;
+    if (!areSame)
+        loadOutputs();
+    Q_EMIT activitiesChanged();
 }
 
 QCoro::Task<> LibraryBrowser::followChanges() {
@@ -124,14 +155,26 @@ void LibraryBrowser::setState(State state, const std::optional<LibraryFailure> &
 }
 
 std::optional<OutputDevice> LibraryBrowser::output() const {
-    if (m_outputs.isEmpty())
-        return std::nullopt;
-    const auto chosen = std::ranges::find(m_outputs, m_output, &OutputDevice::id);
-    return chosen != m_outputs.end() ? *chosen : m_outputs.first();
+    const OutputDevice::ID wanted = m_chosenOutput ? m_chosenOutput->id : OutputDevice::thisMacID();
+    const auto found = std::ranges::find(m_outputs, wanted, &OutputDevice::id);
+    if (found != m_outputs.end())
+        return *found;
+    // Music that was meant for one room is not played in another.
+    if (m_chosenOutput) {
+        OutputDevice missing = *m_chosenOutput;
+        missing.isAvailable = false;
+        return missing;
+    }
+    return m_outputs.isEmpty() ? std::nullopt : std::optional(m_outputs.first());
 }
 
-void LibraryBrowser::chooseOutput(const OutputDevice::ID &id) {
-    m_output = id;
+void LibraryBrowser::chooseOutput(const OutputDevice::ID &id, const QString &name) {
+    OutputDevice chosen;
+    chosen.id = id;
+    chosen.name = name;
+    chosen.kind = id == OutputDevice::thisMacID() ? OutputDevice::Kind::thisMac : OutputDevice::Kind::remote;
+    const auto found = std::ranges::find(m_outputs, id, &OutputDevice::id);
+    m_chosenOutput = found != m_outputs.end() ? *found : chosen;
     Q_EMIT outputsChanged();
 }
 

@@ -41,10 +41,15 @@ class LibraryBrowser : public QObject {
     /// The source's content may have changed in any way.
     void refresh() { Q_EMIT refreshed(); }
 
+    /// Kept in step with the source.
     [[nodiscard]] const QList<OutputDevice> &outputs() const { return m_outputs; }
-    /// Where it plays; none while there is no output.
+    /// What plays where, as far as the source tells.
+    [[nodiscard]] const QList<OutputActivity> &activities() const { return m_activities; }
+    /// Where it plays: what was chosen for this source, as unavailable while it is not there, else this
+    /// computer or the first; none while there is no output.
     [[nodiscard]] std::optional<OutputDevice> output() const;
-    void chooseOutput(const OutputDevice::ID &id);
+    /// Until another source comes. `name`: as long as the source does not tell a better one.
+    void chooseOutput(const OutputDevice::ID &id, const QString &name = {});
 
     // What goes wrong with these is told by failed().
     /// Requests are carried out one after another.
@@ -55,7 +60,8 @@ class LibraryBrowser : public QObject {
     /// Another source, or none; lists are empty until it is connected.
     void sourceChanged();
     void stateChanged();
-    void outputsChanged();
+    void outputsChanged(); ///< or which one is chosen
+    void activitiesChanged();
     void changed(const vantor::LibraryChange &change);
     void refreshed();
     void failed(const QString &sentence);
@@ -64,6 +70,8 @@ class LibraryBrowser : public QObject {
     void connectBackend();
     QCoro::Task<> openConnection();
     QCoro::Task<> loadOutputs();
+    QCoro::Task<> followActivities();
+    void take(const QList<OutputActivity> &activities);
     QCoro::Task<> followChanges();
     QCoro::Task<> playInTurn();
     QCoro::Task<> setFavorites(QList<MediaID> ids, bool on);
@@ -73,8 +81,11 @@ class LibraryBrowser : public QObject {
     State m_state = State::noSource;
     std::optional<LibraryFailure> m_failure;
     QList<OutputDevice> m_outputs;
-    std::deque<PlayRequest> m_plays; ///< the first one is being carried out
-    OutputDevice::ID m_output = OutputDevice::thisMacID();
+    std::deque<PlayRequest> m_plays;            ///< the first one is being carried out
+    std::optional<OutputDevice> m_chosenOutput; ///< as it was told last
+    QList<OutputActivity> m_activities;
+    AsyncStream<QList<OutputActivity>> m_activityStream;
+    int m_outputsAsked = 0; ///< how many times: only the last answer counts
     AsyncStream<LibraryChange> m_changes;
     /// Whose answers are awaited.
     std::shared_ptr<char> m_turn = std::make_shared<char>();

@@ -213,7 +213,7 @@ TEST_F(LibraryWindowTest, ALargeLibraryIsThereAtOnce) {
 }
 
 TEST_F(PlayerFixture, TheOutputOfTheLibraryReplacesAndAppends) {
-    LibraryOutput output(m_player);
+    LibraryOutput output(m_model);
     std::vector<Track> tracks;
     for (const char *const name : {"a.wav", "b.wav", "c.wav"})
         tracks.push_back(Track::file(writeTone(name, 30)));

@@ -124,7 +124,7 @@ class MusicAssistantBackend final : public MusicBackend {
     QCoro::Task<QList<OutputDevice>> outputs() override;
     /// What plays on every output, the present state first; a new list also when an output came, went or
     /// changed otherwise, so that outputs() and outputState() are worth another look.
-    [[nodiscard]] AsyncStream<QList<OutputActivity>> activities();
+    AsyncStream<QList<OutputActivity>> activities() override;
     /// None for an output that is not there.
     [[nodiscard]] std::optional<MusicAssistantOutputState> outputState(const OutputDevice::ID &output) const;
     QCoro::Task<> setMuted(OutputDevice::ID output, bool isMuted);
@@ -142,8 +142,9 @@ class MusicAssistantBackend final : public MusicBackend {
     QCoro::Task<> setGroupMembers(OutputDevice::ID leader, QList<OutputDevice::ID> adding,
                                   QList<OutputDevice::ID> removing) override;
 
-  private:
     class Private;
+
+  private:
     std::unique_ptr<Private> d;
 };
 

@@ -1,18 +1,18 @@
 #pragma once
 
-#include "AudioCore/Playback/Player.h"
 #include "FolderBackendKit/LocalOutput.h"
+#include "Vantor/Model/PlayerModel.h"
 
 namespace vantor {
 
-/// The program's own player as the output of a music folder. Main thread; borrows the player.
+/// The program's own player as the output of a music folder. Main thread; borrows the model.
 class LibraryOutput : public QObject, public LocalOutput {
     Q_OBJECT
 
   public:
     using TrackFinder = std::function<std::optional<MediaID>(const QUrl &)>;
 
-    explicit LibraryOutput(Player &player, QObject *parent = nullptr);
+    explicit LibraryOutput(PlayerModel &model, QObject *parent = nullptr);
     ~LibraryOutput() override;
 
     /// Tells which item of the library a file is.
@@ -26,7 +26,7 @@ class LibraryOutput : public QObject, public LocalOutput {
     [[nodiscard]] NowPlaying present() const;
     void tell();
 
-    Player &m_player;
+    PlayerModel &m_model;
     PlayerEventToken m_observer;
     TrackFinder m_finder;
     std::vector<AsyncStreamProducer<NowPlaying>> m_listeners;

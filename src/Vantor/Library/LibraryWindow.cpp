@@ -91,6 +91,18 @@ void LibraryWindow::follow() {
     connect(&m_actions, &LibraryActions::infoAsked, this, [this](const Track &track) {
         (new FileInfoDialog(TrackInfo::fromTrack(track, std::nullopt), this))->show();
     });
+    PlaylistActions &playlists = m_actions.playlists();
+    connect(&playlists, &PlaylistActions::told, this, &LibraryWindow::tell);
+    connect(&playlists, &PlaylistActions::made, this,
+            [this](const LibraryPlaylist &playlist) { go({LibrarySection::playlists, playlist}); });
+    connect(&playlists, &PlaylistActions::renamed, this, [this](const MediaID &id, const QString &name) {
+        m_history.rename(id, name);
+        showPlace();
+    });
+    connect(&playlists, &PlaylistActions::deleted, this, [this](const MediaID &id) {
+        m_history.forget(id);
+        showPlace();
+    });
     connect(&m_browser, &LibraryBrowser::sourceChanged, this, &LibraryWindow::takeSource);
     connect(&m_browser, &LibraryBrowser::stateChanged, this, &LibraryWindow::showState);
     connect(&m_browser, &LibraryBrowser::failed, this, &LibraryWindow::tell);

@@ -10,17 +10,19 @@
 namespace vantor {
 
 MusicLibrary::MusicLibrary(PlayerModel &model, QSettings &settings)
-    : m_model(model), m_settings(settings), m_output(model.player()),
+    : m_model(model), m_settings(settings), m_output(model),
       m_artwork(AppPaths::cacheFolder() + QStringLiteral("/artwork"), {}) {
     connect(&model.preferences(), &Preferences::libraryFolderChanged, this, [this] {
         if (m_folder)
             useFolder();
     });
+    model.remote().setBrowser(&m_browser);
     model.setLibrary([this](const QList<MediaID> &ids, const Receiver &take) { findFiles(ids, take); });
 }
 
 MusicLibrary::~MusicLibrary() {
     m_model.setLibrary({});
+    m_model.remote().setBrowser(nullptr);
     m_window.reset();
     m_updates = {};
     m_output.setTrackFinder({});

@@ -114,7 +114,8 @@ class Reader {
         get(size);
         const QByteArrayView bytes = size == null ? QByteArrayView() : take(size);
         text = QString(bytes.size() / 2, Qt::Uninitialized);
-        qFromLittleEndian<char16_t>(bytes.data(), text.size(), text.data());
+        if (!text.isEmpty()) // there may be no bytes at all
+            qFromLittleEndian<char16_t>(bytes.data(), text.size(), text.data());
     }
     void get(MediaKind &kind) {
         qint32 number = 0;

@@ -2,6 +2,7 @@
 
 #include "AudioCore/Decoding/FileInput.h"
 #include "AudioCore/Network/ProgressiveInput.h"
+#include "Platform/NativePath.h"
 
 #include <algorithm>
 #include <cmath>
@@ -224,7 +225,7 @@ void TrackStreamer::open() {
         m_input.reset(); // before another connection
         m_inputUrl = m_request.url;
         if (m_inputUrl.isLocalFile()) {
-            m_input = std::make_shared<FileInput>(m_inputUrl.toLocalFile());
+            m_input = std::make_shared<FileInput>(NativePath::fromUrl(m_inputUrl));
         } else {
             auto input = std::make_shared<ProgressiveInput>(m_inputUrl);
             m_download = input->download();
@@ -286,7 +287,7 @@ void TrackStreamer::joinFollower() {
         std::exchange(m_joinTried, follower.generation) == follower.generation)
         return;
     try {
-        auto input = std::make_shared<FileInput>(follower.url.toLocalFile());
+        auto input = std::make_shared<FileInput>(NativePath::fromUrl(follower.url));
         auto next = std::make_unique<AudioFileDecoder>(input, follower.sampleRate);
         const std::optional<std::int64_t> frames = next->continueFrom(*m_decoder);
         if (!frames)

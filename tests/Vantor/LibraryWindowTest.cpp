@@ -328,7 +328,10 @@ TEST_F(LibraryWindowTest, QuestionsAreAskedBeforePlaylistsAndStationsChange) {
     QMenu menu(m_window.get());
     LibraryActions actions(m_browser, {});
     actions.fillMenu(menu, QList<LibraryItem>{{m_made->allPlaylists[0]}});
-    menu.actions().last()->trigger();
+    for (QAction *const entry : menu.actions()) {
+        if (entry->text() == u"Delete Playlist…"_qs)
+            entry->trigger();
+    }
     auto *const question = m_window->findChild<QMessageBox *>();
     ASSERT_NE(question, nullptr);
     EXPECT_EQ(m_made->allPlaylists.size(), 4);

@@ -102,9 +102,11 @@ int main(int argc, char **argv) {
     QElapsedTimer clock;
     clock.start();
     tab = open();
+    const qint64 made = clock.restart();
     grid = tab->findChild<MuseumGridView *>();
     while (grid->model()->index(0, 0).data().toString().isEmpty() && !clock.hasExpired(10'000))
         QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 5);
-    std::printf("a page that was seen before is there after %lld ms, with the tab itself\n", clock.elapsed());
+    std::printf("a page that was seen before is there after %lld ms, when the tab was made in %lld ms\n",
+                clock.elapsed(), made);
     return 0;
 }

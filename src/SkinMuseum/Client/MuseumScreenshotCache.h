@@ -28,7 +28,7 @@ class MuseumScreenshotCache : public QObject {
 
     struct Limits {
         qint64 maxDiskBytes = 256LL << 20; ///< the oldest files leave first
-        qsizetype maxMemoryEntries = 128;  ///< the least recently used leave first
+        qsizetype maxMemoryEntries = 48;   ///< the least recently used leave first
         int maxConcurrentFetches = 6;
     };
 

@@ -22,7 +22,7 @@ class MuseumListModel : public QAbstractListModel {
     Q_OBJECT
 
   public:
-    static constexpr int maxPages = 64; ///< that are kept; those farthest from the view are read again
+    static constexpr int maxPages = 32; ///< that are kept; those farthest from the view are read again
 
     /// What there is to say beside the rows.
     enum class Notice {

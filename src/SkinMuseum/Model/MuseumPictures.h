@@ -24,7 +24,7 @@ class MuseumPictures : public QObject {
 
   public:
     static constexpr int mostLoads = 8;
-    static constexpr qsizetype memoryLimit = qsizetype(40) << 20;     ///< bytes
+    static constexpr qsizetype memoryLimit = qsizetype(28) << 20;     ///< bytes
     static constexpr std::chrono::milliseconds failureMemory{30'000}; ///< in which nothing is asked again
 
     explicit MuseumPictures(MuseumScreenshotCache &cache, QObject *parent = nullptr);

@@ -14,6 +14,8 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <algorithm>
+
 using namespace vantor;
 using namespace std::chrono_literals;
 
@@ -207,12 +209,15 @@ TEST_F(FolderWatcherTest, LooksNowAndThenWhenThereIsTooMuchToWatch) {
 TEST_F(FolderWatcherTest, EndsInTheMiddleOfALargeTree) {
     for (int i = 0; i < 600; ++i)
         ASSERT_TRUE(QDir().mkpath(path("folder" + QByteArray::number(i))));
+    std::vector<qint64> times; // milliseconds
     for (unsigned i = 0; i < 20; ++i) {
         auto watcher = std::make_unique<FolderWatcher>(path());
         QThread::usleep(500 * i);
         QElapsedTimer time;
         time.start();
         watcher.reset();
-        EXPECT_LT(time.elapsed(), 20);
+        times.push_back(time.elapsed());
     }
+    std::ranges::sort(times);
+    EXPECT_LT(times[times.size() / 2], 20); // a busy machine delays some of them
 }

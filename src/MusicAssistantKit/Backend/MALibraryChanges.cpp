@@ -1,6 +1,8 @@
 #include "MusicAssistantKit/Backend/LibraryMapping.h"
 #include "MusicAssistantKit/Backend/MALibraryChanges_p.h"
 
+#include <algorithm>
+
 namespace vantor {
 
 using namespace Qt::Literals::StringLiterals;
@@ -57,11 +59,17 @@ void MALibraryChanges::takeItem(const QString &event, const MediaID &id, const M
 }
 
 void MALibraryChanges::add(const LibraryChange &change) {
-    if (m_gathered.size() >= mostSingleChanges && !m_gathered.contains(change.id)) {
+    const auto known = std::ranges::find(m_gathered, change.id, &LibraryChange::id);
+    if (known != m_gathered.end()) {
+        using Kind = LibraryChange::Kind;
+        if (known->kind == Kind::playlistAdded && change.kind == Kind::playlistUpdated)
+            return; // it is as new as before
+        m_gathered.erase(known);
+    } else if (m_gathered.size() >= mostSingleChanges) {
         announceReloadSoon();
         return;
     }
-    m_gathered.insert(change.id, change);
+    m_gathered.append(change);
     announceSoon();
 }
 

@@ -30,7 +30,7 @@ class MALibraryChanges {
 
     Scheduler &m_clock;
     AsyncBroadcast<LibraryChange> m_streams;
-    QHash<MediaID, LibraryChange> m_gathered;
+    QList<LibraryChange> m_gathered; ///< in their order; of an item only what came of it last
     bool m_played = false;
     bool m_needsReload = false;
     bool m_hasNews = false; ///< since the reload was put off last

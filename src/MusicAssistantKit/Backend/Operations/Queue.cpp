@@ -61,6 +61,14 @@ QCoro::Task<> moveItem(MusicAssistantBackend::Private &d, OutputDevice::ID outpu
 
 } // namespace
 
+QCoro::Task<QList<RemoteQueueItem>> MusicAssistantBackend::queueItems(OutputDevice::ID on, PageRequest page) {
+    const auto self = shared_from_this();
+    const QString queue = co_await d->queueID(on);
+    const QJsonObject args{{u"queue_id"_s, queue}, {u"limit"_s, page.limit}, {u"offset"_s, page.offset}};
+    const MAJSON answer = co_await d->callOutput(on, u"player_queues/items"_s, args, needed);
+    co_return maplayer::queueItems(answer, page.offset).mid(0, page.limit);
+}
+
 QCoro::Task<> MusicAssistantBackend::edit(QueueEdit edit, OutputDevice::ID on) {
     const auto self = shared_from_this();
     const QString queue = co_await d->queueID(on);

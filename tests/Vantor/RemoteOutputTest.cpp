@@ -172,9 +172,11 @@ TEST_F(RemoteOutputTest, TheClockTurnsWithTheSpeakersSeconds) {
     m_made->speaker(u"kitchen"_qs).playing.elapsed = 30.4;
     letPlay(u"kitchen"_qs);
     std::vector<double> shown;
-    QObject::connect(&m_model, &PlayerModel::sceneChanged, &m_browser,
-                     [&] { shown.push_back(std::floor(m_model.scene().status.elapsed)); });
-    ASSERT_TRUE(waitFor([&] { return shown.size() >= 3; }));
+    const auto showing = QObject::connect(&m_model, &PlayerModel::sceneChanged, &m_browser, [&] {
+        shown.push_back(std::floor(m_model.scene().status.elapsed));
+    });
+    EXPECT_TRUE(waitFor([&] { return shown.size() >= 3; }));
+    QObject::disconnect(showing);
     // Never twice the same second: a tick that comes too early would show it again.
     EXPECT_TRUE(std::ranges::adjacent_find(shown, std::greater_equal()) == shown.end());
 }
@@ -196,7 +198,6 @@ TEST_F(RemoteOutputTest, ASpeakerThatGoesStaysSelectedUntilItComesBack) {
 
     m_browser.setBackend(nullptr);
     EXPECT_FALSE(m_remote.isSelected());
-    EXPECT_EQ(m_model.scene().marquee, u"Vantor"_qs);
     m_made->failure = u"Nobody is there."_qs;
     m_browser.setBackend(m_made);
     EXPECT_TRUE(m_remote.isSelected()); // remembered, and not there

@@ -79,7 +79,7 @@ TEST_F(SpeakersTest, ThePanelSelectsAndTurnsDown) {
     panel.show();
     const auto rowOf = [&](const QString &name) -> SpeakerRow * {
         for (SpeakerRow *const row : panel.findChildren<SpeakerRow *>()) {
-            if (row->findChild<QRadioButton *>()->text() == name)
+            if (row->findChild<QRadioButton *>()->accessibleName() == name)
                 return row;
         }
         return nullptr;

@@ -58,7 +58,8 @@ SpeakerRow::SpeakerRow(Speakers &speakers, const Speakers::Row &row, QWidget *pa
 void SpeakerRow::take(const Speakers::Row &row) {
     m_row = row;
     const QString name = OutputMenu::nameOf(row.device);
-    m_name->setText(OutputMenu::label(name));
+    m_name->setToolTip(name);
+    m_name->setAccessibleName(name);
     m_name->setChecked(row.isSelected);
     m_name->setEnabled(row.device.isAvailable || row.isSelected);
     m_status->setContentsMargins(m_name->iconSize().width() + 8, 0, 0, 0);
@@ -72,10 +73,13 @@ void SpeakerRow::take(const Speakers::Row &row) {
     }
     m_more->setAccessibleName(tr("More about %1").arg(name));
     m_more->setVisible(row.device.kind == OutputDevice::Kind::remote && row.device.isAvailable);
-    showStatus();
+    showTexts();
 }
 
-void SpeakerRow::showStatus() {
+void SpeakerRow::showTexts() {
+    const int mark = m_name->iconSize().width() + 10;
+    m_name->setText(OutputMenu::label(m_name->fontMetrics().elidedText(
+        OutputMenu::nameOf(m_row.device), Qt::ElideRight, m_name->width() - mark)));
     const QString status = Speakers::statusOf(m_row);
     const int room = m_status->width() - m_status->contentsMargins().left();
     m_status->setText(m_status->fontMetrics().elidedText(status, Qt::ElideRight, room));
@@ -84,7 +88,7 @@ void SpeakerRow::showStatus() {
 
 void SpeakerRow::resizeEvent(QResizeEvent *event) {
     QWidget::resizeEvent(event);
-    showStatus();
+    showTexts();
 }
 
 void SpeakerRow::popUpMenu() {

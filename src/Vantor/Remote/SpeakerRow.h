@@ -23,7 +23,7 @@ class SpeakerRow : public QWidget {
 
   private:
     void popUpMenu();
-    void showStatus();
+    void showTexts();
     void resizeEvent(QResizeEvent *event) override;
 
     Speakers &m_speakers;

@@ -127,7 +127,8 @@ QString Speakers::statusOf(const Row &row) {
     case NowPlaying::State::stopped:
         break;
     }
-    return tr("Silent");
+    // What this computer plays of files, its source does not know.
+    return row.device.kind == OutputDevice::Kind::thisMac ? QString() : tr("Silent");
 }
 
 // What is done

@@ -84,19 +84,15 @@ void fillOutputs(QMenu &menu, PlayerModel &model) {
     }
 }
 
-/// Where the music source plays, if there is a choice.
+/// Where the music source plays.
 void fillSpeakers(QMenu &menu, Commands &commands, RemoteOutput &remote) {
-    LibraryBrowser *const browser = remote.browser();
-    const bool hasChoice = browser && (browser->outputs().size() > 1 || remote.isSelected());
-    commands.action(Id::speakers).setEnabled(hasChoice);
-    if (!hasChoice)
-        return;
-    QMenu *const outputs = menu.addMenu(tr("Output"));
-    OutputMenu::fill(*outputs, remote);
-    outputs->addSeparator();
-    outputs->addAction(&commands.action(Id::speakers));
-    if (commands.action(Id::favoriteTrack).isEnabled())
-        outputs->addAction(&commands.action(Id::favoriteTrack));
+    const LibraryBrowser *const browser = remote.browser();
+    OutputMenu::fill(menu, remote);
+    menu.addSeparator();
+    commands.action(Id::speakers)
+        .setEnabled(browser && (browser->outputs().size() > 1 || remote.isSelected()));
+    menu.addAction(&commands.action(Id::speakers));
+    menu.addAction(&commands.action(Id::favoriteTrack));
 }
 
 } // namespace
@@ -113,7 +109,7 @@ void fill(QMenu &menu, Commands &commands, PlayerModel &model) {
     add(*playback, {Id::jumpToFile, Id::shuffle, Id::repeat});
     playback->addSeparator();
     fillOutputs(*playback->addMenu(tr("Output Device")), model);
-    fillSpeakers(menu, commands, model.remote());
+    fillSpeakers(*menu.addMenu(tr("Output")), commands, model.remote());
     commands.fillSubmenus(menu);
     fillSkins(*menu.addMenu(tr("Skins")), commands, add, model);
     fillVisualisation(*menu.addMenu(tr("Visualisation")), commands);

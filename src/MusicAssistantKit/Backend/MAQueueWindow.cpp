@@ -65,11 +65,6 @@ void MAOutputWatchers::publishQueue(const OutputDevice::ID &output, QueueWatch &
     } else if (!m_store.isLoaded()) {
         return;
     }
-    if (queue) {
-        const std::optional<MusicAssistantOutputState> state = m_store.state(output);
-        next.isShuffled = state && state->isShuffling;
-        next.repeats = state && state->isRepeating;
-    }
     if (watch.last == next)
         return;
     watch.last = next;

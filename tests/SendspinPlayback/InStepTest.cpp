@@ -49,8 +49,8 @@ TEST(SendspinInStepTest, HearsEverySoundAtItsTime) {
         std::vector<double> errors;
         for (std::chrono::seconds time = 0s; time < row.length; time += 1s) {
             rig.listen(1s);
-            for (std::size_t i = 0; time >= 30s && i < rig.heard.size(); i += 40) {
-                if (const auto late = rig.lateness(rig.heard[i]))
+            for (std::size_t i = 40; time >= 30s && i < rig.heard.size(); i += 40) {
+                if (const auto late = rig.lateness(i))
                     errors.push_back(std::abs(*late));
             }
         }
@@ -84,8 +84,8 @@ TEST(SendspinInStepTest, BeginsAtItsTimeAndLaterByTheStaticDelay) {
 
     const auto worst = [&rig] {
         double most = 0;
-        for (const PlaybackRig::Heard &sound : rig.heard)
-            most = std::max(most, std::abs(rig.lateness(sound).value_or(0)));
+        for (std::size_t i = 0; i < rig.heard.size(); ++i)
+            most = std::max(most, std::abs(rig.lateness(i).value_or(0)));
         return most;
     };
     rig.listen(1s);
@@ -112,6 +112,6 @@ TEST(SendspinInStepTest, ComesBackInStepAfterAStall) {
     EXPECT_GE(figures.resyncs, 1);
     EXPECT_LE(figures.resyncs, 2);
     for (std::size_t i = 0; i < rig.heard.size(); i += 10)
-        EXPECT_LT(std::abs(rig.lateness(rig.heard[i]).value_or(0)), 300);
+        EXPECT_LT(std::abs(rig.lateness(i).value_or(0)), 300);
     EXPECT_FALSE(rig.isSilent());
 }

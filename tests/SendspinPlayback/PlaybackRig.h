@@ -68,8 +68,10 @@ class PlaybackRig {
 
     /// By how many microseconds a sound with a time code is heard too late, by what the session knows of the
     /// server's clock; none where that cannot be read.
-    [[nodiscard]] std::optional<double> lateness(const Heard &sound) const {
-        if (std::abs(sound.left) > 0.35F || sound.left == 0)
+    [[nodiscard]] std::optional<double> lateness(std::size_t index) const {
+        const Heard &sound = heard[index];
+        // At the end of each period it falls through the middle.
+        if (std::abs(sound.left) > 0.35F || index == 0 || sound.left <= heard[index - 1].left)
             return {};
         const auto local = static_cast<std::int64_t>(sound.when) - player.state().staticDelayMs * 1000;
         const std::int64_t server = simulation.session.clock().filter.computeServerTime(local);

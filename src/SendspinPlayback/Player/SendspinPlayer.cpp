@@ -1,0 +1,175 @@
+#include "SendspinPlayback/Player/SendspinPlayer.h"
+
+namespace vantor {
+
+using namespace Qt::Literals::StringLiterals;
+using namespace std::chrono_literals;
+
+static constexpr std::int64_t largeJump = 1'000'000; // microseconds
+static constexpr auto workInterval = 20ms;           // a part of what is decoded ahead
+
+static constexpr auto volumeKey = "sendspin.volume"_L1;
+static constexpr auto mutedKey = "sendspin.muted"_L1;
+static constexpr auto staticDelayKey = "sendspin.staticDelayMs"_L1;
+
+static SendspinPlayerState inRange(SendspinPlayerState state) {
+    state.volume = std::clamp(state.volume, 0, 100);
+    state.staticDelayMs = std::clamp(state.staticDelayMs, 0, SendspinIncoming::maxStaticDelayMs);
+    return state;
+}
+
+SendspinPlayer::SendspinPlayer(SendspinSession &session, Scheduler &scheduler, const SendspinClock &clock,
+                               SendspinSource &source, std::unique_ptr<QSettings> settings,
+                               std::int64_t capacity)
+    : m_session(session), m_scheduler(scheduler), m_clock(clock), m_source(source),
+      m_settings(settings.release()), m_buffer(source.queue(), capacity) {
+    m_settings->setParent(this);
+    apply(inRange({.available = true,
+                   .volume = m_settings->value(volumeKey, 100).toInt(),
+                   .muted = m_settings->value(mutedKey, false).toBool(),
+                   .staticDelayMs = m_settings->value(staticDelayKey, 0).toInt()}));
+    m_session.report(m_state);
+}
+
+SendspinPlayer::~SendspinPlayer() {
+    m_buffer.clear();
+}
+
+void SendspinPlayer::take(const SendspinEvent &event) {
+    const auto &content = event.content;
+    if (const auto *audio = std::get_if<SendspinEvent::Audio>(&content)) {
+        m_buffer.add(audio->chunk);
+    } else if (const auto *start = std::get_if<SendspinEvent::StreamStarted>(&content)) {
+        setStreaming(m_buffer.setFormat(start->format));
+    } else if (std::holds_alternative<SendspinEvent::StreamCleared>(content)) {
+        m_buffer.clear();
+    } else if (std::holds_alternative<SendspinEvent::StreamEnded>(content)) {
+        m_buffer.clear();
+        setStreaming(false);
+    } else if (std::holds_alternative<SendspinEvent::Connected>(content)) {
+        // Whoever answers now may have another clock and begins its stream anew.
+        m_buffer.clear();
+        setStreaming(false);
+        m_isSynchronized = m_timing.isKnown = false;
+        m_source.setTiming(m_timing);
+    } else if (std::holds_alternative<SendspinEvent::Synchronized>(content)) {
+        synchronize();
+    } else if (const auto *end = std::get_if<SendspinEvent::Disconnected>(&content)) {
+        m_isSynchronized = false; // what is there is played by the clock as it was known
+        if (!end->reason) {
+            m_buffer.clear();
+            setStreaming(false);
+        }
+    } else if (const auto *volume = std::get_if<SendspinEvent::SetVolume>(&content)) {
+        change([volume](SendspinPlayerState &state) { state.volume = volume->volume; });
+    } else if (const auto *mute = std::get_if<SendspinEvent::SetMute>(&content)) {
+        change([mute](SendspinPlayerState &state) { state.muted = mute->muted; });
+    } else if (const auto *delay = std::get_if<SendspinEvent::SetStaticDelay>(&content)) {
+        change([delay](SendspinPlayerState &state) { state.staticDelayMs = delay->milliseconds; });
+    }
+}
+
+void SendspinPlayer::setVolume(int volume) {
+    QMetaObject::invokeMethod(
+        this, [this, volume] { change([volume](SendspinPlayerState &state) { state.volume = volume; }); });
+}
+
+void SendspinPlayer::setMuted(bool muted) {
+    QMetaObject::invokeMethod(
+        this, [this, muted] { change([muted](SendspinPlayerState &state) { state.muted = muted; }); });
+}
+
+void SendspinPlayer::setStaticDelay(int milliseconds) {
+    QMetaObject::invokeMethod(this, [this, milliseconds] {
+        change([milliseconds](SendspinPlayerState &state) { state.staticDelayMs = milliseconds; });
+    });
+}
+
+void SendspinPlayer::setAvailable(bool available) {
+    QMetaObject::invokeMethod(this, [this, available] {
+        change([available](SendspinPlayerState &state) { state.available = available; });
+    });
+}
+
+void SendspinPlayer::change(const std::function<void(SendspinPlayerState &)> &edit) {
+    SendspinPlayerState state = m_state;
+    edit(state);
+    state = inRange(state);
+    if (state == m_state)
+        return;
+    apply(state);
+    m_settings->setValue(volumeKey, state.volume);
+    m_settings->setValue(mutedKey, state.muted);
+    m_settings->setValue(staticDelayKey, state.staticDelayMs);
+    m_session.report(state);
+    Q_EMIT stateChanged(state);
+}
+
+void SendspinPlayer::apply(const SendspinPlayerState &state) {
+    m_state = state;
+    m_source.setVolume(state.volume);
+    m_source.setMuted(state.muted);
+    m_timing.staticDelayMs = state.staticDelayMs;
+    m_source.setTiming(m_timing);
+}
+
+void SendspinPlayer::setStreaming(bool isStreaming) {
+    if (isStreaming && !m_work)
+        workLater();
+    if (isStreaming == m_isStreaming)
+        return;
+    m_isStreaming = isStreaming;
+    Q_EMIT streamingChanged(isStreaming);
+}
+
+/// The clock is known, for the first time or anew.
+void SendspinPlayer::synchronize() {
+    const SendspinTiming last = m_timing;
+    m_isSynchronized = true;
+    updateTiming();
+    // The source follows small jumps; what a large one puts far ahead would be in the way.
+    const std::int64_t now = m_timing.filter.computeServerTime(m_clock.now());
+    if (last.isKnown && std::abs(last.playoutTime(now) - m_timing.playoutTime(now)) > largeJump)
+        m_buffer.dropDecoded();
+}
+
+void SendspinPlayer::updateTiming() {
+    const SendspinClockState clock = m_session.clock();
+    if (!m_isSynchronized || clock.acceptedSamples == 0)
+        return; // a new connection has begun, and its clock is not known yet
+    m_timing.filter = clock.filter;
+    m_timing.isKnown = true;
+    m_source.setTiming(m_timing);
+}
+
+void SendspinPlayer::work() {
+    updateTiming();
+    m_buffer.advance(m_timing, m_clock.now());
+    if (m_isStreaming || m_buffer.bytes() > 0)
+        workLater();
+}
+
+void SendspinPlayer::workLater() {
+    m_work = m_scheduler.after(workInterval, [this] {
+        m_work.reset();
+        work();
+    });
+}
+
+SendspinFigures SendspinPlayer::figures() const {
+    const SendspinTimeFilter filter = m_session.clock().filter;
+    const SendspinSource::Figures source = m_source.figures();
+    return {.offset = filter.offset(),
+            .drift = filter.drift(),
+            .clockError = filter.error(),
+            .error = source.error,
+            .ratio = source.ratio,
+            .bufferedMs = static_cast<double>(m_buffer.duration()) / 1000,
+            .bufferedBytes = m_buffer.bytes(),
+            .late = source.late + m_buffer.late(),
+            .dropped = m_buffer.dropped(),
+            .resyncs = source.resyncs,
+            .isPlaying = source.isPlaying};
+}
+
+} // namespace vantor

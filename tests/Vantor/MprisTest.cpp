@@ -1,6 +1,7 @@
 #include "AudioCore/NowPlaying/NowPlayingBridge.h"
 #include "PlayerFixture.h"
 #include "Vantor/Mpris/MprisService.h"
+#include "Vantor/Mpris/SessionBus.h"
 #include "Vantor/Windows/Commands.h"
 #include "tests/Support/MadeSpeakers.h"
 
@@ -10,6 +11,7 @@
 #include <QDBusPendingCall>
 #include <QDir>
 #include <QFileInfo>
+#include <QLocalServer>
 #include <QSignalSpy>
 #include <QStandardPaths>
 
@@ -126,6 +128,23 @@ class MprisTest : public PlayerFixture {
 };
 
 } // namespace
+
+TEST_F(MprisTest, ABusThatSaysNothingIsDoneWithout) {
+    const QByteArray good = qgetenv("DBUS_SESSION_BUS_ADDRESS");
+    QLocalServer silent;
+    ASSERT_TRUE(silent.listen(m_folder.path("silent")));
+    const std::pair<QByteArray, QByteArray> rows[] = {
+        {good, good},
+        {"unix:path=/nowhere/bus", "unix:path=/nowhere/bus"},
+        {"unix:guid=1,path=" + QFile::encodeName(silent.fullServerName()), "disabled:"},
+    };
+    for (const auto &[address, expected] : rows) {
+        qputenv("DBUS_SESSION_BUS_ADDRESS", address);
+        SessionBus::avoidIfSilent();
+        EXPECT_EQ(qgetenv("DBUS_SESSION_BUS_ADDRESS"), expected);
+    }
+    qputenv("DBUS_SESSION_BUS_ADDRESS", good);
+}
 
 TEST_F(MprisTest, TheProgramIsFoundRaisedAndEnded) {
     connectToBus();

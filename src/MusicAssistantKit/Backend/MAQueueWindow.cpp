@@ -47,6 +47,10 @@ void MAOutputWatchers::publishQueue(const OutputDevice::ID &output, QueueWatch &
     const MAPlayer *const player = m_store.player(output);
     const MAPlayerStore::Queue *const queue = player ? m_store.queue(m_store.queueID(*player)) : nullptr;
     auto next = RemoteQueueSnapshot::empty(output);
+    if (queue) {
+        next.isShuffled = queue->record.shuffleEnabled;
+        next.repeats = maplayer::repeats(queue->record);
+    }
     if (queue && queue->record.items > 0) {
         if (needsItems(watch, *queue) && !watch.isReading && !watch.pause)
             readItems(output, queue->record.queueID);
@@ -60,11 +64,6 @@ void MAOutputWatchers::publishQueue(const OutputDevice::ID &output, QueueWatch &
         next.isComplete = watch.items.size() >= next.total;
     } else if (!m_store.isLoaded()) {
         return;
-    }
-    if (queue) {
-        const std::optional<MusicAssistantOutputState> state = m_store.state(output);
-        next.isShuffled = state && state->isShuffling;
-        next.repeats = state && state->isRepeating;
     }
     if (watch.last == next)
         return;

@@ -27,7 +27,7 @@ class LibraryWindow : public QWidget {
                   const LibraryActions::FindFiles &findFiles);
     ~LibraryWindow() override;
 
-    /// Shows the window in front of the others.
+    /// Shows the window in front of the others, the first time beside the player.
     void bringToFront();
     /// What the source is doing, as a sentence; empty when it rests.
     void setSourceStatus(const QString &status);
@@ -75,6 +75,7 @@ class LibraryWindow : public QWidget {
     QString m_sourceStatus;
     QString m_told; ///< what went wrong, for a while
     QTimer m_telling;
+    bool m_isRestored = false; ///< the place of the run before
 };
 
 } // namespace vantor

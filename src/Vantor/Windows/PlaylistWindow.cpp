@@ -10,7 +10,6 @@ namespace vantor {
 
 namespace {
 
-using ::operator|; // of keys, which our own flags' operators hide
 using List = PlaylistWindowControl;
 using Selecting = PlaylistModel::Selecting;
 namespace Layout = PlaylistWindowLayout;

@@ -49,7 +49,8 @@ QDBusPendingCall callServer(const QDBusConnection &bus, const QString &method,
 
 } // namespace
 
-AvahiServiceBrowser::AvahiServiceBrowser(const QDBusConnection &bus) : m_bus(bus) {
+void AvahiServiceBrowser::setBus(const QDBusConnection &bus) {
+    m_bus = bus;
     // Of whatever browser: its first items come with the reply that names it.
     m_bus.connect(service, QString(), browserInterface, u"ItemNew"_s, this,
                   SLOT(itemNew(int, int, QString, QString, QString, uint)));

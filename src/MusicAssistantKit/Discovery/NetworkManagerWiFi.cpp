@@ -30,9 +30,14 @@ QStringList pathsOf(const QVariant &value) {
 
 } // namespace
 
-NetworkManagerWiFi::NetworkManagerWiFi(const QDBusConnection &bus)
-    : m_bus(bus), m_watcher(service, bus, QDBusServiceWatcher::WatchForOwnerChange) {
+NetworkManagerWiFi::NetworkManagerWiFi() {
     connect(&m_watcher, &QDBusServiceWatcher::serviceOwnerChanged, this, &NetworkManagerWiFi::refresh);
+}
+
+void NetworkManagerWiFi::setBus(const QDBusConnection &bus) {
+    m_bus = bus;
+    m_watcher.setConnection(bus);
+    m_watcher.addWatchedService(service);
     m_bus.connect(service, managerPath, propertiesInterface, u"PropertiesChanged"_s, this, SLOT(refresh()));
     refresh();
 }

@@ -18,7 +18,11 @@ MusicBackendError MusicBackendError::notFound(const MediaID &id) {
 }
 
 MusicBackendError MusicBackendError::unsupported(MusicBackendCapabilities needed) {
-    MusicBackendError error(Case::unsupported, QStringLiteral("This music source does not support that."));
+    return unsupported(needed, QStringLiteral("This music source does not support that."));
+}
+
+MusicBackendError MusicBackendError::unsupported(MusicBackendCapabilities needed, const QString &message) {
+    MusicBackendError error(Case::unsupported, message);
     error.m_needed = needed;
     return error;
 }

@@ -30,6 +30,9 @@ class MusicBackendError : public std::exception {
     [[nodiscard]] static MusicBackendError unreachable(const QString &message);
     [[nodiscard]] static MusicBackendError notFound(const MediaID &id);
     [[nodiscard]] static MusicBackendError unsupported(MusicBackendCapabilities needed);
+    /// With a sentence that says more.
+    [[nodiscard]] static MusicBackendError unsupported(MusicBackendCapabilities needed,
+                                                       const QString &message);
     [[nodiscard]] static MusicBackendError unknownOutput(const OutputDevice::ID &output);
     [[nodiscard]] static MusicBackendError backend(const QString &message);
     [[nodiscard]] static MusicBackendError forbidden(const QString &message);

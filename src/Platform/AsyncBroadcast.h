@@ -26,6 +26,18 @@ class AsyncBroadcast {
             producer.yield(value);
     }
 
+    /// See AsyncStreamProducer::skip().
+    void skip() {
+        for (auto &producer : m_producers)
+            producer.skip();
+    }
+
+    /// Whether anybody takes what is sent.
+    [[nodiscard]] bool isWanted() const {
+        return std::any_of(m_producers.begin(), m_producers.end(),
+                           [](const AsyncStreamProducer<T> &producer) { return producer.isWanted(); });
+    }
+
   private:
     std::vector<AsyncStreamProducer<T>> m_producers;
 };

@@ -90,6 +90,12 @@ class AsyncStreamProducer {
         m_channel->wakeLater();
     }
 
+    /// Counts a value that is not given at all as missed, for a consumer that then has to take stock anew.
+    void skip() {
+        if (isWanted())
+            ++m_channel->missed;
+    }
+
     /// The consumer gets what is buffered and then the end.
     void finish() {
         if (!m_channel)

@@ -94,6 +94,10 @@ QCoro::Task<LibraryRadio> MusicBackend::addRadio(QString, QString) {
     return unsupported<LibraryRadio>(MusicBackendCapability::radio);
 }
 
+QCoro::Task<QList<RemoteQueueItem>> MusicBackend::queueItems(OutputDevice::ID, PageRequest) {
+    return unsupported<QList<RemoteQueueItem>>(MusicBackendCapability::remoteOutputs);
+}
+
 QCoro::Task<> MusicBackend::edit(QueueEdit, OutputDevice::ID) {
     return unsupported<void>(MusicBackendCapability::queueEditing);
 }
@@ -120,6 +124,10 @@ QCoro::Task<RecommendationItem> MusicBackend::resolve(RecommendationItem item) {
 }
 
 AsyncStream<LibraryChange> MusicBackend::libraryChanges() {
+    return {};
+}
+
+AsyncStream<QList<OutputActivity>> MusicBackend::activities() {
     return {};
 }
 

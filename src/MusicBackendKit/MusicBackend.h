@@ -85,12 +85,18 @@ class MusicBackend : public std::enable_shared_from_this<MusicBackend> {
 
     // Playback and outputs.
     virtual QCoro::Task<QList<OutputDevice>> outputs() = 0;
+    /// What plays where: a row for each output, all of them at first and again whenever one changes, comes or
+    /// goes, so that outputs() is worth asking again. Only the latest waits. By default it ends at once.
+    virtual AsyncStream<QList<OutputActivity>> activities();
     virtual QCoro::Task<> play(QList<MediaID> items, OutputDevice on, PlayMode mode) = 0;
     virtual QCoro::Task<> transport(TransportCommand command, OutputDevice::ID on) = 0;
     /// The present state first, then every change; only the latest waits for a slow consumer.
     virtual AsyncStream<NowPlaying> nowPlaying(OutputDevice::ID on) = 0;
     /// As nowPlaying(); by default an empty queue, once.
     virtual AsyncStream<RemoteQueueSnapshot> queue(OutputDevice::ID on);
+    /// Further items of a queue of which a snapshot holds only a window; the offset is that of the first
+    /// item's index.
+    virtual QCoro::Task<QList<RemoteQueueItem>> queueItems(OutputDevice::ID on, PageRequest page);
     virtual QCoro::Task<> edit(QueueEdit edit, OutputDevice::ID on);
     virtual QCoro::Task<> saveQueueAsPlaylist(OutputDevice::ID on, QString name);
     virtual QCoro::Task<> favoriteCurrentTrack(OutputDevice::ID on);

@@ -121,7 +121,7 @@ size_t qHash(const RemoteQueueItem &v, size_t seed) noexcept {
 }
 
 size_t qHash(const RemoteQueueSnapshot &v, size_t seed) noexcept {
-    return hashAll(seed, v.output, v.items, v.currentIndex, v.total, v.isComplete);
+    return hashAll(seed, v.output, v.items, v.currentIndex, v.total, v.isComplete, v.isShuffled, v.repeats);
 }
 
 size_t qHash(const QueueEdit &v, size_t seed) noexcept {

@@ -30,7 +30,9 @@ struct RemoteQueueSnapshot {
     QList<RemoteQueueItem> items;
     std::optional<int> currentIndex;
     int total = 0;
-    bool isComplete = true; ///< false when only a window of a long queue was loaded
+    bool isComplete = true;         ///< false when only a window of a long queue was loaded
+    std::optional<bool> isShuffled; ///< absent when the source does not tell
+    std::optional<bool> repeats;
 
     [[nodiscard]] static RemoteQueueSnapshot empty(const OutputDevice::ID &output);
 

@@ -6,7 +6,8 @@
 
 namespace vantor {
 
-/// What makes things happen later; a test puts a clock of its own in its place. Main thread.
+/// What makes things happen later; a test puts a clock of its own in its place. An action runs in the thread
+/// that asked for it, which has an event loop.
 class Scheduler {
   public:
     /// An action that has yet to run. Destroying it calls the action off.

@@ -2,7 +2,9 @@
 
 #include "MusicBackendKit/MusicBackendError.h"
 #include "PlayerFixture.h"
+#include "Vantor/Library/LibraryGridView.h"
 #include "Vantor/Library/LibraryOutput.h"
+#include "Vantor/Library/TrackTable.h"
 #include "tests/Support/MadeBackend.h"
 
 #include <QComboBox>

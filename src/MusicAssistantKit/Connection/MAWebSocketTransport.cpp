@@ -8,9 +8,9 @@ namespace {
 
 class QtWebSocketTransport : public MAWebSocketTransport {
   public:
-    explicit QtWebSocketTransport(const QUrl &url) : m_url(url) {
-        m_socket.setMaxAllowedIncomingFrameSize(maxFrameBytes);
-        m_socket.setMaxAllowedIncomingMessageSize(maxFrameBytes);
+    QtWebSocketTransport(const QUrl &url, quint64 longestFrame) : m_url(url) {
+        m_socket.setMaxAllowedIncomingFrameSize(longestFrame);
+        m_socket.setMaxAllowedIncomingMessageSize(longestFrame);
         connect(&m_socket, &QWebSocket::connected, this, [this] {
             m_opened = true;
             Q_EMIT opened();
@@ -19,6 +19,10 @@ class QtWebSocketTransport : public MAWebSocketTransport {
         connect(&m_socket, &QWebSocket::textMessageReceived, this, [this](const QString &text) {
             if (!m_ended)
                 Q_EMIT received({MAWebSocketFrame::Text{text}});
+        });
+        connect(&m_socket, &QWebSocket::binaryMessageReceived, this, [this](const QByteArray &data) {
+            if (!m_ended)
+                Q_EMIT receivedBinary(data);
         });
         // Of a connection that never was, the socket says first that it ended and then why.
         connect(&m_socket, &QWebSocket::disconnected, this, [this] {
@@ -38,7 +42,10 @@ class QtWebSocketTransport : public MAWebSocketTransport {
     ~QtWebSocketTransport() override { m_socket.disconnect(this); } // it says when it goes
 
     void open() override { m_socket.open(m_url); }
-    void send(const QString &text) override { m_socket.sendTextMessage(text); }
+    void send(const QString &text) override {
+        m_socket.sendTextMessage(text);
+        m_socket.flush();
+    }
     void ping() override { m_socket.ping(); }
     void close() override {
         m_ended = true;
@@ -50,7 +57,8 @@ class QtWebSocketTransport : public MAWebSocketTransport {
     void endClosed() {
         if (std::exchange(m_ended, true))
             return;
-        Q_EMIT received({MAWebSocketFrame::Closed{static_cast<int>(m_socket.closeCode())}});
+        Q_EMIT received(
+            {MAWebSocketFrame::Closed{static_cast<int>(m_socket.closeCode()), m_socket.closeReason()}});
     }
 
     void endFailed() {
@@ -68,7 +76,7 @@ class QtWebSocketTransport : public MAWebSocketTransport {
 } // namespace
 
 std::unique_ptr<MAWebSocketTransport> QtWebSocketTransports::make(const QUrl &url) {
-    return std::make_unique<QtWebSocketTransport>(url);
+    return std::make_unique<QtWebSocketTransport>(url, static_cast<quint64>(m_longestFrame));
 }
 
 } // namespace vantor

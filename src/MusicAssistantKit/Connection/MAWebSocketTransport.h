@@ -19,21 +19,25 @@ struct MAWebSocketFrame {
     };
     struct Closed {
         std::optional<int> code;
+        QString reason; ///< in the server's words; may be empty
         bool operator==(const Closed &) const = default;
     };
     std::variant<Text, Closed> content;
 };
 
-/// The longest text frame that is taken from a server, in bytes; a longer one ends the connection.
+/// The longest frame that is taken from a server when nothing else is said, in bytes; a longer one ends the
+/// connection before memory is taken for it.
 inline constexpr qint64 maxFrameBytes = 64 << 20;
 
-/// One WebSocket connection, from its opening to its end. Main thread.
+/// One WebSocket connection, from its opening to its end. Lives in the thread that made it, which has an
+/// event loop.
 ///
 /// After `failed` or a `Closed` frame nothing follows. Destroying it drops the connection without a word.
 class MAWebSocketTransport : public QObject {
     Q_OBJECT
   public:
     virtual void open() = 0;
+    /// At once, as far as the network takes it.
     virtual void send(const QString &text) = 0;
     virtual void ping() = 0;
     /// Says goodbye to the other side; no signal follows.
@@ -42,6 +46,7 @@ class MAWebSocketTransport : public QObject {
   Q_SIGNALS:
     void opened();
     void received(const vantor::MAWebSocketFrame &frame);
+    void receivedBinary(const QByteArray &data);
     void ponged();
     void failed(const vantor::MATransportError &error);
 };
@@ -58,7 +63,11 @@ class MAWebSocketTransports {
 /// certificate accepted.
 class QtWebSocketTransports : public MAWebSocketTransports {
   public:
+    explicit QtWebSocketTransports(qint64 longestFrame = maxFrameBytes) : m_longestFrame(longestFrame) {}
     [[nodiscard]] std::unique_ptr<MAWebSocketTransport> make(const QUrl &url) override;
+
+  private:
+    const qint64 m_longestFrame;
 };
 
 } // namespace vantor

@@ -1,13 +1,14 @@
 #include "Vantor/Library/LibraryGridView.h"
 
 #include "Vantor/Library/LibraryIcons.h"
+#include "Vantor/Library/LibraryViewInput.h"
 
-#include <QContextMenuEvent>
 #include <QDrag>
 #include <QMimeData>
 #include <QPainter>
 #include <QScrollBar>
 #include <QStyledItemDelegate>
+#include <QWheelEvent>
 
 namespace vantor {
 
@@ -125,17 +126,17 @@ LibraryGridView::LibraryGridView(LibraryItemModel &items, ArtworkCache &artwork,
     }
     setItemDelegate(new Tile(*this));
     setModel(&items);
-    connect(this, &QAbstractItemView::doubleClicked, this, &LibraryGridView::opened);
+    const auto *const input = new LibraryViewInput(*this);
+    connect(input, &LibraryViewInput::opened, this, &LibraryGridView::opened);
+    connect(input, &LibraryViewInput::menuAsked, this, &LibraryGridView::menuAsked);
     connect(&m_covers, &CoverPainter::changed, viewport(), qOverload<>(&QWidget::update));
     arrange();
 }
 
 QList<LibraryItem> LibraryGridView::selected() const {
-    QModelIndexList indexes = selectionModel()->selectedIndexes();
-    std::sort(indexes.begin(), indexes.end());
     QList<LibraryItem> items;
-    for (const QModelIndex &index : indexes) {
-        if (const LibraryItem *const item = m_items.item(index.row()))
+    for (const int row : LibraryViewInput::selectedRows(*this)) {
+        if (const LibraryItem *const item = m_items.item(row))
             items.append(*item);
     }
     return items;
@@ -186,25 +187,6 @@ void LibraryGridView::wheelEvent(QWheelEvent *event) {
         event->ignore();
     else
         QListView::wheelEvent(event);
-}
-
-void LibraryGridView::keyPressEvent(QKeyEvent *event) {
-    const bool isEnter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-    if (isEnter && event->modifiers() == Qt::NoModifier && currentIndex().isValid())
-        Q_EMIT opened(currentIndex());
-    else if (isEnter || event->key() == Qt::Key_Backspace)
-        event->ignore(); // the window's
-    else
-        QListView::keyPressEvent(event);
-}
-
-void LibraryGridView::contextMenuEvent(QContextMenuEvent *event) {
-    if (event->reason() == QContextMenuEvent::Keyboard) {
-        const QRect rect = visualRect(currentIndex());
-        Q_EMIT menuAsked(viewport()->mapToGlobal(rect.center()));
-    } else if (indexAt(event->pos()).isValid()) {
-        Q_EMIT menuAsked(event->globalPos());
-    }
 }
 
 // What is dragged is seen as its cover, not as all of its cells.

@@ -30,8 +30,6 @@ class LibraryGridView : public QListView {
 
   protected:
     void resizeEvent(QResizeEvent *event) override;
-    void keyPressEvent(QKeyEvent *event) override;
-    void contextMenuEvent(QContextMenuEvent *event) override;
     void changeEvent(QEvent *event) override;
     void wheelEvent(QWheelEvent *event) override;
     void startDrag(Qt::DropActions actions) override;

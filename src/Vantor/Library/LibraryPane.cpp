@@ -1,5 +1,7 @@
 #include "Vantor/Library/LibraryPane.h"
 
+#include "Vantor/Windows/MessagePage.h"
+
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
@@ -10,53 +12,12 @@ namespace vantor {
 namespace {
 
 constexpr int patience = 400; // milliseconds
-constexpr int messageWidth = 420;
 
 } // namespace
 
-LibraryMessage::LibraryMessage(QWidget *parent)
-    : QWidget(parent), m_heading(new QLabel), m_text(new QLabel), m_button(new QPushButton) {
-    QFont font = m_heading->font();
-    font.setPointSizeF(font.pointSizeF() * 1.4);
-    m_heading->setFont(font);
-    for (QLabel *const label : {m_heading, m_text}) {
-        label->setAlignment(Qt::AlignCenter);
-        label->setWordWrap(true);
-        label->setMaximumWidth(messageWidth);
-        label->setMinimumWidth(messageWidth / 2);
-    }
-    m_text->setForegroundRole(QPalette::PlaceholderText);
-    m_text->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    auto *const layout = new QVBoxLayout(this);
-    layout->setContentsMargins(24, 24, 24, 24);
-    layout->addStretch(2);
-    layout->addWidget(m_heading, 0, Qt::AlignHCenter);
-    layout->addSpacing(4);
-    layout->addWidget(m_text, 0, Qt::AlignHCenter);
-    layout->addSpacing(12);
-    layout->addWidget(m_button, 0, Qt::AlignHCenter);
-    layout->addStretch(3);
-    connect(m_button, &QPushButton::clicked, this, [this] {
-        if (m_action)
-            m_action();
-    });
-}
-
-void LibraryMessage::say(const QString &heading, const QString &text, const QString &button,
-                         const std::function<void()> &action) {
-    m_heading->setText(heading);
-    m_heading->setVisible(!heading.isEmpty());
-    m_text->setText(text);
-    m_text->setVisible(!text.isEmpty());
-    m_button->setText(button);
-    m_button->setVisible(!button.isEmpty());
-    m_action = action;
-    setAccessibleName(heading.isEmpty() ? text : heading + QStringLiteral(". ") + text);
-}
-
 LibraryPane::LibraryPane(QWidget *list, LibraryModel &model, const EmptyText &empty, QWidget *parent)
     : QWidget(parent), m_model(model), m_empty(empty), m_list(list), m_trouble(new QWidget),
-      m_sentence(new QLabel), m_message(new LibraryMessage), m_stack(new QStackedLayout) {
+      m_sentence(new QLabel), m_message(new MessagePage), m_stack(new QStackedLayout) {
     auto *const again = new QPushButton(tr("Try Again"));
     auto *const bar = new QHBoxLayout(m_trouble);
     bar->setContentsMargins(12, 6, 12, 6);

@@ -6,28 +6,11 @@
 #include <QWidget>
 
 class QLabel;
-class QPushButton;
 class QStackedLayout;
 
 namespace vantor {
 
-/// What there is to say instead of a list: a heading, a sentence and perhaps a button. Main thread.
-class LibraryMessage : public QWidget {
-    Q_OBJECT
-
-  public:
-    explicit LibraryMessage(QWidget *parent = nullptr);
-
-    /// `button`: empty for none; `action` is what it does.
-    void say(const QString &heading, const QString &text, const QString &button = {},
-             const std::function<void()> &action = {});
-
-  private:
-    QLabel *m_heading;
-    QLabel *m_text;
-    QPushButton *m_button;
-    std::function<void()> m_action;
-};
+class MessagePage;
 
 /// A list with what there is to say while it has nothing to show, or about what went wrong. Main thread;
 /// borrows the model.
@@ -51,7 +34,7 @@ class LibraryPane : public QWidget {
     QWidget *m_list;
     QWidget *m_trouble; ///< beside rows that are there
     QLabel *m_sentence;
-    LibraryMessage *m_message;
+    MessagePage *m_message;
     QStackedLayout *m_stack;
     QTimer m_patience; ///< until it is said that something is loading
 };

@@ -1,8 +1,8 @@
 #include "Vantor/Library/TrackTable.h"
 
 #include "Vantor/Library/LibraryIcons.h"
+#include "Vantor/Library/LibraryViewInput.h"
 
-#include <QContextMenuEvent>
 #include <QDrag>
 #include <QHeaderView>
 #include <QMenu>
@@ -11,6 +11,7 @@
 #include <QScrollBar>
 #include <QSettings>
 #include <QStyledItemDelegate>
+#include <QWheelEvent>
 
 namespace vantor {
 
@@ -132,7 +133,9 @@ TrackTable::TrackTable(TrackListModel &tracks, QWidget *parent)
         }
         storeColumns();
     });
-    connect(this, &QAbstractItemView::doubleClicked, this, &TrackTable::opened);
+    const auto *const input = new LibraryViewInput(*this);
+    connect(input, &LibraryViewInput::opened, this, &TrackTable::opened);
+    connect(input, &LibraryViewInput::menuAsked, this, &TrackTable::menuAsked);
     for (const auto signal : {&QAbstractItemModel::rowsInserted, &QAbstractItemModel::rowsRemoved})
         connect(&tracks, signal, this, &TrackTable::takeRows);
     connect(&tracks, &QAbstractItemModel::modelReset, this, &TrackTable::takeRows);
@@ -143,11 +146,9 @@ TrackTable::TrackTable(TrackListModel &tracks, QWidget *parent)
 }
 
 QList<LibraryTrack> TrackTable::selected() const {
-    QModelIndexList rows = selectionModel()->selectedRows();
-    std::sort(rows.begin(), rows.end());
     QList<LibraryTrack> tracks;
-    for (const QModelIndex &row : rows) {
-        if (const LibraryTrack *const track = m_tracks.track(row.row()))
+    for (const int row : LibraryViewInput::selectedRows(*this)) {
+        if (const LibraryTrack *const track = m_tracks.track(row))
             tracks.append(*track);
     }
     return tracks;
@@ -308,23 +309,6 @@ void TrackTable::storeColumns() const {
 }
 
 // Keys and pointer
-
-void TrackTable::keyPressEvent(QKeyEvent *event) {
-    const bool isEnter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-    if (isEnter && event->modifiers() == Qt::NoModifier && currentIndex().isValid())
-        Q_EMIT opened(currentIndex());
-    else if (isEnter || event->key() == Qt::Key_Backspace)
-        event->ignore(); // the window's
-    else
-        QTableView::keyPressEvent(event);
-}
-
-void TrackTable::contextMenuEvent(QContextMenuEvent *event) {
-    if (event->reason() == QContextMenuEvent::Keyboard)
-        Q_EMIT menuAsked(viewport()->mapToGlobal(visualRect(currentIndex()).center()));
-    else if (indexAt(event->pos()).isValid())
-        Q_EMIT menuAsked(event->globalPos());
-}
 
 void TrackTable::wheelEvent(QWheelEvent *event) {
     if (m_showsAll)

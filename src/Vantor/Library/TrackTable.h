@@ -33,8 +33,6 @@ class TrackTable : public QTableView {
     void menuAsked(const QPoint &global);  ///< about what is selected
 
   protected:
-    void keyPressEvent(QKeyEvent *event) override;
-    void contextMenuEvent(QContextMenuEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     void wheelEvent(QWheelEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;

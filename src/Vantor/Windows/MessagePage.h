@@ -17,7 +17,7 @@ class MessagePage : public QWidget {
   public:
     explicit MessagePage(QWidget *parent = nullptr);
 
-    /// `button`: what it says that has `action` done; empty for none.
+    /// Empty texts take no room. `button`: what it says that has `action` done; empty for none.
     void say(const QString &heading, const QString &text, const QString &button = {},
              const std::function<void()> &action = {});
 

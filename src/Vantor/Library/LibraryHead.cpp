@@ -1,0 +1,139 @@
+#include "Vantor/Library/LibraryHead.h"
+
+#include "Vantor/Library/LibraryIcons.h"
+
+#include <QAction>
+#include <QComboBox>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QToolButton>
+
+namespace vantor {
+
+namespace {
+
+using ::operator|; // of keys, which our own flags' operators hide
+
+QString nameOf(const OutputDevice &output) {
+    return output.kind == OutputDevice::Kind::thisMac ? LibraryHead::tr("This Computer") : output.name;
+}
+
+QToolButton *makeButton(const QString &text, const QKeySequence &key) {
+    auto *const button = new QToolButton;
+    button->setAutoRaise(true);
+    button->setIconSize({18, 18});
+    button->setAccessibleName(text);
+    button->setToolTip(QStringLiteral("%1 (%2)").arg(text, key.toString(QKeySequence::NativeText)));
+    return button;
+}
+
+} // namespace
+
+LibraryHead::LibraryHead(LibraryBrowser &browser, QWidget *parent)
+    : QWidget(parent), m_browser(browser),
+      m_back(makeButton(tr("Back"), QKeySequence(Qt::ALT | Qt::Key_Left))),
+      m_forward(makeButton(tr("Forward"), QKeySequence(Qt::ALT | Qt::Key_Right))), m_search(new QLineEdit),
+      m_searchIcon(m_search->addAction(QIcon(), QLineEdit::LeadingPosition)), m_outputs(new QComboBox),
+      m_output(new QLabel) {
+    m_search->setPlaceholderText(tr("Search artists, albums and tracks"));
+    m_search->setAccessibleName(tr("Search"));
+    m_search->setClearButtonEnabled(true);
+    m_search->setMaximumWidth(420);
+    m_search->installEventFilter(this);
+    m_outputs->setAccessibleName(tr("Output"));
+    m_outputs->setToolTip(tr("Where it plays"));
+    m_outputs->setSizeAdjustPolicy(QComboBox::AdjustToContents);
+    m_output->setForegroundRole(QPalette::PlaceholderText);
+    m_output->setToolTip(tr("Where it plays"));
+    auto *const layout = new QHBoxLayout(this);
+    layout->setContentsMargins(8, 6, 12, 6);
+    layout->setSpacing(4);
+    layout->addWidget(m_back);
+    layout->addWidget(m_forward);
+    layout->addSpacing(8);
+    layout->addWidget(m_search, 4);
+    layout->addStretch(1);
+    layout->addWidget(m_output);
+    layout->addWidget(m_outputs);
+    connect(m_back, &QToolButton::clicked, this, &LibraryHead::backAsked);
+    connect(m_forward, &QToolButton::clicked, this, &LibraryHead::forwardAsked);
+    connect(m_search, &QLineEdit::textChanged, this, &LibraryHead::searchTyped);
+    connect(m_outputs, &QComboBox::activated, this,
+            [this](int index) { m_browser.chooseOutput({m_outputs->itemData(index).toString()}); });
+    connect(&browser, &LibraryBrowser::sourceChanged, this, &LibraryHead::takeSource);
+    connect(&browser, &LibraryBrowser::outputsChanged, this, &LibraryHead::showOutputs);
+    takeColors();
+    takeSource();
+}
+
+void LibraryHead::showSteps(bool canGoBack, bool canGoForward) {
+    m_back->setEnabled(canGoBack);
+    m_forward->setEnabled(canGoForward);
+}
+
+void LibraryHead::showSearch(const QString &text) {
+    const QSignalBlocker blocker(m_search);
+    if (m_search->text().simplified() != text) // or what is being typed would lose its blanks
+        m_search->setText(text);
+}
+
+void LibraryHead::setSearchEnabled(bool enabled) {
+    m_search->setEnabled(enabled);
+}
+
+void LibraryHead::focusSearch() {
+    m_search->setFocus(Qt::ShortcutFocusReason);
+    m_search->selectAll();
+}
+
+void LibraryHead::takeSource() {
+    m_search->setVisible(m_browser.capabilities().testFlag(MusicBackendCapability::search));
+    showOutputs();
+}
+
+void LibraryHead::showOutputs() {
+    const QList<OutputDevice> &outputs = m_browser.outputs();
+    const std::optional<OutputDevice> chosen = m_browser.output();
+    m_outputs->clear();
+    for (const OutputDevice &output : outputs) {
+        m_outputs->addItem(nameOf(output), output.id.rawValue);
+        if (chosen && chosen->id == output.id)
+            m_outputs->setCurrentIndex(m_outputs->count() - 1);
+    }
+    m_outputs->setVisible(outputs.size() > 1);
+    m_output->setVisible(outputs.size() == 1);
+    m_output->setText(chosen ? nameOf(*chosen) : QString());
+}
+
+void LibraryHead::takeColors() {
+    const QColor color = palette().color(QPalette::WindowText);
+    m_back->setIcon(LibraryIcons::back(color));
+    m_forward->setIcon(LibraryIcons::forward(color));
+    m_searchIcon->setIcon(LibraryIcons::search(palette().color(QPalette::PlaceholderText)));
+}
+
+void LibraryHead::changeEvent(QEvent *event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange)
+        takeColors();
+}
+
+bool LibraryHead::eventFilter(QObject *watched, QEvent *event) {
+    if (watched != m_search || event->type() != QEvent::KeyPress)
+        return QWidget::eventFilter(watched, event);
+    const int key = static_cast<QKeyEvent *>(event)->key();
+    if (key == Qt::Key_Escape) {
+        m_search->clear();
+        Q_EMIT searchLeft();
+        return true;
+    }
+    if (key == Qt::Key_Down || key == Qt::Key_Return || key == Qt::Key_Enter) {
+        Q_EMIT resultsAsked();
+        return true;
+    }
+    return false;
+}
+
+} // namespace vantor

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "Vantor/Library/LibraryActions.h"
+#include "Vantor/Library/LibraryGridView.h"
+#include "Vantor/Library/TrackTable.h"
+
+namespace vantor {
+
+/// What all pages share. Main thread; outlives its pages.
+struct LibraryPageContext {
+    LibraryActions &actions;
+    ArtworkCache &artwork;
+    QSettings &settings;
+
+    [[nodiscard]] LibraryBrowser &browser() const { return actions.browser(); }
+    /// A grid or a line of items that opens, plays and asks as everywhere in the window.
+    [[nodiscard]] LibraryGridView *
+    makeGrid(LibraryItemModel &items, const QString &name,
+             LibraryGridView::Shape shape = LibraryGridView::Shape::grid) const;
+    [[nodiscard]] TrackTable *makeTable(TrackListModel &tracks, const QString &columnsKey) const;
+};
+
+} // namespace vantor

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "Vantor/Library/LibraryHeader.h"
+#include "Vantor/Library/LibraryPageContext.h"
+
+namespace vantor {
+
+/// An album or a playlist with all tracks.
+class TrackListPage : public QWidget {
+    Q_OBJECT
+
+  public:
+    explicit TrackListPage(const LibraryPageContext &context);
+    void show(const LibraryAlbum &album);
+    void show(const LibraryPlaylist &playlist);
+
+  Q_SIGNALS:
+    void artistAsked(const vantor::LibraryAlbum &album);
+
+  private:
+    void open(const LibraryItem &item, const QString &artist);
+    void showHeader();
+    void showDetails();
+
+    LibraryPageContext m_context;
+    LibraryItem m_item;
+    TrackListModel m_tracks;
+    LibraryHeader *m_header;
+    TrackTable *m_table;
+};
+
+} // namespace vantor

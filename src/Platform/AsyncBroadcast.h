@@ -21,6 +21,13 @@ class AsyncBroadcast {
         return std::move(stream);
     }
 
+    /// The same, which begins with this value.
+    [[nodiscard]] AsyncStream<T> subscribe(std::size_t capacity, const T &first) {
+        auto stream = subscribe(capacity);
+        m_producers.back().yield(first);
+        return stream;
+    }
+
     void send(const T &value) {
         for (auto &producer : m_producers)
             producer.yield(value);

@@ -142,8 +142,9 @@ class MusicAssistantBackend final : public MusicBackend {
     QCoro::Task<> setGroupMembers(OutputDevice::ID leader, QList<OutputDevice::ID> adding,
                                   QList<OutputDevice::ID> removing) override;
 
-  private:
     class Private;
+
+  private:
     std::unique_ptr<Private> d;
 };
 

@@ -92,7 +92,9 @@ void MAConnection::takeAuthReply(const MAEnvelope &envelope) {
         fail(MusicAssistantError::handshakeFailed());
     } else {
         try {
-            if (MAAuthResult::decode(MAReader(result->result)).authenticated)
+            const auto answer = MAAuthResult::decode(MAReader(result->result));
+            m_user = answer.user;
+            if (answer.authenticated)
                 establish();
             else
                 fail(MusicAssistantError::tokenRejected());

@@ -24,6 +24,8 @@ class MAConnection : public QObject {
     void send(const QString &text) { m_transport->send(text); }
     /// Says goodbye; no signal follows.
     void close();
+    /// Whom the token signed in, once established.
+    [[nodiscard]] const std::optional<MAUser> &user() const { return m_user; }
 
   Q_SIGNALS:
     /// The server is the right one and gets the token now.
@@ -58,6 +60,7 @@ class MAConnection : public QObject {
     MAFrameDecoder m_decoder;
     Phase m_phase = Phase::opening;
     std::optional<MAServerInfo> m_info;
+    std::optional<MAUser> m_user;
     std::optional<MusicAssistantError> m_ending;
     bool m_awaitsPong = false;
     std::unique_ptr<Scheduler::Pending> m_timer; ///< of the handshake, then of the pings

@@ -259,6 +259,10 @@ const std::optional<MAServerInfo> &MusicAssistantClient::serverInfo() const {
     return m_private->info;
 }
 
+std::optional<MAUser> MusicAssistantClient::user() const {
+    return m_private->connection ? m_private->connection->user() : std::nullopt;
+}
+
 int MusicAssistantClient::connectionCount() const {
     return m_private->connectionCount;
 }

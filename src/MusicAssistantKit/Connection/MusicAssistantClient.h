@@ -90,6 +90,8 @@ class MusicAssistantClient : public std::enable_shared_from_this<MusicAssistantC
     [[nodiscard]] const ConnectionState &state() const;
     /// Of the latest successful connection.
     [[nodiscard]] const std::optional<MAServerInfo> &serverInfo() const;
+    /// Whom the token signed in, while there is a connection and the server told.
+    [[nodiscard]] std::optional<MAUser> user() const;
     [[nodiscard]] int connectionCount() const; ///< of successful connections
     [[nodiscard]] int pendingCallCount() const;
 

@@ -37,7 +37,7 @@ QJsonObject eventMessage(const QString &name, const QJsonValue &objectID, const 
 } // namespace
 
 void FakeAnswer::result(const QJsonValue &result, bool partial) const {
-    sendTo(m_client, {{u"message_id"_s, m_messageID}, {u"result"_s, result}, {u"partial"_s, partial}});
+    send({{u"message_id"_s, m_messageID}, {u"result"_s, result}, {u"partial"_s, partial}});
 }
 
 void FakeAnswer::stream(const QJsonArray &entries) const {
@@ -51,7 +51,19 @@ void FakeAnswer::stream(const QJsonArray &entries) const {
 }
 
 void FakeAnswer::error(int code, const QString &details) const {
-    sendTo(m_client, {{u"message_id"_s, m_messageID}, {u"error_code"_s, code}, {u"details"_s, details}});
+    send({{u"message_id"_s, m_messageID}, {u"error_code"_s, code}, {u"details"_s, details}});
+}
+
+FakeAnswer FakeAnswer::doubled() const {
+    FakeAnswer made = *this;
+    made.m_isDoubled = true;
+    return made;
+}
+
+void FakeAnswer::send(const QJsonObject &message) const {
+    sendTo(m_client, message);
+    if (m_isDoubled)
+        sendTo(m_client, message);
 }
 
 /// Hands out plain or encrypted sockets.
@@ -158,7 +170,9 @@ FakeMusicAssistant::HTTPAnswer FakeMusicAssistant::pageFor(const QUrl &target) c
         return {.status = 302, .headers = "Location: " + redirectTarget.toEncoded() + "\r\n"};
     if (fault == Fault::failsHTTP)
         return {.type = "text/html", .body = "<html><body>Not here</body></html>"};
-    const auto page = m_pages.constFind(target.path());
+    auto page = m_pages.constFind(target.path());
+    if (page == m_pages.constEnd())
+        page = m_pages.constFind(target.path().section(u'/', 0, -2) + u'/');
     return page == m_pages.constEnd() ? HTTPAnswer{.status = 404} : (*page)(target);
 }
 
@@ -227,6 +241,39 @@ void FakeMusicAssistant::authenticate(QWebSocket *client, const QJsonObject &arg
 }
 
 void FakeMusicAssistant::run(const QString &name, const QJsonObject &args, const FakeAnswer &answer) {
+    auto found = commandFaults.constFind(name);
+    if (found == commandFaults.constEnd())
+        found = commandFaults.constFind(u"*"_s);
+    if (found == commandFaults.constEnd())
+        execute(name, args, answer);
+    else
+        runFaulty(*found, name, args, answer);
+}
+
+void FakeMusicAssistant::runFaulty(const CommandFault &commandFault, const QString &name,
+                                   const QJsonObject &args, const FakeAnswer &answer) {
+    switch (commandFault.kind) {
+    case CommandFault::Kind::stalls:
+        return;
+    case CommandFault::Kind::fails:
+        return answer.error(commandFault.code, u"As the test wants"_s);
+    case CommandFault::Kind::garbles:
+        return answer.result(QJsonObject{{u"nonsense"_s, QJsonArray{1, u"two"_s, QJsonObject()}}});
+    case CommandFault::Kind::doubles:
+        return execute(name, args, answer.doubled());
+    case CommandFault::Kind::drops:
+        return dropClients();
+    case CommandFault::Kind::doesDrops:
+        execute(name, args, FakeAnswer(nullptr, {}));
+        return dropClients();
+    case CommandFault::Kind::delays:
+        QTimer::singleShot(commandFault.delay, this,
+                           [this, name, args, answer] { execute(name, args, answer); });
+        return;
+    }
+}
+
+void FakeMusicAssistant::execute(const QString &name, const QJsonObject &args, const FakeAnswer &answer) {
     const auto handler = m_commands.constFind(name);
     if (handler == m_commands.constEnd())
         answer.error(invalidCommand, u"Invalid command: %1"_s.arg(name));

@@ -12,6 +12,7 @@
 #include <QWebSocket>
 #include <QWebSocketServer>
 
+#include <chrono>
 #include <functional>
 #include <optional>
 
@@ -26,10 +27,15 @@ class FakeAnswer {
     /// In pieces of 500 entries; the last one, which may be empty, ends it.
     void stream(const QJsonArray &entries) const;
     void error(int code, const QString &details) const;
+    /// Which says everything twice.
+    [[nodiscard]] FakeAnswer doubled() const;
 
   private:
+    void send(const QJsonObject &message) const;
+
     QPointer<QWebSocket> m_client;
     QJsonValue m_messageID; ///< as it came
+    bool m_isDoubled = false;
 };
 
 /// A Music Assistant server as far as a client sees one: the real messages over a real WebSocket and HTTP on
@@ -49,6 +55,21 @@ class FakeMusicAssistant : public QObject {
         closesAfterAuth,  ///< as a server does that falls over
         redirects,        ///< every request over HTTP, to `redirectTarget`
         failsHTTP,        ///< every request over HTTP, with a page in HTML
+    };
+    /// What becomes of a command; its name in `commandFaults`, or "*" for all but signing in.
+    struct CommandFault {
+        enum class Kind {
+            stalls,    ///< no answer
+            fails,     ///< with `code`
+            garbles,   ///< a result of a form that no client expects
+            doubles,   ///< the answer twice
+            drops,     ///< the connection, instead of doing it
+            doesDrops, ///< does it, but drops the connection before the answer
+            delays,    ///< by `delay`
+        };
+        Kind kind = Kind::stalls;
+        int code = 999;
+        std::chrono::milliseconds delay{200};
     };
     struct HTTPAnswer {
         int status = 200;
@@ -70,6 +91,7 @@ class FakeMusicAssistant : public QObject {
     QJsonObject info;
     QSet<QString> tokens{QStringLiteral("secret-token")};
     Fault fault = Fault::none;
+    QHash<QString, CommandFault> commandFaults;
     QUrl redirectTarget;
     std::optional<QSslConfiguration> tls; ///< from the next listen() on
 
@@ -86,6 +108,7 @@ class FakeMusicAssistant : public QObject {
     void onCommand(const QString &name, CommandHandler handler) {
         m_commands.insert(name, std::move(handler));
     }
+    /// A path that ends with a slash stands for all below it.
     void onHTTP(const QString &path, HTTPHandler handler) { m_pages.insert(path, std::move(handler)); }
     /// To everybody who has signed in.
     void sendEvent(const QString &name, const QJsonValue &objectID, const QJsonValue &data);
@@ -112,6 +135,9 @@ class FakeMusicAssistant : public QObject {
     void takeFrame(QWebSocket *client, const QString &text);
     void authenticate(QWebSocket *client, const QJsonObject &args, const FakeAnswer &answer);
     void run(const QString &name, const QJsonObject &args, const FakeAnswer &answer);
+    void runFaulty(const CommandFault &commandFault, const QString &name, const QJsonObject &args,
+                   const FakeAnswer &answer);
+    void execute(const QString &name, const QJsonObject &args, const FakeAnswer &answer);
 
     std::unique_ptr<Listener> m_listener;
     QWebSocketServer m_upgrades;

@@ -1,4 +1,4 @@
-#include "tests/Support/FakeMusicAssistant/FakeMusicAssistant.h"
+#include "tests/Support/FakeMusicAssistant/FakePlayers.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -30,6 +30,19 @@ const std::array<NamedFault, 11> faults{{
     {u"fails-http"_s, FakeMusicAssistant::Fault::failsHTTP},
 }};
 
+void addCommandFaults(FakeMusicAssistant &server, const QCommandLineParser &parser) {
+    using Kind = FakeMusicAssistant::CommandFault::Kind;
+    const std::pair<QString, Kind> options[] = {{u"stall"_s, Kind::stalls},
+                                                {u"refuse"_s, Kind::fails},
+                                                {u"garble"_s, Kind::garbles},
+                                                {u"drop"_s, Kind::drops},
+                                                {u"slow"_s, Kind::delays}};
+    for (const auto &[option, kind] : options) {
+        for (const QString &command : parser.values(option))
+            server.commandFaults.insert(command, {.kind = kind, .delay = std::chrono::seconds(2)});
+    }
+}
+
 int fail(const QString &message) {
     QTextStream(stderr) << message << Qt::endl;
     return 2;
@@ -52,6 +65,13 @@ int main(int argc, char **argv) {
          {u"name"_s, u"The server's name."_s, u"TEXT"_s, u"Fake Home"_s},
          {u"schema"_s, u"Its schema."_s, u"N"_s, u"65"_s},
          {u"min-schema"_s, u"The oldest schema that it speaks."_s, u"N"_s, u"28"_s},
+         {u"tracks"_s, u"How large the library is."_s, u"N"_s, u"2000"_s},
+         {u"dialect"_s, u"today, or old: as servers of former years speak."_s, u"NAME"_s, u"today"_s},
+         {u"stall"_s, u"Never answers this command; several times, or \"*\"."_s, u"COMMAND"_s},
+         {u"refuse"_s, u"Fails this command."_s, u"COMMAND"_s},
+         {u"garble"_s, u"Answers this command with nonsense."_s, u"COMMAND"_s},
+         {u"drop"_s, u"Drops the connection at this command."_s, u"COMMAND"_s},
+         {u"slow"_s, u"Takes two seconds for this command."_s, u"COMMAND"_s},
          {u"fault"_s, u"One of: %1."_s.arg(faultNames.join(u", "_s)), u"NAME"_s, u"none"_s}});
     parser.process(application);
 
@@ -68,6 +88,16 @@ int main(int argc, char **argv) {
     server.info.insert("name"_L1, parser.value(u"name"_s));
     server.info.insert("schema_version"_L1, parser.value(u"schema"_s).toInt());
     server.info.insert("min_supported_schema_version"_L1, parser.value(u"min-schema"_s).toInt());
+    addCommandFaults(server, parser);
+    bool isNumber = false;
+    const int tracks = parser.value(u"tracks"_s).toInt(&isNumber);
+    if (!isNumber || tracks < 1 || tracks > 10'000'000)
+        return fail(u"There is no library of %1 tracks."_s.arg(parser.value(u"tracks"_s)));
+    const bool isOld = parser.value(u"dialect"_s) == "old"_L1;
+    FakeLibrary library(server, {.tracks = tracks},
+                        isOld ? FakeLibrary::Dialect::old : FakeLibrary::Dialect::today);
+    FakePlayers players(server, library);
+    players.run();
     bool isPort = false;
     const quint16 port = parser.value(u"port"_s).toUShort(&isPort);
     if (!isPort || !server.listen(port))

@@ -1,0 +1,135 @@
+#pragma once
+
+#include "MusicAssistantKit/Backend/MALibraryChanges_p.h"
+#include "MusicAssistantKit/Backend/MAOutputWatchers_p.h"
+#include "MusicAssistantKit/Backend/MAServerCommands.h"
+#include "MusicAssistantKit/Backend/MusicAssistantBackend.h"
+#include "MusicAssistantKit/Backend/MusicAssistantBackendErrors.h"
+
+#include <QCoroFuture>
+#include <QtConcurrentRun>
+
+namespace vantor {
+
+/// What the operations share. They are in Operations/, by their role, and hold the backend while they run;
+/// what runs by itself, here, holds it only for the length of a request.
+class MusicAssistantBackend::Private : public QObject {
+  public:
+    Private(MusicAssistantBackend &backend, const Server &chosen, const Collaborators &collaborators,
+            const MusicAssistantClient::Timing &timing);
+
+    /// One command. Fails with MusicBackendError::unsupported for one that the server does not have, with
+    /// `needed`, or else with what the client fails with.
+    QCoro::Task<MAJSON> call(QString command, QJsonObject args, MusicBackendCapabilities needed);
+    /// As call(); of what the server carries out later and says how that stands.
+    QCoro::Task<> callTask(QString command, QJsonObject args, MusicBackendCapabilities needed);
+    /// Ends when the list of commands is there, or will not come.
+    QCoro::Task<> probed();
+
+    [[nodiscard]] bool canMovePlaylistTracks() const;
+    /// With what the server can do.
+    [[nodiscard]] LibraryPlaylist withEditing(LibraryPlaylist playlist) const;
+    [[nodiscard]] Page<LibraryPlaylist> withEditing(Page<LibraryPlaylist> page) const;
+
+    // Of outputs.
+    /// The player of an output. Fails with the sentence for one that is not there.
+    QCoro::Task<MAPlayer> player(OutputDevice::ID output);
+    /// The queue that it plays from.
+    QCoro::Task<QString> queueID(OutputDevice::ID output);
+    /// call() about an output: that the server has not got its player means that the output is not there.
+    QCoro::Task<MAJSON> callOutput(OutputDevice::ID output, QString command, QJsonObject args,
+                                   MusicBackendCapabilities needed);
+
+    /// A list, or a stretch of one, made into records. Fails when the answer is no list; entries that cannot
+    /// be read are left out, but count.
+    template <typename Record>
+    struct Decoded {
+        QList<Record> records;
+        qsizetype count = 0;
+    };
+    template <typename Record>
+    using Read = Record (*)(const MAReader &);
+    template <typename Record>
+    static QCoro::Task<Decoded<Record>> decoded(MAJSON list, Read<Record> read);
+    template <typename Record>
+    static Record decodedOne(const MAJSON &item, Read<Record> read);
+
+    void tellStatus();
+    void setState(MusicAssistantStatus::State state, const QString &text);
+    void follow();
+    void takeState(const MusicAssistantClient::ConnectionState &state);
+    QCoro::Task<> followStates();
+    QCoro::Task<> followEvents();
+    QCoro::Task<> probe();
+    QCoro::Task<> readPlayers();
+    void readPlayersSoon();
+    void end();
+    [[nodiscard]] MusicBackendCapabilities capabilities() const;
+
+    MusicAssistantBackend &q;
+    const Server server;
+    const Collaborators with;
+    std::shared_ptr<MusicAssistantClient> client; ///< none when there can be no connection
+    MusicAssistantStatus status;
+    AsyncBroadcast<MusicAssistantStatus> statuses;
+    MAServerCommands commands;
+    bool isProbing = false;
+    AsyncBroadcast<bool> whenProbed;
+    MALibraryChanges changes;
+    MAOutputWatchers watchers;
+    QHash<QString, int> counts;                      ///< of lists, by command and arguments
+    QHash<QString, MAJSON> recommended;              ///< items that came with their rows, by the row's ID
+    QHash<QString, std::optional<int>> volumesOnWay; ///< by player: the one that follows
+
+  private:
+    // Of the connection under way.
+    AsyncStream<MusicAssistantClient::ConnectionState> m_states;
+    AsyncStream<MAServerEvent> m_events;
+    std::unique_ptr<Scheduler::Pending> m_readingPlayers;
+};
+
+namespace madecoding {
+
+/// More is decoded on a thread of its own: so many take less than a millisecond.
+constexpr qsizetype mostHere = 32;
+
+template <typename Record>
+QList<Record> records(const MAJSON &list, Record (*read)(const MAReader &)) {
+    QList<Record> made;
+    const QJsonArray entries = list.value().toArray();
+    made.reserve(entries.size());
+    for (const QJsonValue entry : entries) {
+        try {
+            made.append(read(MAReader(MAJSON(entry))));
+        } catch (const MADecodingError &) {
+            // One that cannot be read must not hide the others.
+        }
+    }
+    return made;
+}
+
+} // namespace madecoding
+
+template <typename Record>
+QCoro::Task<MusicAssistantBackend::Private::Decoded<Record>>
+MusicAssistantBackend::Private::decoded(MAJSON list, Read<Record> read) {
+    if (list.kind() != MAJSON::Kind::array)
+        throw MusicAssistantBackendErrors::unreadableAnswer();
+    const qsizetype count = list.size();
+    if (count <= madecoding::mostHere)
+        co_return Decoded<Record>{madecoding::records(list, read), count};
+    const auto future = QtConcurrent::run(&madecoding::records<Record>, list, read);
+    const QList<Record> records = co_await future;
+    co_return Decoded<Record>{records, count};
+}
+
+template <typename Record>
+Record MusicAssistantBackend::Private::decodedOne(const MAJSON &item, Read<Record> read) {
+    try {
+        return read(MAReader(item));
+    } catch (const MADecodingError &) {
+        throw MusicAssistantBackendErrors::unreadableAnswer();
+    }
+}
+
+} // namespace vantor

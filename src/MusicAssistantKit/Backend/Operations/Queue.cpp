@@ -1,0 +1,110 @@
+#include "MusicAssistantKit/Backend/MusicAssistantBackend_p.h"
+#include "MusicAssistantKit/Backend/PlayerMapping.h"
+
+namespace vantor {
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+constexpr MusicBackendCapability needed = MusicBackendCapability::queueEditing;
+enum ErrorCode { invalidData = 3, queueIsEmpty = 8, unexpected = 999 };
+/// Deletions under way at the same time.
+constexpr qsizetype mostAtOnce = 20;
+/// The player's buffer ends within so many items behind the current one.
+constexpr int bufferedAhead = 10;
+
+qint64 codeOf(const MusicAssistantError &error) {
+    return error.errorCase() == MusicAssistantError::Case::server ? error.code() : -1;
+}
+
+QCoro::Task<> removeItems(MusicAssistantBackend::Private &d, OutputDevice::ID output, QString queue,
+                          QStringList items) {
+    for (qsizetype start = 0; start < items.size(); start += mostAtOnce) {
+        std::vector<QCoro::Task<MAJSON>> deletions; // which run from now on
+        for (const QString &item : items.mid(start, mostAtOnce)) {
+            const QJsonObject args{{u"queue_id"_s, queue}, {u"item_id_or_index"_s, item}};
+            deletions.push_back(d.callOutput(output, u"player_queues/delete_item"_s, args, needed));
+        }
+        for (const auto &deletion : deletions)
+            co_await deletion;
+    }
+}
+
+/// The server keeps without a word what the player has buffered already.
+QCoro::Task<bool> isStillThere(MusicAssistantBackend::Private &d, OutputDevice::ID output, QString queue,
+                               QStringList items) {
+    const QJsonObject queueArgs{{u"queue_id"_s, queue}};
+    const MAJSON answer = co_await d.callOutput(output, u"player_queues/get"_s, queueArgs, needed);
+    const auto current = MAReader(answer).optionalInteger("current_index");
+    const QJsonObject args{
+        {u"queue_id"_s, queue}, {u"limit"_s, bufferedAhead}, {u"offset"_s, current.value_or(0)}};
+    const MAJSON page = co_await d.callOutput(output, u"player_queues/items"_s, args, needed);
+    const QList<MAQueueItem> next = madecoding::records(page, &MAQueueItem::decode);
+    co_return std::any_of(next.begin(), next.end(),
+                          [&items](const MAQueueItem &item) { return items.contains(item.queueItemID); });
+}
+
+QCoro::Task<> moveItem(MusicAssistantBackend::Private &d, OutputDevice::ID output, QString queue,
+                       QString item, int shift) {
+    if (shift == 0) // to the server: play it next
+        co_return;
+    const QJsonObject args{{u"queue_id"_s, queue}, {u"queue_item_id"_s, item}, {u"pos_shift"_s, shift}};
+    try {
+        co_await d.callOutput(output, u"player_queues/move_item"_s, args, needed);
+    } catch (const MusicAssistantError &error) {
+        if (codeOf(error) == unexpected)
+            throw QueueEditError::buffered();
+        throw;
+    }
+}
+
+} // namespace
+
+QCoro::Task<> MusicAssistantBackend::edit(QueueEdit edit, OutputDevice::ID on) {
+    const auto self = shared_from_this();
+    const QString queue = co_await d->queueID(on);
+    switch (edit.kind) {
+    case QueueEdit::Kind::play: {
+        // Servers know the first name, the documents the second.
+        const QJsonObject args{
+            {u"queue_id"_s, queue}, {u"index"_s, edit.index}, {u"item_id_or_index"_s, edit.index}};
+        co_await d->callOutput(on, u"player_queues/play_index"_s, args, needed);
+        break;
+    }
+    case QueueEdit::Kind::remove: {
+        if (edit.items.isEmpty())
+            co_return;
+        co_await removeItems(*d, on, queue, edit.items);
+        const bool isBuffered = co_await isStillThere(*d, on, queue, edit.items);
+        if (isBuffered)
+            throw QueueEditError::buffered();
+        break;
+    }
+    case QueueEdit::Kind::move:
+        co_await moveItem(*d, on, queue, edit.itemID, edit.shift);
+        break;
+    case QueueEdit::Kind::clear:
+        co_await d->callOutput(on, u"player_queues/clear"_s, {{u"queue_id"_s, queue}}, needed);
+        break;
+    }
+}
+
+QCoro::Task<> MusicAssistantBackend::saveQueueAsPlaylist(OutputDevice::ID on, QString name) {
+    const auto self = shared_from_this();
+    if (name.trimmed().isEmpty())
+        throw MusicAssistantBackendErrors::newPlaylistWithoutName();
+    const QString queue = co_await d->queueID(on);
+    const QJsonObject args{{u"queue_id"_s, queue}, {u"name"_s, name.trimmed()}};
+    try {
+        co_await d->callTask(u"player_queues/save_as_playlist"_s, args, needed);
+    } catch (const MusicAssistantError &error) {
+        if (codeOf(error) == queueIsEmpty)
+            throw MusicAssistantBackendErrors::emptyQueue();
+        if (codeOf(error) == invalidData)
+            throw MusicAssistantBackendErrors::unusableQueue();
+        throw;
+    }
+}
+
+} // namespace vantor

@@ -1,0 +1,65 @@
+#include "MusicAssistantKit/Backend/Operations/Pages_p.h"
+
+namespace vantor {
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+constexpr MusicBackendCapability needed = MusicBackendCapability::recommendations;
+const QString itemsCommand = u"music/recommendations/items"_s;
+/// Of all rows together, kept for when they are opened.
+constexpr qsizetype mostInlineItems = 5'000;
+
+} // namespace
+
+QCoro::Task<QList<RecommendationRow>> MusicAssistantBackend::recommendationRows() {
+    const auto self = shared_from_this();
+    const MAJSON answer = co_await d->call(u"music/recommendations"_s, {}, needed);
+    if (answer.kind() != MAJSON::Kind::array)
+        throw MusicAssistantBackendErrors::unreadableAnswer();
+    d->recommended.clear();
+    qsizetype kept = 0;
+    QList<RecommendationRow> rows;
+    for (const QJsonValue entry : answer.value().toArray()) {
+        const MAJSON folder(entry);
+        const auto decoded = madecoding::records(MAJSON(QJsonArray{entry}), &MARecommendationFolder::decode);
+        if (decoded.isEmpty())
+            continue;
+        const RecommendationRow row = malibrary::row(decoded.first());
+        rows.append(row);
+        // Older servers send the items with their rows.
+        const MAJSON items = folder.member("items"_L1);
+        if (items.size() > 0 && kept + items.size() <= mostInlineItems) {
+            kept += items.size();
+            d->recommended.insert(row.id(), items);
+        }
+    }
+    co_return rows;
+}
+
+QCoro::Task<QList<RecommendationItem>> MusicAssistantBackend::recommendationItems(RecommendationRow row) {
+    const auto self = shared_from_this();
+    co_await d->probed();
+    MAJSON items = d->recommended.value(row.id());
+    const bool mayAsk = d->commands.mayHave(itemsCommand);
+    if (items.isNull() && !mayAsk)
+        co_return QList<RecommendationItem>();
+    if (items.isNull())
+        items = co_await d->call(itemsCommand, {{u"provider"_s, row.provider}, {u"item_id"_s, row.itemID}},
+                                 needed);
+    const auto decoded = co_await d->decoded(items, &malibrary::recommendation);
+    co_return decoded.records;
+}
+
+QCoro::Task<RecommendationItem> MusicAssistantBackend::resolve(RecommendationItem item) {
+    const auto self = shared_from_this();
+    if (!item.isMapping())
+        co_return item;
+    const auto &reference = std::get<RecommendationItem::Other>(item.value);
+    const MAJSON answer = co_await d->call(u"music/item_by_uri"_s, {{u"uri"_s, reference.uri}}, needed);
+    const RecommendationItem found = d->decodedOne(answer, &malibrary::recommendation);
+    co_return found;
+}
+
+} // namespace vantor

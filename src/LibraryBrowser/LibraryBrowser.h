@@ -29,6 +29,9 @@ class LibraryBrowser : public QObject {
 
     /// Takes leave of the source before and connects this one; none is allowed.
     void setBackend(const std::shared_ptr<MusicBackend> &backend);
+    /// Takes leave of the source before. There is another one, but it cannot be asked: it is being looked
+    /// for, or was not found for a reason.
+    void setUnavailable(const std::optional<LibraryFailure> &why);
     /// None, too, while it is not connected.
     [[nodiscard]] std::shared_ptr<MusicBackend> connected() const;
     [[nodiscard]] const std::shared_ptr<MusicBackend> &backend() const { return m_backend; }
@@ -37,10 +40,12 @@ class LibraryBrowser : public QObject {
     [[nodiscard]] State state() const { return m_state; }
     /// Why the source failed.
     [[nodiscard]] const std::optional<LibraryFailure> &failure() const { return m_failure; }
-    /// Connects once more.
+    /// Connects once more; has the source looked for again when there is none to connect.
     void retry();
     /// The source's content may have changed in any way.
     void refresh() { Q_EMIT refreshed(); }
+    /// What the source offers may have changed.
+    void refreshCapabilities() { Q_EMIT capabilitiesChanged(); }
 
     [[nodiscard]] const QList<OutputDevice> &outputs() const { return m_outputs; }
     /// Where it plays; none while there is no output.
@@ -64,12 +69,23 @@ class LibraryBrowser : public QObject {
     /// Another source, or none; lists are empty until it is connected.
     void sourceChanged();
     void stateChanged();
+    void capabilitiesChanged();
+    void sourceAsked(); ///< look for it again
     void outputsChanged();
     void changed(const vantor::LibraryChange &change);
     void refreshed();
     void failed(const QString &sentence);
 
   private:
+    struct Play {
+        std::shared_ptr<MusicBackend> backend; ///< whose items they are
+        OutputDevice on;
+        PlayRequest request;
+        Turn turn;
+    };
+
+    void takeLeave(const std::shared_ptr<MusicBackend> &next);
+    void beginTurn(State state, const std::optional<LibraryFailure> &failure);
     void connectBackend();
     QCoro::Task<> openConnection();
     QCoro::Task<> loadOutputs();
@@ -82,7 +98,7 @@ class LibraryBrowser : public QObject {
     State m_state = State::noSource;
     std::optional<LibraryFailure> m_failure;
     QList<OutputDevice> m_outputs;
-    std::deque<std::pair<PlayRequest, Turn>> m_plays; ///< the first one is being carried out
+    std::deque<Play> m_plays; ///< the first one is being carried out
     OutputDevice::ID m_output = OutputDevice::thisMacID();
     AsyncStream<LibraryChange> m_changes;
     /// Whose answers are awaited.

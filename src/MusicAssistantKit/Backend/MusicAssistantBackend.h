@@ -13,6 +13,7 @@ struct MusicAssistantStatus {
     enum class State { offline, connecting, connected, reconnecting, failed };
     State state = State::offline;
     QString text; ///< one sentence; empty when there is nothing to say
+    std::optional<MusicAssistantError> error; ///< of `failed`
     /// What the source offers now: the server's list of commands arrives a moment after the connection.
     MusicBackendCapabilities capabilities;
     /// Grows with every successful connection: what was read before may be out of date.
@@ -124,7 +125,7 @@ class MusicAssistantBackend final : public MusicBackend {
     QCoro::Task<QList<OutputDevice>> outputs() override;
     /// What plays on every output, the present state first; a new list also when an output came, went or
     /// changed otherwise, so that outputs() and outputState() are worth another look.
-    [[nodiscard]] AsyncStream<QList<OutputActivity>> activities();
+    AsyncStream<QList<OutputActivity>> activities() override;
     /// None for an output that is not there.
     [[nodiscard]] std::optional<MusicAssistantOutputState> outputState(const OutputDevice::ID &output) const;
     QCoro::Task<> setMuted(OutputDevice::ID output, bool isMuted);

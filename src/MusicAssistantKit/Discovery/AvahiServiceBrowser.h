@@ -14,7 +14,7 @@ class AvahiServiceBrowser : public MusicAssistantServiceBrowser {
     AvahiServiceBrowser() = default;
     ~AvahiServiceBrowser() override;
 
-    /// To be called once.
+    /// To be called once; what was started before begins now.
     void setBus(const QDBusConnection &bus);
 
     void start() override;
@@ -37,6 +37,8 @@ class AvahiServiceBrowser : public MusicAssistantServiceBrowser {
     void settleOne();
 
     QDBusConnection m_bus{QString()}; ///< none at first
+    bool m_hasBus = false;
+    bool m_isWanted = false;
     QStringList m_browsers; ///< their object paths
     int m_round = 0;
     int m_unsettled = 0;

@@ -56,7 +56,8 @@ QCoro::Task<> NetworkManagerWiFi::read() {
     if (!self || m_round != round)
         co_return;
     const QString primary = manager.value(u"PrimaryConnection"_s).value<QDBusObjectPath>().path();
-    if (m_ssid == name && m_primaryConnection == primary)
+    const auto before = std::exchange(m_authorization, WiFiAuthorization::authorized);
+    if (m_ssid == name && m_primaryConnection == primary && before == m_authorization)
         co_return;
     m_ssid = name;
     m_primaryConnection = primary;

@@ -22,8 +22,7 @@ struct BusSearch::Shared {
         const MutexLock lock(mutex);
         isOver = true;
         if (receiver)
-            QMetaObject::invokeMethod(
-                receiver.get(), [taker, bus] { taker(bus); }, Qt::QueuedConnection);
+            QMetaObject::invokeMethod(receiver.get(), [taker, bus] { taker(bus); }, Qt::QueuedConnection);
     }
 };
 

@@ -104,7 +104,8 @@ void LibraryActions::addFavorite(QMenu &menu, const QList<LibraryItem> &items) {
 }
 
 void LibraryActions::addFiles(QMenu &menu, const QList<MediaID> &ids, bool isTracks) {
-    if (!m_findFiles)
+    // What a server holds is no file of this computer.
+    if (!m_findFiles || m_browser.capabilities().testFlag(MusicBackendCapability::remoteOutputs))
         return;
     menu.addSeparator();
     menu.addAction(tr("Show in Folder"), this, [this, ids] {

@@ -94,6 +94,7 @@ void LibraryWindow::follow() {
         (new FileInfoDialog(TrackInfo::fromTrack(track, std::nullopt), this))->show();
     });
     connect(&m_browser, &LibraryBrowser::sourceChanged, this, &LibraryWindow::takeSource);
+    connect(&m_browser, &LibraryBrowser::capabilitiesChanged, this, &LibraryWindow::takeCapabilities);
     connect(&m_browser, &LibraryBrowser::stateChanged, this, &LibraryWindow::showState);
     connect(&m_browser, &LibraryBrowser::failed, this, &LibraryWindow::tell);
 }
@@ -223,10 +224,15 @@ void LibraryWindow::takeSource() {
     showPlace();
 }
 
+void LibraryWindow::takeCapabilities() {
+    if (librarySections(m_browser.capabilities()) != m_sidebar->offered())
+        takeSource();
+}
+
 void LibraryWindow::showState() {
     const std::optional<LibraryFailure> &failure = m_browser.failure();
     const auto openSettings = [this] { Q_EMIT settingsAsked(); };
-    m_sidebar->setEnabled(m_browser.connected() != nullptr);
+    m_sidebar->setSectionsEnabled(m_browser.connected() != nullptr);
     m_head->setSearchEnabled(m_browser.connected() != nullptr);
     switch (m_browser.state()) {
     case LibraryBrowser::State::connected:
@@ -248,6 +254,10 @@ void LibraryWindow::showState() {
         break;
     }
     showStatus();
+}
+
+void LibraryWindow::setSourceSwitcher(QWidget *switcher) {
+    m_sidebar->setHead(switcher);
 }
 
 void LibraryWindow::setSourceStatus(const QString &status) {

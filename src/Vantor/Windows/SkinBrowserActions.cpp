@@ -3,32 +3,15 @@
 #include "SkinBrowser/SkinLibraryModel.h"
 #include "Vantor/Model/PlayerModel.h"
 #include "Vantor/Model/SkinSwitcher.h"
+#include "Vantor/Windows/AskBox.h"
 #include "Vantor/Windows/ShowInFolder.h"
 #include "Vantor/Windows/SkinBrowserWindow.h"
 
 #include <QMenu>
 #include <QMessageBox>
-#include <QPushButton>
 
 // What is done to the skin that is selected, and what is asked before.
 namespace vantor {
-
-namespace {
-
-/// Asks over the window and returns at once. `yes`: what the button says that has `action` done.
-void ask(QWidget *parent, const QString &question, const QString &more, const QString &yes,
-         const std::function<void()> &action) {
-    auto *box = new QMessageBox(QMessageBox::Question, {}, question, QMessageBox::Cancel, parent);
-    box->setAttribute(Qt::WA_DeleteOnClose);
-    box->setTextFormat(Qt::PlainText);
-    box->setInformativeText(more);
-    const QPushButton *const button = box->addButton(yes, QMessageBox::AcceptRole);
-    box->setDefaultButton(QMessageBox::Cancel);
-    QObject::connect(button, &QPushButton::clicked, parent, action);
-    box->open();
-}
-
-} // namespace
 
 void SkinBrowserWindow::tell(const QString &message) {
     auto *box = new QMessageBox(QMessageBox::Warning, windowTitle(), message, QMessageBox::Ok, this);
@@ -91,16 +74,17 @@ void SkinBrowserWindow::askToTrash(const QString &name, const std::vector<FileSt
         files.size() == 1 ? list
                           : tr("It is there %n times, and all go:", nullptr, static_cast<int>(files.size())) +
                                 QStringLiteral("\n\n") + list;
-    ask(this, tr("Move “%1” to the Trash?").arg(name), more, tr("Move to Trash"), [this, name, paths] {
-        for (const QString &path : paths)
-            m_library.moveToTrash(path, name);
-    });
+    AskBox::ask(this, tr("Move “%1” to the Trash?").arg(name), more, tr("Move to Trash"),
+                [this, name, paths] {
+                    for (const QString &path : paths)
+                        m_library.moveToTrash(path, name);
+                });
 }
 
 void SkinBrowserWindow::askToReset() {
-    ask(this, tr("Delete the index?"),
-        tr("It is built anew from your skins folder. No skin is changed or deleted."), tr("Delete"),
-        [this] { m_library.resetIndex(); });
+    AskBox::ask(this, tr("Delete the index?"),
+                tr("It is built anew from your skins folder. No skin is changed or deleted."), tr("Delete"),
+                [this] { m_library.resetIndex(); });
 }
 
 } // namespace vantor

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "FolderBackendKit/FolderIndex.h"
+#include "Vantor/Library/LibraryOutput.h"
+#include "Vantor/Library/LibrarySource.h"
+
+namespace vantor {
+
+class FolderBackend;
+class Preferences;
+
+/// The user's music folder. Main thread; borrows the player and the preferences.
+class FolderSource : public LibrarySource {
+    Q_OBJECT
+
+  public:
+    FolderSource(Player &player, Preferences &preferences);
+    ~FolderSource() override;
+
+    [[nodiscard]] QString key() const override;
+    [[nodiscard]] QString name() const override;
+    void open() override;
+    void close() override;
+    void retry() override {}
+    [[nodiscard]] QString activity() const override;
+
+    /// Looks through the folder for what has changed, also while it is closed. Failures are told by failed().
+    QCoro::Task<> rescan();
+    [[nodiscard]] bool isScanning() const { return m_status.state == FolderIndexStatus::State::indexing; }
+    /// What there is to say about the folder, as a sentence; empty before it was looked at.
+    [[nodiscard]] QString status() const;
+
+    /// What comes to be played goes there instead, until there is none.
+    void setReceiver(const LibraryOutput::Receiver &receiver) { m_output.setReceiver(receiver); }
+
+  Q_SIGNALS:
+    void failed(const QString &sentence);
+
+  private:
+    void use();
+    void leave();
+    QCoro::Task<> followStatus();
+    void take(const FolderIndexStatus &status);
+
+    Preferences &m_preferences;
+    LibraryOutput m_output;
+    bool m_isOpen = false;
+    std::shared_ptr<FolderBackend> m_folder; ///< none while it is closed and not scanned
+    AsyncStream<FolderIndexStatus> m_updates;
+    FolderIndexStatus m_status;
+};
+
+} // namespace vantor

@@ -125,6 +125,15 @@ class FolderBackend::Private {
         return library;
     }
 
+    QCoro::Task<Playable> find(QList<MediaID> items, int startItem) {
+        const Library present = requireLibrary();
+        const QFuture<Playable> finding = QtConcurrent::run(&playing, findOnDisk, present, items, startItem);
+        const Playable found = co_await finding;
+        if (found.tracks.empty())
+            throw MusicBackendError::backend(QStringLiteral("None of these tracks is on disk any more."));
+        co_return found;
+    }
+
     const QString folder;
     const QString indexFile;
     LocalOutput &output;
@@ -295,16 +304,18 @@ QCoro::Task<QList<OutputDevice>> FolderBackend::outputs() {
 
 QCoro::Task<> FolderBackend::play(QList<MediaID> items, OutputDevice on, PlayMode mode) {
     const auto self = shared_from_this();
-    const Library library = d->requireLibrary();
+    d->requireConnection();
     if (on.id != OutputDevice::thisMacID())
         throw MusicBackendError::unknownOutput(on.id);
-    const QFuture<Playable> finding =
-        QtConcurrent::run(&d->playing, findOnDisk, library, items, mode.startIndex);
-    const Playable found = co_await finding;
-    if (found.tracks.empty())
-        throw MusicBackendError::backend(QStringLiteral("None of these tracks is on disk any more."));
+    const Playable found = co_await d->find(items, mode.startIndex);
     mode.startIndex = mode.kind == PlayMode::Kind::replace ? found.start : 0;
     d->output.play(found.tracks, mode);
+}
+
+QCoro::Task<std::vector<Track>> FolderBackend::localTracks(QList<MediaID> items) {
+    const auto self = shared_from_this();
+    Playable found = co_await d->find(items, 0);
+    co_return std::move(found.tracks);
 }
 
 QCoro::Task<> FolderBackend::transport(TransportCommand command, OutputDevice::ID on) {

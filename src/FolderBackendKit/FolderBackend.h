@@ -1,5 +1,6 @@
 #pragma once
 
+#include "AudioCore/Queue/Track.h"
 #include "FolderBackendKit/FolderIndex.h"
 #include "FolderWatching/FolderWatcher.h"
 #include "MusicBackendKit/MusicBackend.h"
@@ -66,6 +67,9 @@ class FolderBackend : public MusicBackend {
     QCoro::Task<> transport(TransportCommand command, OutputDevice::ID on) override;
     AsyncStream<NowPlaying> nowPlaying(OutputDevice::ID on) override;
 
+    /// The files of the tracks that items stand for, in their order; what is no longer on disk is left out,
+    /// and it fails when nothing is left. Requests are answered in their order, those to play() included.
+    QCoro::Task<std::vector<Track>> localTracks(QList<MediaID> items);
     /// Which track of the library a local file is; none for others.
     [[nodiscard]] std::optional<MediaID> trackOf(const QUrl &file) const;
 

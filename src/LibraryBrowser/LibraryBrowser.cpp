@@ -2,6 +2,8 @@
 
 #include <QPointer>
 
+#include <algorithm>
+
 namespace vantor {
 
 QList<LibrarySection> librarySections(MusicBackendCapabilities capabilities) {
@@ -39,6 +41,7 @@ void LibraryBrowser::setUnavailable(const std::optional<LibraryFailure> &why) {
 void LibraryBrowser::takeLeave(const std::shared_ptr<MusicBackend> &next) {
     if (const auto before = std::exchange(m_backend, next))
         before->disconnect(); // goes on by itself
+    m_chosenOutput.reset();
 }
 
 std::shared_ptr<MusicBackend> LibraryBrowser::connected() const {
@@ -67,6 +70,8 @@ void LibraryBrowser::connectBackend() {
 void LibraryBrowser::beginTurn(State state, const std::optional<LibraryFailure> &failure) {
     m_turn = std::make_shared<char>();
     m_changes = {};
+    m_activityStream = {};
+    m_activities.clear();
     m_outputs.clear();
     m_state = state;
     m_failure = failure;
@@ -92,6 +97,8 @@ QCoro::Task<> LibraryBrowser::openConnection() {
     }
     m_changes = backend->libraryChanges();
     followChanges();
+    m_activityStream = backend->activities();
+    followActivities();
     loadOutputs();
     setState(State::connected);
 }
@@ -99,6 +106,7 @@ QCoro::Task<> LibraryBrowser::openConnection() {
 QCoro::Task<> LibraryBrowser::loadOutputs() {
     const std::weak_ptr<char> turn = m_turn;
     const std::shared_ptr<MusicBackend> backend = m_backend;
+    const int number = ++m_outputsAsked;
     QList<OutputDevice> outputs;
     std::optional<LibraryFailure> failure;
     try {
@@ -106,14 +114,37 @@ QCoro::Task<> LibraryBrowser::loadOutputs() {
     } catch (...) {
         failure = LibraryFailure::of(std::current_exception());
     }
-    if (turn.expired())
+    if (turn.expired() || number != m_outputsAsked)
         co_return;
     if (failure) {
         Q_EMIT failed(failure->sentence);
         co_return;
     }
     m_outputs = outputs;
+    if (const auto told = output(); told && m_chosenOutput)
+        m_chosenOutput = told;
     Q_EMIT outputsChanged();
+}
+
+QCoro::Task<> LibraryBrowser::followActivities() {
+    const std::weak_ptr<char> turn = m_turn;
+    while (true) {
+        const std::optional<QList<OutputActivity>> activities = co_await m_activityStream.next();
+        if (turn.expired() || !activities)
+            co_return;
+        take(*activities);
+    }
+}
+
+void LibraryBrowser::take(const QList<OutputActivity> &activities) {
+    const auto isSameOutput = [](const OutputActivity &one, const OutputActivity &other) {
+        return one.output == other.output && one.name == other.name && one.leader == other.leader;
+    };
+    const bool areSame = std::ranges::equal(m_activities, activities, isSameOutput);
+    m_activities = activities;
+    if (!areSame)
+        loadOutputs();
+    Q_EMIT activitiesChanged();
 }
 
 QCoro::Task<> LibraryBrowser::followChanges() {
@@ -141,20 +172,32 @@ void LibraryBrowser::setState(State state, const std::optional<LibraryFailure> &
 }
 
 std::optional<OutputDevice> LibraryBrowser::output() const {
-    if (m_outputs.isEmpty())
-        return std::nullopt;
-    const auto chosen = std::ranges::find(m_outputs, m_output, &OutputDevice::id);
-    return chosen != m_outputs.end() ? *chosen : m_outputs.first();
+    const OutputDevice::ID wanted = m_chosenOutput ? m_chosenOutput->id : OutputDevice::thisMacID();
+    const auto found = std::ranges::find(m_outputs, wanted, &OutputDevice::id);
+    if (found != m_outputs.end())
+        return *found;
+    // Music that was meant for one room is not played in another.
+    if (m_chosenOutput) {
+        OutputDevice missing = *m_chosenOutput;
+        missing.isAvailable = false;
+        return missing;
+    }
+    return m_outputs.isEmpty() ? std::nullopt : std::optional(m_outputs.first());
 }
 
-void LibraryBrowser::chooseOutput(const OutputDevice::ID &id) {
-    m_output = id;
+void LibraryBrowser::chooseOutput(const OutputDevice::ID &id, const QString &name) {
+    OutputDevice chosen;
+    chosen.id = id;
+    chosen.name = name;
+    chosen.kind = id == OutputDevice::thisMacID() ? OutputDevice::Kind::thisMac : OutputDevice::Kind::remote;
+    const auto found = std::ranges::find(m_outputs, id, &OutputDevice::id);
+    m_chosenOutput = found != m_outputs.end() ? *found : chosen;
     Q_EMIT outputsChanged();
 }
 
-void LibraryBrowser::play(const PlayRequest &request, const Turn &turn) {
+void LibraryBrowser::play(const PlayRequest &request) {
     // A source that has not told its outputs yet knows its own when it is asked.
-    m_plays.push_back({m_backend, output().value_or(OutputDevice::thisMac()), request, turn});
+    m_plays.push_back({m_backend, output().value_or(OutputDevice::thisMac()), request});
     if (m_plays.size() == 1)
         playInTurn();
 }
@@ -162,10 +205,8 @@ void LibraryBrowser::play(const PlayRequest &request, const Turn &turn) {
 QCoro::Task<> LibraryBrowser::playInTurn() {
     const QPointer<LibraryBrowser> self(this);
     while (self && !m_plays.empty()) {
-        const auto [backend, on, request, turn] = m_plays.front();
+        const auto [backend, on, request] = m_plays.front();
         std::optional<LibraryFailure> failure;
-        if (turn.begins)
-            turn.begins();
         try {
             if (backend)
                 co_await backend->play(request.items, on, request.mode);
@@ -174,8 +215,6 @@ QCoro::Task<> LibraryBrowser::playInTurn() {
         }
         if (!self)
             co_return;
-        if (turn.ends)
-            turn.ends();
         m_plays.pop_front();
         if (failure)
             Q_EMIT failed(failure->sentence);

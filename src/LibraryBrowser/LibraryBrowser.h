@@ -6,7 +6,6 @@
 #include <QObject>
 
 #include <deque>
-#include <functional>
 
 namespace vantor {
 
@@ -47,22 +46,19 @@ class LibraryBrowser : public QObject {
     /// What the source offers may have changed.
     void refreshCapabilities() { Q_EMIT capabilitiesChanged(); }
 
+    /// Kept in step with the source.
     [[nodiscard]] const QList<OutputDevice> &outputs() const { return m_outputs; }
-    /// Where it plays; none while there is no output.
+    /// What plays where, as far as the source tells.
+    [[nodiscard]] const QList<OutputActivity> &activities() const { return m_activities; }
+    /// Where it plays: what was chosen for this source, as unavailable while it is not there, else this
+    /// computer or the first; none while there is no output.
     [[nodiscard]] std::optional<OutputDevice> output() const;
-    void chooseOutput(const OutputDevice::ID &id);
-
-    /// What is to happen when the turn of a request has come, and when the source has carried it out or
-    /// refused.
-    struct Turn {
-        std::function<void()> begins;
-        std::function<void()> ends;
-    };
+    /// Until another source comes. `name`: as long as the source does not tell a better one.
+    void chooseOutput(const OutputDevice::ID &id, const QString &name = {});
 
     // What goes wrong with these is told by failed().
     /// Requests are carried out one after another.
-    void play(const PlayRequest &request) { play(request, Turn()); }
-    void play(const PlayRequest &request, const Turn &turn);
+    void play(const PlayRequest &request);
     void setFavorite(const QList<MediaID> &ids, bool on);
 
   Q_SIGNALS:
@@ -70,8 +66,9 @@ class LibraryBrowser : public QObject {
     void sourceChanged();
     void stateChanged();
     void capabilitiesChanged();
-    void sourceAsked(); ///< look for it again
-    void outputsChanged();
+    void sourceAsked();    ///< look for it again
+    void outputsChanged(); ///< or which one is chosen
+    void activitiesChanged();
     void changed(const vantor::LibraryChange &change);
     void refreshed();
     void failed(const QString &sentence);
@@ -81,7 +78,6 @@ class LibraryBrowser : public QObject {
         std::shared_ptr<MusicBackend> backend; ///< whose items they are
         OutputDevice on;
         PlayRequest request;
-        Turn turn;
     };
 
     void takeLeave(const std::shared_ptr<MusicBackend> &next);
@@ -89,6 +85,8 @@ class LibraryBrowser : public QObject {
     void connectBackend();
     QCoro::Task<> openConnection();
     QCoro::Task<> loadOutputs();
+    QCoro::Task<> followActivities();
+    void take(const QList<OutputActivity> &activities);
     QCoro::Task<> followChanges();
     QCoro::Task<> playInTurn();
     QCoro::Task<> setFavorites(QList<MediaID> ids, bool on);
@@ -98,8 +96,11 @@ class LibraryBrowser : public QObject {
     State m_state = State::noSource;
     std::optional<LibraryFailure> m_failure;
     QList<OutputDevice> m_outputs;
-    std::deque<Play> m_plays; ///< the first one is being carried out
-    OutputDevice::ID m_output = OutputDevice::thisMacID();
+    std::deque<Play> m_plays;                   ///< the first one is being carried out
+    std::optional<OutputDevice> m_chosenOutput; ///< as it was told last
+    QList<OutputActivity> m_activities;
+    AsyncStream<QList<OutputActivity>> m_activityStream;
+    int m_outputsAsked = 0; ///< how many times: only the last answer counts
     AsyncStream<LibraryChange> m_changes;
     /// Whose answers are awaited.
     std::shared_ptr<char> m_turn = std::make_shared<char>();

@@ -39,34 +39,33 @@ QCoro::Task<Page<LibraryTrack>> wholeList(QCoro::Task<QList<LibraryTrack>> answe
 
 /// A walk over all albums that goes on where the page before ended.
 struct TrackWalk {
-    Backend backend;
     QList<LibraryAlbum> albums{}; ///< whose tracks are still to be asked for
     std::optional<PageRequest> nextAlbums = PageRequest::first();
+    QList<LibraryTrack> found{}; ///< not handed over yet: the page may fail, and is tried again
 };
 
-QCoro::Task<Page<LibraryTrack>> walkOn(std::shared_ptr<TrackWalk> walk, PageRequest request) {
-    if (request.offset == 0)
-        *walk = {walk->backend};
-    Page<LibraryTrack> found{{}, request.offset, {}, {}};
-    while (found.items.size() < request.limit) {
+QCoro::Task<Page<LibraryTrack>> walkOn(Backend backend, std::shared_ptr<TrackWalk> walk,
+                                       PageRequest request) {
+    while (walk->found.size() < request.limit) {
         if (walk->albums.isEmpty()) {
             if (!walk->nextAlbums)
                 break;
             const PageRequest wanted = *walk->nextAlbums;
-            const Page<LibraryAlbum> page = co_await walk->backend->albums(std::nullopt, wanted);
+            const Page<LibraryAlbum> page = co_await backend->albums(std::nullopt, wanted);
             const bool advances = page.nextOffset && *page.nextOffset > wanted.offset;
             walk->nextAlbums = advances ? page.next(wanted.limit) : std::nullopt;
             walk->albums = page.items;
             continue;
         }
         const MediaID album = walk->albums.first().id;
-        const QList<LibraryTrack> tracks = co_await walk->backend->tracks(album);
+        const QList<LibraryTrack> tracks = co_await backend->tracks(album);
         walk->albums.removeFirst();
-        found.items += tracks;
+        walk->found += tracks;
     }
+    Page<LibraryTrack> page{std::exchange(walk->found, {}), request.offset, {}, {}};
     if (!walk->albums.isEmpty() || walk->nextAlbums)
-        found.nextOffset = request.offset + std::max(1, static_cast<int>(found.items.size()));
-    co_return found;
+        page.nextOffset = request.offset + static_cast<int>(page.items.size());
+    co_return page;
 }
 
 } // namespace
@@ -113,8 +112,12 @@ Tracks tracks(const Backend &backend, const MediaID &of) {
 }
 
 Tracks allTracks(const Backend &backend) {
-    return [walk = std::make_shared<TrackWalk>(TrackWalk{backend})](PageRequest page) {
-        return walkOn(walk, page);
+    // From the beginning it is another walk: one that nobody waits for any more may still be under way.
+    const auto present = std::make_shared<std::shared_ptr<TrackWalk>>();
+    return [backend, present](PageRequest page) {
+        if (page.offset == 0)
+            *present = std::make_shared<TrackWalk>();
+        return walkOn(backend, *present, page);
     };
 }
 

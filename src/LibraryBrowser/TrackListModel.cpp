@@ -11,7 +11,6 @@
 #include <QMimeData>
 #include <QtConcurrentRun>
 
-#include <algorithm>
 #include <numeric>
 
 namespace vantor {
@@ -187,13 +186,15 @@ void TrackListModel::sort(int column, Qt::SortOrder order) {
         return;
     m_sortColumn = wanted;
     m_sortOrder = order;
-    if (m_sortColumn)
-        loadAll();
     arrange();
 }
 
 void TrackListModel::rowsWillBeRemoved() {
     setOrder({});
+}
+
+void TrackListModel::rowsAreReplaced() {
+    m_order.clear();
 }
 
 void TrackListModel::rowsTaken() {
@@ -202,9 +203,12 @@ void TrackListModel::rowsTaken() {
 
 void TrackListModel::arrange() {
     m_sorting.reset();
-    if (!m_sortColumn || rowCount() == 0)
+    if (!m_sortColumn || rowCount() == 0) {
         setOrder({});
-    else if (isComplete())
+        return;
+    }
+    loadAll();
+    if (isComplete() && !isOutdated())
         sortRows();
 }
 
@@ -224,7 +228,7 @@ QCoro::Task<> TrackListModel::sortRows() {
     const bool ascending = m_sortOrder == Qt::AscendingOrder;
     const auto sorting = QtConcurrent::run(&TrackOrder::sorted, keys, ascending);
     const std::vector<int> order = co_await sorting;
-    if (!turn.expired() && static_cast<int>(order.size()) == rowCount())
+    if (!turn.expired())
         setOrder(order);
 }
 
@@ -234,15 +238,12 @@ void TrackListModel::setOrder(const std::vector<int> &order) {
     Q_EMIT layoutAboutToBeChanged({}, VerticalSortHint);
     std::vector<int> rowOf(static_cast<std::size_t>(rowCount())); // by place in the source's order
     std::iota(rowOf.begin(), rowOf.end(), 0);
-    for (std::size_t row = 0; row < std::min(order.size(), rowOf.size()); ++row)
+    for (std::size_t row = 0; row < order.size(); ++row)
         rowOf[static_cast<std::size_t>(order[row])] = static_cast<int>(row);
     QModelIndexList moved;
     const QModelIndexList kept = persistentIndexList();
-    for (const QModelIndex &old : kept) {
-        // Rows may just be coming or going: a view has asked for more in the midst of it.
-        const auto place = static_cast<std::size_t>(storedRow(old.row()));
-        moved.append(place < rowOf.size() ? index(rowOf[place], old.column()) : QModelIndex());
-    }
+    for (const QModelIndex &old : kept)
+        moved.append(index(rowOf[static_cast<std::size_t>(storedRow(old.row()))], old.column()));
     m_order = order;
     changePersistentIndexList(kept, moved);
     Q_EMIT layoutChanged({}, VerticalSortHint);

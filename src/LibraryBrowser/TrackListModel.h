@@ -59,6 +59,7 @@ class TrackListModel : public PagedModel<LibraryTrack, LibraryModel> {
 
   protected:
     void rowsWillBeRemoved() override;
+    void rowsAreReplaced() override;
     void rowsTaken() override;
 
   private:

@@ -17,6 +17,10 @@ LocalPlaybackError LocalPlaybackError::queueWrite(const QString &reason) {
     return LocalPlaybackError(Case::queueWrite, reason);
 }
 
+LocalPlaybackError LocalPlaybackError::playlistTooLarge() {
+    return LocalPlaybackError(Case::playlistTooLarge);
+}
+
 LocalPlaybackError LocalPlaybackError::playlistWrite(const QString &reason) {
     return LocalPlaybackError(Case::playlistWrite, reason);
 }
@@ -29,6 +33,8 @@ QString LocalPlaybackError::description() const {
         return QStringLiteral("The queue is too long to be saved.");
     case Case::queueWrite:
         return QStringLiteral("The queue could not be saved: ") + m_reason;
+    case Case::playlistTooLarge:
+        return QStringLiteral("The playlist is too long to be saved.");
     case Case::playlistWrite:
         return QStringLiteral("The playlist could not be saved: ") + m_reason;
     }

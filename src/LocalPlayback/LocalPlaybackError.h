@@ -14,6 +14,7 @@ class LocalPlaybackError : public std::exception {
         unknownSourceKind, ///< an item of the queue file that is not played from a plain file
         queueTooLarge,
         queueWrite,
+        playlistTooLarge,
         playlistWrite,
     };
 
@@ -21,6 +22,7 @@ class LocalPlaybackError : public std::exception {
     [[nodiscard]] static LocalPlaybackError queueTooLarge();
     /// `reason`: the system's own words.
     [[nodiscard]] static LocalPlaybackError queueWrite(const QString &reason);
+    [[nodiscard]] static LocalPlaybackError playlistTooLarge();
     [[nodiscard]] static LocalPlaybackError playlistWrite(const QString &reason);
 
     [[nodiscard]] Case errorCase() const { return m_case; }

@@ -69,10 +69,18 @@ struct PlaylistSource {
     bool operator==(const PlaylistSource &) const = default;
 };
 
+/// Of their own, as MusicBackendCapability is.
+namespace editing {
+
 enum class PlaylistEditingOption { addRemove = 1 << 0, reorder = 1 << 1, rename = 1 << 2, delete_ = 1 << 3 };
 /// What may be done to a playlist; it shows only these commands.
 Q_DECLARE_FLAGS(PlaylistEditing, PlaylistEditingOption)
 Q_DECLARE_OPERATORS_FOR_FLAGS(PlaylistEditing)
+
+} // namespace editing
+
+using editing::PlaylistEditing;
+using editing::PlaylistEditingOption;
 
 struct LibraryPlaylist {
     MediaID id{MediaKind::playlist, {}};

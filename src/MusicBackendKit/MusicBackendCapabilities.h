@@ -2,7 +2,8 @@
 
 #include <QFlags>
 
-namespace vantor {
+/// Of their own, because operators of ours beside everything else would hide those of Qt's keys and the like.
+namespace vantor::capabilities {
 
 enum class MusicBackendCapability {
     favorites = 1 << 0,
@@ -19,5 +20,12 @@ enum class MusicBackendCapability {
 /// What a music source offers; everything else is hidden from the user.
 Q_DECLARE_FLAGS(MusicBackendCapabilities, MusicBackendCapability)
 Q_DECLARE_OPERATORS_FOR_FLAGS(MusicBackendCapabilities)
+
+} // namespace vantor::capabilities
+
+namespace vantor {
+
+using capabilities::MusicBackendCapabilities;
+using capabilities::MusicBackendCapability;
 
 } // namespace vantor

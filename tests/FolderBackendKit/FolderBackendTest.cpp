@@ -198,6 +198,13 @@ TEST_F(FolderBackendTest, PlaysFilesThatAreThere) {
 
     QFile::remove(music("Abba/Arrival (1976)/2 Knowing.mp3"));
     QFile::remove(music("Abba/Gold (1992)/1 Fernando.flac"));
+    output.titles.clear();
+    const std::vector<Track> found = QCoro::waitFor(backend->localTracks({abba, fernando}));
+    ASSERT_EQ(found.size(), 1U);
+    EXPECT_EQ(found[0].title, u"Money");
+    EXPECT_EQ(QCoro::waitFor(failure(backend->localTracks({fernando}))),
+              u"None of these tracks is on disk any more.");
+    EXPECT_THAT(output.titles, ElementsAre()); // nothing was played
     QCoro::waitFor(backend->play({arrival, fernando}, here, PlayMode::replace(1)));
     EXPECT_THAT(output.titles, ElementsAre("Money"));
     EXPECT_EQ(output.lastMode, PlayMode::replace(0));

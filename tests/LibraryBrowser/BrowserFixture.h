@@ -2,10 +2,10 @@
 
 #include "LibraryBrowser/LibraryBrowser.h"
 #include "tests/Support/MadeBackend.h"
+#include "tests/Support/WaitFor.h"
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
-#include <QElapsedTimer>
 #include <QRegularExpression>
 
 #include <gtest/gtest.h>
@@ -15,17 +15,6 @@ namespace vantor {
 /// A browser and a source that is not connected yet.
 class BrowserFixture : public testing::Test {
   protected:
-    /// Runs the event loop until the condition holds; false after five seconds.
-    template <class Condition>
-    [[nodiscard]] static bool waitFor(Condition condition) {
-        const QDeadlineTimer deadline(5000);
-        while (!condition()) {
-            if (deadline.hasExpired())
-                return false;
-            QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-        }
-        return true;
-    }
     /// Long enough for every answer that is on its way without a delay.
     static void settle(std::chrono::milliseconds time = std::chrono::milliseconds(60)) {
         const QDeadlineTimer deadline(time);

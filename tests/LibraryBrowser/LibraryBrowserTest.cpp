@@ -62,19 +62,11 @@ TEST_F(LibraryBrowserTest, TheOutputIsTheChosenOneWhileItIsThere) {
 
 TEST_F(LibraryBrowserTest, RequestsToPlayAreCarriedOutInTheirOrderAndOneAtATime) {
     ASSERT_TRUE(connectTo(m_made));
-    QStringList seen;
-    const auto turn = [&](const QString &name) {
-        return LibraryBrowser::Turn{[&seen, name] { seen.append(u"begins "_qs + name); },
-                                    [&seen, name] { seen.append(u"ends "_qs + name); }};
-    };
     m_made->delay = std::chrono::milliseconds(50);
-    m_browser.play(PlayRequest::play({MediaKind::album, u"1"_qs}), turn(u"1"_qs));
+    m_browser.play(PlayRequest::play({MediaKind::album, u"1"_qs}));
     m_made->delay = std::chrono::milliseconds(0);
-    m_browser.play(PlayRequest::append({MediaKind::album, u"2"_qs}), turn(u"2"_qs));
-    ASSERT_TRUE(waitFor([&] { return seen.size() == 4; }));
-    const QStringList expected{u"begins 1"_qs, u"ends 1"_qs, u"begins 2"_qs, u"ends 2"_qs};
-    EXPECT_EQ(seen, expected);
-    ASSERT_EQ(m_made->played.size(), 2);
+    m_browser.play(PlayRequest::append({MediaKind::album, u"2"_qs}));
+    ASSERT_TRUE(waitFor([&] { return m_made->played.size() == 2; }));
     EXPECT_EQ(m_made->played[1].first, PlayRequest::append({MediaKind::album, u"2"_qs}));
 }
 

@@ -66,9 +66,11 @@ void MadeBackend::setSize(Size size) {
 QCoro::Task<> MadeBackend::answer(QString request, std::chrono::milliseconds after) {
     const auto self = shared_from_this();
     requests.append(request);
-    QTimer timer;
-    timer.start(after);
-    co_await timer;
+    if (after.count() >= 0) {
+        QTimer timer;
+        timer.start(after);
+        co_await timer;
+    }
     if (failure)
         throw MusicBackendError::unreachable(*failure);
 }
@@ -77,7 +79,8 @@ template <typename Record>
 QCoro::Task<Page<Record>> MadeBackend::pageOf(const char *what, QList<Record> all, PageRequest page) {
     co_await answer(QStringLiteral("%1 %2+%3").arg(QLatin1String(what)).arg(page.offset).arg(page.limit),
                     delay);
-    const std::optional<int> total = tellsTotal ? std::optional(static_cast<int>(all.size())) : std::nullopt;
+    const int count = claimedTotal.value_or(static_cast<int>(all.size()));
+    const std::optional<int> total = tellsTotal ? std::optional(count) : std::nullopt;
     co_return Page<Record>::make(all.mid(page.offset, page.limit), page, total);
 }
 
@@ -89,6 +92,7 @@ QCoro::Task<> MadeBackend::connect() {
 QCoro::Task<> MadeBackend::disconnect() {
     isConnected = false;
     m_changes.finish();
+    m_listeners.clear();
     co_return;
 }
 
@@ -176,7 +180,147 @@ QCoro::Task<QByteArray> MadeBackend::artwork(ArtworkRef ref, int maxPixels) {
 QCoro::Task<> MadeBackend::setFavorite(MediaID item, bool on) {
     co_await answer(QStringLiteral("favourite ") + item.rawValue, delay);
     favoritesSet.append({item, on});
+    const auto mark = [&](auto &records) {
+        for (auto &record : records) {
+            if (record.id == item)
+                record.isFavorite = on;
+        }
+    };
+    mark(allArtists);
+    mark(allOfAlbums);
+    mark(allPlaylists);
+    mark(allRadios);
+    for (QList<LibraryTrack> &tracks : tracksOf)
+        mark(tracks);
     announce(LibraryChange::favoriteChanged(item, on));
+}
+
+namespace {
+
+template <typename Record>
+QList<Record> favoritesOf(const QList<Record> &all) {
+    QList<Record> found;
+    std::ranges::copy_if(all, std::back_inserter(found),
+                         [](const Record &record) { return record.isFavorite == true; });
+    return found;
+}
+
+} // namespace
+
+QCoro::Task<Page<LibraryArtist>> MadeBackend::favoriteArtists(PageRequest page) {
+    return pageOf("favourite artists", favoritesOf(allArtists), page);
+}
+
+QCoro::Task<Page<LibraryAlbum>> MadeBackend::favoriteAlbums(PageRequest page) {
+    return pageOf("favourite albums", favoritesOf(allOfAlbums), page);
+}
+
+QCoro::Task<Page<LibraryPlaylist>> MadeBackend::favoritePlaylists(PageRequest page) {
+    return pageOf("favourite playlists", favoritesOf(allPlaylists), page);
+}
+
+QCoro::Task<Page<LibraryRadio>> MadeBackend::favoriteRadios(PageRequest page) {
+    return pageOf("favourite radios", favoritesOf(allRadios), page);
+}
+
+// Playlists and radio stations
+
+LibraryPlaylist &MadeBackend::playlist(const MediaID &which) {
+    const auto found = std::ranges::find(allPlaylists, which, &LibraryPlaylist::id);
+    if (found == allPlaylists.end())
+        throw MusicBackendError::notFound(which);
+    return *found;
+}
+
+void MadeBackend::setTracks(const MediaID &which, QList<LibraryTrack> tracks) {
+    for (qsizetype i = 0; i < tracks.size(); ++i)
+        tracks[i].playlistPosition = static_cast<int>(i);
+    playlist(which).trackCount = static_cast<int>(tracks.size());
+    tracksOf[which] = tracks;
+}
+
+LibraryPlaylist MadeBackend::addPlaylist(const QString &name, const QList<LibraryTrack> &tracks) {
+    LibraryPlaylist made;
+    made.id = {MediaKind::playlist, QStringLiteral("p%1").arg(allPlaylists.size())};
+    made.name = name;
+    made.isEditable = true;
+    made.editing = PlaylistEditing(PlaylistEditingOption::addRemove) | PlaylistEditingOption::reorder |
+                   PlaylistEditingOption::rename | PlaylistEditingOption::delete_;
+    allPlaylists.append(made);
+    setTracks(made.id, tracks);
+    return allPlaylists.last();
+}
+
+QCoro::Task<LibraryPlaylist> MadeBackend::createPlaylist(QString name) {
+    co_await answer(QStringLiteral("create ") + name, delay);
+    co_return addPlaylist(name, {});
+}
+
+QCoro::Task<> MadeBackend::renamePlaylist(MediaID which, QString name) {
+    co_await answer(QStringLiteral("rename %1 %2").arg(which.rawValue, name), delay);
+    playlist(which).name = name;
+}
+
+QCoro::Task<> MadeBackend::deletePlaylist(MediaID which) {
+    co_await answer(QStringLiteral("delete ") + which.rawValue, delay);
+    allPlaylists.removeOne(playlist(which));
+}
+
+QCoro::Task<> MadeBackend::add(QList<MediaID> ids, MediaID to) {
+    co_await answer(QStringLiteral("add %1 to %2").arg(ids.size()).arg(to.rawValue), delay);
+    QList<LibraryTrack> tracks = tracksOf.value(to);
+    for (const QList<LibraryTrack> &some : std::as_const(tracksOf)) {
+        for (const LibraryTrack &track : some) {
+            if (ids.removeOne(track.id))
+                tracks.append(track);
+        }
+    }
+    setTracks(to, tracks);
+}
+
+QCoro::Task<> MadeBackend::remove(QList<int> positions, MediaID from) {
+    co_await answer(QStringLiteral("remove %1 from %2").arg(positions.size()).arg(from.rawValue), delay);
+    QList<LibraryTrack> tracks = tracksOf.value(from);
+    tracks.removeIf(
+        [&](const LibraryTrack &track) { return positions.contains(track.playlistPosition.value_or(-1)); });
+    setTracks(from, tracks);
+}
+
+QCoro::Task<> MadeBackend::movePlaylistTrack(MediaID which, int from, int to) {
+    co_await answer(QStringLiteral("move %1 to %2").arg(from).arg(to), delay);
+    QList<LibraryTrack> tracks = tracksOf.value(which);
+    tracks.move(from, to);
+    setTracks(which, tracks);
+}
+
+QCoro::Task<LibraryPlaylist> MadeBackend::importPlaylist(QString m3u) {
+    co_await answer(QStringLiteral("import ") + m3u, delay);
+    co_return addPlaylist(QStringLiteral("Imported"), {});
+}
+
+QCoro::Task<QString> MadeBackend::exportPlaylist(MediaID which) {
+    co_await answer(QStringLiteral("export ") + which.rawValue, delay);
+    co_return QStringLiteral("#EXTM3U\n#PLAYLIST:%1\n").arg(playlist(which).name);
+}
+
+QCoro::Task<LibraryRadio> MadeBackend::addRadio(QString url, QString name) {
+    co_await answer(QStringLiteral("radio %1 %2").arg(url, name), delay);
+    LibraryRadio radio;
+    radio.id = {MediaKind::radio, url};
+    radio.name = name;
+    allRadios.append(radio);
+    co_return radio;
+}
+
+AsyncStream<NowPlaying> MadeBackend::nowPlaying(OutputDevice::ID) {
+    auto [producer, stream] = AsyncStream<NowPlaying>::make(latestValueOnly);
+    m_listeners.push_back(std::move(producer));
+    return std::move(stream);
+}
+
+void MadeBackend::tellPlaying(const NowPlaying &now) {
+    for (auto &listener : m_listeners)
+        listener.yield(now);
 }
 
 QCoro::Task<QList<OutputDevice>> MadeBackend::outputs() {

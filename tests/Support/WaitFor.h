@@ -8,9 +8,10 @@
 
 namespace vantor {
 
-/// Runs the event loop until the condition holds; false when it does not within this time.
+/// Runs the event loop until the condition holds; false when it does not within this time, which is long
+/// because the machine may be busy.
 template <class Condition>
-[[nodiscard]] bool waitFor(Condition condition, std::chrono::milliseconds atMost = std::chrono::seconds(5)) {
+[[nodiscard]] bool waitFor(Condition condition, std::chrono::milliseconds atMost = std::chrono::seconds(30)) {
     const QDeadlineTimer deadline(atMost);
     while (!condition()) {
         if (deadline.hasExpired())

@@ -3,7 +3,10 @@
 #include "PlayerFixture.h"
 #include "SkinKit/Layout/MainSliders.h"
 
+#include <QAbstractButton>
 #include <QContextMenuEvent>
+#include <QMenu>
+#include <QMessageBox>
 #include <QTest>
 #include <QWheelEvent>
 
@@ -118,6 +121,32 @@ TEST_F(EqualizerWindowTest, ButtonsSwitchAndShowIt) {
     }
     menu->close();
     EXPECT_EQ(m_player.eq().gains(), EQPreset::builtIn()[5].gains());
+}
+
+TEST_F(EqualizerWindowTest, APresetIsDeletedOnlyWhenThatIsConfirmed) {
+    m_equalizer.savePreset(u"Mine & yours"_qs);
+    const auto answer = [&](const QString &button) {
+        click(EQLayout::presetsButton);
+        QWidget *const menu = QApplication::activePopupWidget();
+        for (QMenu *sub : menu->findChildren<QMenu *>()) {
+            if (sub->title() == u"Delete Preset"_qs)
+                sub->actions().constFirst()->trigger();
+        }
+        menu->close();
+        EXPECT_EQ(m_equalizer.presets().size(), 1U) << "not before the answer";
+        auto *const box = m_window.findChild<QMessageBox *>();
+        ASSERT_TRUE(box);
+        EXPECT_EQ(box->text(), u"Delete the preset “Mine & yours”?"_qs);
+        for (QAbstractButton *each : box->buttons()) {
+            if (each->text().remove(u'&') == button)
+                each->click();
+        }
+        ASSERT_TRUE(waitFor([&] { return !m_window.findChild<QMessageBox *>(); }));
+    };
+    answer(u"Cancel"_qs);
+    EXPECT_EQ(m_equalizer.presets().size(), 1U);
+    answer(u"Delete"_qs);
+    EXPECT_TRUE(m_equalizer.presets().empty());
 }
 
 TEST_F(EqualizerWindowTest, ItsKeysAreItsOwnAndTheOthersThePrograms) {

@@ -11,15 +11,25 @@ static constexpr StatusNotice::Clock::time_point start{};
 
 TEST(MarqueeLineTest, DragTextBeatsNoticeBeatsTitle) {
     MarqueeLine line;
+    const StatusNotice notice = StatusNotice::skinFailed(QStringLiteral("x.wsz"), start);
     line.setTitle(longTitle);
-    line.setNotice(StatusNotice::skinFailed(QStringLiteral("x.wsz"), start));
+    line.setNotice(notice);
+    EXPECT_EQ(line.text(start), QStringLiteral("Could not load x.wsz"));
+    EXPECT_EQ(line.text(start + StatusNotice::duration), longTitle);
+    EXPECT_TRUE(line.scrolls(start + StatusNotice::duration));
+
+    line.setDragText(QStringLiteral("Volume: 4%"));
     line.setDragText(QStringLiteral("Volume: 5%"));
     EXPECT_EQ(line.text(start), QStringLiteral("Volume: 5%"));
     EXPECT_FALSE(line.scrolls(start));
     line.setDragText(std::nullopt);
-    EXPECT_EQ(line.text(start), QStringLiteral("Could not load x.wsz"));
-    EXPECT_EQ(line.text(start + StatusNotice::duration), longTitle);
-    EXPECT_TRUE(line.scrolls(start + StatusNotice::duration));
+    EXPECT_EQ(line.text(start), longTitle) << "what was shown before the drag is over";
+
+    line.setDragText(QStringLiteral("Volume: 5%"));
+    line.setNotice(notice);
+    line.setDragText(QStringLiteral("Volume: 6%"));
+    line.setDragText(std::nullopt);
+    EXPECT_EQ(line.text(start), QStringLiteral("Could not load x.wsz")) << "nobody has seen that one";
 }
 
 TEST(MarqueeLineTest, StandsStillAtFirstThenMovesAndWraps) {

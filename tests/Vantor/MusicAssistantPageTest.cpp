@@ -1,6 +1,5 @@
-#include "Vantor/Windows/PreferencesDialog.h"
-
 #include "ServersFixture.h"
+#include "Vantor/Windows/PreferencesDialog.h"
 
 #include <QFile>
 #include <QLabel>
@@ -176,9 +175,9 @@ TEST_F(MusicAssistantPageTest, TheListIsOrderedAndAServerRemovedOnceThatIsConfir
         auto *const question = m_page->findChild<QMessageBox *>();
         ASSERT_TRUE(question);
         const auto buttons = question->buttons();
-        QTest::mouseClick(buttons.at(question->buttonRole(buttons.at(0)) == QMessageBox::RejectRole ? isSure
-                                                                                                     : !isSure),
-                          Qt::LeftButton);
+        QTest::mouseClick(
+            buttons.at(question->buttonRole(buttons.at(0)) == QMessageBox::RejectRole ? isSure : !isSure),
+            Qt::LeftButton);
         EXPECT_EQ(names().size(), isSure ? 2 : 3);
         ASSERT_TRUE(waitFor([&] { return !m_page->findChild<QMessageBox *>(); }));
     }
@@ -215,8 +214,8 @@ TEST_F(MusicAssistantPageTest, AnotherServerAtTheAddressGetsNoTokenUntilItIsMean
     press(u"Test Connection"_qs);
     ASSERT_TRUE(says(u"A different server answered (Stranger). Its token was not sent."_qs));
     press(u"Replace Server"_qs);
-    EXPECT_TRUE(says(
-        u"Replacing forgets this server's token. Enter the token of the server that answers now."_qs));
+    EXPECT_TRUE(
+        says(u"Replacing forgets this server's token. Enter the token of the server that answers now."_qs));
     EXPECT_TRUE(m_tokens.saved.isEmpty());
     press(u"Test Connection"_qs);
     EXPECT_TRUE(says(u"Found a Music Assistant server. Enter a token."_qs));

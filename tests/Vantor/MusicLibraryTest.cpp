@@ -1,5 +1,4 @@
 #include "ServersFixture.h"
-
 #include "Vantor/Library/SourceSwitcher.h"
 
 #include <QSignalSpy>

@@ -34,6 +34,18 @@ TEST_F(PlayerModelTest, OpeningRubbishKeepsWhatPlays) {
     EXPECT_TRUE(waitFor([&] { return m_model.skippedFiles().empty(); }));
 }
 
+TEST_F(PlayerModelTest, AListThatBreaksOffIsNotCalledUnplayable) {
+    writeTone("good.wav", 5);
+    QSignalSpy refused(&m_model, &PlayerModel::trackRefused);
+    QSignalSpy partRefused(&m_model, &PlayerModel::partRefused);
+    m_model.open(
+        {writeFile("list.xspf", "<playlist><trackList><track><location>good.wav</location></track>")});
+    ASSERT_TRUE(waitFor([&] { return partRefused.count() == 1; }));
+    EXPECT_EQ(partRefused.first(), (QVariantList{u"list.xspf"_qs, u"This playlist file is damaged."_qs}));
+    EXPECT_TRUE(refused.isEmpty());
+    EXPECT_EQ(m_player.queue().count(), 1);
+}
+
 TEST_F(PlayerModelTest, AFolderPlaysInNameOrderAndSkipsWhatIsNoAudio) {
     writeTone("b.wav", 5);
     writeTone("a.wav", 5);

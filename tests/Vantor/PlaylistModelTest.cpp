@@ -1,6 +1,7 @@
 #include "Vantor/Model/PlaylistModel.h"
 
 #include "PlayerFixture.h"
+#include "PlaylistShown.h"
 #include "Vantor/Model/TrackFinder.h"
 
 using namespace vantor;
@@ -27,15 +28,7 @@ class PlaylistModelTest : public PlayerFixture {
             tracks.push_back(made({}, QString(QLatin1Char(*letter))));
         m_player.enqueue(tracks);
     }
-    /// The titles in order, the selected ones in brackets.
-    [[nodiscard]] std::string shown() const {
-        QString text;
-        for (int row = 0; row < m_playlist.count(); ++row) {
-            const QString title = m_playlist.track(row)->title;
-            text += m_playlist.isSelected(row) ? QLatin1Char('[') + title + QLatin1Char(']') : title;
-        }
-        return text.toStdString();
-    }
+    [[nodiscard]] std::string shown() const { return shownRows(m_playlist); }
 
     PlaylistModel m_playlist{m_model, m_settings};
 };
@@ -110,7 +103,7 @@ TEST_F(PlaylistModelTest, SelectedRowsMoveTogetherUpToTheEnds) {
 TEST_F(PlaylistModelTest, CursorAndRangesGoWithTheirTracksAndEndWithThem) {
     fill("abcdef");
     m_playlist.select(4, Selecting::only);
-    m_playlist.reverse();
+    m_playlist.local().reverse();
     EXPECT_EQ(m_playlist.cursor(), 1);
     m_playlist.select(3, Selecting::extending);
     EXPECT_EQ(shown(), "f[e][d][c]ba");
@@ -125,7 +118,7 @@ TEST_F(PlaylistModelTest, ListsAreSortedAsPeopleSort) {
                            made(QStringLiteral("Alba"), QStringLiteral("Z")),
                            made({}, QStringLiteral("Track 9"))},
                           0, RepeatMode::off, false);
-    m_playlist.sortByTitle();
+    m_playlist.local().sortByTitle();
     QStringList titles;
     for (int row = 0; row < 4; ++row)
         titles += m_playlist.track(row)->title;
@@ -137,7 +130,7 @@ TEST_F(PlaylistModelTest, ListsAreSortedAsPeopleSort) {
 TEST_F(PlaylistModelTest, DuplicatesGoButNotTheOneThatPlays) {
     fill("abab");
     m_player.restoreQueue(m_player.queue().tracks(), 2, RepeatMode::off, false);
-    m_playlist.removeDuplicates();
+    m_playlist.local().removeDuplicates();
     EXPECT_EQ(shown(), "ba");
     EXPECT_EQ(m_player.queue().currentIndex(), 1);
 }
@@ -146,7 +139,7 @@ TEST_F(PlaylistModelTest, MissingFilesAreRemovedAndOthersStay) {
     fill("x");
     m_player.enqueue({Track::file(writeTone("here.wav", 1))});
     fill("y");
-    m_playlist.removeMissing();
+    m_playlist.local().removeMissing();
     EXPECT_TRUE(waitFor([&] { return shown() == "here"; }));
 }
 
@@ -246,9 +239,9 @@ TEST_F(PlaylistModelTest, AnImportStaysInFrontOfItsRowAndInOrder) {
 TEST_F(PlaylistModelTest, ListsAreSavedAndFailuresSaid) {
     fill("ab");
     const QUrl list = file("list.m3u8");
-    m_playlist.save(list);
+    m_playlist.local().save(list);
     EXPECT_TRUE(waitFor([&] { return QFile::exists(list.toLocalFile()); }));
-    m_playlist.save(file("no/such/folder/list.pls"));
+    m_playlist.local().save(file("no/such/folder/list.pls"));
     EXPECT_TRUE(waitFor([&] { return m_model.scene().marquee != QStringLiteral("Vantor"); }));
 }
 

@@ -1,6 +1,7 @@
 #include "Vantor/Windows/PlaylistWindow.h"
 
 #include "PlayerFixture.h"
+#include "PlaylistShown.h"
 #include "SkinKit/Layout/PlaylistWindowLayout.h"
 
 #include <QDropEvent>
@@ -32,14 +33,7 @@ class PlaylistWindowTest : public PlayerFixture {
         ASSERT_TRUE(QTest::qWaitForWindowExposed(&m_window));
     }
 
-    [[nodiscard]] std::string shown() const {
-        QString text;
-        for (int row = 0; row < m_playlist.count(); ++row) {
-            const QString title = m_playlist.track(row)->title;
-            text += m_playlist.isSelected(row) ? QLatin1Char('[') + title + QLatin1Char(']') : title;
-        }
-        return text.toStdString();
-    }
+    [[nodiscard]] std::string shown() const { return shownRows(m_playlist); }
     [[nodiscard]] QPoint line(int number) const {
         return Layout::row(number, m_playlist.size()).center() * m_window.zoom();
     }

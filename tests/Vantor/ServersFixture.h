@@ -28,10 +28,11 @@ class ServersFixture : public PlayerFixture {
     QUuid addServer(const FakeMusicAssistant &fake, const QString &name, const QStringList &networks = {}) {
         const QUuid id = QUuid::createUuid();
         m_tokens.saved.insert(id.toString(QUuid::WithoutBraces), MusicAssistantToken(u"secret-token"_qs));
-        m_servers.list().add({.id = id,
-                              .name = name,
-                              .address = {.baseURL = fake.url(), .serverID = fake.info[u"server_id"].toString()},
-                              .networks = networks});
+        m_servers.list().add(
+            {.id = id,
+             .name = name,
+             .address = {.baseURL = fake.url(), .serverID = fake.info[u"server_id"].toString()},
+             .networks = networks});
         return id;
     }
 

@@ -44,12 +44,37 @@ void PlayerNode::publish(bool ended) {
 
 bool PlayerNode::beginSegment(std::uint32_t generation, std::int64_t startFrame,
                               const ReplayGain &replayGain) {
+    takeBackUnwanted();
     m_segmentStart = m_frames.written();
     const Mark mark{.number = m_segmentStart,
                     .generation = generation,
                     .startFrame = startFrame,
                     .replayGain = replayGain};
-    return m_marks.write({&mark, 1}) == 1;
+    const Begun begun{.generation = generation, .mark = m_marks.written(), .frame = m_segmentStart};
+    if (m_marks.write({&mark, 1}) == 0)
+        return false;
+    m_begun.push_back(begun);
+    return true;
+}
+
+// In a pause the audio thread lets go of nothing behind the current segment, and followers that are replaced
+// there would fill the ring.
+void PlayerNode::takeBackUnwanted() {
+    const auto forgetPassed = [this] {
+        std::erase_if(m_begun, [this](const Begun &begun) { return begun.mark < m_marks.released(); });
+    };
+    forgetPassed();
+    Hold hold = Hold::none;
+    if (!m_hold.compare_exchange_strong(hold, Hold::decoder, std::memory_order_acquire))
+        return;
+    forgetPassed(); // some more, until it went
+    const Wanted wanted = m_wanted.load(std::memory_order_acquire);
+    while (!m_begun.empty() && wanted.isOutOfDate(m_begun.back().generation)) {
+        m_marks.takeBack(m_begun.back().mark);
+        m_frames.takeBack(m_begun.back().frame);
+        m_begun.pop_back();
+    }
+    m_hold.store(Hold::none, std::memory_order_release);
 }
 
 bool PlayerNode::endSegment() {
@@ -68,6 +93,19 @@ void PlayerNode::followLoudness() {
 }
 
 void PlayerNode::render(std::span<StereoFrame> frames) {
+    Hold hold = Hold::none;
+    if (!m_hold.compare_exchange_strong(hold, Hold::audio, std::memory_order_acquire) &&
+        hold == Hold::decoder) {
+        std::fill(frames.begin(), frames.end(), StereoFrame{});
+        return;
+    }
+    renderAll(frames);
+    const bool isAway =
+        !m_playing.load(std::memory_order_relaxed) && !m_isJoining && (!m_inSegment || isSilent());
+    m_hold.store(isAway ? Hold::none : Hold::audio, std::memory_order_release);
+}
+
+void PlayerNode::renderAll(std::span<StereoFrame> frames) {
     followLoudness();
     while (!frames.empty()) {
         const std::size_t count = renderSome(frames);
@@ -85,8 +123,7 @@ void PlayerNode::render(std::span<StereoFrame> frames) {
 std::size_t PlayerNode::renderSome(std::span<StereoFrame> frames) {
     const Wanted wanted = m_wanted.load(std::memory_order_acquire);
     const bool playing = m_playing.load(std::memory_order_acquire);
-    const auto silent = [this] { return m_buffering || m_gain.value() == 0.0F; };
-    if (!m_inSegment || (!wanted.contains(m_generation) && silent())) {
+    if (!m_inSegment || (!wanted.contains(m_generation) && isSilent())) {
         m_inSegment = false;
         // A pause that comes just before a join ends its fade behind it.
         const bool fadesAcross = m_isJoining && m_gain.value() != 0.0F;
@@ -95,7 +132,7 @@ std::size_t PlayerNode::renderSome(std::span<StereoFrame> frames) {
         enterSegment();
     }
     const bool audible = playing && wanted.contains(m_generation);
-    if (!audible && silent())
+    if (!audible && isSilent())
         return 0;
 
     // In this order: a mark is written before the frames behind it.

@@ -24,7 +24,8 @@ struct StereoFrame {
 ///
 /// A segment belongs to a generation, a number from 1 up to 2^23 that only grows. The current generation may
 /// be heard and those that are to follow it. discardBefore() and follow() make all others fade out and
-/// vanish, whatever is still queued of them, and newer ones take their place; so a seek, another track or a
+/// vanish, whatever is still queued of them, and newer ones take their place (at once in a pause, in which
+/// nothing else would make room for them); so a seek, another track or a
 /// change of what comes next needs no co-operation between the threads. Pause, resume, discard and a segment
 /// that starts inside a track fade over a few milliseconds; a segment that starts at a track's first frame
 /// plays as it is, right behind the last frame of the one before.
@@ -124,6 +125,22 @@ class PlayerNode {
     };
     static_assert(std::atomic<Loudness>::is_always_lock_free);
 
+    /// Who has the rings' unplayed end to itself. Nobody waits for the other: an audio thread that comes
+    /// while it is being taken back has nothing to play anyway, because it was silent before.
+    enum class Hold {
+        audio,  ///< sounds, or may in this very moment
+        none,   ///< the audio thread is away, and was silent in a pause
+        decoder ///< takes back what is not wanted any more
+    };
+    struct Begun {
+        std::uint32_t generation = 0;
+        std::uint64_t mark = 0; ///< the number of the mark at its start
+        std::uint64_t frame = 0;
+    };
+
+    void takeBackUnwanted();
+    void renderAll(std::span<StereoFrame> frames);
+    [[nodiscard]] bool isSilent() const { return m_buffering || m_gain.value() == 0.0F; }
     std::size_t renderSome(std::span<StereoFrame> frames);
     [[nodiscard]] std::optional<Mark> nextMark() const;
     [[nodiscard]] bool skipToSegment(const Wanted &wanted);
@@ -146,9 +163,11 @@ class PlayerNode {
     std::atomic<int> m_underruns{0};
     std::atomic<Loudness> m_loudness{};
     std::atomic<bool> m_isStarved{false};
+    std::atomic<Hold> m_hold{Hold::none};
 
     // Decode thread's.
     std::uint64_t m_segmentStart = 0;
+    std::vector<Begun> m_begun; ///< the segments that the audio thread may not have come to yet
 
     // Audio thread's.
     std::uint64_t m_read = 0;

@@ -29,6 +29,10 @@ class SpscRing {
         return count;
     }
 
+    /// Forgets what was written from `number` on, none of which has been released. Writer, while it is
+    /// certain that the reader does not look.
+    void takeBack(std::uint64_t number) { m_written.store(number, std::memory_order_release); }
+
     /// The number after the last element's. Either thread.
     [[nodiscard]] std::uint64_t written() const { return m_written.load(std::memory_order_acquire); }
     /// The number of the first element that is still held. Either thread.

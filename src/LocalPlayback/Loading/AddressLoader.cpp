@@ -57,7 +57,11 @@ class Loader {
         try {
             ask(address, isList);
         } catch (const ProgressiveError &error) {
-            skip(address.url, error.description());
+            if (isList)
+                skip(address.url, error.description());
+            else
+                add(address); // the player says why it does not play, as it does of those that nobody asks
+                              // for
         } catch (const AudioInput::Interrupted &) {
         }
     }
@@ -109,18 +113,18 @@ class Loader {
                 skip(url, unsupportedAddress); // files of this machine are none of the list's business
         }
         if (parsed.isDamaged)
-            skip(list, damaged);
+            skip(list, damaged, !parsed.lines.empty());
         if (parsed.isCut)
-            skip(list, tooMany);
+            skip(list, tooMany, true);
     }
 
     void add(const PlaylistEntry &entry) {
         if (contents.entries.size() < maxListEntries)
             contents.entries.push_back(entry);
     }
-    void skip(const QUrl &url, const QString &reason) {
+    void skip(const QUrl &url, const QString &reason, bool isPartial = false) {
         if (contents.skipped.size() < maxListEntries)
-            contents.skipped.push_back({url, reason});
+            contents.skipped.push_back({url, reason, isPartial});
     }
 
     const std::stop_token m_stop;

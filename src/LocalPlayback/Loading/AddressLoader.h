@@ -15,8 +15,9 @@ inline constexpr int maxLists = 20; ///< fetched for one address
 
 /// The things to play behind an address: itself, or what the playlist there names, with the lists that that
 /// names in their places. Whether it is a list its ending says; where that says nothing the server is asked
-/// if `asks` is set, and the entry is music if not. Waits for servers, until told to stop. What was left out
-/// is in `skipped` with a sentence that says why.
+/// if `asks` is set, and the entry is music if not, and if there is no answer: whether it plays is the
+/// player's to tell. Waits for servers, until told to stop. What was left out is in `skipped` with a sentence
+/// that says why.
 [[nodiscard]] PlaylistFile::Contents load(const PlaylistEntry &address, bool asks,
                                           const std::stop_token &stop);
 

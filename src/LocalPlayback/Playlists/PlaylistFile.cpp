@@ -107,9 +107,9 @@ class Reader {
             takeLine(format == PlaylistParser::Format::cue ? asKeptNow(url) : url, line);
         }
         if (isCut)
-            skip(list, tooMany);
+            skip(list, tooMany, true);
         if (parsed.isDamaged)
-            skip(list, damaged);
+            skip(list, damaged, !parsed.lines.empty());
     }
 
     void takeLine(const QUrl &url, const PlaylistParser::Line &line) {
@@ -125,7 +125,9 @@ class Reader {
     [[nodiscard]] size_t room() const {
         return maxEntries - std::min(maxEntries, contents.entries.size() + contents.skipped.size());
     }
-    void skip(const QUrl &url, QLatin1String reason) { contents.skipped.push_back({url, reason}); }
+    void skip(const QUrl &url, QLatin1String reason, bool isPartial = false) {
+        contents.skipped.push_back({url, reason, isPartial});
+    }
 
     QStringList m_open; ///< the lists around the present one, and itself
     int m_lists = 0;

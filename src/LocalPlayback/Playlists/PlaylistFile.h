@@ -22,8 +22,8 @@ struct PlaylistEntry {
 /// because they read from disk.
 namespace PlaylistFile {
 
-inline constexpr qint64 maxBytes = 16LL << 20; ///< of one file
-inline constexpr size_t maxEntries = 100'000;  ///< of a list with all that it contains
+inline constexpr qint64 maxBytes = 64LL << 20; ///< of one file, read or written
+inline constexpr size_t maxEntries = 250'000;  ///< of a list with all that it contains, and of one written
 inline constexpr int maxDepth = 4;             ///< lists inside lists below the one that is read
 inline constexpr int maxLists = 1'000;         ///< files read for one list
 
@@ -46,7 +46,7 @@ struct Contents {
 
 /// Writes PLS for the extension "pls" and M3U8 for every other. Files in the list's folder or below it are
 /// written relative to it. Library items have no address and are left out. The file is replaced in one step.
-/// Throws LocalPlaybackError::playlistWrite.
+/// Throws LocalPlaybackError::playlistWrite, and playlistTooLarge above the limits.
 void write(const QUrl &list, const std::vector<Track> &tracks);
 
 } // namespace PlaylistFile

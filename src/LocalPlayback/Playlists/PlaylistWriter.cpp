@@ -75,6 +75,8 @@ void write(const QUrl &list, const std::vector<Track> &tracks) {
     const std::vector<Line> lines = linesOf(info.absoluteDir(), tracks);
     const bool asPLS = info.suffix().compare(QLatin1String("pls"), Qt::CaseInsensitive) == 0;
     const QByteArray bytes = (asPLS ? pls(lines) : m3u8(lines)).toUtf8();
+    if (lines.size() > maxEntries || bytes.size() > maxBytes) // it would not be read back whole
+        throw LocalPlaybackError::playlistTooLarge();
     QSaveFile file(info.filePath());
     if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit())
         throw LocalPlaybackError::playlistWrite(file.errorString());

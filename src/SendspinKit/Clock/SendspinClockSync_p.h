@@ -51,8 +51,8 @@ class SendspinClockSync : public QObject {
     const SendspinClock &m_clock;
     SendspinClockState m_state;
     SendspinClockBurst m_burst;
-    std::optional<std::int64_t> m_askedAt; ///< while an answer is waited for
-    int m_contradictions = 0;              ///< in a row
+    std::optional<std::int64_t> m_askedAt;       ///< while an answer is waited for
+    int m_contradictions = 0;                    ///< in a row
     std::unique_ptr<Scheduler::Pending> m_timer; ///< of the answer or of the next burst
 };
 

@@ -1,5 +1,4 @@
 #include "SendspinKit/Session/SendspinConnection_p.h"
-
 #include "SendspinKit/Wire/SendspinNames_p.h"
 #include "SendspinKit/Wire/SendspinOutgoing_p.h"
 
@@ -212,8 +211,8 @@ void SendspinConnection::fail(const SendspinError &error) {
 }
 
 void SendspinConnection::limit(std::chrono::milliseconds time, const char *what) {
-    m_deadline = m_scheduler.after(
-        time, [this, what] { fail(SendspinError::timeout(QString::fromLatin1(what))); });
+    m_deadline =
+        m_scheduler.after(time, [this, what] { fail(SendspinError::timeout(QString::fromLatin1(what))); });
 }
 
 } // namespace vantor

@@ -77,13 +77,13 @@ SendspinIncoming::ServerTime serverTime(const MAReader &payload) {
 SendspinIncoming::StreamStart streamStart(const MAReader &payload) {
     using Format = SendspinStreamFormat;
     const MAReader player = payload.member("player");
-    return {.format = {.codec = player.member("codec").string(),
-                       .sampleRate = integerWithin(player.member("sample_rate"), 1, Format::maxSampleRate),
-                       .channels = integerWithin(player.member("channels"), 1, Format::maxChannels),
-                       .bitDepth = integerWithin(player.member("bit_depth"), 0, Format::maxBitDepth),
-                       .codecHeader =
-                           optionalMember(player, "codec_header", readBase64).value_or(QByteArray())},
-            .serverTransmitted = optionalMember(payload, "server_transmitted", instant)};
+    return {
+        .format = {.codec = player.member("codec").string(),
+                   .sampleRate = integerWithin(player.member("sample_rate"), 1, Format::maxSampleRate),
+                   .channels = integerWithin(player.member("channels"), 1, Format::maxChannels),
+                   .bitDepth = integerWithin(player.member("bit_depth"), 0, Format::maxBitDepth),
+                   .codecHeader = optionalMember(player, "codec_header", readBase64).value_or(QByteArray())},
+        .serverTransmitted = optionalMember(payload, "server_transmitted", instant)};
 }
 
 /// "stream/clear" and "stream/end" may name the roles that they are for, with or without their version.

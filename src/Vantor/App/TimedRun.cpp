@@ -45,6 +45,9 @@ TimedRun::TimedRun(PlayerModel &model, MainWindow &window, double seconds, QStri
     connect(&model, &PlayerModel::trackRefused, this, [this](const QString &name, const QString &message) {
         refuse(tr("Could not play %1: %2").arg(name, message));
     });
+    connect(&model, &PlayerModel::partRefused, this, [this](const QString &name, const QString &message) {
+        refuse(QStringLiteral("%1: %2").arg(name, message));
+    });
     connect(&model, &PlayerModel::skinRefused, this, [this](const QString &name, const QString &message) {
         refuse(tr("Could not load %1: %2").arg(name, message));
     });

@@ -22,20 +22,31 @@ ArtistPage::ArtistPage(const LibraryPageContext &context)
     connect(m_header, &LibraryHeader::appendAsked, this, [play] { play(PlayMode::Kind::append); });
     connect(m_header, &LibraryHeader::favoriteAsked, this,
             [this](bool on) { m_context.browser().setFavorite(m_artist.memberIDs(), on); });
+    connect(m_header, &LibraryHeader::menuAsked, this,
+            [this](const QPoint &at) { m_context.popUpMenu(*this, {m_artist}, at); });
+    connect(&context.browser(), &LibraryBrowser::changed, this, [this](const LibraryChange &change) {
+        LibraryItem item{m_artist};
+        if (change.kind == LibraryChange::Kind::favoriteChanged &&
+            item.setFavorite(change.id, change.isFavorite)) {
+            m_artist = std::get<ArtistGroup>(item.record);
+            showHeader();
+        }
+    });
     connect(&m_albums, &LibraryModel::stateChanged, this, &ArtistPage::showDetails);
 }
 
 void ArtistPage::show(const ArtistGroup &artist) {
     m_artist = artist;
-    const LibraryItem item{artist};
-    const bool canBeFavorite = m_context.browser().capabilities().testFlag(MusicBackendCapability::favorites);
-    m_header->show({MediaKind::artist,
-                    artist.name,
-                    {},
-                    artist.artwork,
-                    canBeFavorite ? std::optional(item.isFavorite().value_or(false)) : std::nullopt});
+    showHeader();
     m_albums.show(LibraryListModel::Content::albumsOf(artist));
     showDetails();
+}
+
+void ArtistPage::showHeader() {
+    const auto isFavorite = m_context.actions.offersFavorites()
+                                ? std::optional(LibraryItem{m_artist}.isFavorite().value_or(false))
+                                : std::nullopt;
+    m_header->show({MediaKind::artist, m_artist.name, {}, m_artist.artwork, isFavorite});
 }
 
 void ArtistPage::showDetails() {

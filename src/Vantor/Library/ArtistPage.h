@@ -15,6 +15,7 @@ class ArtistPage : public QWidget {
     void show(const ArtistGroup &artist);
 
   private:
+    void showHeader();
     void showDetails();
 
     LibraryPageContext m_context;

@@ -2,15 +2,14 @@
 
 #include "FolderBackendKit/FolderBackend.h"
 #include "Platform/AppPaths.h"
-#include "Vantor/Model/Preferences.h"
+#include "Vantor/Model/PlayerModel.h"
 
 #include <QPointer>
 
 namespace vantor {
 
-FolderSource::FolderSource(Player &player, Preferences &preferences)
-    : m_preferences(preferences), m_output(player) {
-    connect(&preferences, &Preferences::libraryFolderChanged, this, [this] {
+FolderSource::FolderSource(PlayerModel &model) : m_preferences(model.preferences()), m_output(model) {
+    connect(&m_preferences, &Preferences::libraryFolderChanged, this, [this] {
         if (m_isOpen)
             use();
     });
@@ -45,9 +44,9 @@ void FolderSource::leave() {
 }
 
 void FolderSource::use() {
-    m_folder =
-        std::make_shared<FolderBackend>(m_preferences.libraryFolder(),
-                                        AppPaths::dataFolder() + QStringLiteral("/music-folder.index"), m_output);
+    m_folder = std::make_shared<FolderBackend>(m_preferences.libraryFolder(),
+                                               AppPaths::dataFolder() + QStringLiteral("/music-folder.index"),
+                                               m_output);
     // The output may live longer than the folder that it asks.
     m_output.setTrackFinder([weak = std::weak_ptr(m_folder)](const QUrl &file) {
         const auto folder = weak.lock();
@@ -82,6 +81,27 @@ QCoro::Task<> FolderSource::rescan() {
     }
     if (failure)
         Q_EMIT failed(failure->sentence);
+}
+
+QCoro::Task<> FolderSource::findFiles(QList<MediaID> ids,
+                                      std::function<void(const std::vector<Track> &)> take) {
+    const std::shared_ptr<FolderBackend> folder = m_folder;
+    if (!folder)
+        co_return;
+    const QPointer<FolderSource> self(this);
+    std::vector<Track> tracks;
+    std::optional<LibraryFailure> failure;
+    try {
+        tracks = co_await folder->localTracks(ids);
+    } catch (...) {
+        failure = LibraryFailure::of(std::current_exception());
+    }
+    if (!self)
+        co_return;
+    if (failure)
+        Q_EMIT failed(failure->sentence);
+    else
+        take(tracks);
 }
 
 QCoro::Task<> FolderSource::followStatus() {

@@ -7,14 +7,15 @@
 namespace vantor {
 
 class FolderBackend;
+class PlayerModel;
 class Preferences;
 
-/// The user's music folder. Main thread; borrows the player and the preferences.
+/// The user's music folder. Main thread; borrows the model.
 class FolderSource : public LibrarySource {
     Q_OBJECT
 
   public:
-    FolderSource(Player &player, Preferences &preferences);
+    explicit FolderSource(PlayerModel &model);
     ~FolderSource() override;
 
     [[nodiscard]] QString key() const override;
@@ -30,8 +31,8 @@ class FolderSource : public LibrarySource {
     /// What there is to say about the folder, as a sentence; empty before it was looked at.
     [[nodiscard]] QString status() const;
 
-    /// What comes to be played goes there instead, until there is none.
-    void setReceiver(const LibraryOutput::Receiver &receiver) { m_output.setReceiver(receiver); }
+    /// Finds the files of items and hands them over, unless that fails.
+    QCoro::Task<> findFiles(QList<MediaID> ids, std::function<void(const std::vector<Track> &)> take);
 
   Q_SIGNALS:
     void failed(const QString &sentence);

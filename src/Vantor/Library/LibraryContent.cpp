@@ -2,6 +2,7 @@
 
 #include "Vantor/Library/ArtistPage.h"
 #include "Vantor/Library/FavoritesPage.h"
+#include "Vantor/Library/LibraryBarPage.h"
 #include "Vantor/Library/LibraryPane.h"
 #include "Vantor/Library/LibraryTexts.h"
 #include "Vantor/Library/RecommendationsPage.h"
@@ -20,19 +21,9 @@ LibraryContent::LibraryContent(LibraryActions &actions, ArtworkCache &artwork, Q
       m_favoritesPage(new FavoritesPage(m_context)),
       m_recommendationsPage(new RecommendationsPage(m_context)),
       m_searchPage(new SearchPage(m_context, m_search)) {
-    const LibraryPane::EmptyText noMusic{tr("No music yet"),
-                                         tr("What is put into the library shows up here.")};
-    add(LibrarySection::artists,
-        new LibraryPane(m_context.makeGrid(m_artists, tr("Artists")), m_artists, noMusic));
-    add(LibrarySection::albums,
-        new LibraryPane(m_context.makeGrid(m_albums, tr("Albums")), m_albums, noMusic));
-    auto *const tracks = m_context.makeTable(m_tracks, QStringLiteral("library/trackColumns"));
-    tracks->setUnneeded({TrackListModel::numberColumn});
-    add(LibrarySection::tracks, new LibraryPane(tracks, m_tracks, noMusic));
-    add(LibrarySection::playlists, new LibraryPane(m_context.makeGrid(m_playlists, tr("Playlists")),
-                                                   m_playlists, {tr("No playlists"), {}}));
-    add(LibrarySection::radios,
-        new LibraryPane(m_context.makeGrid(m_radios, tr("Radios")), m_radios, {tr("No radio stations"), {}}));
+    addLists();
+    addPlaylists();
+    addRadios();
     add(LibrarySection::favorites, m_favoritesPage);
     add(LibrarySection::recommendations, m_recommendationsPage);
     for (QWidget *const page :
@@ -51,6 +42,39 @@ LibraryContent::LibraryContent(LibraryActions &actions, ArtworkCache &artwork, Q
 void LibraryContent::add(LibrarySection section, QWidget *page) {
     m_sections.emplace(section, page);
     addWidget(page);
+}
+
+void LibraryContent::addLists() {
+    const LibraryPane::EmptyText noMusic{tr("No music yet"),
+                                         tr("What is put into the library shows up here.")};
+    add(LibrarySection::artists,
+        new LibraryPane(m_context.makeGrid(m_artists, tr("Artists")), m_artists, noMusic));
+    add(LibrarySection::albums,
+        new LibraryPane(m_context.makeGrid(m_albums, tr("Albums")), m_albums, noMusic));
+    auto *const tracks = m_context.makeTable(m_tracks, QStringLiteral("library/trackColumns"));
+    tracks->setUnneeded({TrackListModel::numberColumn});
+    add(LibrarySection::tracks, new LibraryPane(tracks, m_tracks, noMusic));
+}
+
+void LibraryContent::addPlaylists() {
+    PlaylistActions &playlists = m_context.actions.playlists();
+    auto *const pane =
+        new LibraryPane(m_context.makeGrid(m_playlists, tr("Playlists")), m_playlists,
+                        {tr("No playlists yet"), tr("The playlists of the library show up here.")});
+    m_playlistsPage = new LibraryBarPage(pane);
+    m_playlistsPage->addButton(tr("New Playlist…"), [this, &playlists] { playlists.create(window()); });
+    m_playlistsPage->addButton(tr("Import…"), [this, &playlists] { playlists.import(window()); });
+    add(LibrarySection::playlists, m_playlistsPage);
+}
+
+void LibraryContent::addRadios() {
+    PlaylistActions &playlists = m_context.actions.playlists();
+    auto *const pane =
+        new LibraryPane(m_context.makeGrid(m_radios, tr("Radios")), m_radios,
+                        {tr("No radio stations yet"), tr("Add one by the address of its stream.")});
+    auto *const page = new LibraryBarPage(pane);
+    page->addButton(tr("Add Radio Station…"), [this, &playlists] { playlists.addRadio(window()); });
+    add(LibrarySection::radios, page);
 }
 
 void LibraryContent::show(const LibraryPlace &place) {
@@ -88,6 +112,7 @@ QWidget *LibraryContent::sectionPage(LibrarySection section) {
         break;
     case LibrarySection::playlists:
         m_playlists.show(Content::playlists());
+        m_playlistsPage->showBar(m_context.actions.playlists().areOffered());
         break;
     case LibrarySection::radios:
         m_radios.show(Content::radios());

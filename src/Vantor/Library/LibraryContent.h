@@ -11,6 +11,7 @@ namespace vantor {
 
 class ArtistPage;
 class FavoritesPage;
+class LibraryBarPage;
 class MessagePage;
 class RecommendationsPage;
 class SearchPage;
@@ -45,6 +46,9 @@ class LibraryContent : public QStackedWidget {
 
   private:
     void add(LibrarySection section, QWidget *page);
+    void addLists();
+    void addPlaylists();
+    void addRadios();
     [[nodiscard]] QWidget *pageOf(const LibraryPlace &place);
     [[nodiscard]] QWidget *sectionPage(LibrarySection section);
 
@@ -56,6 +60,7 @@ class LibraryContent : public QStackedWidget {
     LibraryListModel m_playlists;
     LibraryListModel m_radios;
     std::map<LibrarySection, QWidget *> m_sections;
+    LibraryBarPage *m_playlistsPage = nullptr;
     MessagePage *m_message; ///< about the source as a whole
     ArtistPage *m_artistPage;
     TrackListPage *m_trackListPage;

@@ -1,5 +1,6 @@
 #include "Vantor/Library/LibraryGridView.h"
 
+#include "Vantor/Library/LibraryActions.h"
 #include "Vantor/Library/LibraryIcons.h"
 #include "Vantor/Library/LibraryViewInput.h"
 
@@ -18,11 +19,26 @@ constexpr int padding = 9;
 constexpr int textGap = 7;
 constexpr int leastCell = 164;
 constexpr int lineCell = 150;
-constexpr int heartSide = 18;
+constexpr int badgeSide = 26;
 
 QColor faint(QColor color, double opacity) {
     color.setAlphaF(static_cast<float>(opacity));
     return color;
+}
+
+QRect coverIn(const QRect &cell) {
+    const int side = cell.width() - 2 * padding;
+    return {cell.topLeft() + QPoint(padding, padding), QSize(side, side)};
+}
+
+QRect heartIn(const QRect &cover, Qt::LayoutDirection direction) {
+    return QStyle::alignedRect(direction, Qt::AlignRight | Qt::AlignTop, {badgeSide, badgeSide},
+                               cover.adjusted(5, 5, -5, -5));
+}
+
+QRect speakerIn(const QRect &cover, Qt::LayoutDirection direction) {
+    return QStyle::alignedRect(direction, Qt::AlignRight | Qt::AlignBottom, {badgeSide, badgeSide},
+                               cover.adjusted(5, 5, -5, -5));
 }
 
 } // namespace
@@ -39,15 +55,13 @@ class LibraryGridView::Tile : public QStyledItemDelegate {
         painter->save();
         painter->setRenderHint(QPainter::Antialiasing);
         drawBack(*painter, option);
-        const int side = option.rect.width() - 2 * padding;
-        const QRect cover(option.rect.topLeft() + QPoint(padding, padding), QSize(side, side));
+        const QRect cover = coverIn(option.rect);
         m_view.m_covers.draw(*painter, cover, item ? item->artwork() : std::nullopt,
                              item ? item->kind() : std::optional(MediaKind::album), option.palette);
         if (item) {
-            drawTexts(*painter, QRect(cover.left() + 1, cover.bottom() + textGap, side - 2, 0), *item,
-                      option);
-            if (item->isFavorite() == true)
-                drawFavorite(*painter, cover, option.palette);
+            drawTexts(*painter, QRect(cover.left() + 1, cover.bottom() + textGap, cover.width() - 2, 0),
+                      *item, option);
+            drawBadges(*painter, cover, *item, option);
         }
         painter->restore();
     }
@@ -71,7 +85,9 @@ class LibraryGridView::Tile : public QStyledItemDelegate {
 
     void drawTexts(QPainter &painter, QRect line, const LibraryItem &item,
                    const QStyleOptionViewItem &option) const {
-        const Qt::Alignment across = item.kind() == MediaKind::artist ? Qt::AlignHCenter : Qt::AlignLeft;
+        const Qt::Alignment across = item.kind() == MediaKind::artist
+                                         ? Qt::AlignHCenter
+                                         : QStyle::visualAlignment(option.direction, Qt::AlignLeft);
         QFont font = option.font;
         font.setWeight(QFont::Medium);
         const auto write = [&](const QString &text, const QColor &color) {
@@ -83,7 +99,8 @@ class LibraryGridView::Tile : public QStyledItemDelegate {
                              metrics.elidedText(text, Qt::ElideRight, line.width()));
             line.translate(0, metrics.height() + 1);
         };
-        write(item.title(), option.palette.color(QPalette::Text));
+        const bool isOn = m_view.m_actions.playing().isOn(item);
+        write(item.title(), option.palette.color(isOn ? QPalette::Highlight : QPalette::Text));
         font = option.font;
         write(secondLine(item), option.palette.color(QPalette::PlaceholderText));
     }
@@ -95,19 +112,32 @@ class LibraryGridView::Tile : public QStyledItemDelegate {
         return item.subtitle();
     }
 
-    static void drawFavorite(QPainter &painter, const QRect &cover, const QPalette &palette) {
-        const QRectF place(cover.right() - heartSide - 6, cover.top() + 7, heartSide, heartSide);
+    void drawBadges(QPainter &painter, const QRect &cover, const LibraryItem &item,
+                    const QStyleOptionViewItem &option) const {
+        const bool isFavorite = item.isFavorite() == true;
+        const bool isUnderPointer = option.state.testFlag(QStyle::State_MouseOver);
+        if (m_view.m_actions.offersFavorites() && item.kind() && (isFavorite || isUnderPointer))
+            LibraryIcons::drawHeart(painter, badge(painter, heartIn(cover, option.direction)), Qt::white,
+                                    isFavorite);
+        if (m_view.m_actions.playing().isOn(item))
+            LibraryIcons::drawSpeaker(painter, badge(painter, speakerIn(cover, option.direction)), Qt::white,
+                                      m_view.m_actions.playing().sounds());
+    }
+
+    // Dark, so that what is white on it is seen on every cover.
+    static QRectF badge(QPainter &painter, const QRect &place) {
         painter.setPen(Qt::NoPen);
-        painter.setBrush(QColor(0, 0, 0, 110));
-        painter.drawEllipse(place.adjusted(-4, -4, 4, 4));
-        LibraryIcons::drawHeart(painter, place.adjusted(2, 2, -2, -2), palette.color(QPalette::BrightText));
+        painter.setBrush(QColor(0, 0, 0, 140));
+        painter.drawEllipse(place);
+        return QRectF(place).adjusted(5, 5, -5, -5);
     }
 
     LibraryGridView &m_view;
 };
 
-LibraryGridView::LibraryGridView(LibraryItemModel &items, ArtworkCache &artwork, Shape shape, QWidget *parent)
-    : QListView(parent), m_items(items), m_shape(shape), m_covers(artwork, nullptr) {
+LibraryGridView::LibraryGridView(LibraryItemModel &items, ArtworkCache &artwork, LibraryActions &actions,
+                                 Shape shape, QWidget *parent)
+    : QListView(parent), m_items(items), m_actions(actions), m_shape(shape), m_covers(artwork, nullptr) {
     setFrameShape(NoFrame);
     setFlow(LeftToRight);
     setWrapping(shape == Shape::grid);
@@ -130,6 +160,7 @@ LibraryGridView::LibraryGridView(LibraryItemModel &items, ArtworkCache &artwork,
     connect(input, &LibraryViewInput::opened, this, &LibraryGridView::opened);
     connect(input, &LibraryViewInput::menuAsked, this, &LibraryGridView::menuAsked);
     connect(&m_covers, &CoverPainter::changed, viewport(), qOverload<>(&QWidget::update));
+    connect(&actions.playing(), &LibraryNowPlaying::changed, viewport(), qOverload<>(&QWidget::update));
     arrange();
 }
 
@@ -178,6 +209,19 @@ void LibraryGridView::changeEvent(QEvent *event) {
     QListView::changeEvent(event);
     if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange)
         arrange();
+}
+
+// A heart is for itself: the item is not selected.
+void LibraryGridView::mousePressEvent(QMouseEvent *event) {
+    const QModelIndex index = indexAt(event->pos());
+    const LibraryItem *const item = index.isValid() ? m_items.item(index.row()) : nullptr;
+    const bool isHeart = event->button() == Qt::LeftButton && item && item->kind() &&
+                         m_actions.offersFavorites() &&
+                         heartIn(coverIn(visualRect(index)), layoutDirection()).contains(event->pos());
+    if (isHeart)
+        m_actions.toggleFavorite(*item);
+    else
+        QListView::mousePressEvent(event);
 }
 
 // A line leaves the wheel to the page that it is on.

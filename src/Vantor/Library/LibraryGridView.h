@@ -7,16 +7,18 @@
 
 namespace vantor {
 
+class LibraryActions;
+
 /// The items of a model as covers with their names below, in as many columns as fit, or in a single line that
-/// is scrolled sideways. Main thread; borrows model and artwork.
+/// is scrolled sideways. Main thread; borrows what it is given.
 class LibraryGridView : public QListView {
     Q_OBJECT
 
   public:
     enum class Shape { grid, line };
 
-    LibraryGridView(LibraryItemModel &items, ArtworkCache &artwork, Shape shape = Shape::grid,
-                    QWidget *parent = nullptr);
+    LibraryGridView(LibraryItemModel &items, ArtworkCache &artwork, LibraryActions &actions,
+                    Shape shape = Shape::grid, QWidget *parent = nullptr);
 
     [[nodiscard]] LibraryItemModel &items() const { return m_items; }
     /// Those that are selected, in the order of the rows.
@@ -29,6 +31,7 @@ class LibraryGridView : public QListView {
     void menuAsked(const QPoint &global);  ///< about what is selected
 
   protected:
+    void mousePressEvent(QMouseEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     void changeEvent(QEvent *event) override;
     void wheelEvent(QWheelEvent *event) override;
@@ -41,6 +44,7 @@ class LibraryGridView : public QListView {
     [[nodiscard]] QSize cell() const;
 
     LibraryItemModel &m_items;
+    LibraryActions &m_actions;
     const Shape m_shape;
     CoverPainter m_covers;
     bool m_showsYears = false;

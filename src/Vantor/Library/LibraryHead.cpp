@@ -14,8 +14,6 @@ namespace vantor {
 
 namespace {
 
-using ::operator|; // of keys, which our own flags' operators hide
-
 QString nameOf(const OutputDevice &output) {
     return output.kind == OutputDevice::Kind::thisMac ? LibraryHead::tr("This Computer") : output.name;
 }

@@ -35,18 +35,26 @@ class LibraryHeader : public QWidget {
     void playAsked();
     void appendAsked();
     void favoriteAsked(bool on);
+    void menuAsked(const QPoint &global); ///< what else can be done with it
 
   protected:
+    void resizeEvent(QResizeEvent *event) override;
+    void changeEvent(QEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
 
   private:
+    [[nodiscard]] QLayout *makeButtons();
+    void takeColors();
+    void fitTitle();
+
     Facts m_facts;
     CoverPainter m_covers;
     QWidget *m_cover;
     QLabel *m_title;
-    QToolButton *m_artist;
+    QLabel *m_artist;
     QLabel *m_details;
     QToolButton *m_favorite;
+    QToolButton *m_more;
 };
 
 } // namespace vantor

@@ -100,25 +100,54 @@ QPainterPath searchPath() {
     return path;
 }
 
-void stroke(QPainter &painter, const QRectF &place, const QPainterPath &path, const QColor &color) {
+QPainterPath speakerPath() {
+    QPainterPath path(QPointF(3.5, 9.5));
+    path.lineTo(7.5, 9.5);
+    path.lineTo(12, 5.5);
+    path.lineTo(12, 18.5);
+    path.lineTo(7.5, 14.5);
+    path.lineTo(3.5, 14.5);
+    path.closeSubpath();
+    return path;
+}
+
+QPainterPath wavesPath() {
+    QPainterPath path;
+    for (const double radius : {4.0, 8.0}) {
+        const QRectF circle(12 - radius, 12 - radius, 2 * radius, 2 * radius);
+        path.arcMoveTo(circle.translated(1, 0), -45);
+        path.arcTo(circle.translated(1, 0), -45, 90);
+    }
+    return path;
+}
+
+QPainterPath dotsPath() {
+    QPainterPath path;
+    for (const double x : {5.5, 12.0, 18.5})
+        path.addEllipse(QPointF(x, 12), 0.9, 0.9);
+    return path;
+}
+
+void stroke(QPainter &painter, const QRectF &place, const QPainterPath &path, const QColor &color,
+            bool filled = false) {
     const double side = std::min(place.width(), place.height());
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     painter.translate(place.center() - QPointF(side / 2, side / 2));
     painter.scale(side / unit, side / unit);
     painter.setPen(QPen(color, lineWidth, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-    painter.setBrush(Qt::NoBrush);
+    painter.setBrush(filled ? QBrush(color) : QBrush());
     painter.drawPath(path);
     painter.restore();
 }
 
-QIcon icon(const QPainterPath &path, const QColor &color) {
+QIcon icon(const QPainterPath &path, const QColor &color, bool filled = false) {
     QIcon made;
     for (const int side : {18, 36, 54}) {
         QPixmap pixmap(side, side);
         pixmap.fill(Qt::transparent);
         QPainter painter(&pixmap);
-        stroke(painter, pixmap.rect(), path, color);
+        stroke(painter, pixmap.rect(), path, color, filled);
         painter.end();
         made.addPixmap(pixmap);
     }
@@ -147,13 +176,14 @@ void draw(QPainter &painter, const QRectF &place, std::optional<MediaKind> kind,
     stroke(painter, place, kind ? pathOf(*kind) : starPath(), color);
 }
 
-void drawHeart(QPainter &painter, const QRectF &place, const QColor &color) {
-    painter.save();
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.translate(place.topLeft());
-    painter.scale(place.width() / unit, place.height() / unit);
-    painter.fillPath(heartPath(), color);
-    painter.restore();
+void drawHeart(QPainter &painter, const QRectF &place, const QColor &color, bool filled) {
+    stroke(painter, place, heartPath(), color, filled);
+}
+
+void drawSpeaker(QPainter &painter, const QRectF &place, const QColor &color, bool sounds) {
+    stroke(painter, place, speakerPath(), color, true);
+    if (sounds)
+        stroke(painter, place, wavesPath(), color);
 }
 
 QIcon section(LibrarySection section, const QColor &color) {
@@ -186,6 +216,14 @@ QIcon forward(const QColor &color) {
 
 QIcon search(const QColor &color) {
     return icon(searchPath(), color);
+}
+
+QIcon heart(const QColor &color, bool filled) {
+    return icon(heartPath(), color, filled);
+}
+
+QIcon more(const QColor &color) {
+    return icon(dotsPath(), color, true);
 }
 
 } // namespace vantor::LibraryIcons

@@ -1,25 +1,22 @@
 #pragma once
 
-#include "AudioCore/Playback/Player.h"
 #include "FolderBackendKit/LocalOutput.h"
+#include "Vantor/Model/PlayerModel.h"
 
 namespace vantor {
 
-/// The program's own player as the output of a music folder. Main thread; borrows the player.
+/// The program's own player as the output of a music folder. Main thread; borrows the model.
 class LibraryOutput : public QObject, public LocalOutput {
     Q_OBJECT
 
   public:
     using TrackFinder = std::function<std::optional<MediaID>(const QUrl &)>;
-    using Receiver = std::function<void(const std::vector<Track> &)>;
 
-    explicit LibraryOutput(Player &player, QObject *parent = nullptr);
+    explicit LibraryOutput(PlayerModel &model, QObject *parent = nullptr);
     ~LibraryOutput() override;
 
     /// Tells which item of the library a file is.
     void setTrackFinder(const TrackFinder &finder) { m_finder = finder; }
-    /// What comes to be played goes there instead, until there is none.
-    void setReceiver(const Receiver &receiver) { m_receiver = receiver; }
 
     void play(const std::vector<Track> &tracks, PlayMode mode) override;
     void transport(TransportCommand command) override;
@@ -29,10 +26,9 @@ class LibraryOutput : public QObject, public LocalOutput {
     [[nodiscard]] NowPlaying present() const;
     void tell();
 
-    Player &m_player;
+    PlayerModel &m_model;
     PlayerEventToken m_observer;
     TrackFinder m_finder;
-    Receiver m_receiver;
     std::vector<AsyncStreamProducer<NowPlaying>> m_listeners;
 };
 

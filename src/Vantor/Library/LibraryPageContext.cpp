@@ -4,9 +4,26 @@
 
 namespace vantor {
 
+namespace {
+
+QMenu *makeMenu(QWidget &parent) {
+    auto *const menu = new QMenu(&parent);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    return menu;
+}
+
+void popUp(QMenu &menu, const QPoint &at) {
+    if (menu.isEmpty())
+        menu.deleteLater();
+    else
+        menu.popup(at);
+}
+
+} // namespace
+
 LibraryGridView *LibraryPageContext::makeGrid(LibraryItemModel &items, const QString &name,
                                               LibraryGridView::Shape shape) const {
-    auto *const grid = new LibraryGridView(items, artwork, shape);
+    auto *const grid = new LibraryGridView(items, artwork, actions, shape);
     grid->setAccessibleName(name);
     LibraryActions *const does = &actions;
     QObject::connect(grid, &LibraryGridView::opened, does, [grid, does](const QModelIndex &index) {
@@ -14,16 +31,22 @@ LibraryGridView *LibraryPageContext::makeGrid(LibraryItemModel &items, const QSt
             Q_EMIT does->opened(*item);
     });
     QObject::connect(grid, &LibraryGridView::menuAsked, does, [grid, does](const QPoint &at) {
-        auto *const menu = new QMenu(grid);
-        menu->setAttribute(Qt::WA_DeleteOnClose);
+        QMenu *const menu = makeMenu(*grid);
         does->fillMenu(*menu, grid->selected());
-        menu->popup(at);
+        popUp(*menu, at);
     });
     return grid;
 }
 
-TrackTable *LibraryPageContext::makeTable(TrackListModel &tracks, const QString &columnsKey) const {
-    auto *const table = new TrackTable(tracks);
+void LibraryPageContext::popUpMenu(QWidget &page, const LibraryItem &item, const QPoint &at) const {
+    QMenu *const menu = makeMenu(page);
+    actions.fillPageMenu(*menu, item);
+    popUp(*menu, at);
+}
+
+TrackTable *LibraryPageContext::makeTable(TrackListModel &tracks, const QString &columnsKey,
+                                          const std::function<void(QMenu &)> &addMore) const {
+    auto *const table = new TrackTable(tracks, actions);
     table->restoreColumns(settings, columnsKey);
     LibraryActions *const does = &actions;
     QObject::connect(table, &TrackTable::opened, does, [table, does](const QModelIndex &index) {
@@ -33,11 +56,12 @@ TrackTable *LibraryPageContext::makeTable(TrackListModel &tracks, const QString 
                                                   ? table->selected()
                                                   : QList<LibraryTrack>{*track});
     });
-    QObject::connect(table, &TrackTable::menuAsked, does, [table, does](const QPoint &at) {
-        auto *const menu = new QMenu(table);
-        menu->setAttribute(Qt::WA_DeleteOnClose);
+    QObject::connect(table, &TrackTable::menuAsked, does, [table, does, addMore](const QPoint &at) {
+        QMenu *const menu = makeMenu(*table);
         does->fillMenu(*menu, table->tracks(), table->selected());
-        menu->popup(at);
+        if (addMore)
+            addMore(*menu);
+        popUp(*menu, at);
     });
     return table;
 }

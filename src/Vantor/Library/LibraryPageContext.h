@@ -17,7 +17,11 @@ struct LibraryPageContext {
     [[nodiscard]] LibraryGridView *
     makeGrid(LibraryItemModel &items, const QString &name,
              LibraryGridView::Shape shape = LibraryGridView::Shape::grid) const;
-    [[nodiscard]] TrackTable *makeTable(TrackListModel &tracks, const QString &columnsKey) const;
+    /// `addMore`: adds what else can be done with the selected tracks to their menu.
+    [[nodiscard]] TrackTable *makeTable(TrackListModel &tracks, const QString &columnsKey,
+                                        const std::function<void(QMenu &)> &addMore = {}) const;
+    /// What can be done with the item whose page this is, beside its buttons.
+    void popUpMenu(QWidget &page, const LibraryItem &item, const QPoint &at) const;
 };
 
 } // namespace vantor

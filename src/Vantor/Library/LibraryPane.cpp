@@ -57,7 +57,7 @@ void LibraryPane::showState() {
     if (failure)
         m_message->say(failure->sentence, {}, tr("Try Again"), [this] { m_model.retry(); });
     else if (!isWaiting)
-        m_message->say(m_empty.heading, m_empty.text);
+        m_message->say(m_empty.heading, m_empty.text, m_empty.button, m_empty.action);
     else if (!m_patience.isActive()) {
         m_message->say({}, {});
         m_patience.start(patience);

@@ -20,7 +20,9 @@ class LibraryPane : public QWidget {
   public:
     struct EmptyText {
         QString heading;
-        QString text;
+        QString text{};
+        QString button{}; ///< of what can be done about it; empty for nothing
+        std::function<void()> action{};
     };
 
     /// `list` becomes the pane's.

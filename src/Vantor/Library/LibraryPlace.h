@@ -44,6 +44,21 @@ class LibraryHistory {
         m_current = m_places.size() - 1;
     }
     void replaceCurrent(const LibraryPlace &place) { m_places[m_current] = place; }
+    /// A playlist has another name now.
+    void rename(const MediaID &playlist, const QString &name) {
+        for (LibraryPlace &place : m_places) {
+            if (auto *const known = std::get_if<LibraryPlaylist>(&place.what); known && known->id == playlist)
+                known->name = name;
+        }
+    }
+    /// A playlist is gone: its places lead to where it was found.
+    void forget(const MediaID &playlist) {
+        for (LibraryPlace &place : m_places) {
+            if (const auto *const known = std::get_if<LibraryPlaylist>(&place.what);
+                known && known->id == playlist)
+                place.what = LibraryPlace::Section();
+        }
+    }
 
   private:
     static constexpr std::size_t most = 200;

@@ -35,6 +35,7 @@ QString nameOf(LibrarySection section) {
 LibrarySidebar::LibrarySidebar(QWidget *parent)
     : QWidget(parent), m_layout(new QVBoxLayout(this)), m_list(new QListWidget) {
     m_list->setFrameShape(QFrame::NoFrame);
+    m_list->viewport()->setAutoFillBackground(false); // the column's own, also while it is disabled
     m_list->setAccessibleName(tr("Sections"));
     m_list->setIconSize({18, 18});
     m_list->setSpacing(1);

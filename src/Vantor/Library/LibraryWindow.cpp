@@ -5,6 +5,7 @@
 #include "Vantor/Library/LibraryHead.h"
 #include "Vantor/Library/LibrarySidebar.h"
 #include "Vantor/Library/LibraryTexts.h"
+#include "Vantor/Windows/FaintText.h"
 #include "Vantor/Windows/FileInfoDialog.h"
 
 #include <QKeyEvent>
@@ -18,8 +19,6 @@
 namespace vantor {
 
 namespace {
-
-using ::operator|; // of keys, which our own flags' operators hide
 
 const QString geometryKey = QStringLiteral("library/geometry");
 const QString splitterKey = QStringLiteral("library/splitter");
@@ -53,7 +52,7 @@ LibraryWindow::LibraryWindow(LibraryBrowser &browser, ArtworkCache &artwork, QSe
     arrange();
     follow();
     addKeys();
-    takeColors();
+    giveFaintText(*this);
     restore();
     takeSource();
 }
@@ -93,6 +92,18 @@ void LibraryWindow::follow() {
     connect(&m_actions, &LibraryActions::infoAsked, this, [this](const Track &track) {
         (new FileInfoDialog(TrackInfo::fromTrack(track, std::nullopt), this))->show();
     });
+    PlaylistActions &playlists = m_actions.playlists();
+    connect(&playlists, &PlaylistActions::told, this, &LibraryWindow::tell);
+    connect(&playlists, &PlaylistActions::made, this,
+            [this](const LibraryPlaylist &playlist) { go({LibrarySection::playlists, playlist}); });
+    connect(&playlists, &PlaylistActions::renamed, this, [this](const MediaID &id, const QString &name) {
+        m_history.rename(id, name);
+        showPlace();
+    });
+    connect(&playlists, &PlaylistActions::deleted, this, [this](const MediaID &id) {
+        m_history.forget(id);
+        showPlace();
+    });
     connect(&m_browser, &LibraryBrowser::sourceChanged, this, &LibraryWindow::takeSource);
     connect(&m_browser, &LibraryBrowser::capabilitiesChanged, this, &LibraryWindow::takeCapabilities);
     connect(&m_browser, &LibraryBrowser::stateChanged, this, &LibraryWindow::showState);
@@ -128,17 +139,6 @@ void LibraryWindow::store() const {
     m_settings.setValue(geometryKey, saveGeometry());
     m_settings.setValue(splitterKey, m_splitter->saveState());
     m_settings.setValue(sectionKey, keys().value(m_history.current().section));
-}
-
-// Not every dark palette has a colour for lesser texts, so they are the text's own colour, fainter.
-void LibraryWindow::takeColors() {
-    QColor faint = palette().color(QPalette::WindowText);
-    faint.setAlphaF(0.62F);
-    if (faint == palette().color(QPalette::PlaceholderText))
-        return;
-    QPalette own;
-    own.setColor(QPalette::PlaceholderText, faint);
-    setPalette(own);
 }
 
 // Where one is
@@ -311,7 +311,7 @@ void LibraryWindow::mouseReleaseEvent(QMouseEvent *event) {
 void LibraryWindow::changeEvent(QEvent *event) {
     QWidget::changeEvent(event);
     if (event->type() == QEvent::PaletteChange)
-        takeColors();
+        giveFaintText(*this);
 }
 
 void LibraryWindow::closeEvent(QCloseEvent *event) {

@@ -64,7 +64,6 @@ class LibraryWindow : public QWidget {
     void showState();
     void showStatus();
     void tell(const QString &sentence);
-    void takeColors();
 
     LibraryBrowser &m_browser;
     QSettings &m_settings;

@@ -10,7 +10,8 @@ using namespace MusicAssistantBackendErrors;
 
 namespace {
 
-/// Whether a backend for the one is a backend for the other. On which networks it is preferred does not count.
+/// Whether a backend for the one is a backend for the other. On which networks it is preferred does not
+/// count.
 bool isSameServer(const MusicAssistantServerConfiguration &one,
                   const MusicAssistantServerConfiguration &other) {
     return one.id == other.id && one.address == other.address && one.name == other.name;
@@ -152,8 +153,8 @@ void MusicAssistantSource::take(const MusicAssistantStatus &status) {
         takeFailure();
 }
 
-// What a later attempt would meet as well, stands where the music was. Otherwise the server is looked for, and
-// what is shown stays until it is there.
+// What a later attempt would meet as well, stands where the music was. Otherwise the server is looked for,
+// and what is shown stays until it is there.
 void MusicAssistantSource::takeFailure() {
     using Case = MusicAssistantError::Case;
     const MusicAssistantError error = m_status.error.value_or(MusicAssistantError::disconnected());
@@ -162,7 +163,8 @@ void MusicAssistantSource::takeFailure() {
         return;
     }
     m_updates = {};
-    const bool isSetup = error.errorCase() == Case::tokenRejected || error.errorCase() == Case::serverMismatch;
+    const bool isSetup =
+        error.errorCase() == Case::tokenRejected || error.errorCase() == Case::serverMismatch;
     setBackend(nullptr, LibraryFailure{error.description(), isSetup});
 }
 

@@ -47,7 +47,7 @@ class MusicAssistantSource : public LibrarySource {
     AsyncStream<MusicAssistantStatus> m_updates;
     MusicAssistantStatus m_status;
     std::unique_ptr<Scheduler::Pending> m_later; ///< another look for a server that could not be connected
-    int m_round = 0; ///< of the server in use
+    int m_round = 0;                             ///< of the server in use
 };
 
 } // namespace vantor

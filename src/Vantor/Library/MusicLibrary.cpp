@@ -16,21 +16,21 @@ const QString sourceKey = QStringLiteral("library/source");
 }
 
 MusicLibrary::MusicLibrary(PlayerModel &model, QSettings &settings, MusicAssistantServers &servers)
-    : m_model(model), m_settings(settings), m_servers(servers), m_folder(model.player(), model.preferences()),
-      m_musicAssistant(servers), m_artwork(AppPaths::cacheFolder() + QStringLiteral("/artwork"), {}),
-      m_current(&wanted()) {
+    : m_model(model), m_settings(settings), m_servers(servers), m_folder(model), m_musicAssistant(servers),
+      m_artwork(AppPaths::cacheFolder() + QStringLiteral("/artwork"), {}), m_current(&wanted()) {
     follow(m_folder);
     follow(m_musicAssistant);
     connect(&m_folder, &FolderSource::failed, &m_browser, &LibraryBrowser::failed);
     connect(&m_browser, &LibraryBrowser::sourceAsked, this, [this] { m_current->retry(); });
     connect(&servers.list(), &MusicAssistantServerList::changed, this, &MusicLibrary::settle);
     connect(&model.preferences(), &Preferences::libraryFolderChanged, this, &MusicLibrary::settle);
-    model.setLibrary(
-        [this](const QList<MediaID> &ids, const LibraryOutput::Receiver &take) { findFiles(ids, take); });
+    model.remote().setBrowser(&m_browser);
+    model.setLibrary([this](const QList<MediaID> &ids, const Receiver &take) { findFiles(ids, take); });
 }
 
 MusicLibrary::~MusicLibrary() {
     m_model.setLibrary({});
+    m_model.remote().setBrowser(nullptr);
     m_window.reset();
     m_folder.disconnect(this);
     m_musicAssistant.disconnect(this);
@@ -108,7 +108,12 @@ void MusicLibrary::resume() {
 
 void MusicLibrary::takeBackend() {
     m_artwork.setBackend(m_current->backend());
-    if (m_current->backend())
+    if (sources().size() == 1 && m_model.preferences().libraryFolder().isEmpty())
+        m_browser.setUnavailable(
+            LibraryFailure{.sentence = tr("Choose a music folder under Settings › Library.\n"
+                                          "Add a Music Assistant server under Settings › Music Assistant."),
+                           .isSetup = true});
+    else if (m_current->backend())
         m_browser.setBackend(m_current->backend());
     else
         m_browser.setUnavailable(m_current->failure());
@@ -138,10 +143,8 @@ void MusicLibrary::showWindow() {
     if (!m_window) {
         m_window = std::make_unique<LibraryWindow>(
             m_browser, m_artwork, m_settings,
-            [this](const QList<MediaID> &ids, const LibraryOutput::Receiver &receive) {
-                findFiles(ids, receive);
-            });
-        m_window->setSourceSwitcher(new SourceSwitcher(*this));
+            [this](const QList<MediaID> &ids, const Receiver &receive) { findFiles(ids, receive); });
+        m_window->setSourceSwitcher(new SourceSwitcher(*this, m_window.get()));
         connect(m_window.get(), &LibraryWindow::settingsAsked, this, [this] {
             Q_EMIT settingsAsked(m_current == &m_folder ? PreferencesPage::library
                                                         : PreferencesPage::musicAssistant);
@@ -151,13 +154,12 @@ void MusicLibrary::showWindow() {
     m_window->bringToFront();
 }
 
-// The folder itself tells no paths: what it gives the output to play does. A server has no files; what it is
-// to play it plays itself.
-void MusicLibrary::findFiles(const QList<MediaID> &ids, const LibraryOutput::Receiver &take) {
-    LibraryBrowser::Turn turn;
+// A server has no files: what it is to play it plays itself.
+void MusicLibrary::findFiles(const QList<MediaID> &ids, const Receiver &take) {
     if (m_current == &m_folder)
-        turn = {[this, take] { m_folder.setReceiver(take); }, [this] { m_folder.setReceiver({}); }};
-    m_browser.play({ids, PlayMode::append()}, turn);
+        m_folder.findFiles(ids, take);
+    else
+        m_browser.play({ids, PlayMode::append()});
 }
 
 void MusicLibrary::rescan() {

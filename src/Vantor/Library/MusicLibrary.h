@@ -45,6 +45,8 @@ class MusicLibrary : public QObject {
     void settingsAsked(vantor::PreferencesPage page);
 
   private:
+    using Receiver = std::function<void(const std::vector<Track> &)>;
+
     [[nodiscard]] LibrarySource &wanted();
     void follow(LibrarySource &source);
     void settle();
@@ -52,7 +54,7 @@ class MusicLibrary : public QObject {
     void takeContent();
     void takeCapabilities();
     void takeActivity();
-    void findFiles(const QList<MediaID> &ids, const LibraryOutput::Receiver &take);
+    void findFiles(const QList<MediaID> &ids, const Receiver &take);
 
     PlayerModel &m_model;
     QSettings &m_settings;

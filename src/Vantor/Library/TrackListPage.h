@@ -5,6 +5,8 @@
 
 namespace vantor {
 
+class PlaylistOrder;
+
 /// An album or a playlist with all tracks.
 class TrackListPage : public QWidget {
     Q_OBJECT
@@ -18,7 +20,11 @@ class TrackListPage : public QWidget {
     void artistAsked(const vantor::LibraryAlbum &album);
 
   private:
-    void open(const LibraryItem &item, const QString &artist);
+    void followHeader();
+    void addRemoval(QMenu &menu);
+    void removeSelected();
+    void move(int row, int to);
+    void open(const LibraryItem &item);
     void showHeader();
     void showDetails();
 
@@ -27,6 +33,7 @@ class TrackListPage : public QWidget {
     TrackListModel m_tracks;
     LibraryHeader *m_header;
     TrackTable *m_table;
+    PlaylistOrder *m_order;
 };
 
 } // namespace vantor

@@ -1,7 +1,8 @@
 #include "Vantor/Library/TrackTable.h"
 
-#include "Vantor/Library/LibraryIcons.h"
+#include "Vantor/Library/LibraryActions.h"
 #include "Vantor/Library/LibraryViewInput.h"
+#include "Vantor/Library/TrackLine.h"
 
 #include <QDrag>
 #include <QHeaderView>
@@ -10,7 +11,6 @@
 #include <QPainter>
 #include <QScrollBar>
 #include <QSettings>
-#include <QStyledItemDelegate>
 #include <QWheelEvent>
 
 namespace vantor {
@@ -19,82 +19,13 @@ namespace {
 
 using Model = TrackListModel;
 
-constexpr int textMargin = 8;
 constexpr int leastColumn = 48;
 constexpr std::array<double, Model::columns> defaultShares{0, 5, 3, 3, 0}; // none: as wide as its texts
 
-QColor faint(QColor color, double opacity) {
-    color.setAlphaF(static_cast<float>(opacity));
-    return color;
-}
-
-int lineHeight(const QWidget &view) {
-    return view.fontMetrics().height() + 12;
-}
-
 } // namespace
 
-class TrackTable::Line : public QStyledItemDelegate {
-  public:
-    explicit Line(TrackTable &table) : QStyledItemDelegate(&table), m_table(table) {}
-
-    void paint(QPainter *painter, const QStyleOptionViewItem &option,
-               const QModelIndex &index) const override {
-        QRect cell = option.rect;
-        const int height = lineHeight(m_table);
-        if (cell.height() > height) {
-            const QRect above(cell.left(), cell.top(), cell.width(), cell.height() - height);
-            painter->fillRect(above, option.palette.color(QPalette::Base)); // no part of what is selected
-            // Each cell draws its part of the heading, which goes across them.
-            painter->save();
-            painter->setClipRect(above);
-            drawDisc(*painter, QRect(0, above.top(), m_table.viewport()->width(), above.height()), option,
-                     m_table.discAt(index.row()).value_or(1));
-            painter->restore();
-            cell.setTop(cell.bottom() + 1 - height);
-        }
-        const bool isSelected = option.state.testFlag(QStyle::State_Selected); // which the style has painted
-        if (!isSelected && index.row() == m_table.m_hovered)
-            painter->fillRect(cell, faint(option.palette.color(QPalette::Text), 0.05));
-        if (!isSelected && m_table.hasFocus() && index.row() == m_table.currentIndex().row())
-            painter->fillRect(QRect(cell.left(), cell.bottom(), cell.width(), 1),
-                              option.palette.color(QPalette::Highlight));
-        drawText(*painter, cell, option, index);
-    }
-
-  private:
-    static void drawText(QPainter &painter, const QRect &cell, const QStyleOptionViewItem &option,
-                         const QModelIndex &index) {
-        const bool isSecondary = index.column() != Model::titleColumn;
-        const bool isSelected = option.state.testFlag(QStyle::State_Selected);
-        const bool isActive = option.state.testFlag(QStyle::State_Active);
-        QColor color = option.palette.color(isActive ? QPalette::Active : QPalette::Inactive,
-                                            isSelected ? QPalette::HighlightedText : QPalette::Text);
-        if (isSecondary)
-            color = faint(color, isSelected ? 0.85 : 0.66);
-        painter.setPen(color);
-        painter.setFont(option.font);
-        const QRect place = cell.adjusted(textMargin, 0, -textMargin, 0);
-        const QString text =
-            option.fontMetrics.elidedText(index.data().toString(), Qt::ElideRight, place.width());
-        painter.drawText(place, index.data(Qt::TextAlignmentRole).toInt() | Qt::TextSingleLine, text);
-    }
-
-    static void drawDisc(QPainter &painter, const QRect &place, const QStyleOptionViewItem &option,
-                         int disc) {
-        QFont font = option.font;
-        font.setBold(true);
-        painter.setFont(font);
-        painter.setPen(option.palette.color(QPalette::PlaceholderText));
-        painter.drawText(place.adjusted(textMargin, 0, 0, -5), Qt::AlignLeft | Qt::AlignBottom,
-                         TrackTable::tr("Disc %1").arg(disc));
-    }
-
-    TrackTable &m_table;
-};
-
-TrackTable::TrackTable(TrackListModel &tracks, QWidget *parent)
-    : QTableView(parent), m_tracks(tracks), m_shares(defaultShares) {
+TrackTable::TrackTable(TrackListModel &tracks, LibraryActions &actions, QWidget *parent)
+    : QTableView(parent), m_tracks(tracks), m_actions(actions), m_shares(defaultShares) {
     setFrameShape(NoFrame);
     setShowGrid(false);
     setWordWrap(false);
@@ -106,12 +37,12 @@ TrackTable::TrackTable(TrackListModel &tracks, QWidget *parent)
     setTabKeyNavigation(false);
     setVerticalScrollMode(ScrollPerPixel);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    setItemDelegate(new Line(*this));
+    setItemDelegate(new TrackLine(*this));
     setAccessibleName(tr("Tracks"));
     setModel(&tracks);
     verticalHeader()->hide();
-    verticalHeader()->setMinimumSectionSize(lineHeight(*this));
-    verticalHeader()->setDefaultSectionSize(lineHeight(*this));
+    verticalHeader()->setMinimumSectionSize(TrackLine::height(*this));
+    verticalHeader()->setDefaultSectionSize(TrackLine::height(*this));
     verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     QHeaderView &header = *horizontalHeader();
     header.setHighlightSections(false);
@@ -141,8 +72,17 @@ TrackTable::TrackTable(TrackListModel &tracks, QWidget *parent)
     connect(&tracks, &QAbstractItemModel::modelReset, this, &TrackTable::takeRows);
     connect(&tracks, &QAbstractItemModel::layoutChanged, this, &TrackTable::takeRows);
     connect(&tracks, &QAbstractItemModel::dataChanged, this, &TrackTable::takeRows);
+    connect(&actions.playing(), &LibraryNowPlaying::changed, viewport(), qOverload<>(&QWidget::update));
     takeRows();
     showColumns();
+}
+
+const LibraryNowPlaying &TrackTable::playing() const {
+    return m_actions.playing();
+}
+
+bool TrackTable::offersFavorites() const {
+    return m_actions.offersFavorites();
 }
 
 QList<LibraryTrack> TrackTable::selected() const {
@@ -176,7 +116,7 @@ void TrackTable::takeRows() {
                 m_tracks.track(row)->discNumber.value_or(1) != m_tracks.track(0)->discNumber.value_or(1);
     }
     if (hadDiscs || m_hasDiscs) {
-        const int height = lineHeight(*this);
+        const int height = TrackLine::height(*this);
         for (int row = 0; row < rows; ++row)
             setRowHeight(row, discAt(row) ? height * 2 : height);
     }
@@ -315,6 +255,28 @@ void TrackTable::wheelEvent(QWheelEvent *event) {
         event->ignore(); // the page's
     else
         QTableView::wheelEvent(event);
+}
+
+// A heart is for itself: the row is not selected.
+void TrackTable::mousePressEvent(QMouseEvent *event) {
+    const QModelIndex index = indexAt(event->pos());
+    const LibraryTrack *const track = m_tracks.track(index.row());
+    const bool isHeart = event->button() == Qt::LeftButton && index.column() == Model::titleColumn &&
+                         offersFavorites() &&
+                         TrackLine::heart(visualRect(index), *this).contains(event->pos());
+    if (track && isHeart)
+        m_actions.toggleFavorite({*track});
+    else
+        QTableView::mousePressEvent(event);
+}
+
+// Letters find titles, wherever the pointer has clicked.
+void TrackTable::keyboardSearch(const QString &letters) {
+    const QModelIndex current = currentIndex();
+    if (current.isValid() && current.column() != Model::titleColumn)
+        selectionModel()->setCurrentIndex(current.siblingAtColumn(Model::titleColumn),
+                                          QItemSelectionModel::NoUpdate);
+    QTableView::keyboardSearch(letters);
 }
 
 void TrackTable::mouseMoveEvent(QMouseEvent *event) {

@@ -8,13 +8,19 @@ class QSettings;
 
 namespace vantor {
 
+class LibraryActions;
+class LibraryNowPlaying;
+
 /// The tracks of a model as lines with columns that sort. The tracks of an album with several discs stand
-/// under a heading for each. Main thread; borrows the model.
+/// under a heading for each. Main thread; borrows
+/// model and actions.
 class TrackTable : public QTableView {
     Q_OBJECT
 
   public:
-    explicit TrackTable(TrackListModel &tracks, QWidget *parent = nullptr);
+    static constexpr int textMargin = 8;
+
+    TrackTable(TrackListModel &tracks, LibraryActions &actions, QWidget *parent = nullptr);
 
     [[nodiscard]] TrackListModel &tracks() const { return m_tracks; }
     /// The tracks that are selected, in the order of the rows.
@@ -24,6 +30,18 @@ class TrackTable : public QTableView {
     void setUnneeded(const QSet<int> &columns);
     /// As tall as all its rows, inside a page that scrolls.
     void setShowsAll();
+
+    // What its lines are drawn by.
+    [[nodiscard]] const LibraryNowPlaying &playing() const;
+    [[nodiscard]] bool offersFavorites() const;
+    [[nodiscard]] int hoveredRow() const { return m_hovered; }
+    /// The column with the mark of what plays.
+    [[nodiscard]] int markedColumn() const {
+        return isColumnHidden(TrackListModel::numberColumn) ? TrackListModel::titleColumn
+                                                            : TrackListModel::numberColumn;
+    }
+    /// The disc that begins with this row; none when there is nothing to be told apart.
+    [[nodiscard]] std::optional<int> discAt(int row) const;
 
     /// The user's choice of columns and their widths, kept under a name.
     void restoreColumns(QSettings &settings, const QString &key);
@@ -35,14 +53,16 @@ class TrackTable : public QTableView {
   protected:
     void resizeEvent(QResizeEvent *event) override;
     void wheelEvent(QWheelEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;
     void leaveEvent(QEvent *event) override;
     void startDrag(Qt::DropActions actions) override;
     [[nodiscard]] QSize sizeHint() const override;
 
-  private:
-    class Line;
+  public:
+    void keyboardSearch(const QString &letters) override;
 
+  private:
     void takeRows();
     void fitColumns();
     void takeSorting(int column);
@@ -50,10 +70,9 @@ class TrackTable : public QTableView {
     void popUpColumns(const QPoint &at);
     void storeColumns() const;
     void setHovered(int row);
-    /// The disc that begins with this row; none when there is nothing to be told apart.
-    [[nodiscard]] std::optional<int> discAt(int row) const;
 
     TrackListModel &m_tracks;
+    LibraryActions &m_actions;
     QSet<int> m_unneeded;
     QSet<int> m_hidden;                                   ///< by the user
     std::array<double, TrackListModel::columns> m_shares; ///< of the width, of those that give way

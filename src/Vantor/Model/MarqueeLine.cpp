@@ -35,6 +35,12 @@ void MarqueeLine::withdrawNotice(const QString &text) {
         m_notice.reset();
 }
 
+void MarqueeLine::setDragText(const std::optional<QString> &text) {
+    if (text && !m_dragText)
+        m_notice.reset();
+    m_dragText = text;
+}
+
 bool MarqueeLine::hasNotice(StatusNotice::Clock::time_point now) const {
     return m_notice && m_notice->isActive(now);
 }

@@ -16,8 +16,9 @@ class MarqueeLine {
     void setNotice(const StatusNotice &notice);
     /// Takes that notice away if it is the one shown.
     void withdrawNotice(const QString &text);
-    /// What a slider says while it is dragged; none when it is let go.
-    void setDragText(const std::optional<QString> &text) { m_dragText = text; }
+    /// What a slider says while it is dragged; none when it is let go. A notice from before that has had its
+    /// time then and does not come back.
+    void setDragText(const std::optional<QString> &text);
 
     [[nodiscard]] QString text(StatusNotice::Clock::time_point now) const;
     [[nodiscard]] bool hasNotice(StatusNotice::Clock::time_point now) const;

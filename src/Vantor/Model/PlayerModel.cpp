@@ -40,9 +40,9 @@ MainWindowStatus::Transport transportOf(PlaybackState state) {
 } // namespace
 
 PlayerModel::PlayerModel(Player &player, QSettings &settings, QObject *parent)
-    : QObject(parent), m_player(player), m_settings(settings), m_skin(SkinLoader::defaultSkin()),
-      m_preferences(settings), m_output(player, settings), m_skins(settings), m_windows(settings),
-      m_visualizer(player.analyzer(), settings) {
+    : QObject(parent), m_player(player), m_settings(settings), m_local(player, settings), m_remote(settings),
+      m_skin(SkinLoader::defaultSkin()), m_preferences(settings), m_output(player, settings),
+      m_skins(settings), m_windows(settings), m_visualizer(player.analyzer(), settings) {
     restoreSettings();
     updateTitle();
     connect(&m_visualizer, &Visualizer::changed, this, &PlayerModel::sceneChanged);
@@ -65,6 +65,18 @@ PlayerModel::PlayerModel(Player &player, QSettings &settings, QObject *parent)
         if (!m_clock.isRunning()) // else the next frame shows it
             Q_EMIT sceneChanged();
     });
+
+    for (const auto signal : {&RemoteOutput::selectionChanged, &RemoteOutput::changed})
+        connect(&m_remote, signal, this, [this] {
+            updateTitle();
+            Q_EMIT sceneChanged();
+        });
+    for (const auto signal : {&RemoteOutput::selectionChanged, &RemoteOutput::itemChanged})
+        connect(&m_remote, signal, this, [this] {
+            if (m_draggedPosition)
+                cancelSlider(); // it was a place in what played before
+        });
+    connect(&m_remote, &RemoteOutput::failed, this, &PlayerModel::showNotice);
 
     connect(&player, &Player::outputDevicesChanged, this, &PlayerModel::watchOutput);
     connect(&player, &Player::loudnessChanged, this, [this] {
@@ -90,33 +102,24 @@ PlayerModel::~PlayerModel() {
 
 MainWindowScene PlayerModel::scene() const {
     const auto now = StatusNotice::Clock::now();
-    const std::optional<Track> track = m_player.queue().current();
-    const double duration = m_player.duration();
-    const bool seekable = m_player.state() != PlaybackState::stopped && duration > 0;
+    const PlaybackView view = target().view();
 
     MainWindowScene scene;
-    scene.status.transport = transportOf(m_player.state());
+    scene.status.transport = transportOf(view.state);
     // Of a stream nothing remains that could be told.
-    scene.status.timeMode = duration > 0 ? m_timeMode : TimeMode::elapsed;
-    scene.status.elapsed = m_player.currentTime();
-    scene.status.duration = duration;
-    if (track) {
-        scene.status.bitrateKbps = track->bitrate ? track->bitrate : m_player.streamBitrate();
-        scene.status.sampleRate = track->sampleRate;
-        scene.status.channels = track->channels;
-    }
-    if (const std::optional<PlaybackFormat> format = m_player.currentFormat()) {
-        scene.status.sampleRate = format->sampleRate;
-        scene.status.channels = format->channels;
-    }
+    scene.status.timeMode = view.duration > 0 ? m_timeMode : TimeMode::elapsed;
+    scene.status.elapsed = view.elapsed;
+    scene.status.duration = view.duration;
+    if (!m_remote.isSelected())
+        showFormat(scene.status);
     scene.timeLit = std::fmod(m_blinkTime, 2 * blinkHalfPeriod) < blinkHalfPeriod;
     scene.shaded = m_windows.isShaded(WindowKind::main);
-    scene.volume = m_player.volume();
-    scene.balance = m_player.balance();
-    if (seekable)
-        scene.position = m_draggedPosition.value_or(std::clamp(m_player.currentTime() / duration, 0.0, 1.0));
-    scene.shuffle = m_player.isShuffled();
-    scene.repeat = m_player.repeatMode() != RepeatMode::off;
+    scene.volume = view.volume.value_or(1);
+    scene.balance = view.balance;
+    if (view.isSeekable())
+        scene.position = m_draggedPosition.value_or(std::clamp(view.elapsed / view.duration, 0.0, 1.0));
+    scene.shuffle = view.isShuffled;
+    scene.repeat = view.repeat != RepeatMode::off;
     scene.equalizerOpen = m_windows.isOpen(WindowKind::equalizer);
     scene.playlistOpen = m_windows.isOpen(WindowKind::playlist);
     scene.alwaysOnTop = m_windows.isAlwaysOnTop();
@@ -127,22 +130,39 @@ MainWindowScene PlayerModel::scene() const {
     return scene;
 }
 
+void PlayerModel::showFormat(MainWindowStatus &status) const {
+    if (const std::optional<Track> track = m_player.queue().current()) {
+        status.bitrateKbps = track->bitrate ? track->bitrate : m_player.streamBitrate();
+        status.sampleRate = track->sampleRate;
+        status.channels = track->channels;
+    }
+    if (const std::optional<PlaybackFormat> format = m_player.currentFormat()) {
+        status.sampleRate = format->sampleRate;
+        status.channels = format->channels;
+    }
+}
+
+/// Of what this computer plays, as long as that is what the windows are about.
+PlaybackState PlayerModel::visualizedState() const {
+    return m_remote.isSelected() ? PlaybackState::stopped : m_player.state();
+}
+
 std::optional<std::chrono::milliseconds> PlayerModel::frameInterval() const {
-    if (m_visualizer.moves(m_player.state()))
+    if (m_visualizer.moves(visualizedState()))
         return displayInterval;
     if (m_marquee.moves(StatusNotice::Clock::now()))
         return marqueeInterval;
-    if (m_player.state() == PlaybackState::paused)
+    if (target().view().state == PlaybackState::paused)
         return blinkInterval;
     return std::nullopt;
 }
 
 void PlayerModel::advance(double elapsed) {
-    m_marquee.setIdle(m_player.state() == PlaybackState::stopped ||
-                      m_player.state() == PlaybackState::paused);
+    const PlaybackState state = target().view().state;
+    m_marquee.setIdle(state == PlaybackState::stopped || state == PlaybackState::paused);
     m_marquee.advance(elapsed);
-    m_blinkTime = m_player.state() == PlaybackState::paused ? m_blinkTime + elapsed : 0;
-    m_visualizer.advance(m_player.state(), elapsed);
+    m_blinkTime = state == PlaybackState::paused ? m_blinkTime + elapsed : 0;
+    m_visualizer.advance(visualizedState(), elapsed);
     Q_EMIT sceneChanged();
 }
 
@@ -176,7 +196,24 @@ void PlayerModel::enqueue(const QList<QUrl> &urls) {
 }
 
 void PlayerModel::insert(const QList<QUrl> &urls, int row) {
-    startImport(urls, planInFrontOf(row));
+    if (m_remote.isSelected() && !std::ranges::all_of(urls, isSkin))
+        showNotice(tr("Files play on this computer only"));
+    else
+        startImport(urls, planInFrontOf(row));
+}
+
+void PlayerModel::openItems(const QList<MediaID> &ids) {
+    if (m_remote.isSelected())
+        m_remote.play(ids, PlayMode::replace(0));
+    else
+        startImport(ids, {.replaces = true});
+}
+
+void PlayerModel::insertItems(const QList<MediaID> &ids, int row) {
+    if (m_remote.isSelected())
+        m_remote.play(ids, PlayMode::append());
+    else
+        startImport(ids, planInFrontOf(row));
 }
 
 PlayerModel::ImportPlan PlayerModel::planInFrontOf(int row) const {
@@ -206,6 +243,8 @@ void PlayerModel::startImport(const QList<QUrl> &urls, const ImportPlan &plan) {
     }
     if (music.isEmpty())
         return;
+    if (plan.replaces)
+        m_remote.deselect(); // files play here, and the windows show it
     if (m_holdsImports)
         m_heldImports.push_back({music, plan});
     else
@@ -262,9 +301,12 @@ void PlayerModel::finishImport(quint64 import, int added, const std::vector<Skip
 
 void PlayerModel::tellOf(int added, const std::vector<SkippedFile> &skipped) {
     for (const SkippedFile &file : skipped) {
-        qCWarning(playerModelLog, "could not play %s: %s", qUtf8Printable(file.name()),
-                  qUtf8Printable(file.reason));
-        Q_EMIT trackRefused(file.name(), file.reason);
+        qCWarning(playerModelLog, "%s%s: %s", file.isPartial ? "" : "could not play ",
+                  qUtf8Printable(file.name()), qUtf8Printable(file.reason));
+        if (file.isPartial)
+            Q_EMIT partRefused(file.name(), file.reason);
+        else
+            Q_EMIT trackRefused(file.name(), file.reason);
     }
     m_skippedFiles = skipped;
     if (const auto notice =
@@ -279,10 +321,10 @@ void PlayerModel::handle(const PlayerEvent &event) {
         handleFailure(failed->failure);
     } else if (std::holds_alternative<PlayerEvents::TrackChanged>(event)) {
         updateTitle();
-        if (m_draggedPosition)
+        if (m_draggedPosition && !m_remote.isSelected())
             cancelSlider(); // it was a place in the track before
     } else if (const auto *changed = std::get_if<PlayerEvents::StateChanged>(&event)) {
-        if (changed->state == PlaybackState::stopped && m_draggedPosition)
+        if (changed->state == PlaybackState::stopped && m_draggedPosition && !m_remote.isSelected())
             cancelSlider();
     }
     Q_EMIT sceneChanged();
@@ -309,6 +351,10 @@ void PlayerModel::watchOutput() {
 }
 
 void PlayerModel::updateTitle() {
+    if (m_remote.isSelected()) {
+        m_marquee.setTitle(m_remote.title());
+        return;
+    }
     const std::optional<Track> track = m_player.queue().current();
     if (!track) {
         m_marquee.setTitle(MarqueeText::idle());
@@ -348,41 +394,48 @@ void PlayerModel::setTimeMode(TimeMode mode) {
     Q_EMIT sceneChanged();
 }
 
-void PlayerModel::toggleShuffle() {
-    m_player.setShuffled(!m_player.isShuffled());
-    store("shuffle", m_player.isShuffled());
+void PlayerModel::transport(const TransportCommand &command) {
+    target().transport(command);
     Q_EMIT sceneChanged();
 }
 
+void PlayerModel::toggleShuffle() {
+    transport(TransportCommand::setShuffle(!target().view().isShuffled));
+}
+
 void PlayerModel::toggleRepeat() {
-    setRepeatMode(toggled(m_player.repeatMode()));
+    setRepeatMode(toggled(target().view().repeat));
 }
 
 void PlayerModel::setRepeatMode(RepeatMode mode) {
-    m_player.setRepeatMode(mode);
-    store("repeat", mode != RepeatMode::off);
+    if (m_remote.isSelected()) {
+        transport(TransportCommand::setRepeat(mode != RepeatMode::off));
+        return;
+    }
+    m_local.setRepeatMode(mode);
     Q_EMIT sceneChanged();
 }
 
 void PlayerModel::setVolume(double volume) {
-    m_player.setVolume(static_cast<float>(volume));
-    store("volume", static_cast<double>(m_player.volume()));
-    showNotice(MarqueeText::volume(m_player.volume()));
+    transport(TransportCommand::setVolume(std::clamp(volume, 0.0, 1.0)));
+    if (const std::optional<double> set = target().view().volume)
+        showNotice(MarqueeText::volume(*set));
 }
 
 void PlayerModel::setBalance(double balance) {
-    m_player.setBalance(static_cast<float>(balance));
-    store("balance", static_cast<double>(m_player.balance()));
-    showNotice(MarqueeText::balance(m_player.balance()));
+    transport(TransportCommand::setBalance(balance));
+    if (!m_remote.isSelected())
+        showNotice(MarqueeText::balance(target().view().balance));
 }
 
 void PlayerModel::changeVolume(double by) {
-    setVolume(std::clamp(m_player.volume() + by, 0.0, 1.0));
+    setVolume(target().view().volume.value_or(1) + by);
 }
 
 void PlayerModel::seekBy(double seconds) {
-    if (m_player.state() != PlaybackState::stopped)
-        m_player.seek(std::max(0.0, m_player.currentTime() + seconds));
+    const PlaybackView view = target().view();
+    if (view.state != PlaybackState::stopped)
+        transport(TransportCommand::seek(std::max(0.0, view.elapsed + seconds)));
 }
 
 // Sliders
@@ -390,18 +443,21 @@ void PlayerModel::seekBy(double seconds) {
 void PlayerModel::dragSlider(MainWindowControl slider, double fraction) {
     switch (slider) {
     case MainWindowControl::volume:
-        m_player.setVolume(static_cast<float>(fraction));
-        m_marquee.setDragText(MarqueeText::volume(fraction));
+        target().transport(TransportCommand::setVolume(fraction));
+        if (target().view().volume)
+            m_marquee.setDragText(MarqueeText::volume(fraction));
         break;
     case MainWindowControl::balance: {
         const double balance = MainSliders::snappedBalance(MainSliders::balance(fraction));
-        m_player.setBalance(static_cast<float>(balance));
+        if (m_remote.isSelected())
+            break; // it has none
+        m_local.transport(TransportCommand::setBalance(balance));
         m_marquee.setDragText(MarqueeText::balance(balance));
         break;
     }
     case MainWindowControl::position:
         m_draggedPosition = fraction;
-        m_marquee.setDragText(MarqueeText::seek(fraction, m_player.duration()));
+        m_marquee.setDragText(MarqueeText::seek(fraction, target().view().duration));
         break;
     default:
         return;
@@ -411,13 +467,11 @@ void PlayerModel::dragSlider(MainWindowControl slider, double fraction) {
 
 void PlayerModel::releaseSlider() {
     if (m_draggedPosition)
-        m_player.seek(*m_draggedPosition * m_player.duration());
+        target().transport(TransportCommand::seek(*m_draggedPosition * target().view().duration));
     cancelSlider();
 }
 
 void PlayerModel::cancelSlider() {
-    store("volume", static_cast<double>(m_player.volume()));
-    store("balance", static_cast<double>(m_player.balance()));
     m_draggedPosition.reset();
     m_marquee.setDragText(std::nullopt);
     Q_EMIT sliderCancelled();
@@ -427,14 +481,6 @@ void PlayerModel::cancelSlider() {
 // Settings
 
 void PlayerModel::restoreSettings() {
-    const auto number = [this](const char *key, double fallback, double minimum) {
-        return StoredValue::number(m_settings, QLatin1String(key), fallback, minimum, 1);
-    };
-    m_player.setVolume(static_cast<float>(number("volume", 0.8, 0)));
-    m_player.setBalance(static_cast<float>(number("balance", 0, -1)));
-    m_player.setShuffled(StoredValue::boolean(m_settings, QStringLiteral("shuffle"), false));
-    const bool repeats = StoredValue::boolean(m_settings, QStringLiteral("repeat"), false);
-    m_player.setRepeatMode(repeats ? RepeatMode::all : RepeatMode::off);
     m_player.setReplayGainMode(
         replayGainModeFromRawValue(m_settings.value(QStringLiteral("replayGain")).toString())
             .value_or(ReplayGainMode::off));

@@ -4,6 +4,7 @@
 #include "SkinKit/Loading/Skin.h"
 #include "SkinKit/Rendering/MainWindowScene.h"
 #include "Vantor/Model/FrameClock.h"
+#include "Vantor/Model/LocalTarget.h"
 #include "Vantor/Model/MarqueeLine.h"
 #include "Vantor/Model/OutputChoice.h"
 #include "Vantor/Model/Preferences.h"
@@ -12,6 +13,7 @@
 #include "Vantor/Model/TrackImporter.h"
 #include "Vantor/Model/Visualizer.h"
 #include "Vantor/Model/WindowState.h"
+#include "Vantor/Remote/RemoteOutput.h"
 
 #include <QObject>
 
@@ -33,6 +35,17 @@ class PlayerModel : public QObject {
     ~PlayerModel() override;
 
     [[nodiscard]] Player &player() { return m_player; }
+    /// The player as what is commanded, also while a speaker is.
+    [[nodiscard]] LocalTarget &local() { return m_local; }
+    /// The speaker of the music source that the user has selected, if one is.
+    [[nodiscard]] RemoteOutput &remote() { return m_remote; }
+    /// What the windows show and command: the player, or the selected speaker.
+    [[nodiscard]] PlaybackTarget &target() {
+        return m_remote.isSelected() ? static_cast<PlaybackTarget &>(m_remote) : m_local;
+    }
+    [[nodiscard]] const PlaybackTarget &target() const {
+        return m_remote.isSelected() ? static_cast<const PlaybackTarget &>(m_remote) : m_local;
+    }
     [[nodiscard]] const Skin &skin() const { return m_skin; }
     /// Where the skin came from; empty for the default one.
     [[nodiscard]] QUrl skinUrl() const { return m_skinUrl; }
@@ -59,7 +72,8 @@ class PlayerModel : public QObject {
     void wearDefaultSkin();
 
     // Music. open() replaces the queue once its first track is known to be playable and plays it; enqueue()
-    // only adds to the end. Skins among the addresses are worn.
+    // only adds to the end. Skins among the addresses are worn. Files play on this computer only: open()
+    // selects it, and insert() refuses them while a speaker is selected.
     void open(const QList<QUrl> &urls);
     void enqueue(const QList<QUrl> &urls);
     /// Adds in front of a row, or at the end for a row that there is not, and plays nothing by itself. What
@@ -71,10 +85,10 @@ class PlayerModel : public QObject {
     /// Until one is set, library items cannot be played.
     void setLibrary(const TrackSource &library) { m_library = library; }
     [[nodiscard]] bool hasLibrary() const { return static_cast<bool>(m_library); }
-    // The same with items of the library.
-    void openItems(const QList<MediaID> &ids) { startImport(ids, {.replaces = true}); }
-    void enqueueItems(const QList<MediaID> &ids) { startImport(ids, {}); }
-    void insertItems(const QList<MediaID> &ids, int row) { startImport(ids, planInFrontOf(row)); }
+    // The same with items of the library, which the selected speaker plays; its queue takes them at the end.
+    void openItems(const QList<MediaID> &ids);
+    void enqueueItems(const QList<MediaID> &ids) { insertItems(ids, -1); }
+    void insertItems(const QList<MediaID> &ids, int row);
     /// Empties the queue, of what is still being added as well.
     void clearQueue();
     [[nodiscard]] bool isImporting() const { return !m_imports.empty() || !m_heldImports.empty(); }
@@ -85,6 +99,9 @@ class PlayerModel : public QObject {
     void releaseImports();
 
     void setTimeMode(TimeMode mode);
+
+    // What is selected is commanded.
+    void transport(const TransportCommand &command);
     void toggleShuffle();
     void toggleRepeat();
     void setVolume(double volume);   ///< 0…1
@@ -108,6 +125,8 @@ class PlayerModel : public QObject {
     void skinChanged();
     /// A track that was not played or not even taken in: its name and the sentence that says why.
     void trackRefused(const QString &name, const QString &message);
+    /// A list of which a part was not taken in.
+    void partRefused(const QString &name, const QString &message);
     void skinRefused(const QString &name, const QString &message);
     void importsFinished(); ///< nothing is left to import
     void sliderCancelled(); ///< what was dragged does not follow the pointer any more
@@ -123,6 +142,8 @@ class PlayerModel : public QObject {
         ImportPlan plan;
     };
 
+    [[nodiscard]] PlaybackState visualizedState() const;
+    void showFormat(MainWindowStatus &status) const;
     void handle(const PlayerEvent &event);
     void handleFailure(const PlaybackFailure &failure);
     [[nodiscard]] ImportPlan planInFrontOf(int row) const;
@@ -143,6 +164,8 @@ class PlayerModel : public QObject {
     Player &m_player;
     PlayerEventToken m_observer;
     QSettings &m_settings;
+    LocalTarget m_local;
+    RemoteOutput m_remote;
     SkinLoader m_skinLoader;
     TrackImporter m_importer;
     Skin m_skin;

@@ -1,20 +1,14 @@
 #include "Vantor/Model/PlaylistModel.h"
 
 #include "AudioCore/Queue/TrackInfo.h"
-#include "LocalPlayback/LocalPlaybackError.h"
-#include "LocalPlayback/Playlists/PlaylistFile.h"
 #include "MusicBackendKit/MarqueeText.h"
 #include "Platform/TextFolding.h"
-#include "Vantor/Model/InBackground.h"
-#include "Vantor/Model/NameOrder.h"
 #include "Vantor/Model/TrackFinder.h"
 
-#include <QFileInfo>
 #include <QScopedValueRollback>
 #include <QSettings>
 
 #include <cmath>
-#include <numeric>
 
 namespace vantor {
 
@@ -28,10 +22,6 @@ namespace Layout = PlaylistWindowLayout;
 
 QString titleOf(const Track &track) {
     return track.title.left(TrackFinder::longestField);
-}
-
-QString nameOf(const Track &track) {
-    return MarqueeText::name(track.artist.left(TrackFinder::longestField), titleOf(track));
 }
 
 /// Where a row has gone when `rows` have moved by `step` and the others have closed up around them.
@@ -60,29 +50,45 @@ struct Lengths {
 } // namespace
 
 PlaylistModel::PlaylistModel(PlayerModel &model, QSettings &settings, QObject *parent)
-    : QObject(parent), m_model(model), m_settings(settings),
+    : QObject(parent), m_model(model), m_local(model), m_remote(model.remote()), m_settings(settings),
       m_size(Layout::snapped(settings.value(QLatin1String(sizeKey), firstSize).toSize())) {
     m_typing.setSingleShot(true);
     m_typing.setInterval(typingPause);
     connect(&m_typing, &QTimer::timeout, this, &PlaylistModel::endTyping);
     m_searching.setSingleShot(true);
     connect(&m_searching, &QTimer::timeout, this, [this] { searchOn(longestSearch); });
-    connect(&model.player(), &Player::queueChanged, this, &PlaylistModel::takeQueue);
-    m_observer = model.player().addEventObserver([this](const PlayerEvent &event) {
-        if (!std::holds_alternative<PlayerEvents::TrackChanged>(event))
-            return;
-        m_rows.reset();
-        followCurrent();
-        Q_EMIT changed();
-    });
-    m_current = model.player().queue().currentIndex();
-    takeQueue();
-    // What was played last, with what is around it.
-    scrollTo(model.player().queue().currentIndex().value_or(0) - Layout::visibleRows(m_size) / 2);
+    for (PlaylistQueue *const queue : std::initializer_list<PlaylistQueue *>{&m_local, &m_remote}) {
+        connect(queue, &PlaylistQueue::changed, this, [this, queue] {
+            if (queue == m_queue)
+                takeQueue();
+        });
+        connect(queue, &PlaylistQueue::currentChanged, this, [this, queue] {
+            if (queue == m_queue)
+                takeCurrent();
+        });
+    }
+    connect(&model.remote(), &RemoteOutput::selectionChanged, this, &PlaylistModel::chooseQueue);
+    showQueue();
 }
 
-PlaylistModel::~PlaylistModel() {
-    m_model.player().removeEventObserver(m_observer);
+// Which queue
+
+void PlaylistModel::chooseQueue() {
+    if (isRemote() == (m_queue == &m_remote))
+        return;
+    cancelTyping();
+    m_queue = isRemote() ? static_cast<PlaylistQueue *>(&m_remote) : &m_local;
+    m_selection = {};
+    m_cursor = 0;
+    m_cursorTrack = {};
+    showQueue();
+}
+
+/// What was played last, with what is around it.
+void PlaylistModel::showQueue() {
+    m_current = m_queue->currentIndex();
+    takeQueue();
+    scrollTo(m_current.value_or(0) - Layout::visibleRows(m_size) / 2);
 }
 
 // What is seen
@@ -102,7 +108,7 @@ PlaylistWindowScene PlaylistModel::scene() const {
     scene.timeLit = main.timeLit;
     if (Layout::hasVisualizer(m_size))
         scene.visualizer = main.visualizer;
-    if (const std::optional<int> current = m_model.player().queue().currentIndex(); current && scene.shaded) {
+    if (const std::optional<int> current = m_queue->currentIndex(); current && scene.shaded) {
         const Track &track = tracks()[static_cast<std::size_t>(*current)];
         scene.shadeTitle = MarqueeText::track(track.artist, track.title, 0, *current + 1);
         scene.shadeLength = track.duration > 0 ? TrackInfo::durationText(track.duration) : QString();
@@ -111,7 +117,7 @@ PlaylistWindowScene PlaylistModel::scene() const {
 }
 
 std::vector<PlaylistRow> PlaylistModel::shownRows() const {
-    const std::optional<int> current = m_model.player().queue().currentIndex();
+    const std::optional<int> current = m_queue->currentIndex();
     const int end = std::min(count(), m_firstRow + Layout::visibleRows(m_size));
     std::vector<PlaylistRow> rows;
     for (int row = m_firstRow; row < end; ++row) {
@@ -145,6 +151,7 @@ void PlaylistModel::setSize(QSize size) {
     m_settings.setValue(QLatin1String(sizeKey), m_size);
     m_rows.reset();
     scrollTo(m_firstRow);
+    wantRows();
     Q_EMIT sizeChanged();
 }
 
@@ -153,6 +160,7 @@ void PlaylistModel::scrollTo(int firstRow) {
     if (first == m_firstRow)
         return;
     m_firstRow = first;
+    wantRows();
     m_rows.reset();
     Q_EMIT changed();
 }
@@ -169,9 +177,19 @@ void PlaylistModel::reveal(int row) {
         scrollTo(row - visible + 1);
 }
 
+void PlaylistModel::wantRows() {
+    m_queue->want(m_firstRow, m_firstRow + Layout::visibleRows(m_size));
+}
+
+void PlaylistModel::takeCurrent() {
+    m_rows.reset();
+    followCurrent();
+    Q_EMIT changed();
+}
+
 // A list that the user has scrolled elsewhere stays there.
 void PlaylistModel::followCurrent() {
-    const std::optional<int> before = std::exchange(m_current, m_model.player().queue().currentIndex());
+    const std::optional<int> before = std::exchange(m_current, m_queue->currentIndex());
     const bool wasSeen =
         !before || (*before >= m_firstRow && *before < m_firstRow + Layout::visibleRows(m_size));
     if (m_current && wasSeen && !m_isMoving)
@@ -191,6 +209,7 @@ void PlaylistModel::takeQueue() {
     if (m_selection.anchor)
         m_selection.anchor = rowOf(m_anchorTrack, *m_selection.anchor);
     m_firstRow = std::min(m_firstRow, Layout::lastFirstRow(m_count, m_size));
+    wantRows();
     selectionChanged();
 }
 
@@ -333,7 +352,7 @@ void PlaylistModel::searchOn(std::chrono::milliseconds longest) {
         }
         const int row = (m_search->from + m_search->step++) % count();
         const Track &track = tracks()[static_cast<std::size_t>(row)];
-        const QString name = TextFolding::folded(nameOf(track));
+        const QString name = TextFolding::folded(TrackFinder::nameOf(track));
         const QString &wanted = m_search->wanted;
         if (name.startsWith(wanted) || TextFolding::folded(titleOf(track)).startsWith(wanted))
             select(row, Selecting::only);
@@ -349,12 +368,7 @@ void PlaylistModel::searchOn(std::chrono::milliseconds longest) {
 // What is done
 
 void PlaylistModel::play(int row) {
-    m_model.player().play(row);
-}
-
-void PlaylistModel::removeRows(const IndexSet &rows) {
-    if (!rows.empty())
-        m_model.player().removeTracks(rows);
+    m_queue->play(row);
 }
 
 void PlaylistModel::removeSelected() {
@@ -362,59 +376,17 @@ void PlaylistModel::removeSelected() {
     if (rows.empty())
         return;
     const int first = *rows.begin();
-    removeRows(rows);
+    m_queue->remove(rows);
     select(std::min(first, count() - 1), Selecting::only);
 }
 
 void PlaylistModel::crop() {
-    if (hasSelection())
+    if (hasSelection() && !isRemote())
         m_model.player().cropTracks(IndexSet(selectedRows()));
 }
 
 void PlaylistModel::removeAll() {
-    m_model.clearQueue();
-}
-
-void PlaylistModel::removeMissing() {
-    std::vector<std::pair<QUuid, QString>> files;
-    for (const Track &track : tracks()) {
-        if (const QUrl *file = std::get_if<QUrl>(&track.source); file && file->isLocalFile())
-            files.emplace_back(track.id, file->toLocalFile());
-    }
-    const auto findMissing = [files] {
-        QSet<QUuid> missing;
-        for (const auto &[id, path] : files) {
-            if (!QFileInfo::exists(path))
-                missing.insert(id);
-        }
-        return missing;
-    };
-    inBackground(*QThreadPool::globalInstance(), this, findMissing, [this](const QSet<QUuid> &missing) {
-        PlaylistSelection gone;
-        gone.ids = missing;
-        removeRows(gone.indices(tracks()));
-        m_model.showNotice(missing.isEmpty()     ? tr("No file is missing")
-                           : missing.size() == 1 ? tr("Removed 1 missing file")
-                                                 : tr("Removed %1 missing files").arg(missing.size()));
-    });
-}
-
-void PlaylistModel::removeDuplicates() {
-    QSet<Track::Source> seen;
-    const std::optional<int> current = m_model.player().queue().currentIndex();
-    if (current)
-        seen.insert(tracks()[static_cast<std::size_t>(*current)].source);
-    IndexSet duplicates;
-    for (int row = 0; row < count(); ++row) {
-        const Track::Source &source = tracks()[static_cast<std::size_t>(row)].source;
-        if (row != current && seen.contains(source))
-            duplicates.insert(duplicates.end(), row);
-        seen.insert(source);
-    }
-    removeRows(duplicates);
-    m_model.showNotice(duplicates.empty()       ? tr("There are no duplicates")
-                       : duplicates.size() == 1 ? tr("Removed 1 duplicate")
-                                                : tr("Removed %1 duplicates").arg(duplicates.size()));
+    m_queue->clear();
 }
 
 // Costs what is moved, not how long the list is: a drag does it for every row that the pointer passes.
@@ -428,7 +400,7 @@ int PlaylistModel::moveSelected(int by) {
     m_rows.reset();
     {
         const QScopedValueRollback moving(m_isMoving, true);
-        m_model.player().moveTracks(rows, step);
+        m_queue->move(rows, step);
     }
     IndexSet moved;
     for (const int row : rows)
@@ -439,36 +411,6 @@ int PlaylistModel::moveSelected(int by) {
         m_selection.anchor = movedRow(*m_selection.anchor, rows, step);
     Q_EMIT changed();
     return step;
-}
-
-void PlaylistModel::sortByTitle() {
-    const QCollator collator = nameOrder();
-    std::vector<QCollatorSortKey> keys;
-    keys.reserve(tracks().size());
-    for (const Track &track : tracks())
-        keys.push_back(collator.sortKey(nameOf(track)));
-    std::vector<int> order(tracks().size());
-    std::iota(order.begin(), order.end(), 0);
-    std::ranges::sort(order, [&](int left, int right) {
-        const int way = keys[static_cast<std::size_t>(left)].compare(keys[static_cast<std::size_t>(right)]);
-        return way < 0 || (way == 0 && left < right);
-    });
-    m_model.player().reorderTracks(order);
-}
-
-void PlaylistModel::save(const QUrl &list) {
-    const auto write = [list, saved = tracks()] {
-        try {
-            PlaylistFile::write(list, saved);
-            return QString();
-        } catch (const LocalPlaybackError &error) {
-            return error.description();
-        }
-    };
-    inBackground(*QThreadPool::globalInstance(), this, write, [this](const QString &failure) {
-        if (!failure.isEmpty())
-            m_model.showNotice(failure);
-    });
 }
 
 } // namespace vantor

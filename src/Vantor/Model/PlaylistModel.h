@@ -2,22 +2,22 @@
 
 #include "AudioCore/Queue/PlaylistSelection.h"
 #include "SkinKit/Rendering/PlaylistWindowScene.h"
-#include "Vantor/Model/PlayerModel.h"
+#include "Vantor/Model/LocalPlaylist.h"
+#include "Vantor/Remote/RemotePlaylist.h"
 
 #include <QObject>
 #include <QTimer>
 
 namespace vantor {
 
-/// The queue as the playlist window shows it and works on it: which rows are seen and selected, and what is
-/// done to them. Main thread; borrows the player's model and the settings. Rows that there are not are
-/// ignored.
+/// The queue as the playlist window shows it and works on it: the player's, or while a speaker is selected
+/// the speaker's; which rows are seen and selected, and what is done to them. Main thread; borrows the
+/// player's model and the settings. Rows that there are not are ignored.
 class PlaylistModel : public QObject {
     Q_OBJECT
 
   public:
     PlaylistModel(PlayerModel &model, QSettings &settings, QObject *parent = nullptr);
-    ~PlaylistModel() override;
 
     /// What the window shows now, but for what only the window knows (focus, what is pressed, pop-ups).
     [[nodiscard]] PlaylistWindowScene scene() const;
@@ -25,6 +25,12 @@ class PlaylistModel : public QObject {
     /// The window's full size in skin pixels, kept in the settings; any size is taken to the nearest step.
     [[nodiscard]] QSize size() const { return m_size; }
     void setSize(QSize size);
+
+    /// Whether it is a speaker's queue.
+    [[nodiscard]] bool isRemote() const { return m_model.remote().isSelected(); }
+    /// The player's queue, also while another one is shown.
+    [[nodiscard]] LocalPlaylist &local() { return m_local; }
+    [[nodiscard]] std::optional<int> currentIndex() const { return m_queue->currentIndex(); }
 
     // What is seen. Scrolling stops at the ends.
     [[nodiscard]] int count() const { return static_cast<int>(tracks().size()); }
@@ -60,20 +66,10 @@ class PlaylistModel : public QObject {
     // What is done.
     void play(int row);
     void removeSelected(); ///< and selects the row that takes the first one's place
-    void crop();
+    void crop();           ///< not of a speaker's queue
     void removeAll();
-    /// Files that are not there any more; found out on a worker thread.
-    void removeMissing();
-    void removeDuplicates(); ///< of one file or library item the playing entry stays, else the first
     /// Moves the selected rows together, as far as the list's ends allow; by how many they really moved.
     int moveSelected(int by);
-    void sortByTitle();
-    void sort(PlaylistSortKey key) { m_model.player().sortQueue(key); }
-    void reverse() { m_model.player().reverseQueue(); }
-    void randomize() { m_model.player().randomizeQueue(); }
-    /// Writes the list on a worker thread; a failure is shown as a notice.
-    void save(const QUrl &list);
-
   Q_SIGNALS:
     void changed(); ///< the scene
     void sizeChanged();
@@ -88,20 +84,25 @@ class PlaylistModel : public QObject {
     };
 
     void searchOn(std::chrono::milliseconds longest);
-    [[nodiscard]] const std::vector<Track> &tracks() const { return m_model.player().queue().tracks(); }
+    [[nodiscard]] const std::vector<Track> &tracks() const { return m_queue->tracks(); }
+    void chooseQueue();
+    void showQueue();
+    void wantRows();
+    void takeCurrent();
     void followCurrent();
     void takeQueue();
     [[nodiscard]] QUuid idAt(int row) const;
     [[nodiscard]] std::optional<int> rowOf(const QUuid &id, int before) const;
     void selectionChanged();
-    void removeRows(const IndexSet &rows);
     [[nodiscard]] const IndexSet &selectedRows() const;
     [[nodiscard]] std::vector<PlaylistRow> shownRows() const;
     [[nodiscard]] QString runningTime() const;
 
     PlayerModel &m_model;
+    LocalPlaylist m_local;
+    RemotePlaylist m_remote;
+    PlaylistQueue *m_queue = &m_local;
     QSettings &m_settings;
-    PlayerEventToken m_observer;
     PlaylistSelection m_selection;
     QSize m_size;
     int m_firstRow = 0;

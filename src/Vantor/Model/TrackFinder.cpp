@@ -1,5 +1,6 @@
 #include "Vantor/Model/TrackFinder.h"
 
+#include "MusicBackendKit/MarqueeText.h"
 #include "Platform/TextFolding.h"
 
 #include <QStringMatcher>
@@ -22,6 +23,10 @@ QString searchText(const Track &track) {
 }
 
 } // namespace
+
+QString TrackFinder::nameOf(const Track &track) {
+    return MarqueeText::name(track.artist.left(longestField), track.title.left(longestField));
+}
 
 TrackFinder::TrackFinder(const std::vector<Track> &tracks) : m_found(tracks.size()) {
     m_texts.reserve(tracks.size());

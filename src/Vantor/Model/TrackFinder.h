@@ -14,6 +14,9 @@ class TrackFinder {
   public:
     static constexpr qsizetype longestField = 256; ///< of what a file says of itself
 
+    /// "Artist - Title", of fields of that length.
+    [[nodiscard]] static QString nameOf(const Track &track);
+
     explicit TrackFinder(const std::vector<Track> &tracks);
 
     /// The rows whose artist, title, album or file name contain every word of the query, ascending; all rows

@@ -3,6 +3,8 @@
 #include "Vantor/Model/PlayerModel.h"
 #include "Vantor/Windows/Commands.h"
 
+#include <QCryptographicHash>
+
 #include <cmath>
 
 namespace vantor {
@@ -34,6 +36,10 @@ MprisPlayer::MprisPlayer(QObject *service, PlayerModel &model, Commands &command
     Player &player = model.player();
     for (const auto signal : {&Player::queueChanged, &Player::stateChanged, &Player::volumeChanged})
         connect(&player, signal, &m_telling, qOverload<>(&QTimer::start));
+    connect(&model.remote(), &RemoteOutput::selectionChanged, this, &MprisPlayer::showArtwork);
+    connect(&model.remote(), &RemoteOutput::changed, this, &MprisPlayer::showArtwork);
+    connect(&model.remote(), &RemoteOutput::seeked, this,
+            [this](double seconds) { Q_EMIT Seeked(inMicroseconds(seconds)); });
     m_observer = player.addEventObserver([this](const PlayerEvent &event) { handle(event); });
     m_told = properties();
 }
@@ -44,14 +50,12 @@ MprisPlayer::~MprisPlayer() {
 
 void MprisPlayer::publish(const NowPlayingInfo &info) {
     m_info = info;
-    takeArtwork(info.artwork);
-    m_telling.start();
+    showArtwork();
 }
 
 void MprisPlayer::clear() {
     m_info.reset();
-    takeArtwork({});
-    m_telling.start();
+    showArtwork();
 }
 
 void MprisPlayer::setHandler(NowPlayingCommand command, Handler handler) {
@@ -61,6 +65,12 @@ void MprisPlayer::setHandler(NowPlayingCommand command, Handler handler) {
 
 void MprisPlayer::setEnabled(NowPlayingCommand command, bool enabled) {
     m_commands[command].enabled = enabled;
+    m_telling.start();
+}
+
+void MprisPlayer::showArtwork() {
+    const RemoteOutput &remote = m_model.remote();
+    takeArtwork(remote.isSelected() ? remote.artwork() : m_info ? m_info->artwork : QImage());
     m_telling.start();
 }
 
@@ -83,9 +93,9 @@ void MprisPlayer::takeArtwork(const QImage &artwork) {
 // Telling what has changed
 
 void MprisPlayer::handle(const PlayerEvent &event) {
-    if (const auto *seeked = std::get_if<PlayerEvents::Seeked>(&event)) {
+    const auto *const seeked = std::get_if<PlayerEvents::Seeked>(&event);
+    if (seeked && !m_model.remote().isSelected())
         Q_EMIT Seeked(inMicroseconds(seeked->time));
-    }
 }
 
 QVariantMap MprisPlayer::properties() const {
@@ -117,14 +127,14 @@ void MprisPlayer::tellChanges() {
 
 // What is loading counts as what will come of it: between two tracks nothing stops.
 QString MprisPlayer::playbackStatus() const {
-    const Player &player = m_model.player();
-    if (player.state() == PlaybackState::stopped)
+    const PlaybackView view = m_model.target().view();
+    if (view.state == PlaybackState::stopped)
         return QStringLiteral("Stopped");
-    return player.wantsToPlay() ? QStringLiteral("Playing") : QStringLiteral("Paused");
+    return view.wantsToPlay ? QStringLiteral("Playing") : QStringLiteral("Paused");
 }
 
 QString MprisPlayer::loopStatus() const {
-    const auto *const named = std::ranges::find(loopNames, m_model.player().repeatMode(),
+    const auto *const named = std::ranges::find(loopNames, m_model.target().view().repeat,
                                                 &std::pair<RepeatMode, const char *>::first);
     return QLatin1String(named->second);
 }
@@ -143,7 +153,7 @@ void MprisPlayer::setRate(double rate) {
 }
 
 bool MprisPlayer::isShuffled() const {
-    return m_model.player().isShuffled();
+    return m_model.target().view().isShuffled;
 }
 
 void MprisPlayer::setShuffled(bool on) {
@@ -152,10 +162,48 @@ void MprisPlayer::setShuffled(bool on) {
 }
 
 QVariantMap MprisPlayer::metadata() const {
+    QVariantMap map = m_model.remote().isSelected() ? remoteMetadata() : localMetadata();
+    if (!map.isEmpty() && !m_artworkPath.isEmpty())
+        map[QStringLiteral("mpris:artUrl")] = QUrl::fromLocalFile(m_artworkPath).toString(QUrl::FullyEncoded);
+    return map;
+}
+
+/// What plays now; an empty one while nothing does.
+QDBusObjectPath MprisPlayer::trackPath() const {
+    if (!m_model.remote().isSelected()) {
+        const std::optional<Track> track = m_model.player().queue().current();
+        return track ? pathOf(*track) : QDBusObjectPath();
+    }
+    const NowPlaying playing = m_model.remote().nowPlaying();
+    if (!playing.title)
+        return {};
+    const QString place = QString::number(m_model.remote().queue().currentIndex.value_or(0));
+    const QString name = playing.item ? playing.item->description() : playing.title.value_or(QString());
+    const QByteArray word = (place + QLatin1Char('/') + name).toUtf8();
+    const QByteArray hash = QCryptographicHash::hash(word, QCryptographicHash::Md5).toHex();
+    return QDBusObjectPath(QStringLiteral("/co/kelvane/vantor/remote/") + QString::fromLatin1(hash));
+}
+
+QVariantMap MprisPlayer::remoteMetadata() const {
+    const NowPlaying playing = m_model.remote().nowPlaying();
+    if (!playing.title)
+        return {};
+    QVariantMap map{{QStringLiteral("mpris:trackid"), QVariant::fromValue(trackPath())},
+                    {QStringLiteral("xesam:title"), *playing.title}};
+    if (const double duration = m_model.target().view().duration; duration > 0)
+        map[QStringLiteral("mpris:length")] = inMicroseconds(duration);
+    if (playing.artist && !playing.artist->isEmpty())
+        map[QStringLiteral("xesam:artist")] = QStringList{*playing.artist};
+    if (playing.album)
+        map[QStringLiteral("xesam:album")] = *playing.album;
+    return map;
+}
+
+QVariantMap MprisPlayer::localMetadata() const {
     const std::optional<Track> track = m_model.player().queue().current();
     if (!m_info || !track)
         return {};
-    QVariantMap map{{QStringLiteral("mpris:trackid"), QVariant::fromValue(pathOf(*track))},
+    QVariantMap map{{QStringLiteral("mpris:trackid"), QVariant::fromValue(trackPath())},
                     {QStringLiteral("xesam:title"), m_info->title}};
     if (m_info->playbackDuration > 0)
         map[QStringLiteral("mpris:length")] = inMicroseconds(m_info->playbackDuration);
@@ -165,44 +213,41 @@ QVariantMap MprisPlayer::metadata() const {
         map[QStringLiteral("xesam:album")] = *m_info->albumTitle;
     if (const QUrl *const url = std::get_if<QUrl>(&track->source))
         map[QStringLiteral("xesam:url")] = url->toString(QUrl::FullyEncoded);
-    if (!m_artworkPath.isEmpty())
-        map[QStringLiteral("mpris:artUrl")] = QUrl::fromLocalFile(m_artworkPath).toString(QUrl::FullyEncoded);
     return map;
 }
 
 double MprisPlayer::volume() const {
-    return m_model.player().volume();
+    return m_model.target().view().volume.value_or(1);
 }
 
 void MprisPlayer::setVolume(double volume) {
     if (std::isfinite(volume))
-        m_model.changeVolume(std::clamp(volume, 0.0, 1.0) - this->volume());
+        m_model.setVolume(volume);
 }
 
 qlonglong MprisPlayer::position() const {
-    return inMicroseconds(m_model.player().currentTime());
+    return inMicroseconds(m_model.target().view().elapsed);
 }
 
 bool MprisPlayer::canGoNext() const {
-    return offers(NowPlayingCommand::nextTrack) && m_model.player().queue().hasForwardTarget();
+    return offers(NowPlayingCommand::nextTrack) && m_model.target().view().hasNext;
 }
 
 // Where there is no track before, it goes back to the beginning of this one.
 bool MprisPlayer::canGoPrevious() const {
-    return offers(NowPlayingCommand::previousTrack) && m_info;
+    return offers(NowPlayingCommand::previousTrack) && !trackPath().path().isEmpty();
 }
 
 bool MprisPlayer::canPlay() const {
-    return offers(NowPlayingCommand::play) && m_model.player().queue().count() > 0;
+    return offers(NowPlayingCommand::play) && !m_model.target().view().isEmpty;
 }
 
 bool MprisPlayer::canPause() const {
-    return offers(NowPlayingCommand::pause) && m_model.player().queue().count() > 0;
+    return offers(NowPlayingCommand::pause) && !m_model.target().view().isEmpty;
 }
 
 bool MprisPlayer::canSeek() const {
-    return offers(NowPlayingCommand::changePlaybackPosition) &&
-           m_model.player().state() != PlaybackState::stopped && m_model.player().duration() > 0;
+    return offers(NowPlayingCommand::changePlaybackPosition) && m_model.target().view().isSeekable();
 }
 
 // Commands
@@ -244,18 +289,18 @@ void MprisPlayer::Play() {
 void MprisPlayer::Seek(qlonglong Offset) {
     if (!canSeek())
         return;
-    const double target = m_model.player().currentTime() + static_cast<double>(Offset) / microseconds;
-    if (target > m_model.player().duration())
+    const PlaybackView view = m_model.target().view();
+    const double target = view.elapsed + static_cast<double>(Offset) / microseconds;
+    if (target > view.duration)
         Next();
     else
         run(NowPlayingCommand::changePlaybackPosition, std::max(0.0, target));
 }
 
 void MprisPlayer::SetPosition(const QDBusObjectPath &TrackId, qlonglong Position) {
-    const std::optional<Track> track = m_model.player().queue().current();
     const double target = static_cast<double>(Position) / microseconds;
-    const bool inside = target >= 0 && target <= m_model.player().duration();
-    if (canSeek() && inside && track && TrackId == pathOf(*track))
+    const bool inside = target >= 0 && target <= m_model.target().view().duration;
+    if (canSeek() && inside && TrackId == trackPath())
         run(NowPlayingCommand::changePlaybackPosition, target);
 }
 

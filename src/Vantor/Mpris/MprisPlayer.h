@@ -95,7 +95,11 @@ class MprisPlayer : public QDBusAbstractAdaptor, public NowPlayingCenter {
     void run(NowPlayingCommand command, double seconds = 0);
     [[nodiscard]] bool offers(NowPlayingCommand command) const;
     void handle(const PlayerEvent &event);
+    void showArtwork();
     void takeArtwork(const QImage &artwork);
+    [[nodiscard]] QDBusObjectPath trackPath() const;
+    [[nodiscard]] QVariantMap localMetadata() const;
+    [[nodiscard]] QVariantMap remoteMetadata() const;
     void tellChanges();
     [[nodiscard]] QVariantMap properties() const;
 

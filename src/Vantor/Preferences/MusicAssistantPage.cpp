@@ -2,7 +2,7 @@
 
 #include "Vantor/Preferences/ServerAdder.h"
 #include "Vantor/Preferences/ServerEditor.h"
-#include "Vantor/Windows/AskBox.h"
+#include "Vantor/Windows/AskBefore.h"
 
 #include <QHBoxLayout>
 #include <QListWidget>
@@ -63,7 +63,8 @@ MusicAssistantPage::MusicAssistantPage(MusicAssistantServers &servers, QWidget *
     m_list->setAccessibleName(tr("Servers"));
     m_list->setItemDelegate(new ServerDelegate(m_list));
     m_list->setDragDropMode(QAbstractItemView::InternalMove);
-    m_list->setToolTip(tr("The first one that can be reached is used, those of the Wi-Fi network before the others"));
+    m_list->setToolTip(
+        tr("The first one that can be reached is used, those of the Wi-Fi network before the others"));
     auto *const known = new QVBoxLayout(m_known);
     known->setContentsMargins(0, 0, 0, 0);
     known->setSpacing(2);
@@ -172,7 +173,8 @@ void MusicAssistantPage::showStates() {
         else if (selection)
             state = selection->outcomeText(id);
         item.setData(stateRole, state);
-        item.setData(Qt::AccessibleTextRole, state.isEmpty() ? item.text() : item.text() + QStringLiteral(", ") + state);
+        item.setData(Qt::AccessibleTextRole,
+                     state.isEmpty() ? item.text() : item.text() + QStringLiteral(", ") + state);
     }
 }
 
@@ -228,8 +230,9 @@ void MusicAssistantPage::askToRemove() {
     const auto server = id ? m_servers.list().server(*id) : std::nullopt;
     if (!server)
         return;
-    AskBox::ask(this, tr("Remove “%1”?").arg(server->name), tr("Its token is forgotten. The server itself stays as it is."),
-                tr("Remove"), [this, id] { m_servers.settings().remove(*id); });
+    askBefore(this, tr("Remove “%1”?").arg(server->name),
+              tr("Its token is forgotten. The server itself stays as it is."), tr("Remove"),
+              [this, id] { m_servers.settings().remove(*id); });
 }
 
 } // namespace vantor

@@ -35,11 +35,12 @@ NetworkNames::NetworkNames(WiFiNetworkProvider &wifi, QWidget *parent)
     auto *const buttons = new QVBoxLayout;
     buttons->addWidget(m_useCurrent);
     buttons->addLayout(small);
-    buttons->addStretch(1);
     auto *const layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(m_list, 1);
+    layout->addWidget(m_list, 1, Qt::AlignTop);
     layout->addLayout(buttons);
+    layout->setAlignment(buttons, Qt::AlignTop);
+    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
 
     auto *const removing = new QShortcut(QKeySequence::Delete, m_list);
     removing->setContext(Qt::WidgetShortcut);
@@ -106,8 +107,8 @@ void NetworkNames::tell() {
 void NetworkNames::showNetwork() {
     const auto name = m_wifi.ssid();
     m_useCurrent->setEnabled(name && !names().contains(name->trimmed()));
-    const auto message = m_wifi.authorization() == WiFiAuthorization::notDetermined ? std::nullopt
-                                                                                    : m_wifi.locationMessage();
+    const auto message =
+        m_wifi.authorization() == WiFiAuthorization::notDetermined ? std::nullopt : m_wifi.locationMessage();
     m_useCurrent->setToolTip(name      ? tr("Prefer this server on “%1”").arg(*name)
                              : message ? vantor::message(*message)
                                        : QString());

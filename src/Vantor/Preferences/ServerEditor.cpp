@@ -25,8 +25,7 @@ ServerEditor::ServerEditor(MusicAssistantServers &servers, QWidget *parent)
     m_token->setEchoMode(QLineEdit::Password);
     m_token->setPlaceholderText(MusicAssistantSettingsModel::tokenPlaceholder());
     m_networks->setToolTip(tr("The Wi-Fi networks on which this server is preferred"));
-    auto *const layout = new QFormLayout(this);
-    layout->setContentsMargins(0, 0, 0, 0);
+    auto *const layout = new QFormLayout;
     layout->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
     layout->addRow(tr("&Name"), m_name);
     layout->addRow(tr("&Address"), m_address);
@@ -34,7 +33,11 @@ ServerEditor::ServerEditor(MusicAssistantServers &servers, QWidget *parent)
     layout->addRow(tr("T&oken"), m_token);
     layout->addRow(QString(), m_kept);
     layout->addRow(tr("Net&works"), m_networks);
-    layout->addRow(makeTest());
+    auto *const whole = new QVBoxLayout(this);
+    whole->setContentsMargins(0, 0, 0, 0);
+    whole->addLayout(layout);
+    whole->addWidget(makeTest());
+    whole->addStretch(1);
 
     connect(m_name, &QLineEdit::editingFinished, this, &ServerEditor::takeName);
     connect(m_address, &QLineEdit::editingFinished, this, [this] { (void)takeAddress(); });
@@ -174,8 +177,8 @@ void ServerEditor::showStatus() {
                                                 MusicAssistantConnectionFailure::Case::serverMismatch);
     m_status->setText(isTesting ? tr("Testing…") : status.text == keptText ? QString() : status.text);
     const bool isToldOf = status.kind == Status::Kind::passed || status.kind == Status::Kind::failed;
-    const auto sign = status.kind == Status::Kind::passed ? QStyle::SP_DialogApplyButton
-                                                          : QStyle::SP_MessageBoxWarning;
+    const auto sign =
+        status.kind == Status::Kind::passed ? QStyle::SP_DialogApplyButton : QStyle::SP_MessageBoxWarning;
     m_sign->setVisible(isToldOf);
     if (isToldOf)
         m_sign->setPixmap(style()->standardIcon(sign).pixmap(16));

@@ -2,6 +2,7 @@
 
 #include "Vantor/Library/MusicLibrary.h"
 #include "Vantor/Model/SkinSwitcher.h"
+#include "Vantor/Remote/SpeakersPanel.h"
 #include "Vantor/Windows/DialogPlace.h"
 #include "Vantor/Windows/FileInfoDialog.h"
 #include "Vantor/Windows/JumpToFileDialog.h"
@@ -23,8 +24,6 @@ namespace vantor {
 
 namespace {
 
-using ::operator|; // of keys, which our own flags' operators hide
-
 constexpr double volumeStep = 0.02;
 constexpr double seekStep = 5; // seconds
 
@@ -36,6 +35,17 @@ Commands::Commands(PlayerModel &model) : m_model(model) {
     addSkins();
     addVisualisation();
     addWindows();
+    connect(&model.remote(), &RemoteOutput::selectionChanged, this, &Commands::takeSelection);
+    takeSelection();
+}
+
+// What is about files, is so only where files play.
+void Commands::takeSelection() {
+    for (const Id id : {Id::jumpToFile, Id::fileInfo})
+        action(id).setEnabled(!m_model.remote().isSelected());
+    const bool hasFavorites = m_model.remote().isAvailable() &&
+                              m_model.remote().capabilities().testFlag(MusicBackendCapability::favorites);
+    action(Id::favoriteTrack).setEnabled(hasFavorites);
 }
 
 void Commands::addTo(SkinnedWindow &window) {
@@ -109,19 +119,26 @@ void Commands::oneOf(std::initializer_list<Id> ids) {
 }
 
 void Commands::addPlayback() {
-    Player &player = m_model.player();
-    add(Id::previous, tr("Previous"), {Qt::Key_Z, Qt::Key_MediaPrevious}, [&player] { player.previous(); });
-    add(Id::play, tr("Play"), {Qt::Key_X}, [this, &player] {
-        if (player.queue().count() == 0)
+    const auto send = [this](Id id, const QString &text, const QList<QKeySequence> &keys,
+                             const TransportCommand &command) {
+        add(id, text, keys, [this, command] { m_model.transport(command); });
+    };
+    send(Id::previous, tr("Previous"), {Qt::Key_Z, Qt::Key_MediaPrevious}, TransportCommand::previous());
+    add(Id::play, tr("Play"), {Qt::Key_X}, [this] {
+        const PlaybackView view = m_model.target().view();
+        if (view.isEmpty && !m_model.remote().isSelected())
             OpenDialogs::openFiles(m_model, activeWindow());
-        else if (player.state() == PlaybackState::playing)
-            player.seek(0);
+        else if (view.state == PlaybackState::playing)
+            m_model.transport(TransportCommand::seek(0));
         else
-            player.play();
+            m_model.transport(TransportCommand::play());
     });
-    add(Id::pause, tr("Pause"), {Qt::Key_C, Qt::Key_Space}, [&player] { player.togglePause(); });
-    add(Id::stop, tr("Stop"), {Qt::Key_V, Qt::Key_MediaStop}, [&player] { player.stop(); });
-    add(Id::next, tr("Next"), {Qt::Key_B, Qt::Key_MediaNext}, [&player] { player.next(); });
+    add(Id::pause, tr("Pause"), {Qt::Key_C, Qt::Key_Space}, [this] {
+        if (m_model.target().view().state != PlaybackState::stopped)
+            m_model.transport(TransportCommand::togglePlayPause());
+    });
+    send(Id::stop, tr("Stop"), {Qt::Key_V, Qt::Key_MediaStop}, TransportCommand::stop());
+    send(Id::next, tr("Next"), {Qt::Key_B, Qt::Key_MediaNext}, TransportCommand::next());
     add(Id::volumeUp, tr("Volume Up"), {Qt::Key_Up}, [this] { m_model.changeVolume(volumeStep); });
     add(Id::volumeDown, tr("Volume Down"), {Qt::Key_Down}, [this] { m_model.changeVolume(-volumeStep); });
     add(Id::seekBack, tr("Back 5 Seconds"), {Qt::Key_Left}, [this] { m_model.seekBy(-seekStep); });
@@ -129,34 +146,40 @@ void Commands::addPlayback() {
     for (const Id id : {Id::volumeUp, Id::volumeDown, Id::seekBack, Id::seekForward})
         action(id).setAutoRepeat(true);
     addCheck(
-        Id::shuffle, tr("Shuffle"), {Qt::Key_S}, [&player] { return player.isShuffled(); },
+        Id::shuffle, tr("Shuffle"), {Qt::Key_S}, [this] { return m_model.target().view().isShuffled; },
         [this] { m_model.toggleShuffle(); });
     addCheck(
-        Id::repeat, tr("Repeat"), {Qt::Key_R}, [&player] { return player.repeatMode() != RepeatMode::off; },
+        Id::repeat, tr("Repeat"), {Qt::Key_R},
+        [this] { return m_model.target().view().repeat != RepeatMode::off; },
         [this] { m_model.toggleRepeat(); });
+    add(Id::speakers, tr("Speakers…"), {Qt::ALT | Qt::Key_O}, [this] { showSpeakers(); });
+    add(Id::favoriteTrack, tr("Add to Favourites"), {}, [this] { m_model.remote().favoriteCurrent(); });
 }
 
 // The desktop
 
 void Commands::play() {
-    Player &player = m_model.player();
-    if (player.queue().count() > 0 && !player.wantsToPlay())
+    const PlaybackView view = m_model.target().view();
+    if (!view.isEmpty && !view.wantsToPlay)
         trigger(Id::play);
 }
 
 void Commands::pause() {
-    Player &player = m_model.player();
-    if (player.state() == PlaybackState::playing)
+    if (m_model.target().view().state == PlaybackState::playing)
         trigger(Id::pause);
-    else
-        player.pause(); // what is loading, which the command would set going again the second time
+    else // what is loading, which the command would set going again the second time
+        m_model.transport(TransportCommand::pause());
 }
 
 void Commands::togglePlayPause() {
-    if (m_model.player().state() == PlaybackState::stopped)
+    if (m_model.target().view().state == PlaybackState::stopped)
         play();
     else
         trigger(Id::pause);
+}
+
+void Commands::seek(double seconds) {
+    m_model.transport(TransportCommand::seek(seconds));
 }
 
 void Commands::addOpening() {
@@ -335,6 +358,16 @@ void Commands::showPreferences(std::optional<PreferencesPage> page) {
     m_preferences->show();
     m_preferences->raise();
     m_preferences->activateWindow();
+}
+
+void Commands::showSpeakers() {
+    if (!m_speakers) {
+        m_speakers = new SpeakersDialog(m_model.remote(), activeWindow());
+        DialogPlace::beside(*m_speakers, shownFrames());
+    }
+    m_speakers->show();
+    m_speakers->raise();
+    m_speakers->activateWindow();
 }
 
 void Commands::showAbout() {

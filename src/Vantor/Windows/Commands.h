@@ -20,12 +20,14 @@ class MusicLibrary;
 class PreferencesDialog;
 class SkinSwitcher;
 class SkinnedWindow;
+class SpeakersDialog;
 struct SkinRecord;
 
 /// Every command of the program, once: buttons trigger them, menus list them and their shortcuts work in
 /// every skinned window, but in no dialog. What the desktop commands triggers them too, but for the desktop
 /// no dialog opens and what plays is not begun again; a pause of what is still loading and a place in the
-/// track go to the player itself, because no command means them. Main thread.
+/// track go past them, because no command means them. What plays is commanded where the user has selected it
+/// to play. Main thread.
 class Commands : public QObject, public NowPlayingCommandTarget {
     Q_OBJECT
 
@@ -46,6 +48,8 @@ class Commands : public QObject, public NowPlayingCommandTarget {
         seekForward,
         shuffle,
         repeat,
+        speakers,
+        favoriteTrack,
         loadSkin,
         defaultSkin,
         skinBrowser,
@@ -106,7 +110,7 @@ class Commands : public QObject, public NowPlayingCommandTarget {
     void stop() override { trigger(Id::stop); }
     void next() override { trigger(Id::next); }
     void previous() override { trigger(Id::previous); }
-    void seek(double seconds) override { m_model.player().seek(seconds); }
+    void seek(double seconds) override;
 
     /// The skinned window that the user works in, else the main one; over it dialogs open.
     [[nodiscard]] SkinnedWindow *activeWindow() const;
@@ -142,7 +146,9 @@ class Commands : public QObject, public NowPlayingCommandTarget {
     void showFileInfo();
     /// Without a page, as it was left.
     void showPreferences(std::optional<PreferencesPage> page = {});
+    void showSpeakers();
     void showAbout();
+    void takeSelection();
 
     struct Submenu {
         QString title;
@@ -157,6 +163,7 @@ class Commands : public QObject, public NowPlayingCommandTarget {
     std::vector<QPointer<SkinnedWindow>> m_windows;
     std::vector<Submenu> m_submenus;
     QPointer<PreferencesDialog> m_preferences; ///< while it is open
+    QPointer<SpeakersDialog> m_speakers;       ///< the same
     std::map<Id, QAction *> m_actions;         ///< owned by this object
     std::map<Id, std::function<bool()>> m_checks;
 };

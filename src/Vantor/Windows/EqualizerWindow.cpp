@@ -125,8 +125,9 @@ QRegion EqualizerWindow::composeScene() {
     scene.autoLoad = m_equalizer.isAuto();
     scene.preamp = EQLayout::value(state.preamp());
     std::ranges::transform(state.gains(), scene.bands.begin(), EQLayout::value);
-    scene.volume = model().player().volume();
-    scene.balance = model().player().balance();
+    const PlaybackView view = model().target().view();
+    scene.volume = view.volume.value_or(1);
+    scene.balance = view.balance;
     const QRegion changed = EqualizerWindowRenderer::changed(m_scene, scene);
     m_scene = scene;
     return changed;

@@ -2,6 +2,7 @@
 
 #include "Vantor/Model/PlayerModel.h"
 #include "Vantor/Model/SkinSwitcher.h"
+#include "Vantor/Remote/OutputMenu.h"
 #include "Vantor/Windows/Commands.h"
 
 #include <QActionGroup>
@@ -34,13 +35,9 @@ class Adder {
     Commands &m_commands;
 };
 
-// An ampersand in a foreign name is no key of the menu.
-QString label(QString name) {
-    return name.replace(QLatin1Char('&'), QLatin1String("&&"));
-}
-
 void addSkin(QMenu &menu, const QUrl &skin, PlayerModel &model) {
-    QAction *const action = menu.addAction(label(QFileInfo(skin.toLocalFile()).completeBaseName()));
+    QAction *const action =
+        menu.addAction(OutputMenu::label(QFileInfo(skin.toLocalFile()).completeBaseName()));
     action->setCheckable(true);
     action->setChecked(skin == model.skinUrl());
     QObject::connect(action, &QAction::triggered, &model, [&model, skin] { model.wear(skin); });
@@ -48,7 +45,7 @@ void addSkin(QMenu &menu, const QUrl &skin, PlayerModel &model) {
 
 void fillSkinsFolder(QMenu &menu, Commands &commands, const SkinSwitcher &skins) {
     for (const SkinRecord &skin : skins.first()) {
-        QAction *const action = menu.addAction(label(skin.name));
+        QAction *const action = menu.addAction(OutputMenu::label(skin.name));
         action->setCheckable(true);
         action->setChecked(skin.id == skins.worn());
         QObject::connect(action, &QAction::triggered, &commands,
@@ -78,13 +75,28 @@ void fillSkins(QMenu &menu, Commands &commands, const Adder &add, PlayerModel &m
 void fillOutputs(QMenu &menu, PlayerModel &model) {
     auto *group = new QActionGroup(&menu);
     for (const OutputChoice::Item &item : model.output().items()) {
-        QAction *const action = menu.addAction(label(item.label));
+        QAction *const action = menu.addAction(OutputMenu::label(item.label));
         action->setCheckable(true);
         action->setChecked(item.chosen);
         group->addAction(action);
         QObject::connect(action, &QAction::triggered, &model,
                          [&model, key = item.key] { model.output().choose(key); });
     }
+}
+
+/// Where the music source plays, if there is a choice.
+void fillSpeakers(QMenu &menu, Commands &commands, RemoteOutput &remote) {
+    LibraryBrowser *const browser = remote.browser();
+    const bool hasChoice = browser && (browser->outputs().size() > 1 || remote.isSelected());
+    commands.action(Id::speakers).setEnabled(hasChoice);
+    if (!hasChoice)
+        return;
+    QMenu *const outputs = menu.addMenu(tr("Output"));
+    OutputMenu::fill(*outputs, remote);
+    outputs->addSeparator();
+    outputs->addAction(&commands.action(Id::speakers));
+    if (commands.action(Id::favoriteTrack).isEnabled())
+        outputs->addAction(&commands.action(Id::favoriteTrack));
 }
 
 } // namespace
@@ -101,6 +113,7 @@ void fill(QMenu &menu, Commands &commands, PlayerModel &model) {
     add(*playback, {Id::jumpToFile, Id::shuffle, Id::repeat});
     playback->addSeparator();
     fillOutputs(*playback->addMenu(tr("Output Device")), model);
+    fillSpeakers(menu, commands, model.remote());
     commands.fillSubmenus(menu);
     fillSkins(*menu.addMenu(tr("Skins")), commands, add, model);
     fillVisualisation(*menu.addMenu(tr("Visualisation")), commands);

@@ -186,7 +186,7 @@ void MainWindow::setValue(Control slider, double value) {
         model().setBalance(value / 100);
         break;
     case MainWindowControl::position:
-        model().player().seek(value);
+        model().transport(TransportCommand::seek(value));
         break;
     default:
         break;

@@ -1,6 +1,7 @@
 #include "Vantor/Windows/PlaylistCommands.h"
 
 #include "LocalPlayback/Playlists/PlaylistFile.h"
+#include "MusicBackendKit/MusicBackendError.h"
 #include "Vantor/Windows/FileInfoDialog.h"
 #include "Vantor/Windows/OpenDialogs.h"
 #include "Vantor/Windows/SkinnedWindow.h"
@@ -8,12 +9,14 @@
 #include <QDesktopServices>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QInputDialog>
 #include <QMenu>
 
 namespace vantor {
 
 namespace {
 
+using ::operator|; // of keys, which our own flags' operators hide
 using Entry = PlaylistMenuEntry;
 
 QString textOf(Entry entry) {
@@ -78,7 +81,33 @@ PlaylistCommands::PlaylistCommands(PlaylistModel &playlist, PlayerModel &model, 
                                    QWidget &window)
     : QObject(&window), m_playlist(playlist), m_model(model), m_commands(commands), m_window(window) {}
 
+bool PlaylistCommands::offers(PlaylistMenuEntry entry) const {
+    if (!m_playlist.isRemote())
+        return true;
+    using Capability = MusicBackendCapability;
+    const MusicBackendCapabilities capabilities = m_model.remote().capabilities();
+    switch (entry) {
+    case Entry::removeAll:
+    case Entry::newList:
+    case Entry::removeSelected:
+        return capabilities.testFlag(Capability::queueEditing);
+    case Entry::saveList:
+        return capabilities.testFlag(Capability::playlistEditing) && m_playlist.count() > 0;
+    case Entry::invertSelection:
+    case Entry::selectNone:
+    case Entry::selectAll:
+    case Entry::miscOptions:
+        return true;
+    default: // what is about files
+        return false;
+    }
+}
+
 void PlaylistCommands::run(PlaylistMenuEntry entry, QPoint at) {
+    if (!offers(entry)) { // in the pop-ups of sprites every entry looks the same
+        m_model.showNotice(MusicBackendError::unsupported({}).description());
+        return;
+    }
     const auto popUpWith = [&](void (PlaylistCommands::*fillIt)(QMenu &)) {
         QMenu *menu = newMenu();
         (this->*fillIt)(*menu);
@@ -113,7 +142,7 @@ void PlaylistCommands::run(PlaylistMenuEntry entry, QPoint at) {
     case Entry::miscOptions:
         return popUpWith(&PlaylistCommands::fillOptions);
     case Entry::saveList:
-        return saveList();
+        return m_playlist.isRemote() ? saveRemoteList() : saveList();
     case Entry::loadList:
         return loadList();
     }
@@ -141,7 +170,9 @@ void PlaylistCommands::popUp(PlaylistMenu entries, QPoint at) {
 
 void PlaylistCommands::fill(QMenu &menu, PlaylistMenu entries) {
     for (const Entry entry : PlaylistMenus::entries(entries)) {
-        if (entry == Entry::removeMisc) {
+        if (!offers(entry)) {
+            menu.addAction(textOf(entry))->setEnabled(false);
+        } else if (entry == Entry::removeMisc) {
             fillRemoval(*menu.addMenu(textOf(entry)));
         } else if (entry == Entry::sort) {
             fillSorting(*menu.addMenu(textOf(entry)));
@@ -155,24 +186,25 @@ void PlaylistCommands::fill(QMenu &menu, PlaylistMenu entries) {
 }
 
 void PlaylistCommands::fillRemoval(QMenu &menu) {
-    menu.addAction(tr("Remove Missing Files"), &m_playlist, &PlaylistModel::removeMissing);
-    menu.addAction(tr("Remove Duplicates"), &m_playlist, &PlaylistModel::removeDuplicates);
+    LocalPlaylist &list = m_playlist.local();
+    menu.addAction(tr("Remove Missing Files"), &list, &LocalPlaylist::removeMissing);
+    menu.addAction(tr("Remove Duplicates"), &list, &LocalPlaylist::removeDuplicates);
 }
 
 void PlaylistCommands::fillSorting(QMenu &menu) {
-    menu.addAction(tr("Sort by Title"), &m_playlist, &PlaylistModel::sortByTitle);
-    menu.addAction(tr("Sort by File Name"), &m_playlist,
-                   [this] { m_playlist.sort(PlaylistSortKey::fileName); });
-    menu.addAction(tr("Sort by Path"), &m_playlist, [this] { m_playlist.sort(PlaylistSortKey::path); });
+    LocalPlaylist &list = m_playlist.local();
+    menu.addAction(tr("Sort by Title"), &list, &LocalPlaylist::sortByTitle);
+    menu.addAction(tr("Sort by File Name"), &list, [&list] { list.sort(PlaylistSortKey::fileName); });
+    menu.addAction(tr("Sort by Path"), &list, [&list] { list.sort(PlaylistSortKey::path); });
     menu.addSeparator();
-    menu.addAction(tr("Reverse List"), &m_playlist, &PlaylistModel::reverse);
-    menu.addAction(tr("Randomise List"), &m_playlist, &PlaylistModel::randomize);
+    menu.addAction(tr("Reverse List"), &list, &LocalPlaylist::reverse);
+    menu.addAction(tr("Randomise List"), &list, &LocalPlaylist::randomize);
 }
 
 void PlaylistCommands::fillOptions(QMenu &menu) {
     using Id = Commands::Id;
     menu.addAction(tr("Show Playing Track"), &m_playlist, [this] {
-        if (const std::optional<int> current = m_model.player().queue().currentIndex())
+        if (const std::optional<int> current = m_playlist.currentIndex())
             m_playlist.select(*current, PlaylistModel::Selecting::only);
     });
     for (const Id id : {Id::jumpToFile, Id::shuffle, Id::repeat, Id::toggleTime})
@@ -193,7 +225,9 @@ void PlaylistCommands::fillMenu(QMenu &menu) {
         return action;
     };
     const auto addEntry = [&](Entry entry) {
-        showKey(*addSelected(textOf(entry), [this, entry] { run(entry, {}); }), keyOf(entry));
+        QAction *const action = addSelected(textOf(entry), [this, entry] { run(entry, {}); });
+        action->setEnabled(hasSelection && offers(entry));
+        showKey(*action, keyOf(entry));
     };
     QAction *play = addSelected(tr("Play"), [this] { m_playlist.play(m_playlist.cursor().value_or(-1)); });
     showKey(*play, Qt::Key_Return);
@@ -203,12 +237,15 @@ void PlaylistCommands::fillMenu(QMenu &menu) {
     addEntry(Entry::crop);
     menu.addSeparator();
     addEntry(Entry::fileInfo);
-    addSelected(tr("Show in Folder"), [this] { showInFolder(); });
+    QAction *const folder = addSelected(tr("Show in Folder"), [this] { showInFolder(); });
+    folder->setEnabled(hasSelection && !m_playlist.isRemote());
     menu.addSeparator();
     fill(*menu.addMenu(tr("Add")), PlaylistMenu::add);
     fill(*menu.addMenu(tr("Remove")), PlaylistMenu::remove);
     fill(*menu.addMenu(tr("Select")), PlaylistMenu::select);
-    fillSorting(*menu.addMenu(tr("Sort")));
+    QMenu *const sorting = menu.addMenu(tr("Sort"));
+    fillSorting(*sorting);
+    sorting->setEnabled(offers(Entry::sort));
     fill(*menu.addMenu(tr("List")), PlaylistMenu::list);
     fillOptions(*menu.addMenu(tr("Options")));
 }
@@ -227,7 +264,17 @@ void PlaylistCommands::saveList() {
                                                                          : QStringLiteral("m3u8"));
     });
     connect(dialog, &QFileDialog::fileSelected, this,
-            [this](const QString &path) { m_playlist.save(QUrl::fromLocalFile(path)); });
+            [this](const QString &path) { m_playlist.local().save(QUrl::fromLocalFile(path)); });
+    dialog->open();
+}
+
+void PlaylistCommands::saveRemoteList() {
+    auto *const dialog = new QInputDialog(m_commands.activeWindow());
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setWindowTitle(tr("Save as Playlist"));
+    dialog->setLabelText(tr("Name of the playlist:"));
+    connect(dialog, &QInputDialog::textValueSelected, this,
+            [this](const QString &name) { m_model.remote().saveQueue(name.trimmed()); });
     dialog->open();
 }
 
@@ -244,6 +291,8 @@ void PlaylistCommands::loadList() {
 }
 
 void PlaylistCommands::showFileInfo() {
+    if (!offers(Entry::fileInfo))
+        return;
     const std::optional<int> row = m_playlist.cursor();
     const std::optional<Track> track = row ? m_playlist.track(*row) : std::nullopt;
     if (!track) {

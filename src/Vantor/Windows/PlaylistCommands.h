@@ -37,7 +37,10 @@ class PlaylistCommands : public QObject {
     void fillRemoval(QMenu &menu);
     void fillSorting(QMenu &menu);
     void fillOptions(QMenu &menu);
+    /// Of a speaker's queue fewer are.
+    [[nodiscard]] bool offers(PlaylistMenuEntry entry) const;
     void saveList();
+    void saveRemoteList();
     void loadList();
     void showInFolder();
 

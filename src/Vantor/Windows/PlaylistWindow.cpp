@@ -10,6 +10,7 @@ namespace vantor {
 
 namespace {
 
+using ::operator|; // of keys, which our own flags' operators hide
 using List = PlaylistWindowControl;
 using Selecting = PlaylistModel::Selecting;
 namespace Layout = PlaylistWindowLayout;
@@ -70,7 +71,7 @@ void PlaylistWindow::draw(QPainter &painter, int zoom) const {
 
 // The visualizer's picture, or in a pause the clock that blinks.
 bool PlaylistWindow::moves() const {
-    const bool isPaused = model().player().state() == PlaybackState::paused;
+    const bool isPaused = model().target().view().state == PlaybackState::paused;
     return !isShaded() && (isPaused || Layout::hasVisualizer(m_playlist.size()));
 }
 

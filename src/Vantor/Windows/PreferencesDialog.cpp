@@ -4,11 +4,13 @@
 #include "Vantor/Model/PlayerModel.h"
 #include "Vantor/Preferences/MusicAssistantPage.h"
 #include "Vantor/Preferences/SettingsPage.h"
+#include "Vantor/Windows/FaintText.h"
 #include "Vantor/Windows/FolderField.h"
 
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDialogButtonBox>
+#include <QEvent>
 #include <QGridLayout>
 #include <QLabel>
 #include <QListWidget>
@@ -22,6 +24,7 @@ PreferencesDialog::PreferencesDialog(PlayerModel &model, MusicLibrary *library, 
       m_pages(new QStackedWidget) {
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowTitle(tr("Preferences"));
+    giveFaintText(*this);
     m_titles->setAccessibleName(tr("Pages"));
     addPage(PreferencesPage::general, tr("General"), generalPage());
     addPage(PreferencesPage::skins, tr("Skins"), skinsPage());
@@ -47,6 +50,12 @@ PreferencesDialog::PreferencesDialog(PlayerModel &model, MusicLibrary *library, 
     layout->addWidget(buttons, 1, 0, 1, 2);
     layout->setColumnStretch(1, 1);
     resize(620, 460);
+}
+
+void PreferencesDialog::changeEvent(QEvent *event) {
+    QDialog::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange)
+        giveFaintText(*this);
 }
 
 void PreferencesDialog::addPage(PreferencesPage page, const QString &title, QWidget *widget) {

@@ -25,6 +25,9 @@ class PreferencesDialog : public QDialog {
 
     void showPage(PreferencesPage page);
 
+  protected:
+    void changeEvent(QEvent *event) override;
+
   private:
     void addPage(PreferencesPage page, const QString &title, QWidget *widget);
     [[nodiscard]] QWidget *generalPage();

@@ -1,5 +1,7 @@
 #include "Vantor/Windows/PresetsMenu.h"
 
+#include "Vantor/Windows/AskBefore.h"
+
 #include <QFileDialog>
 #include <QInputDialog>
 
@@ -100,7 +102,10 @@ void PresetsMenu::addOwnPresets() {
             askForName(window, tr("Rename Preset"), name, {},
                        [&model, name](const QString &to) { model.renamePreset(name, to); });
         });
-        remove->addAction(entryText(name), &model, [&model, name] { model.removePreset(name); });
+        remove->addAction(entryText(name) + QStringLiteral("…"), &model, [&model, &window, name] {
+            askBefore(&window, tr("Delete the preset “%1”?").arg(name), tr("It cannot be brought back."),
+                      tr("Delete"), [&model, name] { model.removePreset(name); });
+        });
     }
     for (QMenu *menu : {mine, rename, remove})
         menu->setEnabled(!own.empty());

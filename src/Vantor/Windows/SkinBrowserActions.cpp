@@ -3,7 +3,7 @@
 #include "SkinBrowser/SkinLibraryModel.h"
 #include "Vantor/Model/PlayerModel.h"
 #include "Vantor/Model/SkinSwitcher.h"
-#include "Vantor/Windows/AskBox.h"
+#include "Vantor/Windows/AskBefore.h"
 #include "Vantor/Windows/ShowInFolder.h"
 #include "Vantor/Windows/SkinBrowserWindow.h"
 
@@ -74,17 +74,16 @@ void SkinBrowserWindow::askToTrash(const QString &name, const std::vector<FileSt
         files.size() == 1 ? list
                           : tr("It is there %n times, and all go:", nullptr, static_cast<int>(files.size())) +
                                 QStringLiteral("\n\n") + list;
-    AskBox::ask(this, tr("Move “%1” to the Trash?").arg(name), more, tr("Move to Trash"),
-                [this, name, paths] {
-                    for (const QString &path : paths)
-                        m_library.moveToTrash(path, name);
-                });
+    askBefore(this, tr("Move “%1” to the Trash?").arg(name), more, tr("Move to Trash"), [this, name, paths] {
+        for (const QString &path : paths)
+            m_library.moveToTrash(path, name);
+    });
 }
 
 void SkinBrowserWindow::askToReset() {
-    AskBox::ask(this, tr("Delete the index?"),
-                tr("It is built anew from your skins folder. No skin is changed or deleted."), tr("Delete"),
-                [this] { m_library.resetIndex(); });
+    askBefore(this, tr("Delete the index?"),
+              tr("It is built anew from your skins folder. No skin is changed or deleted."), tr("Delete"),
+              [this] { m_library.resetIndex(); });
 }
 
 } // namespace vantor

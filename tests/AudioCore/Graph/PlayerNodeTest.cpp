@@ -126,6 +126,33 @@ TEST(PlayerNodeTest, DiscardedSoundVanishesAlsoWhilePaused) {
     EXPECT_EQ(render(node, 300), ramp(1, 300));
 }
 
+TEST(PlayerNodeTest, FollowersThatAreReplacedInAPauseTakeNoRoom) {
+    for (const bool isAwake : {false, true}) {
+        SCOPED_TRACE(isAwake ? "the output runs on" : "the output sleeps");
+        StartedNode node;
+        feed(node, 1, 0, ramp(1, 2 * rate));
+        ASSERT_TRUE(node.endSegment());
+        node.play();
+        std::vector<StereoFrame> heard = render(node, rate);
+        node.pause();
+        ASSERT_EQ(render(node, 1000).back(), StereoFrame{});
+        for (std::uint32_t follower = 2; follower <= 40; ++follower) {
+            node.follow(1, {follower});
+            feed(node, follower, 0, ramp(static_cast<int>(follower) * rate, rate));
+            if (follower % 2 == 0) // the others are given up half-way
+                ASSERT_TRUE(node.endSegment());
+            if (isAwake)
+                EXPECT_EQ(render(node, 64).back(), StereoFrame{});
+        }
+        EXPECT_EQ(node.framesAhead(), rate);
+        node.play();
+        render(node, 1000); // fades in
+        const std::int64_t rest = 2 * rate - node.progress().frame;
+        EXPECT_EQ(render(node, static_cast<int>(rest)).back(), ramp(2 * rate, 1).back());
+        EXPECT_EQ(render(node, rate), ramp(40 * rate, rate));
+    }
+}
+
 TEST(PlayerNodeTest, SoundWaitsForALittleReserve) {
     StartedNode node;
     node.play();
@@ -150,6 +177,54 @@ TEST(PlayerNodeTest, RunningDryFadesIsCountedAndFadesInAgain) {
     EXPECT_EQ(heard.back(), (StereoFrame{1, 1}));
     for (std::size_t i = 1; i < heard.size(); ++i)
         ASSERT_NEAR(heard[i].left, heard[i - 1].left, 0.004) << i;
+}
+
+// One thread writes followers that are replaced, one renders, one pauses and plays: the current segment is
+// heard frame by frame whatever is taken back behind it.
+TEST(PlayerNodeTest, TakingBackNeverTouchesWhatSounds) {
+    StartedNode node(8000);
+    feed(node, 1, 0, ramp(1, 20'000));
+    ASSERT_TRUE(node.endSegment());
+    std::atomic<bool> done{false};
+    std::atomic<std::uint32_t> newest{1};
+    std::thread writer([&] {
+        const std::vector<StereoFrame> follower(700, {-1, 0});
+        for (std::uint32_t written = 1; !done;) {
+            if (const std::uint32_t next = newest; next != written && node.beginSegment(next, 0)) {
+                written = next;
+                static_cast<void>(node.write(follower));
+            }
+            std::this_thread::yield();
+        }
+    });
+    std::thread listener([&] {
+        std::vector<StereoFrame> out(16);
+        std::int64_t last = 0;
+        while (!done) {
+            node.render(out);
+            const PlayerNode::Progress progress = node.progress();
+            EXPECT_EQ(progress.generation, progress.generation == 0 ? 0U : 1U);
+            EXPECT_GE(progress.frame, last);
+            last = progress.frame;
+            for (const StereoFrame &frame : out)
+                EXPECT_GE(frame.left, 0) << "no follower before its turn";
+            std::this_thread::yield();
+        }
+    });
+    for (std::uint32_t follower = 2; follower < 400; ++follower) {
+        node.follow(1, {follower});
+        newest = follower;
+        if (follower % 2 == 0 && node.progress().frame < 15'000)
+            node.play();
+        else
+            node.pause();
+        std::this_thread::sleep_for(std::chrono::microseconds(follower % 7 * 50));
+    }
+    done = true;
+    writer.join();
+    listener.join();
+    EXPECT_LT(node.progress().frame, 20'000) << "the test needs the segment's end to be far";
+    EXPECT_GT(node.progress().frame, 0);
 }
 
 // One thread writes segments, one renders, one seeks: every sample that is heard belongs to the segment that

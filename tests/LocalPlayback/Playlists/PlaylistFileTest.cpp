@@ -9,13 +9,13 @@ using PlaylistFileTest = test::FolderFixture;
 
 namespace {
 
-/// File names of the entries and, behind "!", of what was skipped.
+/// File names of the entries and, behind "!", of what was skipped, behind "~" in part.
 QString summary(const PlaylistFile::Contents &contents) {
     QStringList names;
     for (const PlaylistEntry &entry : contents.entries)
         names << entry.url.fileName();
     for (const SkippedFile &file : contents.skipped)
-        names << u'!' + file.url.fileName() + u' ' + file.reason;
+        names << (file.isPartial ? u'~' : u'!') + file.url.fileName() + u' ' + file.reason;
     return names.join(u' ');
 }
 
@@ -44,13 +44,14 @@ TEST_F(PlaylistFileTest, FindsWhatTheLineMeans) {
 }
 
 TEST_F(PlaylistFileTest, FollowsListsWithinBoundsAndSaysWhatWasLeftOut) {
+    constexpr auto most = static_cast<qsizetype>(PlaylistFile::maxEntries);
     makeFolder(u"sub"_qs);
     for (int depth = 0; depth <= 5; ++depth)
         write(u"deep%1.m3u"_qs.arg(depth),
               QStringLiteral("d%1\ndeep%2.m3u").arg(depth).arg(depth + 1).toUtf8());
     write(u"one.m3u"_qs, "x");
     write(u"sub/other.m3u"_qs, "w\n../circle.m3u");
-    write(u"full.m3u"_qs, QByteArray("a\n").repeated(100'000));
+    write(u"full.m3u"_qs, QByteArray("a\n").repeated(most));
     const struct {
         QString name;
         QByteArray bytes;
@@ -61,13 +62,14 @@ TEST_F(PlaylistFileTest, FollowsListsWithinBoundsAndSaysWhatWasLeftOut) {
         {u"twice.pls"_qs, "File1=one.m3u\nFile2=one.m3u", u"x x"_qs},
         {u"circle.m3u"_qs, "y\nsub/other.m3u\nz", u"y w z !circle.m3u This playlist contains itself."_qs},
         {u"gap.m3u"_qs, "gone.m3u\nx", u"x !gone.m3u This playlist could not be read."_qs},
-        {u"large.m3u"_qs, QByteArray((16 << 20) + 1, '#'), u"!large.m3u This playlist file is too large."_qs},
+        {u"large.m3u"_qs, QByteArray(PlaylistFile::maxBytes + 1, '#'),
+         u"!large.m3u This playlist file is too large."_qs},
         {u"old.m3u"_qs, "mms://a/b\nc", u"c !b This kind of address is not supported."_qs},
         {u"picture.m3u"_qs, QByteArray(9, '\0'), u"!picture.m3u This playlist file is damaged."_qs},
         {u"long.m3u"_qs, "a\nfull.m3u\nb",
-         QStringList(100'000, u"a"_qs).join(u' ') +
-             u" !full.m3u This playlist is too long; its end was left out. "
-             "!long.m3u This playlist is too long; its end was left out."_qs},
+         QStringList(most, u"a"_qs).join(u' ') +
+             u" ~full.m3u This playlist is too long; its end was left out. "
+             "~long.m3u This playlist is too long; its end was left out."_qs},
         {u"fan.m3u"_qs, "y\n" + QByteArray("one.m3u\n").repeated(1'000),
          u"y "_qs + QStringList(999, u"x"_qs).join(u' ') +
              u" !one.m3u Too many playlists are inside each other."_qs},
@@ -75,7 +77,7 @@ TEST_F(PlaylistFileTest, FollowsListsWithinBoundsAndSaysWhatWasLeftOut) {
     for (const auto &row : rows)
         EXPECT_TRUE(summary(PlaylistFile::read(write(row.name, row.bytes))) == row.expected)
             << row.name.toStdString();
-    write(u"self.m3u"_qs, QByteArray("self.m3u\n").repeated(60'000));
+    write(u"self.m3u"_qs, QByteArray("self.m3u\n").repeated(most / 2));
     const QUrl selves = write(u"selves.m3u"_qs, QByteArray("self.m3u\n").repeated(3));
     EXPECT_LT(PlaylistFile::read(selves).skipped.size(), PlaylistFile::maxEntries + 5);
 }
@@ -106,4 +108,26 @@ TEST_F(PlaylistFileTest, WhatIsWrittenIsReadBack) {
                     .startsWith("#EXTM3U\n#EXTINF:62,New line\nplain.mp3\n"
                                 "#EXTINF:62,Artist - New line\nsub/\xC3\xBC \xE2\x82\xAC.mp3\n"));
     EXPECT_THROW(PlaylistFile::write(url(u"no/folder/x.pls"_qs), tracks), LocalPlaybackError);
+
+    tracks.assign(PlaylistFile::maxEntries, tracks.front());
+    PlaylistFile::write(url(u"most.m3u8"_qs), tracks);
+    const PlaylistFile::Contents most = PlaylistFile::read(url(u"most.m3u8"_qs));
+    EXPECT_EQ(most.entries.size(), tracks.size());
+    EXPECT_TRUE(most.skipped.empty());
+    const auto refusal = [&] {
+        try {
+            PlaylistFile::write(url(u"most.m3u8"_qs), tracks);
+        } catch (const LocalPlaybackError &error) {
+            return error.description();
+        }
+        return QString();
+    };
+    tracks.push_back(tracks.front());
+    EXPECT_EQ(refusal(), u"The playlist is too long to be saved."_qs);
+    const QString longPath = u'/' + QString(4000, u'x') + u'/';
+    tracks.assign(static_cast<size_t>(PlaylistFile::maxBytes / longPath.size()), tracks.front());
+    for (Track &track : tracks)
+        track.source = QUrl::fromLocalFile(longPath);
+    EXPECT_EQ(refusal(), u"The playlist is too long to be saved."_qs);
+    EXPECT_EQ(PlaylistFile::read(url(u"most.m3u8"_qs)), most) << "the list from before is still there";
 }

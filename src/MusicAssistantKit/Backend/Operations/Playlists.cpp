@@ -8,7 +8,7 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-constexpr MusicBackendCapability editing = MusicBackendCapability::playlistEditing;
+constexpr MusicBackendCapability playlistEditing = MusicBackendCapability::playlistEditing;
 constexpr qint64 invalidData = 3;
 
 bool isServerError(const MusicAssistantError &error, qint64 code) {
@@ -28,7 +28,7 @@ QCoro::Task<PresentPlaylist> presentPlaylist(MusicAssistantBackend::Private &d, 
     const QJsonObject args{{u"item_id"_s, uri->itemID}, {u"provider_instance_id_or_domain"_s, uri->provider}};
     constexpr qint64 notFound = 2;
     try {
-        const MAJSON answer = co_await d.call(u"music/playlists/get"_s, args, editing);
+        const MAJSON answer = co_await d.call(u"music/playlists/get"_s, args, playlistEditing);
         co_return PresentPlaylist{answer, d.decodedOne(answer, &malibrary::readPlaylist)};
     } catch (const MusicAssistantError &error) {
         if (isServerError(error, notFound))
@@ -58,7 +58,7 @@ QCoro::Task<QStringList> urisOf(MusicAssistantBackend::Private &d, QList<MediaID
         }
         const QJsonObject args{{u"item_id"_s, uri->itemID},
                                {u"provider_instance_id_or_domain"_s, uri->provider}};
-        const MAJSON answer = co_await d.call(u"music/artists/artist_tracks"_s, args, editing);
+        const MAJSON answer = co_await d.call(u"music/artists/artist_tracks"_s, args, playlistEditing);
         const auto tracks = co_await d.decoded(answer, &malibrary::readTrack);
         for (const LibraryTrack &track : tracks.records)
             uris.append(track.id.rawValue);
@@ -73,7 +73,7 @@ QCoro::Task<LibraryPlaylist> MusicAssistantBackend::createPlaylist(QString name)
     if (name.trimmed().isEmpty())
         throw MusicAssistantBackendErrors::newPlaylistWithoutName();
     const QJsonObject args{{u"name"_s, name.trimmed()}};
-    const MAJSON answer = co_await d->call(u"music/playlists/create_playlist"_s, args, editing);
+    const MAJSON answer = co_await d->call(u"music/playlists/create_playlist"_s, args, playlistEditing);
     const auto created = d->withEditing(d->decodedOne(answer, &malibrary::readPlaylist));
     co_return created;
 }
@@ -92,7 +92,7 @@ QCoro::Task<> MusicAssistantBackend::renamePlaylist(MediaID id, QString name) {
     update.insert("name"_L1, name.trimmed());
     const QJsonObject args{
         {u"item_id"_s, *playlist.record.libraryID}, {u"update"_s, update}, {u"overwrite"_s, true}};
-    co_await d->call(u"music/playlists/update"_s, args, editing);
+    co_await d->call(u"music/playlists/update"_s, args, playlistEditing);
 }
 
 QCoro::Task<> MusicAssistantBackend::deletePlaylist(MediaID id) {
@@ -104,7 +104,7 @@ QCoro::Task<> MusicAssistantBackend::deletePlaylist(MediaID id) {
         throw MusicAssistantBackendErrors::readOnlyPlaylist(playlist.record.name);
     const QJsonObject args{{u"media_type"_s, rawValue(MediaKind::playlist)},
                            {u"library_item_id"_s, *playlist.record.libraryID}};
-    co_await d->call(u"music/library/remove_item"_s, args, editing);
+    co_await d->call(u"music/library/remove_item"_s, args, playlistEditing);
 }
 
 QCoro::Task<> MusicAssistantBackend::add(QList<MediaID> ids, MediaID playlist) {
@@ -114,7 +114,7 @@ QCoro::Task<> MusicAssistantBackend::add(QList<MediaID> ids, MediaID playlist) {
     if (uris.isEmpty())
         co_return;
     const QJsonObject args{{u"db_playlist_id"_s, library}, {u"uris"_s, QJsonArray::fromStringList(uris)}};
-    co_await d->callTask(u"music/playlists/add_playlist_tracks"_s, args, editing);
+    co_await d->callTask(u"music/playlists/add_playlist_tracks"_s, args, playlistEditing);
 }
 
 QCoro::Task<> MusicAssistantBackend::remove(QList<int> positions, MediaID playlist) {
@@ -126,7 +126,7 @@ QCoro::Task<> MusicAssistantBackend::remove(QList<int> positions, MediaID playli
     for (const int position : positions)
         wanted.append(position);
     const QJsonObject args{{u"db_playlist_id"_s, library}, {u"positions_to_remove"_s, wanted}};
-    co_await d->callTask(u"music/playlists/remove_playlist_tracks"_s, args, editing);
+    co_await d->callTask(u"music/playlists/remove_playlist_tracks"_s, args, playlistEditing);
 }
 
 QCoro::Task<> MusicAssistantBackend::movePlaylistTrack(MediaID playlist, int from, int to) {
@@ -139,7 +139,7 @@ QCoro::Task<> MusicAssistantBackend::movePlaylistTrack(MediaID playlist, int fro
         co_return;
     const auto args = playlistMoveArguments(d->commands.parameters(playlistMoveCommand()), library, from, to);
     try {
-        co_await d->callTask(playlistMoveCommand(), *args, editing);
+        co_await d->callTask(playlistMoveCommand(), *args, playlistEditing);
     } catch (const MusicBackendError &error) {
         if (error.errorCase() == MusicBackendError::Case::unsupported)
             throw MusicAssistantBackendErrors::reorderingUnsupported();
@@ -153,7 +153,7 @@ QCoro::Task<LibraryPlaylist> MusicAssistantBackend::importPlaylist(QString m3u) 
         throw MusicAssistantBackendErrors::emptyPlaylistFile();
     MAJSON answer;
     try {
-        answer = co_await d->call(u"music/playlists/import_playlist"_s, {{u"m3u_data"_s, m3u}}, editing);
+        answer = co_await d->call(u"music/playlists/import_playlist"_s, {{u"m3u_data"_s, m3u}}, playlistEditing);
     } catch (const MusicAssistantError &error) {
         if (isServerError(error, invalidData))
             throw MusicAssistantBackendErrors::emptyPlaylistFile();

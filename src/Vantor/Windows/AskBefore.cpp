@@ -1,12 +1,12 @@
-#include "Vantor/Windows/AskBox.h"
+#include "Vantor/Windows/AskBefore.h"
 
 #include <QMessageBox>
 #include <QPushButton>
 
 namespace vantor {
 
-void AskBox::ask(QWidget *parent, const QString &question, const QString &more, const QString &yes,
-                 const std::function<void()> &action) {
+void askBefore(QWidget *parent, const QString &question, const QString &more, const QString &yes,
+               const std::function<void()> &action) {
     auto *box = new QMessageBox(QMessageBox::Question, {}, question, QMessageBox::Cancel, parent);
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->setTextFormat(Qt::PlainText);

@@ -1,0 +1,112 @@
+#pragma once
+
+#include "LibraryBrowser/LibraryBrowser.h"
+#include "Vantor/Model/PlaybackTarget.h"
+#include "Vantor/Remote/Expected.h"
+#include "Vantor/Remote/LatestSender.h"
+#include "Vantor/Remote/OutputMemory.h"
+
+#include <QImage>
+#include <QTimer>
+
+namespace vantor {
+
+/// The output that the user has selected, when it is a speaker of the music source and not this computer:
+/// what it plays, and the commands over it. The selection is remembered for each source. To select an output
+/// moves no music and stops none.
+///
+/// What is commanded shows at once and is put right when the server says otherwise; what fails is told by
+/// failed(). A speaker that goes away stays selected, unavailable, until it comes back or another output is
+/// chosen. Main thread; borrows the settings and the browser.
+class RemoteOutput : public QObject, public PlaybackTarget {
+    Q_OBJECT
+
+  public:
+    explicit RemoteOutput(QSettings &settings, QObject *parent = nullptr);
+
+    /// Whose source and output it follows from now on; nullptr before the browser goes.
+    void setBrowser(LibraryBrowser *browser);
+    [[nodiscard]] LibraryBrowser *browser() const { return m_browser; }
+
+    /// Whether a speaker is selected, be it there or not.
+    [[nodiscard]] bool isSelected() const { return m_device.has_value(); }
+    [[nodiscard]] bool isAvailable() const { return m_backend != nullptr; }
+    /// The speaker; only while one is selected.
+    [[nodiscard]] const OutputDevice &device() const { return *m_device; }
+    void select(const OutputDevice &output);
+    /// This computer instead.
+    void deselect();
+
+    [[nodiscard]] PlaybackView view() const override;
+    void transport(const TransportCommand &command) override;
+    /// What plays, with what is expected of it.
+    [[nodiscard]] NowPlaying nowPlaying() const;
+    /// The main window's title line.
+    [[nodiscard]] QString title() const;
+    /// Of what plays, once it has been loaded; else null.
+    [[nodiscard]] const QImage &artwork() const { return m_artwork; }
+    [[nodiscard]] const RemoteQueueSnapshot &queue() const { return m_queue; }
+
+    /// Also of the source of a speaker that is not there.
+    [[nodiscard]] MusicBackendCapabilities capabilities() const;
+    void play(const QList<MediaID> &items, const PlayMode &mode);
+    void saveQueue(const QString &name);
+    void favoriteCurrent();
+
+    /// The source, as long as the speaker is there.
+    [[nodiscard]] const std::shared_ptr<MusicBackend> &backend() const { return m_backend; }
+    /// Tells the error of an operation.
+    void fail(const std::exception_ptr &error);
+
+  Q_SIGNALS:
+    void selectionChanged(); ///< another output, or whether it is available
+    void changed();          ///< anything that view() or title() tells
+    void itemChanged();      ///< something else plays
+    void seeked(double seconds);
+    void queueChanged();
+    void failed(const QString &sentence);
+
+  private:
+    void recall();
+    void takeOutput();
+    void watch(const std::shared_ptr<MusicBackend> &backend);
+    QCoro::Task<> followPlaying();
+    QCoro::Task<> followQueue();
+    QCoro::Task<> send(TransportCommand command);
+    QCoro::Task<> report(QCoro::Task<> operation);
+    QCoro::Task<> loadArtwork();
+    /// False, and told, when the speaker is not there.
+    bool isReady();
+    void expectState(NowPlaying::State state);
+    void forgetExpectations();
+    void confirm(const NowPlaying &told);
+    void take(const NowPlaying &told);
+    void startClock();
+
+    struct Place {
+        double elapsed = 0;
+        double at = 0;
+    };
+
+    OutputMemory m_memory;
+    LibraryBrowser *m_browser = nullptr;
+    std::optional<OutputDevice> m_device;
+    std::shared_ptr<MusicBackend> m_backend;
+    std::shared_ptr<char> m_watch = std::make_shared<char>(); ///< whose streams and answers count
+    AsyncStream<NowPlaying> m_playingStream;
+    AsyncStream<RemoteQueueSnapshot> m_queueStream;
+    NowPlaying m_playing; ///< as the server told it
+    RemoteQueueSnapshot m_queue;
+    QImage m_artwork;
+    Expected<NowPlaying::State> m_state;
+    Expected<double> m_volume;
+    Expected<Place> m_place;
+    Expected<bool> m_shuffle;
+    Expected<bool> m_repeat;
+    LatestSender m_volumeSender;
+    LatestSender m_seekSender;
+    QTimer m_clock;  ///< to the next whole second of the speaker
+    QTimer m_expiry; ///< to when nothing is expected any more
+};
+
+} // namespace vantor

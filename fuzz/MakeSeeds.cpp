@@ -162,6 +162,57 @@ Seeds envelopes() {
         {QStringLiteral("event"), R"({"event":"queue_updated","object_id":"q","data":{"items":3}})"}};
 }
 
+Seeds items() {
+    const QByteArray identity = R"("item_id":"1","provider":"library","name":"n","uri":"library://track/1")";
+    const QByteArray mapping =
+        '{' + identity + R"(,"media_type":"album","image":{"path":"p","provider":"q"}})";
+    const QByteArray track =
+        '{' + identity + R"(,"media_type":"track","duration":1.5,"artists":[)" + mapping + R"(],"album":)" +
+        mapping +
+        R"(,"provider_mappings":[{"item_id":"i","provider_domain":"d","audio_format":)"
+        R"({"sample_rate":44100,"bit_rate":320}}],"metadata":{"images":[{"path":"x"}],"genres":["g"]},)"
+        R"("position":3,"favorite":true})";
+    const QByteArray entry =
+        R"({"queue_item_id":"e","name":"a - b","duration":3,"media_item":)" + track + '}';
+    return {{QStringLiteral("track"), track},
+            {QStringLiteral("queue"),
+             R"({"queue_id":"q","items":2,"current_index":0,"current_item":)" + entry + '}'},
+            {QStringLiteral("page"), '[' + entry + ",7]"},
+            {QStringLiteral("player"),
+             R"({"player_id":"p","group_members":["p","r"],"current_media":{"uri":"u","title":"t"},)"
+             R"("output_protocols":[{"output_protocol_id":"c","protocol_domain":"sendspin"}]})"},
+            {QStringLiteral("commands"),
+             R"([{"command":"music/playlists/move_playlist_track","parameters":[{"name":"playlist_id"},)"
+             R"({"name":"from"},{"name":"to_index"}]}])"}};
+}
+
+Seeds sendspinFrames() {
+    return {{QStringLiteral("audio"), QByteArray("0\4\0\0\0\0\0\0\0\1sound", 15)},
+            {QStringLiteral("hello"),
+             R"(1{"type":"server/hello","payload":{"server_id":"s","name":"n","version":1,)"
+             R"("active_roles":["player@v1"],"connection_reason":"playback"}})"},
+            {QStringLiteral("time"), R"(1{"type":"server/time","payload":{"client_transmitted":1,)"
+                                     R"("server_received":2,"server_transmitted":3}})"},
+            {QStringLiteral("start"), R"(1{"type":"stream/start","payload":{"player":{"codec":"flac",)"
+                                      R"("sample_rate":44100,"channels":2,"bit_depth":24,)"
+                                      R"("codec_header":"ZkxhQw=="},"server_transmitted":7}})"},
+            {QStringLiteral("end"), R"(1{"type":"stream/end","payload":{"roles":["player"]}})"},
+            {QStringLiteral("group"), R"(1{"type":"group/update","payload":{"playback_state":"playing",)"
+                                      R"("group_id":null,"group_name":"n"}})"},
+            {QStringLiteral("command"),
+             R"(1{"type":"server/command","payload":{"player":{"command":"volume",)"
+             R"("volume":30,"mute":true,"static_delay_ms":9}}})"}};
+}
+
+Seeds museumPages() {
+    const QByteArray row = R"({"md5":"0123456789abcdef0123456789abcdef","filename":"a/b.wsz","nsfw":true,)"
+                           R"("screenshot_url":"https://s/1","download_url":"https://d/1",)"
+                           R"("museum_url":"https://m/1"})";
+    return {{QStringLiteral("browse"), R"(6{"data":{"skins":{"count":7,"nodes":[)" + row + "]}}}"},
+            {QStringLiteral("search"), R"(7{"data":{"search_classic_skins":[)" + row + "]}}"},
+            {QStringLiteral("error"), R"(6{"errors":[{"message":"m"}],"data":null})"}};
+}
+
 bool write(const QString &folder, const Seeds &seeds) {
     if (!QDir().mkpath(folder))
         return false;
@@ -187,9 +238,12 @@ int main(int argc, char **argv) {
                          write(folder + QStringLiteral("EQFFile"), presets()) &&
                          write(folder + QStringLiteral("HttpAnswer"), answers()) &&
                          write(folder + QStringLiteral("MAEnvelope"), envelopes()) &&
+                         write(folder + QStringLiteral("MAItems"), items()) &&
                          write(folder + QStringLiteral("MediaIDTransfer"), transfers()) &&
+                         write(folder + QStringLiteral("MuseumPage"), museumPages()) &&
                          write(folder + QStringLiteral("PlaylistFile"), playlists()) &&
                          write(folder + QStringLiteral("QueueFile"), queues()) &&
+                         write(folder + QStringLiteral("SendspinIncoming"), sendspinFrames()) &&
                          write(folder + QStringLiteral("SkinArchive"), archives()) &&
                          write(folder + QStringLiteral("SkinTexts"), texts());
     return written ? 0 : 1;

@@ -1,3 +1,4 @@
+#include "MusicAssistantKit/Backend/LibraryMapping.h"
 #include "MusicAssistantKit/Wire/MAEnvelope.h"
 
 #include <QJsonArray>
@@ -60,7 +61,22 @@ void decodeResult(benchmark::State &state) {
     state.SetBytesProcessed(state.iterations() * text.toUtf8().size());
 }
 
+/// The same, down to the library's records.
+void decodeTracks(benchmark::State &state) {
+    const QString text = page(static_cast<int>(state.range(0)));
+    for (auto _ : state) {
+        const MAEnvelope envelope = MAEnvelope::decode(text);
+        const MAReader reader(std::get<MAEnvelope::Result>(envelope.content).result);
+        QList<LibraryTrack> tracks;
+        for (qsizetype i = 0; i < reader.size(); ++i)
+            tracks.append(malibrary::readTrack(reader.entry(i)));
+        benchmark::DoNotOptimize(tracks);
+    }
+    state.SetBytesProcessed(state.iterations() * text.toUtf8().size());
+}
+
 BENCHMARK(parseAlone)->Arg(50)->Arg(500)->Arg(5000)->Unit(benchmark::kMicrosecond);
 BENCHMARK(decodeResult)->Arg(50)->Arg(500)->Arg(5000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(decodeTracks)->Arg(50)->Arg(500)->Arg(5000)->Unit(benchmark::kMicrosecond);
 
 } // namespace

@@ -1,13 +1,12 @@
 #include "AudioCore/Output/SystemOutputDeviceProvider.h"
+#include "MeasuredApplication.h"
 #include "SkinBrowser/SkinLibraryModel.h"
 #include "SkinLibrary/Ingest/FolderScanner.h"
 #include "Vantor/Model/PlayerModel.h"
 #include "Vantor/Model/SkinSwitcher.h"
 #include "Vantor/Windows/SkinBrowserWindow.h"
 
-#include <QApplication>
 #include <QDirIterator>
-#include <QElapsedTimer>
 #include <QFileInfo>
 #include <QLineEdit>
 #include <QScrollBar>
@@ -15,92 +14,13 @@
 #include <QTemporaryDir>
 #include <QToolButton>
 
-#include <fcntl.h>
 #include <unistd.h>
 
 #include <cstdio>
-#include <ctime>
 
 using namespace vantor;
 
 namespace {
-
-double threadMilliseconds() {
-    timespec now{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-    return static_cast<double>(now.tv_sec) * 1e3 + static_cast<double>(now.tv_nsec) / 1e6;
-}
-
-/// How long this thread was ready but other ones had the processors.
-double queuedMilliseconds() {
-    static const int file = ::open("/proc/thread-self/schedstat", O_RDONLY);
-    std::array<char, 80> text{};
-    if (::pread(file, text.data(), text.size() - 1, 0) <= 0)
-        return 0;
-    unsigned long long busy = 0;
-    unsigned long long queued = 0;
-    return std::sscanf(text.data(), "%llu %llu", &busy, &queued) == 2 ? static_cast<double>(queued) / 1e6 : 0;
-}
-
-/// Measures how long the main thread takes for each event: the processor's time, and how long it waited for
-/// anything but a processor, which is none of the window's fault.
-class Measured : public QApplication {
-  public:
-    using QApplication::QApplication;
-
-    bool notify(QObject *receiver, QEvent *event) override {
-        if (m_depth > 0)
-            return QApplication::notify(receiver, event);
-        const QEvent::Type type = event->type();
-        const QByteArray name = receiver->metaObject()->className();
-        QElapsedTimer wall;
-        const double queued = queuedMilliseconds();
-        wall.start();
-        const double before = threadMilliseconds();
-        ++m_depth;
-        const bool result = QApplication::notify(receiver, event);
-        --m_depth;
-        const double busy = threadMilliseconds() - before;
-        const double all = static_cast<double>(wall.nsecsElapsed()) / 1e6;
-        take(busy, all - busy - (queuedMilliseconds() - queued), type, name);
-        return result;
-    }
-    void report(const char *phase) {
-        std::printf(
-            "%-28s %7zu events, busy at most %6.2f ms (type %d of %s), waited at most %6.2f ms (type %d), "
-            "over 16 ms: %d\n",
-            phase, m_count, m_longest, m_longestType, m_longestName.constData(), m_longestWait,
-            m_longestWaitType, m_late);
-        std::fflush(stdout);
-        m_count = 0;
-        m_longest = m_longestWait = 0;
-        m_late = 0;
-    }
-
-  private:
-    void take(double busy, double waited, int type, const QByteArray &name) {
-        ++m_count;
-        if (waited > m_longestWait) {
-            m_longestWait = waited;
-            m_longestWaitType = type;
-        }
-        m_late += busy + waited > 16 ? 1 : 0;
-        if (busy <= m_longest)
-            return;
-        m_longest = busy;
-        m_longestType = type;
-        m_longestName = name;
-    }
-
-    int m_depth = 0;
-    std::size_t m_count = 0;
-    double m_longest = 0;
-    double m_longestWait = 0;
-    int m_longestWaitType = 0;
-    int m_longestType = 0;
-    QByteArray m_longestName;
-    int m_late = 0;
-};
 
 QStringList madeSkins(const QString &folder) {
     QStringList files;
@@ -140,26 +60,13 @@ void fill(const QUrl &index, const QString &skins, const QString &links, int row
     store->apply(batch, SkinIngester::parserVersion);
 }
 
-void run(std::chrono::milliseconds time, std::chrono::milliseconds interval,
-         const std::function<void(int)> &step) {
-    QElapsedTimer clock;
-    clock.start();
-    for (int i = 0; !clock.hasExpired(time.count()); ++i) {
-        step(i);
-        QElapsedTimer pause;
-        pause.start();
-        while (!pause.hasExpired(interval.count()))
-            QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 2);
-    }
-}
-
 } // namespace
 
 // bench-browser-window <made skins> <rows>: how long the browser's events take while one scrolls, searches
 // and filters, first at rest, then while a pass reads 30,000 new files. Makes links beside the skins.
 int main(int argc, char **argv) {
     using namespace std::chrono_literals;
-    Measured application(argc, argv);
+    MeasuredApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
     if (arguments.size() != 3)
         return 2;
@@ -183,9 +90,9 @@ int main(int argc, char **argv) {
     const auto filters = window.findChildren<QToolButton *>();
     QScrollBar *const bar = grid->verticalScrollBar();
     library.setFolder(links);
-    run(1s, 100ms, [](int) {});
+    runSteps(1s, 100ms, [](int) {});
     while (library.isIndexing())
-        run(100ms, 100ms, [](int) {});
+        runSteps(100ms, 100ms, [](int) {});
     application.report("begin");
 
     const auto everything = [&](const char *when) {
@@ -193,30 +100,31 @@ int main(int argc, char **argv) {
             application.report((QByteArray(when) + ": " + what).constData());
         };
         bar->setValue(0);
-        run(5s, 16ms, [&](int i) { bar->setValue(i * 40); });
+        runSteps(5s, 16ms, [&](int i) { bar->setValue(i * 40); });
         report("scroll smoothly");
-        run(5s, 60ms, [&](int i) { bar->setValue(static_cast<int>(i * 7919LL * 977 % bar->maximum())); });
+        runSteps(5s, 60ms,
+                 [&](int i) { bar->setValue(static_cast<int>(i * 7919LL * 977 % bar->maximum())); });
         report("jump about");
-        run(5s, 60ms, [&](int i) {
+        runSteps(5s, 60ms, [&](int i) {
             const int row = static_cast<int>(i * 7919LL % std::max(1, grid->model()->rowCount()));
             grid->setCurrentIndex(grid->model()->index(row, 0));
         });
         report("select");
-        run(3s, 400ms, [&](int) {
+        runSteps(3s, 400ms, [&](int) {
             const int row = bar->value() % std::max(1, grid->model()->rowCount());
             grid->setCurrentIndex(grid->model()->index(row, 0));
             bar->setValue(bar->value() + 777);
         });
         report("select and look");
         const QString text = QStringLiteral("harbour velvet 12");
-        run(5s, 60ms, [&](int i) { search->setText(text.left(i % (text.size() + 1))); });
+        runSteps(5s, 60ms, [&](int i) { search->setText(text.left(i % (text.size() + 1))); });
         search->clear();
         report("search");
-        run(3s, 150ms, [&](int i) { filters[i % filters.size()]->click(); });
+        runSteps(3s, 150ms, [&](int i) { filters[i % filters.size()]->click(); });
         for (QToolButton *const filter : filters)
             filter->setChecked(true);
         report("filter");
-        run(3s, 30ms, [&](int i) { window.resize(700 + i * 37 % 580, 450 + i * 53 % 310); });
+        runSteps(3s, 30ms, [&](int i) { window.resize(700 + i * 37 % 580, 450 + i * 53 % 310); });
         window.resize(1280, 760);
         report("resize");
     };

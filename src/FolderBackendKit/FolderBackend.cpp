@@ -4,6 +4,7 @@
 #include "FolderBackendKit/FolderWork_p.h"
 #include "FolderBackendKit/LocalOutput.h"
 #include "MusicBackendKit/MusicBackendError.h"
+#include "Platform/NativePath.h"
 
 #include <QCoroFuture>
 #include <QDir>
@@ -31,6 +32,10 @@ QThreadPool &diskThreads() {
     }();
     Q_UNUSED(isSetUp)
     return pool;
+}
+
+QFuture<void> prepareSearch(const Library &library) {
+    return QtConcurrent::run(&diskThreads(), [library] { library->prepareSearch(); });
 }
 
 } // namespace
@@ -196,6 +201,7 @@ QCoro::Task<> FolderBackend::connect() {
     });
     if (known) {
         d->show(known);
+        static_cast<void>(prepareSearch(known)); // while the user still looks around
         d->isPassWanted = true;
         scan();
     } else {
@@ -283,7 +289,12 @@ QCoro::Task<QList<LibraryTrack>> FolderBackend::tracksOfPlaylist(MediaID playlis
 }
 
 QCoro::Task<SearchResults> FolderBackend::search(QString text, int limit) {
+    const auto self = shared_from_this();
     const Library library = d->requireLibrary();
+    if (!library->isSearchable()) {
+        const QFuture<void> preparing = prepareSearch(library);
+        co_await preparing;
+    }
     co_return library->search(text, limit); // a few milliseconds at most
 }
 
@@ -330,9 +341,9 @@ AsyncStream<NowPlaying> FolderBackend::nowPlaying(OutputDevice::ID on) {
 }
 
 std::optional<MediaID> FolderBackend::trackOf(const QUrl &file) const {
-    const QString path = file.toLocalFile();
+    const QString path = NativePath::fromUrl(file);
     const QString prefix = d->folder + u'/';
-    if (!d->library || !path.startsWith(prefix))
+    if (!d->library || !file.isLocalFile() || !path.startsWith(prefix))
         return std::nullopt;
     return d->library->trackAt(path.sliced(prefix.size()));
 }

@@ -3,7 +3,7 @@
 #include "FolderBackendKit/FolderWalk.h"
 #include "Platform/TextFolding.h"
 
-#include <thread>
+#include <algorithm>
 
 namespace vantor {
 
@@ -33,7 +33,6 @@ MediaID idOf(const FolderTrack &track) {
 } // namespace
 
 FolderLibrary::FolderLibrary(FolderIndex index) : m_index(std::move(index)) {
-    const std::jthread words([this] { indexWords(); }); // which takes about as long as all else
     std::vector<std::pair<QString, int>> titles;
     for (const StoredAlbum &album : m_index.albums) {
         const int place = static_cast<int>(titles.size());
@@ -49,17 +48,37 @@ FolderLibrary::FolderLibrary(FolderIndex index) : m_index(std::move(index)) {
         const Range albums = m_artists.value(m_index.artists[i].id.rawValue);
         std::fill(m_artistOf.begin() + albums.first, m_artistOf.begin() + albums.last, static_cast<int>(i));
     }
-    m_tracks.reserve(static_cast<qsizetype>(m_index.tracks.size()));
-    for (std::size_t i = 0; i < m_index.tracks.size(); ++i) {
-        const FolderTrack &track = m_index.tracks[i];
-        const int place = static_cast<int>(i);
-        m_tracks.insert(idOf(track).rawValue, place);
-        Range &tracks = m_albums[albumOf(track).id.rawValue];
-        tracks = {tracks.last == 0 ? place : tracks.first, place + 1};
+    const int count = static_cast<int>(m_index.tracks.size());
+    m_albums.reserve(static_cast<qsizetype>(m_index.albums.size()));
+    m_tracks.reserve(m_index.tracks.size());
+    for (int place = 0, first = 0; place < count; ++place) {
+        const FolderTrack &track = m_index.tracks[static_cast<std::size_t>(place)];
+        m_tracks.emplace_back(qHash(FolderWalk::identifier(track.relativePath)), place);
+        const bool isLast =
+            place + 1 == count || m_index.tracks[static_cast<std::size_t>(place) + 1].album != track.album;
+        if (isLast)
+            m_albums.insert(albumOf(track).id.rawValue, {std::exchange(first, place + 1), place + 1});
     }
+    std::ranges::sort(m_tracks);
 }
 
-void FolderLibrary::indexWords() {
+void FolderLibrary::prepareSearch() const {
+    std::call_once(m_searchOnce, [this] {
+        indexWords();
+        m_isSearchable = true;
+    });
+}
+
+int FolderLibrary::placeOf(const QString &trackID) const {
+    const auto same = std::ranges::equal_range(m_tracks, qHash(trackID), {}, &std::pair<size_t, int>::first);
+    const auto found = std::ranges::find_if(same, [&](const auto &entry) {
+        const FolderTrack &track = m_index.tracks[static_cast<std::size_t>(entry.second)];
+        return FolderWalk::identifier(track.relativePath) == trackID;
+    });
+    return found == same.end() ? -1 : found->second;
+}
+
+void FolderLibrary::indexWords() const {
     for (const StoredArtist &artist : m_index.artists)
         m_artistWords.add(artist.name);
     for (const StoredAlbum &album : m_index.albums)
@@ -103,7 +122,7 @@ std::optional<QList<LibraryTrack>> FolderLibrary::tracks(const MediaID &album) c
 std::vector<int> FolderLibrary::places(const MediaID &item) const {
     Range range;
     if (item.kind == MediaKind::track) {
-        const int place = m_tracks.value(item.rawValue, -1);
+        const int place = placeOf(item.rawValue);
         range = place < 0 ? Range() : Range{place, place + 1};
     } else if (item.kind == MediaKind::album) {
         range = m_albums.value(item.rawValue);
@@ -145,7 +164,7 @@ LibraryTrack FolderLibrary::track(int place) const {
 
 std::optional<MediaID> FolderLibrary::trackAt(const QString &relativePath) const {
     const QString id = FolderWalk::identifier(relativePath);
-    return m_tracks.contains(id) ? std::optional(MediaID{MediaKind::track, id}) : std::nullopt;
+    return placeOf(id) >= 0 ? std::optional(MediaID{MediaKind::track, id}) : std::nullopt;
 }
 
 } // namespace vantor

@@ -71,6 +71,7 @@ SearchResults FolderLibrary::search(const QString &text, int limit) const {
     const QList<QByteArray> words = all.first(std::min(all.size(), maxWords));
     if (words.isEmpty())
         return {};
+    prepareSearch();
     const Found inArtists = findAll(words, m_artistWords);
     const Found inAlbums = findAll(words, m_albumWords);
     const Found inTracks = findAll(words, m_trackWords);

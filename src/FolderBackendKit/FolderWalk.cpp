@@ -40,7 +40,8 @@ const QSet<QString> &otherSidecarExtensions() {
 }
 
 QString extensionOf(const QString &name) {
-    return name.sliced(name.lastIndexOf(u'.') + 1).toLower();
+    const qsizetype dot = name.lastIndexOf(u'.');
+    return dot < 0 ? QString() : name.sliced(dot + 1).toLower();
 }
 
 /// In the order of these, names are in the order of their composed form's code points.

@@ -2,10 +2,12 @@
 #include "FolderBackendKit/FolderIndexFile.h"
 #include "FolderBackendKit/FolderWork_p.h"
 #include "MusicBackendKit/ArtistName.h"
+#include "Platform/NativePath.h"
 
-#include <QFileInfo>
 #include <QLoggingCategory>
 #include <QThread>
+
+#include <sys/stat.h>
 
 Q_LOGGING_CATEGORY(folderBackendLog, "co.kelvane.vantor.FolderBackend")
 
@@ -28,7 +30,7 @@ Track playable(const LibraryTrack &known, const QString &path) {
     track.bitrate = known.bitrate;
     track.sampleRate = known.sampleRate;
     track.channels = known.channels;
-    track.source = QUrl::fromLocalFile(path);
+    track.source = NativePath::url(path);
     return track;
 }
 
@@ -50,6 +52,7 @@ PassResult runPass(const QString &folder, const QString &indexFile, const Librar
         if (!FolderIndexFile::write(indexFile, *index))
             qCWarning(folderBackendLog) << "the index of the music folder cannot be kept";
         result.library = std::make_shared<const FolderLibrary>(*std::move(index));
+        result.library->prepareSearch();
     } catch (const MusicBackendError &error) {
         result.failure = error.description();
     } catch (const std::exception &error) { // out of memory or threads
@@ -80,7 +83,8 @@ Playable findOnDisk(const Library &library, const QList<MediaID> &items, int sta
         for (const int place : library->places(items[i])) {
             const QString &relative = library->index().tracks[static_cast<std::size_t>(place)].relativePath;
             const QString path = library->index().root + u'/' + relative;
-            if (QFileInfo(path).isFile())
+            struct stat status;
+            if (stat(NativePath::bytes(path).constData(), &status) == 0 && S_ISREG(status.st_mode))
                 found.tracks.push_back(playable(library->track(place), path));
         }
     }

@@ -72,6 +72,8 @@ void LibraryBrowser::beginTurn(State state, const std::optional<LibraryFailure> 
     m_changes = {};
     m_activityStream = {};
     m_activities.clear();
+    m_loadsOutputs = false;
+    m_outputsAreOld = false;
     m_outputs.clear();
     m_state = state;
     m_failure = failure;
@@ -106,7 +108,11 @@ QCoro::Task<> LibraryBrowser::openConnection() {
 QCoro::Task<> LibraryBrowser::loadOutputs() {
     const std::weak_ptr<char> turn = m_turn;
     const std::shared_ptr<MusicBackend> backend = m_backend;
-    const int number = ++m_outputsAsked;
+    if (m_loadsOutputs) {
+        m_outputsAreOld = true;
+        co_return;
+    }
+    m_loadsOutputs = true;
     QList<OutputDevice> outputs;
     std::optional<LibraryFailure> failure;
     try {
@@ -114,12 +120,17 @@ QCoro::Task<> LibraryBrowser::loadOutputs() {
     } catch (...) {
         failure = LibraryFailure::of(std::current_exception());
     }
-    if (turn.expired() || number != m_outputsAsked)
+    if (turn.expired())
         co_return;
+    m_loadsOutputs = false;
+    if (std::exchange(m_outputsAreOld, false))
+        loadOutputs();
     if (failure) {
         Q_EMIT failed(failure->sentence);
         co_return;
     }
+    if (outputs == m_outputs)
+        co_return;
     m_outputs = outputs;
     if (const auto told = output(); told && m_chosenOutput)
         m_chosenOutput = told;
@@ -132,19 +143,10 @@ QCoro::Task<> LibraryBrowser::followActivities() {
         const std::optional<QList<OutputActivity>> activities = co_await m_activityStream.next();
         if (turn.expired() || !activities)
             co_return;
-        take(*activities);
-    }
-}
-
-void LibraryBrowser::take(const QList<OutputActivity> &activities) {
-    const auto isSameOutput = [](const OutputActivity &one, const OutputActivity &other) {
-        return one.output == other.output && one.name == other.name && one.leader == other.leader;
-    };
-    const bool areSame = std::ranges::equal(m_activities, activities, isSameOutput);
-    m_activities = activities;
-    if (!areSame)
+        m_activities = *activities;
         loadOutputs();
-    Q_EMIT activitiesChanged();
+        Q_EMIT activitiesChanged();
+    }
 }
 
 QCoro::Task<> LibraryBrowser::followChanges() {
@@ -192,6 +194,7 @@ void LibraryBrowser::chooseOutput(const OutputDevice::ID &id, const QString &nam
     chosen.kind = id == OutputDevice::thisMacID() ? OutputDevice::Kind::thisMac : OutputDevice::Kind::remote;
     const auto found = std::ranges::find(m_outputs, id, &OutputDevice::id);
     m_chosenOutput = found != m_outputs.end() ? *found : chosen;
+    Q_EMIT outputChosen(*m_chosenOutput);
     Q_EMIT outputsChanged();
 }
 

@@ -68,6 +68,7 @@ class LibraryBrowser : public QObject {
     void capabilitiesChanged();
     void sourceAsked();    ///< look for it again
     void outputsChanged(); ///< or which one is chosen
+    void outputChosen(const vantor::OutputDevice &output);
     void activitiesChanged();
     void changed(const vantor::LibraryChange &change);
     void refreshed();
@@ -86,7 +87,6 @@ class LibraryBrowser : public QObject {
     QCoro::Task<> openConnection();
     QCoro::Task<> loadOutputs();
     QCoro::Task<> followActivities();
-    void take(const QList<OutputActivity> &activities);
     QCoro::Task<> followChanges();
     QCoro::Task<> playInTurn();
     QCoro::Task<> setFavorites(QList<MediaID> ids, bool on);
@@ -100,7 +100,8 @@ class LibraryBrowser : public QObject {
     std::optional<OutputDevice> m_chosenOutput; ///< as it was told last
     QList<OutputActivity> m_activities;
     AsyncStream<QList<OutputActivity>> m_activityStream;
-    int m_outputsAsked = 0; ///< how many times: only the last answer counts
+    bool m_loadsOutputs = false;
+    bool m_outputsAreOld = false; ///< they have changed since they were asked for
     AsyncStream<LibraryChange> m_changes;
     /// Whose answers are awaited.
     std::shared_ptr<char> m_turn = std::make_shared<char>();

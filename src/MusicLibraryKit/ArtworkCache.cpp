@@ -1,6 +1,7 @@
 #include "MusicLibraryKit/ArtworkCache.h"
 
 #include "MusicLibraryKit/ArtworkFolder_p.h"
+#include "Platform/CacheFolder.h"
 
 #include <QCoroFuture>
 #include <QCryptographicHash>
@@ -144,7 +145,8 @@ void ArtworkCache::countWritten(qint64 bytes) {
     if (bytes == 0 || m_untrimmed < m_limits.diskBytes / 16)
         return;
     m_untrimmed = 0;
-    m_pool.start([folder = m_folder, limit = m_limits.diskBytes] { ArtworkFolder::trim(folder, limit); });
+    const qint64 rest = m_limits.diskBytes - m_limits.diskBytes / 16;
+    m_pool.start([folder = m_folder, rest] { CacheFolder::trim(folder, rest); });
 }
 
 } // namespace vantor

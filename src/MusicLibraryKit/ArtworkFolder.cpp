@@ -43,15 +43,4 @@ Stored store(const QString &path, const QByteArray &bytes, int largestSide) {
     return stored;
 }
 
-void trim(const QString &folder, qint64 limit) {
-    const QFileInfoList files = QDir(folder).entryInfoList(QDir::Files, QDir::Time); // the newest first
-    const qint64 wanted = limit - limit / 16;
-    qint64 total = 0;
-    for (const QFileInfo &file : files) {
-        total += file.size();
-        if (total > wanted)
-            QFile::remove(file.filePath());
-    }
-}
-
 } // namespace vantor::ArtworkFolder

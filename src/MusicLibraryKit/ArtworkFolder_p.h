@@ -21,7 +21,4 @@ struct Stored {
 /// Makes a picture of a source's bytes and keeps it as a file, which is replaced at once or not at all.
 [[nodiscard]] Stored store(const QString &path, const QByteArray &bytes, int largestSide);
 
-/// Removes the files that were read longest ago, until the folder holds a little less than `limit` bytes.
-void trim(const QString &folder, qint64 limit);
-
 } // namespace vantor::ArtworkFolder

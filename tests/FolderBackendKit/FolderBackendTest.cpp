@@ -1,7 +1,9 @@
 #include "FolderBackendKit/FolderBackend.h"
 
+#include "AudioCore/Decoding/FileInput.h"
 #include "FolderBackendKit/LocalOutput.h"
 #include "MusicBackendKit/MusicBackendError.h"
+#include "Platform/NativePath.h"
 #include "tests/Support/MusicFiles.h"
 #include "tests/Support/WaitFor.h"
 
@@ -10,6 +12,9 @@
 #include <QImage>
 
 #include <gmock/gmock.h>
+
+#include <cstdio>
+#include <filesystem>
 
 namespace vantor {
 
@@ -216,6 +221,32 @@ TEST_F(FolderBackendTest, PlaysFilesThatAreThere) {
               u"That output is not available.");
     QCoro::waitFor(backend->transport(TransportCommand::next(), here.id));
     EXPECT_THAT(output.commands, ElementsAre(TransportCommand::next()));
+}
+
+TEST_F(FolderBackendTest, FilesWhoseNamesAreNoTextPlayUnderAStandIn) {
+    write("Zed/Album/1.mp3");
+    const QByteArray root = QFile::encodeName(music("Zed/"));
+    ASSERT_EQ(rename((root + "Album").constData(), (root + "D\xE9nu").constData()), 0);
+    const QByteArray path = root + "D\xE9nu/4 Bj\xF6rk.mp3";
+    ASSERT_EQ(rename((root + "D\xE9nu/1.mp3").constData(), path.constData()), 0);
+    make();
+    QCoro::waitFor(backend->connect());
+    const MediaID zed{MediaKind::artist, QStringLiteral("Zed")};
+    const auto albums = QCoro::waitFor(backend->albums(zed, {})).items;
+    ASSERT_EQ(albums.size(), 1);
+    EXPECT_EQ(albums[0].title, u"Dénu");
+    const auto tracks = QCoro::waitFor(backend->tracks(albums[0].id));
+    ASSERT_EQ(tracks.size(), 1);
+    EXPECT_EQ(tracks[0].title, u"Björk");
+    EXPECT_EQ(tracks[0].trackNumber, 4);
+    const auto found = QCoro::waitFor(backend->localTracks({tracks[0].id}));
+    ASSERT_EQ(found.size(), 1U);
+    const QUrl file = std::get<QUrl>(found[0].source);
+    EXPECT_EQ(NativePath::bytes(NativePath::fromUrl(file)), path);
+    EXPECT_EQ(backend->trackOf(file), tracks[0].id);
+    EXPECT_GT(FileInput(NativePath::fromUrl(file)).size(), 1000);
+    QCoro::waitFor(backend->disconnect());
+    std::filesystem::remove_all(root.toStdString()); // which Qt cannot
 }
 
 TEST_F(FolderBackendTest, RequestsStayInTheirOrder) {

@@ -63,6 +63,83 @@ void MadeBackend::setSize(Size size) {
     }
 }
 
+void MadeBackend::setOneOfEverything() {
+    using Capability = MusicBackendCapability;
+    offers = Capability::search | Capability::artwork | Capability::favorites | Capability::playlists |
+             Capability::playlistEditing | Capability::radio | Capability::recommendations |
+             Capability::localOutput;
+    setSize({.artists = 24, .albumsPerArtist = 3, .tracksPerAlbum = 12});
+    const QStringList names{
+        QStringLiteral("فيروز"),
+        QStringLiteral("🎷 Sax & the 🎺s"),
+        QStringLiteral("坂本龍一"),
+        QStringLiteral("Ærøskøbing Ængeltorv"),
+        QStringLiteral("The Very Long Winded Orchestra of the Northern Provinces and Its Many Friends"),
+        QStringLiteral("Q")};
+    for (qsizetype i = 0; i < names.size(); ++i) {
+        allArtists[i].name = names[i];
+        for (LibraryAlbum &album : allOfAlbums) {
+            if (album.artistID != allArtists[i].id)
+                continue;
+            album.artistName = names[i];
+            album.title = QStringLiteral("%1: %2").arg(names[names.size() - 1 - i], album.title);
+            for (LibraryTrack &track : tracksOf[album.id]) {
+                track.artistName = names[i];
+                track.albumName = album.title;
+            }
+        }
+    }
+    allOfAlbums[1].artwork.reset();
+    allOfAlbums[2].isFavorite = true;
+    allArtists[3].isFavorite = true;
+    for (qsizetype t = 0; t < 12; ++t) {
+        LibraryTrack &track = tracksOf[allOfAlbums[4].id][t];
+        track.discNumber = t < 5 ? 1 : 2;
+        track.trackNumber = static_cast<int>(t < 5 ? t + 1 : t - 4);
+    }
+    tracksOf[allOfAlbums[4].id][2].isFavorite = true;
+    favorites = {tracksOf[allOfAlbums[4].id][2]};
+    QList<LibraryTrack> mixed;
+    for (const LibraryAlbum &album : allOfAlbums.mid(0, 9))
+        mixed.append(tracksOf[album.id].first());
+    addPlaylist(QStringLiteral("Long drives & short nights"), mixed);
+    addPlaylist(QStringLiteral("Empty one"), {});
+    addPlaylist(QStringLiteral("Made for you"), mixed.mid(0, 4));
+    allPlaylists.last().editing = {};
+    for (const char *const name : {"Radio North", "Jazz at Night", "Slow Waves"}) {
+        LibraryRadio radio;
+        radio.id = {MediaKind::radio, QString::fromLatin1(name)};
+        radio.name = QString::fromLatin1(name);
+        allRadios.append(radio);
+    }
+    RecommendationRow row;
+    row.provider = QStringLiteral("made");
+    row.itemID = QStringLiteral("recent");
+    row.name = QStringLiteral("Recently played");
+    QList<RecommendationItem> albums;
+    for (const LibraryAlbum &album : allOfAlbums.mid(20, 12))
+        albums.append(RecommendationItem::album(album));
+    recommended.append({row, albums});
+    row.itemID = QStringLiteral("mixed");
+    row.name = QStringLiteral("A bit of everything");
+    recommended.append(
+        {row,
+         {RecommendationItem::artist(allArtists[7]), RecommendationItem::playlist(allPlaylists.first()),
+          RecommendationItem::track(mixed.first()),
+          RecommendationItem::other({QStringLiteral("A folder"), {}, {}, {}, {}})}});
+}
+
+NowPlaying MadeBackend::somethingPlaying() const {
+    const LibraryTrack &track = tracksOf[allOfAlbums[4].id][3];
+    NowPlaying now = NowPlaying::idle(OutputDevice::thisMacID(), 0);
+    now.state = NowPlaying::State::playing;
+    now.item = track.id;
+    now.title = track.title;
+    now.artist = track.artistName;
+    now.album = track.albumName;
+    return now;
+}
+
 QCoro::Task<> MadeBackend::answer(QString request, std::chrono::milliseconds after) {
     const auto self = shared_from_this();
     requests.append(request);
@@ -325,7 +402,7 @@ void MadeBackend::tellPlaying(const NowPlaying &now) {
 
 QCoro::Task<QList<OutputDevice>> MadeBackend::outputs() {
     co_await answer(QStringLiteral("outputs"), delay);
-    co_return speakers;
+    co_return QList<OutputDevice>(speakers); // a copy: the task would take a member's value away
 }
 
 QCoro::Task<> MadeBackend::play(QList<MediaID> items, OutputDevice on, PlayMode mode) {

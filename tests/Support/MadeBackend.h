@@ -20,6 +20,11 @@ class MadeBackend : public MusicBackend {
     MadeBackend() = default;
     explicit MadeBackend(Size size) { setSize(size); }
     void setSize(Size size);
+    /// A small library that offers everything, with long, odd and right-to-left names, discs, and items
+    /// without covers.
+    void setOneOfEverything();
+    /// A track of it, as its output would tell.
+    [[nodiscard]] NowPlaying somethingPlaying() const;
 
     // What it is; may be changed at any time.
     QString id = QStringLiteral("made");

@@ -16,8 +16,8 @@ double now() {
 
 MadeSpeakers::MadeSpeakers() {
     using Capability = MusicBackendCapability;
-    offers = Capability::search | Capability::remoteOutputs | Capability::queueEditing | Capability::favorites |
-             Capability::playlistEditing | Capability::playlists;
+    offers = Capability::search | Capability::remoteOutputs | Capability::queueEditing |
+             Capability::favorites | Capability::playlistEditing | Capability::playlists;
 }
 
 MadeSpeakers::Speaker &MadeSpeakers::addSpeaker(const QString &id, const QString &name, int items,

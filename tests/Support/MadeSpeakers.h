@@ -22,7 +22,8 @@ class MadeSpeakers : public MadeBackend {
     MadeSpeakers();
 
     /// One that stands still, with a queue of so many items, "Kitchen 1" and so on, of 200 seconds.
-    Speaker &addSpeaker(const QString &id, const QString &name, int items, std::optional<double> volume = 0.5);
+    Speaker &addSpeaker(const QString &id, const QString &name, int items,
+                        std::optional<double> volume = 0.5);
     /// It is switched off.
     void removeSpeaker(const QString &id);
     [[nodiscard]] Speaker &speaker(const QString &id) { return m_speakers.at(id); }

@@ -42,7 +42,7 @@ TestCertificate::TestCertificate(const QString &host) {
     X509_set_version(certificate.get(), 2);
     ASN1_INTEGER_set(X509_get_serialNumber(certificate.get()), 1);
     X509_gmtime_adj(X509_getm_notBefore(certificate.get()), -3600);
-    X509_gmtime_adj(X509_getm_notAfter(certificate.get()), 3600);
+    X509_gmtime_adj(X509_getm_notAfter(certificate.get()), 86'400);
     X509_set_pubkey(certificate.get(), key.get());
     X509_NAME *name = X509_get_subject_name(certificate.get());
     const QByteArray commonName = "Made for a test";

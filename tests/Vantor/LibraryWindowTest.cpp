@@ -2,17 +2,23 @@
 
 #include "MusicBackendKit/MusicBackendError.h"
 #include "PlayerFixture.h"
+#include "Vantor/Library/LibraryActions.h"
 #include "Vantor/Library/LibraryGridView.h"
 #include "Vantor/Library/LibraryOutput.h"
 #include "Vantor/Library/TrackTable.h"
 #include "tests/Support/MadeBackend.h"
 
 #include <QComboBox>
+#include <QDialog>
 #include <QElapsedTimer>
+#include <QInputDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMenu>
+#include <QMessageBox>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QSignalSpy>
 #include <QStackedWidget>
 #include <QTest>
@@ -196,6 +202,155 @@ TEST_F(LibraryWindowTest, SizeAndSectionAreRemembered) {
     open(m_made);
     EXPECT_EQ(m_settings.value(u"library/section"_qs).toString(), u"tracks"_qs);
     EXPECT_TRUE(waitFor([&] { return shown<TrackTable>() != nullptr; }));
+}
+
+TEST_F(LibraryWindowTest, TheLastPlaceIsComeBackTo) {
+    m_made->setOneOfEverything();
+    open(m_made);
+    ASSERT_TRUE(showsRows(72));
+    press(*shown<LibraryGridView>(), 4, Qt::Key_Return);
+    ASSERT_TRUE(showsRows(12));
+    m_window.reset(); // the program ends
+    open(m_made);
+    EXPECT_TRUE(showsRows(12));
+    EXPECT_TRUE(says(u"1974"_qs));
+    QTest::keyClick(m_window.get(), Qt::Key_Left, Qt::AltModifier);
+    EXPECT_TRUE(showsRows(72));
+    m_window.reset();
+    const auto other = std::make_shared<MadeBackend>(MadeBackend::Size{.artists = 3});
+    other->id = u"other"_qs;
+    open(other); // in which there is no such place
+    EXPECT_TRUE(showsRows(3));
+}
+
+TEST_F(LibraryWindowTest, APlaylistIsEditedByKeys) {
+    m_made->setOneOfEverything();
+    open(m_made);
+    choose(u"Playlists"_qs);
+    ASSERT_TRUE(showsRows(3));
+    press(*shown<LibraryGridView>(), 0, Qt::Key_Return);
+    ASSERT_TRUE(showsRows(9));
+    const auto title = [&](int row) {
+        const LibraryTrack *const track = shown<TrackTable>()->tracks().track(row);
+        return track ? track->title : QString();
+    };
+    ASSERT_EQ(title(1), u"Track 1 of 1"_qs);
+    shown<TrackTable>()->setCurrentIndex(shown<TrackTable>()->model()->index(1, 1));
+    QTest::keyClick(shown<TrackTable>(), Qt::Key_Down, Qt::AltModifier);
+    ASSERT_TRUE(waitFor([&] { return title(2) == u"Track 1 of 1"_qs; }));
+    EXPECT_TRUE(waitFor([&] { return shown<TrackTable>()->currentIndex().row() == 2; }));
+    QTest::keyClick(shown<TrackTable>(), Qt::Key_Delete);
+    ASSERT_TRUE(showsRows(8));
+    EXPECT_EQ(m_made->requests.filter(u"move 1 to 2"_qs).size(), 1);
+
+    // Sorted, rows have no place that they could be moved to.
+    shown<TrackTable>()->tracks().sort(TrackListModel::titleColumn);
+    QTest::keyClick(shown<TrackTable>(), Qt::Key_Down, Qt::AltModifier);
+    QTest::keyClick(m_window.get(), Qt::Key_Left, Qt::AltModifier);
+    ASSERT_TRUE(showsRows(3));
+    press(*shown<LibraryGridView>(), 2, Qt::Key_Return); // may not be changed
+    ASSERT_TRUE(showsRows(4));
+    press(*shown<TrackTable>(), 1, Qt::Key_Delete);
+    EXPECT_EQ(m_made->requests.filter(QRegularExpression(u"^(move|remove) "_qs)).size(), 2);
+}
+
+TEST_F(LibraryWindowTest, MenusOfferWhatTheSourceCanDo) {
+    m_made->setOneOfEverything();
+    open(m_made);
+    LibraryActions actions(m_browser, {});
+    const auto entries = [&](const LibraryItem &item) {
+        QMenu menu(m_window.get());
+        actions.fillMenu(menu, QList<LibraryItem>{item});
+        QStringList names;
+        for (const QAction *const entry : menu.actions()) {
+            if (!entry->isSeparator())
+                names.append(entry->text());
+        }
+        return names;
+    };
+    const LibraryItem album{m_made->allOfAlbums.first()};
+    const LibraryItem fixed{m_made->allPlaylists.last()};
+    const LibraryItem radio{m_made->allRadios.first()};
+    const QStringList common{u"Play"_qs, u"Append"_qs};
+    const QString add = u"Add to Playlist"_qs;
+    const QString favorite = u"Add to Favourites"_qs;
+    EXPECT_EQ(entries(album), common + QStringList({u"Open"_qs, add, favorite}));
+    EXPECT_EQ(entries(fixed), common + QStringList({u"Open"_qs, add, favorite, u"Export…"_qs}));
+    EXPECT_EQ(entries({m_made->allPlaylists.first()}).last(), u"Delete Playlist…"_qs);
+    EXPECT_EQ(entries(radio), common + QStringList{favorite});
+    m_made->offers = Capability::search;
+    EXPECT_EQ(entries(album), common + QStringList{u"Open"_qs});
+
+    m_made->offers = Capability::playlistEditing;
+    ASSERT_TRUE(waitFor([&] { return m_browser.connected() != nullptr; }));
+    QMenu menu(m_window.get());
+    actions.fillMenu(menu, QList<LibraryItem>{{m_made->tracksOf.value(m_made->allOfAlbums[5].id).first()}});
+    const auto targets = [&] { return menu.findChild<QMenu *>()->actions(); };
+    ASSERT_TRUE(waitFor([&] { return targets().size() == 4; })); // a new one, a line, two that may be changed
+    EXPECT_EQ(targets()[2]->text(), u"Long drives && short nights"_qs);
+    targets()[2]->trigger();
+    EXPECT_TRUE(waitFor([&] { return m_made->tracksOf.value(m_made->allPlaylists[0].id).size() == 10; }));
+}
+
+TEST_F(LibraryWindowTest, QuestionsAreAskedBeforePlaylistsAndStationsChange) {
+    m_made->setOneOfEverything();
+    open(m_made);
+    ASSERT_TRUE(showsRows(72));
+    choose(u"Radios"_qs);
+    const auto click = [&](QWidget *in, const QString &text) {
+        for (QAbstractButton *const button : in->findChildren<QAbstractButton *>()) {
+            if (button->isVisible() && button->text() == text)
+                return button->click();
+        }
+        ADD_FAILURE() << text.toStdString();
+    };
+    click(m_window.get(), u"Add Radio Station…"_qs);
+    auto *dialog = m_window->findChild<QDialog *>();
+    ASSERT_NE(dialog, nullptr);
+    dialog->findChild<QLineEdit *>(u"url"_qs)->setText(u"ftp://example.org/x"_qs);
+    click(dialog, u"Add"_qs);
+    EXPECT_TRUE(says(u"Enter an http or https stream URL."_qs));
+    dialog->findChild<QLineEdit *>(u"url"_qs)->setText(u" https://example.org/x "_qs);
+    click(dialog, u"Add"_qs);
+    EXPECT_TRUE(showsRows(4));
+    EXPECT_EQ(m_made->allRadios.last().name, u"example.org"_qs);
+
+    choose(u"Playlists"_qs);
+    ASSERT_TRUE(showsRows(3));
+    click(m_window.get(), u"New Playlist…"_qs);
+    auto *const name = m_window->findChild<QInputDialog *>();
+    ASSERT_NE(name, nullptr);
+    name->setTextValue(u" Mine "_qs);
+    name->accept();
+    EXPECT_TRUE(says(u"Mine"_qs)); // on its page
+    EXPECT_TRUE(waitFor([&] { return m_made->allPlaylists.size() == 4; }));
+
+    QMenu menu(m_window.get());
+    LibraryActions actions(m_browser, {});
+    actions.fillMenu(menu, QList<LibraryItem>{{m_made->allPlaylists[0]}});
+    for (QAction *const entry : menu.actions()) {
+        if (entry->text() == u"Delete Playlist…"_qs)
+            entry->trigger();
+    }
+    auto *const question = m_window->findChild<QMessageBox *>();
+    ASSERT_NE(question, nullptr);
+    EXPECT_EQ(m_made->allPlaylists.size(), 4);
+    click(question, u"Delete"_qs);
+    EXPECT_TRUE(waitFor([&] { return m_made->allPlaylists.size() == 3; }));
+}
+
+TEST_F(LibraryWindowTest, AHeartIsClickedAndNothingElse) {
+    m_made->setOneOfEverything();
+    open(m_made);
+    ASSERT_TRUE(showsRows(72));
+    auto &grid = *shown<LibraryGridView>();
+    const QRect tile = grid.visualRect(grid.model()->index(0, 0));
+    QTest::mouseClick(grid.viewport(), Qt::LeftButton, {}, tile.topRight() + QPoint(-26, 26));
+    ASSERT_TRUE(waitFor([&] { return grid.items().item(0)->isFavorite() == true; }));
+    EXPECT_TRUE(grid.selected().isEmpty());
+    EXPECT_EQ(m_made->favoritesSet.size(), 1);
+    choose(u"Favourites"_qs);
+    ASSERT_TRUE(showsRows(2));
 }
 
 TEST_F(LibraryWindowTest, ALargeLibraryIsThereAtOnce) {

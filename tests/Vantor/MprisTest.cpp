@@ -1,7 +1,9 @@
 #include "AudioCore/NowPlaying/NowPlayingBridge.h"
 #include "PlayerFixture.h"
 #include "Vantor/Mpris/MprisService.h"
+#include "Vantor/Mpris/SessionBus.h"
 #include "Vantor/Windows/Commands.h"
+#include "tests/Support/MadeSpeakers.h"
 
 #include <QApplication>
 #include <QDBusArgument>
@@ -9,6 +11,7 @@
 #include <QDBusPendingCall>
 #include <QDir>
 #include <QFileInfo>
+#include <QLocalServer>
 #include <QSignalSpy>
 #include <QStandardPaths>
 
@@ -126,6 +129,23 @@ class MprisTest : public PlayerFixture {
 
 } // namespace
 
+TEST_F(MprisTest, ABusThatSaysNothingIsDoneWithout) {
+    const QByteArray good = qgetenv("DBUS_SESSION_BUS_ADDRESS");
+    QLocalServer silent;
+    ASSERT_TRUE(silent.listen(m_folder.path("silent")));
+    const std::pair<QByteArray, QByteArray> rows[] = {
+        {good, good},
+        {"unix:path=/nowhere/bus", "unix:path=/nowhere/bus"},
+        {"unix:guid=1,path=" + QFile::encodeName(silent.fullServerName()), "disabled:"},
+    };
+    for (const auto &[address, expected] : rows) {
+        qputenv("DBUS_SESSION_BUS_ADDRESS", address);
+        SessionBus::avoidIfSilent();
+        EXPECT_EQ(qgetenv("DBUS_SESSION_BUS_ADDRESS"), expected);
+    }
+    qputenv("DBUS_SESSION_BUS_ADDRESS", good);
+}
+
 TEST_F(MprisTest, TheProgramIsFoundRaisedAndEnded) {
     connectToBus();
     EXPECT_EQ(get("Identity", root), QStringLiteral("Vantor"));
@@ -192,6 +212,45 @@ TEST_F(MprisTest, TheTransportAndTheOptionsFollowTheBus) {
     EXPECT_EQ(get("PlaybackStatus"), QStringLiteral("Stopped"));
     call(player, "OpenUri", {writeTone("c d.wav", 5).toString(QUrl::FullyEncoded)});
     EXPECT_TRUE(waitFor([&] { return m_player.queue().current()->title == QStringLiteral("c d"); }));
+}
+
+TEST_F(MprisTest, TheSelectedSpeakerIsToldAndCommanded) {
+    const auto made = std::make_shared<MadeSpeakers>();
+    MadeSpeakers::Speaker &kitchen = made->addSpeaker(u"kitchen"_qs, u"Kitchen"_qs, 3);
+    kitchen.playing.state = NowPlaying::State::playing;
+    kitchen.playing.artist = u"Cook"_qs;
+    kitchen.playing.artwork = ArtworkRef{u"cover"_qs};
+    LibraryBrowser browser;
+    m_model.remote().setBrowser(&browser);
+    browser.setBackend(made);
+    connectToBus();
+    playTwoTones();
+    const QVariant localTrack = metadata().value(QStringLiteral("mpris:trackid"));
+    browser.chooseOutput({u"kitchen"_qs});
+    ASSERT_TRUE(waitFor([&] { return metadata().contains(QStringLiteral("mpris:artUrl")); }));
+    const QVariantMap remote = metadata();
+    EXPECT_EQ(remote.value(QStringLiteral("xesam:title")), u"Kitchen 1"_qs);
+    EXPECT_EQ(remote.value(QStringLiteral("xesam:artist")).toStringList(), QStringList(u"Cook"_qs));
+    EXPECT_EQ(remote.value(QStringLiteral("mpris:length")).toLongLong(), 200'000'000);
+    EXPECT_EQ(get("Volume"), 0.5);
+    EXPECT_EQ(get("CanGoNext"), true);
+    EXPECT_TRUE(changes().contains(QStringLiteral("Metadata")));
+    const QVariant track = remote.value(QStringLiteral("mpris:trackid"));
+    call(player, "SetPosition", {localTrack, QVariant::fromValue(qlonglong{5'000'000})}); // of another track
+    call(player, "SetPosition", {track, QVariant::fromValue(qlonglong{60'000'000})});
+    ASSERT_TRUE(waitFor([&] { return kitchen.playing.elapsed == 60; }));
+    EXPECT_EQ(m_listener.seeks, std::vector<qlonglong>{60'000'000});
+    call(player, "PlayPause");
+    EXPECT_EQ(get("PlaybackStatus"), u"Paused"_qs);
+    EXPECT_TRUE(waitFor([&] { return kitchen.playing.state == NowPlaying::State::paused; }));
+    call(player, "Next");
+    EXPECT_TRUE(waitFor([&] { return kitchen.current == 1; }));
+    set("Volume", 0.25);
+    EXPECT_TRUE(waitFor([&] { return kitchen.playing.volume == 0.25; }));
+    EXPECT_EQ(m_player.state(), PlaybackState::playing);
+    EXPECT_EQ(m_player.queue().currentIndex(), 0);
+    m_model.remote().setBrowser(nullptr);
+    EXPECT_EQ(metadata().value(QStringLiteral("mpris:trackid")), localTrack);
 }
 
 // A slow track takes commands, too.

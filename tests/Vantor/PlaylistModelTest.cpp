@@ -133,6 +133,15 @@ TEST_F(PlaylistModelTest, DuplicatesGoButNotTheOneThatPlays) {
     m_playlist.local().removeDuplicates();
     EXPECT_EQ(shown(), "ba");
     EXPECT_EQ(m_player.queue().currentIndex(), 1);
+
+    std::vector<Track> parts(3, m_player.queue().tracks().front());
+    for (Track &part : parts)
+        part.id = QUuid::createUuid();
+    parts[0].range = TrackRange{0, 5};
+    parts[1].range = TrackRange{5, 9};
+    m_player.restoreQueue(parts, std::nullopt, RepeatMode::off, false);
+    m_playlist.local().removeDuplicates();
+    EXPECT_EQ(m_player.queue().count(), 3) << "parts of one file";
 }
 
 TEST_F(PlaylistModelTest, MissingFilesAreRemovedAndOthersStay) {

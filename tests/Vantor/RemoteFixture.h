@@ -18,7 +18,9 @@ class RemoteFixture : public PlayerFixture {
                          [this](const QString &sentence) { m_told.append(sentence); });
         m_remote.setBrowser(&m_browser);
         m_browser.setBackend(m_made);
-        ASSERT_TRUE(waitFor([&] { return m_browser.outputs().size() == 3; })) << int(m_browser.state()) << m_made->requests.join(u" "_qs).toStdString() << m_browser.outputs().size();
+        ASSERT_TRUE(waitFor([&] { return m_browser.outputs().size() == 3; }))
+            << int(m_browser.state()) << m_made->requests.join(u" "_qs).toStdString()
+            << m_browser.outputs().size();
     }
     [[nodiscard]] OutputDevice output(const QString &id) const {
         const auto found = std::ranges::find(m_browser.outputs(), OutputDevice::ID{id}, &OutputDevice::id);

@@ -59,7 +59,11 @@ TEST_F(RemoteOutputTest, TheWindowsShowTheSpeakerWhileThePlayerGoesOn) {
     EXPECT_FALSE(scene.repeat);
     EXPECT_EQ(m_player.state(), State::playing);
     EXPECT_EQ(sent(), QList<TransportCommand>());
-    EXPECT_EQ(outputMenu(), QStringList({u"This Computer"_qs, u"✓ Kitchen"_qs, u"Bath"_qs, {}, u"Speakers…"_qs,
+    EXPECT_EQ(outputMenu(), QStringList({u"This Computer"_qs,
+                                         u"✓ Kitchen"_qs,
+                                         u"Bath"_qs,
+                                         {},
+                                         u"Speakers…"_qs,
                                          u"Add to Favourites"_qs}));
 
     m_remote.deselect();
@@ -113,7 +117,8 @@ TEST_F(RemoteOutputTest, WhatIsCommandedShowsAtOnceAndIsPutRight) {
     m_commands.trigger(Commands::Id::pause);
     EXPECT_EQ(m_remote.view().state, State::paused);
     m_made->tell(u"kitchen"_qs); // what it was before the command arrived
-    ASSERT_TRUE(waitFor([&] { return m_made->speaker(u"kitchen"_qs).playing.state == NowPlaying::State::paused; }));
+    ASSERT_TRUE(
+        waitFor([&] { return m_made->speaker(u"kitchen"_qs).playing.state == NowPlaying::State::paused; }));
     EXPECT_EQ(m_remote.view().state, State::paused);
 
     m_made->failure = u"The kitchen refused."_qs;
@@ -206,7 +211,8 @@ TEST_F(RemoteOutputTest, FilesPlayHereAndItemsWhereTheMusicIs) {
     m_model.insertItems({{MediaKind::album, u"b"_qs}}, 0);
     ASSERT_TRUE(waitFor([&] { return m_made->played.size() == 2; }));
     const QList<MediaID> second{{MediaKind::album, u"b"_qs}};
-    EXPECT_EQ(m_made->played.last(), std::pair(PlayRequest{second, PlayMode::append()}, OutputDevice::ID{u"bath"_qs}));
+    EXPECT_EQ(m_made->played.last(),
+              std::pair(PlayRequest{second, PlayMode::append()}, OutputDevice::ID{u"bath"_qs}));
     ASSERT_TRUE(waitFor([&] { return m_remote.title() == u"1. a"_qs; }));
 
     m_model.insert({writeTone("a.wav", 1)}, 0);

@@ -22,7 +22,8 @@ class RemotePlaylistTest : public RemoteFixture {
     }
     /// The number at the end of each title, the selected ones in brackets.
     [[nodiscard]] std::string shown() const {
-        return shownRows(m_playlist, [](const Track &track) { return track.title.section(QLatin1Char(' '), -1); });
+        return shownRows(m_playlist,
+                         [](const Track &track) { return track.title.section(QLatin1Char(' '), -1); });
     }
     [[nodiscard]] bool isInStep() {
         return waitFor([&] {
@@ -43,8 +44,8 @@ TEST(QueueMoves, OnlyWhatWasMovedMoves) {
         const char *after;
         const char *moved;
         int edits;
-    } rows[] = {{"bcdea", "a", 1}, {"eabcd", "e", 1}, {"cabde", "c", 1}, {"bcade", "a", 1}, {"deabc", "de", 2},
-                {"bdeac", "ac", 2}, {"abcde", "ab", 0}, {"edcba", "abcde", 4}};
+    } rows[] = {{"bcdea", "a", 1},  {"eabcd", "e", 1},  {"cabde", "c", 1},  {"bcade", "a", 1},
+                {"deabc", "de", 2}, {"bdeac", "ac", 2}, {"abcde", "ab", 0}, {"edcba", "abcde", 4}};
     const QStringList before{u"a"_qs, u"b"_qs, u"c"_qs, u"d"_qs, u"e"_qs};
     for (const auto &[text, movedText, count] : rows) {
         SCOPED_TRACE(text);

@@ -1,7 +1,6 @@
-#include "Vantor/Remote/SpeakersPanel.h"
-
 #include "RemoteFixture.h"
 #include "Vantor/Remote/SpeakerRow.h"
+#include "Vantor/Remote/SpeakersPanel.h"
 
 #include <QLabel>
 #include <QRadioButton>

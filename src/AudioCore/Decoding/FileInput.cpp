@@ -1,17 +1,30 @@
 #include "AudioCore/Decoding/FileInput.h"
 
 #include "AudioCore/AudioCoreError.h"
+#include "Platform/NativePath.h"
 
 #include <QFileInfo>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace vantor {
 
 FileInput::FileInput(const QString &path) : m_file(path) {
-    const QFileInfo file(path);
-    if (file.exists() && !file.isFile()) // a folder; or a pipe or device: opening one may wait for ever
-        throw AudioCoreError::openFailure();
-    if (!m_file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+    // By the bytes of its name, which need not be text; and without waiting, since it may be a pipe.
+    const int descriptor = open(NativePath::bytes(path).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    struct stat status;
+    if (descriptor < 0 || fstat(descriptor, &status) != 0)
         throw AudioCoreError::readFailure();
+    if (!S_ISREG(status.st_mode)) { // a folder, a pipe or a device
+        close(descriptor);
+        throw AudioCoreError::openFailure();
+    }
+    if (!m_file.open(descriptor, QIODevice::ReadOnly | QIODevice::Unbuffered, QFile::AutoCloseHandle)) {
+        close(descriptor);
+        throw AudioCoreError::readFailure();
+    }
 }
 
 std::size_t FileInput::read(std::span<char> bytes) {

@@ -10,7 +10,7 @@ namespace vantor {
 class FileInput final : public AudioInput {
   public:
     /// Throws AudioCoreError::readFailure for what cannot be read, openFailure for what is no file.
-    explicit FileInput(const QString &path);
+    explicit FileInput(const QString &path); ///< in NativePath's form
 
     [[nodiscard]] std::size_t read(std::span<char> bytes) override;
     [[nodiscard]] bool seek(qint64 position) override { return m_file.seek(position); }

@@ -47,6 +47,7 @@ void NowPlayingBridge::install() {
             takeTrack(changed->track);
         publish();
     });
+    connect(&m_player, &Player::downloadChanged, this, &NowPlayingBridge::takeStreamTitle);
     for (const Route &route : routes) {
         m_center.setHandler(route.command,
                             [this, run = route.run](double seconds) { run(m_target, seconds); });
@@ -55,6 +56,7 @@ void NowPlayingBridge::install() {
     for (const Command command : notOffered)
         m_center.setEnabled(command, false);
     takeTrack(m_player.queue().current());
+    m_streamTitle = m_player.streamTitle();
     publish();
 }
 
@@ -62,6 +64,7 @@ void NowPlayingBridge::uninstall() {
     if (!m_observer)
         return;
     m_player.removeEventObserver(*std::exchange(m_observer, std::nullopt));
+    m_player.disconnect(this);
     takeTrack(std::nullopt);
     for (const Route &route : routes)
         m_center.setHandler(route.command, {});
@@ -79,18 +82,29 @@ void NowPlayingBridge::takeTrack(const std::optional<Track> &track) {
         });
 }
 
+// The same signal tells of every step of a download.
+void NowPlayingBridge::takeStreamTitle() {
+    if (std::exchange(m_streamTitle, m_player.streamTitle()) != m_streamTitle)
+        publish();
+}
+
 void NowPlayingBridge::publish() {
     const std::optional<Track> track = m_player.queue().current();
     if (!track) {
         m_center.clear();
         return;
     }
-    const NowPlayingSnapshot snapshot{.title = track->title,
-                                      .artist = track->artist,
-                                      .album = track->album,
-                                      .duration = m_player.duration(),
-                                      .elapsed = m_player.currentTime(),
-                                      .state = m_player.state()};
+    NowPlayingSnapshot snapshot{.title = track->title,
+                                .artist = track->artist,
+                                .album = track->album,
+                                .duration = m_player.duration(),
+                                .elapsed = m_player.currentTime(),
+                                .state = m_player.state()};
+    if (m_streamTitle) { // as the station words it; the track is the station, which takes the album's place
+        snapshot.title = *m_streamTitle;
+        snapshot.artist.clear();
+        snapshot.album = track->title;
+    }
     m_center.publish(NowPlayingInfoBuilder::info(snapshot, m_artwork));
 }
 

@@ -29,12 +29,14 @@ class NowPlayingBridge : public QObject {
   private:
     void publish();
     void takeTrack(const std::optional<Track> &track);
+    void takeStreamTitle();
 
     Player &m_player;
     NowPlayingCommandTarget &m_target;
     NowPlayingCenter &m_center;
     std::optional<PlayerEventToken> m_observer; ///< present while installed
     QImage m_artwork;                           ///< of the current track
+    std::optional<QString> m_streamTitle;       ///< what a station has said that it plays
     EmbeddedArtworkLoader m_artworkLoader;
 };
 

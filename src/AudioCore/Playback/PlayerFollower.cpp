@@ -13,9 +13,12 @@ static constexpr double secondsInReserve = 1;
 static constexpr std::size_t mostFollowers = PlayerNode::followerSpan;
 
 void Player::Private::Follower::take(const TrackStreamer::Report &news) {
-    report = news;
+    if (news.endsInNode)
+        failure = news.error;
+    else
+        report = news;
     if (news.error)
-        seconds = 0;
+        seconds = 0; // or little, of which nobody knows how much
     else
         seconds = news.duration > 0 ? news.duration : std::numeric_limits<double>::infinity();
 }
@@ -24,6 +27,7 @@ Player::Private::Follower Player::Private::makeFollower(const Track &track) {
     Follower follower;
     follower.trackID = track.id;
     follower.generation = newGeneration();
+    follower.range = track.range;
     follower.seconds = track.duration > 0 ? track.duration : std::numeric_limits<double>::infinity();
     try {
         follower.url = resolver->resolve(track);
@@ -44,10 +48,12 @@ void Player::Private::planFollowers() {
     bool isNew = false;
     std::size_t count = 0;
     double seconds = 0;
-    int failures = consecutiveFailures;
+    int failures = failureAtEnd ? consecutiveFailures + 1 : consecutiveFailures;
     bool isInNextPass = false;
     std::optional<PlayQueue> ahead; // taken along when the first one is not enough
     std::optional<int> index = queue.indexAfterCurrentEnds();
+    if (failureAtEnd && !PlayerRules::skipsAfterFailure(queue, failures))
+        index.reset(); // it will be the end
     while (index && count < mostFollowers) {
         const Track &next = queue.tracks()[static_cast<std::size_t>(*index)];
         if (count == followers.size() || followers[count].trackID != next.id) {
@@ -70,8 +76,8 @@ void Player::Private::planFollowers() {
         isInNextPass = isInNextPass || (ahead->isShuffled() && ahead->repeatMode() == RepeatMode::all &&
                                         ahead->shufflePosition() == 0);
         const bool isDrawn = !isInNextPass || ahead->shufflePosition() + 1 < ahead->count();
-        const bool fails = follower.report && follower.report->error;
-        failures = fails ? failures + 1 : 0;
+        const bool fails = follower.fails();
+        failures = follower.isSilent() ? failures + 1 : fails ? 1 : 0;
         if (!isDrawn || (fails && !PlayerRules::skipsAfterFailure(*ahead, failures)))
             break;
         index = ahead->indexAfterCurrentEnds();
@@ -85,6 +91,7 @@ void Player::Private::planFollowers() {
 TrackStreamer::Request Player::Private::requestFor(const Follower &follower) const {
     return {.generation = follower.generation,
             .url = follower.url,
+            .range = follower.range,
             .start = 0,
             .sampleRate = graph->sampleRate(),
             .node = graph->node()};
@@ -97,7 +104,7 @@ void Player::Private::sendFollowers(const Follower *adopted) {
     if (adopted)
         requests.push_back(requestFor(*adopted));
     for (const Follower &follower : followers) {
-        if (!follower.report || !follower.report->error)
+        if (!follower.isSilent())
             generations.push_back(follower.generation);
         if (!follower.url.isEmpty())
             requests.push_back(requestFor(follower));
@@ -108,6 +115,7 @@ void Player::Private::sendFollowers(const Follower *adopted) {
 
 void Player::Private::forgetFollowers() {
     followers.clear();
+    failureAtEnd.reset();
     endHeardAt.reset();
 }
 
@@ -134,8 +142,10 @@ void Player::Private::adoptFollower() {
     const bool sounds = report && !report->error;
     generation = adopted.generation;
     url = adopted.url;
+    range = adopted.range;
     download = sounds ? report->download : nullptr;
     fileDuration = sounds ? report->duration : 0;
+    failureAtEnd = adopted.failure;
     endHeardAt.reset();
     if (sounds)
         consecutiveFailures = 0;

@@ -55,6 +55,7 @@ void Player::Private::requestFrom(double seconds) {
     graph->node()->discardBefore(generation);
     streamer.play({.generation = generation,
                    .url = url,
+                   .range = range,
                    .start = seconds,
                    .sampleRate = graph->sampleRate(),
                    .node = graph->node()});
@@ -90,6 +91,7 @@ void Player::Private::startCurrentTrack(bool autoplay) {
         graph->node()->pause();
         graph->node()->discardBefore(generation);
         url = resolver->resolve(*track);
+        range = track->range;
         requestFrom(0);
     } catch (const AudioCoreError &error) {
         // Through the event loop like every other failure: a long list of missing files is no recursion.
@@ -112,12 +114,17 @@ void Player::Private::streamerReported(const TrackStreamer::Report &report) {
     const auto follower = std::ranges::find(followers, report.generation, &Follower::generation);
     if (follower != followers.end()) {
         follower->take(report);
-        if (report.error)
-            sendFollowers(); // what had been decoded before it failed shall not be heard
+        if (follower->isSilent())
+            sendFollowers(); // without it
         planFollowers();
     }
     if (report.generation != generation)
         return;
+    if (report.error && report.endsInNode) {
+        failureAtEnd = report.error;
+        planFollowers();
+        return;
+    }
     if (report.error) {
         trackFailed(*report.error);
         return;
@@ -244,7 +251,8 @@ void Player::Private::tick() {
     }
     if (state == PlaybackState::playing)
         showTime(progress);
-    const bool isNearEnd = duration() > 0 && duration() - currentTime < output->latency() + endWatchSeconds;
+    const bool isNearEnd =
+        failureAtEnd || (duration() > 0 && duration() - currentTime < output->latency() + endWatchSeconds);
     if (state == PlaybackState::playing || endHeardAt)
         timeUpdates.start(isNearEnd || endHeardAt ? endWatchPeriod : timeUpdatePeriod);
 }
@@ -259,6 +267,10 @@ void Player::Private::showTime(const PlayerNode::Progress &progress) {
 }
 
 void Player::Private::trackEnded() {
+    if (failureAtEnd) {
+        trackFailed(PlaybackError(*failureAtEnd));
+        return;
+    }
     if (followers.empty()) {
         stop();
         return;

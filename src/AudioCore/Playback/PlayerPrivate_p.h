@@ -88,10 +88,14 @@ class Player::Private {
         QUuid trackID;
         std::uint32_t generation = 0;
         QUrl url;
+        std::optional<TrackRange> range;
         double seconds = 0;                          ///< how long it plays; infinite when unknown
         std::optional<TrackStreamer::Report> report; ///< once its first sound is decoded, or it failed
+        std::optional<PlaybackError> failure;        ///< why it ends early, behind that sound
 
         void take(const TrackStreamer::Report &report);
+        [[nodiscard]] bool isSilent() const { return report && report->error; }
+        [[nodiscard]] bool fails() const { return isSilent() || failure; }
     };
     [[nodiscard]] Follower makeFollower(const Track &track);
     [[nodiscard]] TrackStreamer::Request requestFor(const Follower &follower) const;
@@ -117,10 +121,13 @@ class Player::Private {
     std::optional<QUuid> lastEmittedTrackID;
     bool autoplayAfterLoad = false; ///< whether sound is wanted: what a start that follows by itself inherits
     QUrl url;                       ///< of the loaded file or stream
-    std::uint32_t generation = 0;   ///< of the current track
+    std::optional<TrackRange> range;
+    std::uint32_t generation = 0; ///< of the current track
     std::uint32_t lastGeneration = 0;
     unsigned startsAndStops = 0;     ///< so far: tells whether an observer has given another command
     std::vector<Follower> followers; ///< in the order in which they are played
+    /// Why the current track ends early: it fails when what was decoded of it has been heard.
+    std::optional<PlaybackError> failureAtEnd;
     /// When the current track's last frame is heard; known once it has been rendered.
     std::optional<std::chrono::steady_clock::time_point> endHeardAt;
 

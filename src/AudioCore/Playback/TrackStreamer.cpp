@@ -2,9 +2,11 @@
 
 #include "AudioCore/Decoding/FileInput.h"
 #include "AudioCore/Network/ProgressiveInput.h"
+#include "Platform/NativePath.h"
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace vantor {
 
@@ -131,23 +133,32 @@ TrackStreamer::Wait TrackStreamer::work() {
         dropDecoder(); // in the middle of something
         return Wait::forRequest;
     } catch (const AudioCoreError &error) {
-        reportFailure(error);
+        return breakOff(error);
     } catch (const ProgressiveError &error) {
-        reportFailure(error);
+        return breakOff(error);
     } catch (const std::exception &) { // out of memory
-        reportFailure(AudioCoreError::readFailure());
+        return breakOff(AudioCoreError::readFailure());
     }
+}
+
+// What has been decoded already is heard, and the failure told when its end is in the node.
+TrackStreamer::Wait TrackStreamer::breakOff(const PlaybackError &error) {
+    m_failure = error;
+    if (m_hasBegun && !m_isReported)
+        reportBegin();
     dropDecoder();
     m_input.reset();
-    m_request.node.reset();
-    m_isComplete = true;
-    becomeFollower();
-    return m_isComplete ? Wait::forRequest : Wait::none;
+    if (!m_hasBegun)
+        return finish();
+    m_block = {};
+    m_atEnd = true;
+    return Wait::none;
 }
 
 // It may be the follower's already.
 void TrackStreamer::dropDecoder() {
     m_decoder.reset();
+    m_rest = {};
     m_joined = 0;
 }
 
@@ -155,14 +166,21 @@ void TrackStreamer::begin() {
     m_hasBegun = false;
     m_isReported = false;
     m_atEnd = false;
-    const bool isJoined = m_request.node && m_joined == m_request.generation;
-    m_block = std::exchange(m_rest, {});
-    m_joined = 0;
-    m_framesOfTail = 0;
-    if (isJoined)
-        return;
+    m_failure.reset();
     m_block = {};
-    const bool isSame = m_input && m_request.node && m_inputUrl == m_request.url && m_request.start > 0;
+    m_framesDue = framesOfRequest();
+    const bool isJoined = m_request.node && m_joined == m_request.generation;
+    const bool isNextRange = m_request.node && m_decoder && m_inputUrl == m_request.url &&
+                             m_decoderRate == m_request.sampleRate && m_request.start <= 0 &&
+                             m_request.range && m_readUpTo == m_request.range->start;
+    m_joined = 0;
+    m_readUpTo.reset();
+    if (isJoined || isNextRange) { // the decoder goes on
+        m_input->setStopToken(m_request.stop);
+        return;
+    }
+    m_rest = {};
+    const bool isSame = m_input && m_request.node && m_inputUrl == m_request.url && place() > 0;
     if (!isSame || m_decoderRate != m_request.sampleRate)
         m_decoder.reset();
     if (!isSame) {
@@ -175,8 +193,31 @@ void TrackStreamer::begin() {
         m_input->setStopToken(m_request.stop);
     if (!m_decoder)
         open();
-    if (m_request.start > 0 && m_input->size())
-        m_decoder->seek(m_request.start);
+    if (place() > 0 && m_input->size())
+        m_decoder->seek(place());
+}
+
+// Seconds in the file.
+double TrackStreamer::place() const {
+    return m_request.start + (m_request.range ? m_request.range->start : 0);
+}
+
+// Counted from the file's start, so that ranges which meet have every frame once.
+std::int64_t TrackStreamer::framesOfRequest() const {
+    if (!m_request.range || !m_request.range->end)
+        return std::numeric_limits<std::int64_t>::max();
+    const auto frame = [this](double seconds) { return std::llround(seconds * m_request.sampleRate); };
+    return std::max<std::int64_t>(frame(*m_request.range->end) - frame(place()), 0);
+}
+
+double TrackStreamer::duration() const {
+    const double whole = m_decoder->duration();
+    if (!m_request.range)
+        return whole;
+    double end = m_request.range->end.value_or(whole);
+    if (whole > 0)
+        end = std::min(end, whole);
+    return std::max(end - m_request.range->start, 0.0);
 }
 
 void TrackStreamer::open() {
@@ -184,7 +225,7 @@ void TrackStreamer::open() {
         m_input.reset(); // before another connection
         m_inputUrl = m_request.url;
         if (m_inputUrl.isLocalFile()) {
-            m_input = std::make_shared<FileInput>(m_inputUrl.toLocalFile());
+            m_input = std::make_shared<FileInput>(NativePath::fromUrl(m_inputUrl));
         } else {
             auto input = std::make_shared<ProgressiveInput>(m_inputUrl);
             m_download = input->download();
@@ -204,6 +245,8 @@ TrackStreamer::Wait TrackStreamer::fill() {
             return Wait::forRoom;
         readBlock();
         m_atEnd = m_block.empty();
+        if (m_atEnd && m_framesDue == 0 && m_request.range)
+            m_readUpTo = m_request.range->end;
         if (m_atEnd && !m_hasBegun && m_request.start <= 0)
             throw AudioCoreError::readFailure(); // a song without a single frame
     }
@@ -224,27 +267,27 @@ TrackStreamer::Wait TrackStreamer::fill() {
 }
 
 void TrackStreamer::readBlock() {
-    if (m_joined == 0 && !m_followers.empty() && m_hasBegun && !m_decoder->hasMore())
+    const bool mayBeAtEnd = m_joined == 0 && m_rest.empty() && m_framesDue > 0;
+    if (mayBeAtEnd && !m_followers.empty() && m_hasBegun && !m_decoder->hasMore())
         joinFollower();
-    if (m_joined == 0) {
-        m_block = m_decoder->read();
-        return;
-    }
-    m_rest = m_framesOfTail > 0 ? m_decoder->read() : m_rest;
-    const std::size_t count = std::min(m_rest.size(), static_cast<std::size_t>(m_framesOfTail));
-    m_block = m_rest.first(count);
-    m_rest = m_rest.subspan(count);
-    m_framesOfTail -= static_cast<std::int64_t>(count);
+    if (m_rest.empty() && m_framesDue > 0)
+        m_rest = m_decoder->read();
+    const auto due = static_cast<std::size_t>(m_framesDue);
+    m_block = m_rest.first(std::min(m_rest.size(), due));
+    m_rest = m_rest.subspan(m_block.size());
+    m_framesDue -= static_cast<std::int64_t>(m_block.size());
 }
 
 // Worth it where the sample rate is changed; otherwise a file's end needs to know nothing of what follows.
 void TrackStreamer::joinFollower() {
     const Request &follower = m_followers.front();
-    if (m_decoder->format().sampleRate == m_request.sampleRate || !follower.url.isLocalFile() ||
+    const bool areWhole =
+        !(m_request.range && m_request.range->end) && !(follower.range && follower.range->start > 0);
+    if (!areWhole || m_decoder->format().sampleRate == m_request.sampleRate || !follower.url.isLocalFile() ||
         std::exchange(m_joinTried, follower.generation) == follower.generation)
         return;
     try {
-        auto input = std::make_shared<FileInput>(follower.url.toLocalFile());
+        auto input = std::make_shared<FileInput>(NativePath::fromUrl(follower.url));
         auto next = std::make_unique<AudioFileDecoder>(input, follower.sampleRate);
         const std::optional<std::int64_t> frames = next->continueFrom(*m_decoder);
         if (!frames)
@@ -255,7 +298,7 @@ void TrackStreamer::joinFollower() {
         m_input = std::move(input);
         m_inputUrl = follower.url;
         m_download.reset();
-        m_framesOfTail = *frames;
+        m_framesDue = *frames;
         m_joined = follower.generation;
     } catch (const std::exception &) { // it will fail again when its turn has come
     }
@@ -267,8 +310,10 @@ bool TrackStreamer::hasEnoughAhead() const {
 }
 
 TrackStreamer::Wait TrackStreamer::finish() {
-    if (!m_request.node->endSegment())
+    if (m_hasBegun && !m_request.node->endSegment())
         return Wait::shortly;
+    if (m_failure)
+        reportFailure();
     m_isComplete = true;
     becomeFollower();
     return m_isComplete ? Wait::forRequest : Wait::none;
@@ -279,13 +324,18 @@ void TrackStreamer::reportBegin() {
     m_isReported = true;
     report({.generation = m_request.generation,
             .format = m_decoder->format(),
-            .duration = m_decoder->duration(),
+            .duration = duration(),
             .download = m_download,
             .error = std::nullopt});
 }
 
-void TrackStreamer::reportFailure(const PlaybackError &error) {
-    report({.generation = m_request.generation, .format = {}, .duration = 0, .download = {}, .error = error});
+void TrackStreamer::reportFailure() {
+    report({.generation = m_request.generation,
+            .format = {},
+            .duration = 0,
+            .download = {},
+            .error = m_failure,
+            .endsInNode = m_hasBegun});
 }
 
 void TrackStreamer::report(Report report) {

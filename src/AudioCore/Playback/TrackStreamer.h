@@ -5,6 +5,7 @@
 #include "AudioCore/Network/DownloadBuffer.h"
 #include "AudioCore/Playback/PlaybackError.h"
 #include "AudioCore/PlaybackFormat.h"
+#include "AudioCore/Queue/TrackRange.h"
 #include "Platform/ThreadSafety.h"
 
 #include <QObject>
@@ -28,20 +29,23 @@ class TrackStreamer : public QObject {
   public:
     struct Request {
         std::uint32_t generation = 0;
-        QUrl url;         ///< a local file, or what ProgressiveInput takes
-        double start = 0; ///< seconds; above 0 what is open already is used again, and radio goes on as it is
+        QUrl url;                             ///< a local file, or what ProgressiveInput takes
+        std::optional<TrackRange> range = {}; ///< of the file; none: all of it
+        double start = 0; ///< seconds in the track; above 0 what is open already is used again, and radio
+                          ///< goes on as it is
         int sampleRate = 0;
         std::shared_ptr<PlayerNode> node; ///< none: rest and close the file
         std::stop_token stop = {};        ///< the streamer's own: something else is wanted
     };
 
-    /// The first sound of a request is in the node, or the request failed.
+    /// The first sound of a request is in the node, or the request failed, or both, one after the other.
     struct Report {
         std::uint32_t generation = 0;
         PlaybackFormat format;
         double duration = 0;                            ///< seconds; 0 when unknown
         std::shared_ptr<const DownloadBuffer> download; ///< none for local files
         std::optional<PlaybackError> error;
+        bool endsInNode = false; ///< with an error: the node has the sound from before it, and its end
     };
 
     /// Reports arrive through the event loop of the thread that makes the streamer.
@@ -74,6 +78,7 @@ class TrackStreamer : public QObject {
     void stopAllBut(const FollowUp &wanted) VANTOR_REQUIRES(m_mutex);
     [[nodiscard]] bool hasNews() const VANTOR_REQUIRES(m_mutex);
     [[nodiscard]] Wait work();
+    [[nodiscard]] Wait breakOff(const PlaybackError &error);
     void dropDecoder();
     void begin();
     void open();
@@ -82,9 +87,12 @@ class TrackStreamer : public QObject {
     [[nodiscard]] Wait fill();
     [[nodiscard]] Wait finish();
     [[nodiscard]] bool hasEnoughAhead() const;
+    [[nodiscard]] double place() const;
+    [[nodiscard]] std::int64_t framesOfRequest() const;
+    [[nodiscard]] double duration() const;
     void report(Report report);
     void reportBegin();
-    void reportFailure(const PlaybackError &error);
+    void reportFailure();
     void deliverReports();
 
     const std::function<void(const Report &)> m_onReport;
@@ -106,19 +114,21 @@ class TrackStreamer : public QObject {
     bool m_isReported = false;
     bool m_hasBegun = false;
     bool m_atEnd = false;
-    std::shared_ptr<AudioInput> m_input; ///< stays when the decoder goes, so that no download starts again
+    std::optional<PlaybackError> m_failure; ///< what makes m_request end early
+    std::shared_ptr<AudioInput> m_input;    ///< stays when the decoder goes, so that no download starts again
     std::shared_ptr<const DownloadBuffer> m_download;
     QUrl m_inputUrl;
     std::unique_ptr<AudioFileDecoder> m_decoder;
     int m_decoderRate = 0;
     std::span<const StereoFrame> m_block; ///< decoded and not yet in the node
+    std::span<const StereoFrame> m_rest;  ///< decoded behind m_block
+    std::int64_t m_framesDue = 0;         ///< still to be taken for m_request, if the decoder has them
+    std::optional<double> m_readUpTo;     ///< seconds in the file: the end of a range that has been read
 
     // Between the end of a file whose sample rate is changed and its follower's beginning: both are resampled
     // as one sound, so the first frames that the follower's decoder gives are the file's last.
-    std::uint32_t m_joined = 0;          ///< generation of the follower that m_decoder belongs to already
-    std::int64_t m_framesOfTail = 0;     ///< still to be read
-    std::span<const StereoFrame> m_rest; ///< read with them: the follower's
-    std::uint32_t m_joinTried = 0;       ///< generation of a follower
+    std::uint32_t m_joined = 0;    ///< generation of the follower that m_decoder belongs to already
+    std::uint32_t m_joinTried = 0; ///< generation of a follower
 
     std::thread m_thread; ///< last: it uses the others
 };

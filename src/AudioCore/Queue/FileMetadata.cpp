@@ -3,9 +3,7 @@
 #include "AudioCore/AudioCoreError.h"
 #include "AudioCore/Decoding/FileInput.h"
 #include "AudioCore/Decoding/MediaContainer.h"
-
-#include <QFile>
-#include <QFileInfo>
+#include "Platform/NativePath.h"
 
 #include <taglib/fileref.h>
 #include <taglib/tpropertymap.h>
@@ -14,6 +12,9 @@ extern "C" {
 #include <libavcodec/avcodec.h>
 #include <libavformat/avformat.h>
 }
+
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace vantor {
 
@@ -36,7 +37,7 @@ QString joined(const TagLib::PropertyMap &properties, const char *key) {
 }
 
 void readTags(const QString &path, FileMetadata &metadata) {
-    const TagLib::FileRef file(QFile::encodeName(path).constData());
+    const TagLib::FileRef file(NativePath::bytes(path).constData());
     if (file.isNull())
         return;
     if (file.tag()) {
@@ -100,10 +101,11 @@ bool readStreams(const QString &path, FileMetadata &metadata) {
 } // namespace
 
 FileMetadata FileMetadata::read(const QString &path) {
-    const QFileInfo file(path);
-    if (file.exists() && !file.isFile()) // folders; also pipes, on which opening would wait
-        throw AudioCoreError::openFailure();
-    if (!file.isReadable())
+    const QByteArray native = NativePath::bytes(path);
+    struct stat status;
+    if (stat(native.constData(), &status) == 0 && !S_ISREG(status.st_mode))
+        throw AudioCoreError::openFailure(); // folders; also pipes, on which opening would wait
+    if (access(native.constData(), R_OK) != 0)
         throw AudioCoreError::readFailure();
     FileMetadata metadata;
     readTags(path, metadata);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "AudioCore/Queue/TrackRange.h"
 #include "MusicBackendKit/MediaID.h"
 
 #include <QString>
@@ -25,6 +26,7 @@ struct Track {
     std::optional<double> sampleRate; ///< Hz
     std::optional<int> channels;
     Source source;
+    std::optional<TrackRange> range = {}; ///< none: all of the source
 
     /// Reads a file's metadata: tags first, the decoder for what they lack; the file's stem is the title of
     /// an untagged one. Reads from disk: worker threads. Throws AudioCoreError for what is no audio file.

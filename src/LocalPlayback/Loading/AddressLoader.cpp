@@ -103,12 +103,15 @@ class Loader {
             return skip(list, ProgressiveError::formatUnsupported().description());
         const auto format = PlaylistParser::formatOf(bytes, endingOf(info.url));
         const auto parsed = PlaylistParser::parse(bytes, format, maxListEntries);
+        QString divided; // what downloads is not played in parts
         for (const PlaylistParser::Line &line : parsed.lines) {
+            if (line.range && std::exchange(divided, line.location) == line.location)
+                continue;
             const QUrl url = info.url.resolved(QUrl(line.location));
             if (m_stop.stop_requested())
                 return;
             if (isAddress(url))
-                take({url, line.title, line.artist}, false);
+                take({url, line.range ? line.album : line.title, line.artist}, false);
             else
                 skip(url, unsupportedAddress); // files of this machine are none of the list's business
         }

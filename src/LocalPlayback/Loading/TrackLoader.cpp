@@ -49,8 +49,8 @@ class Loader {
         if (isCancelled())
             return;
         try {
-            Track track = Track::file(entry.url);
-            if (!entry.title.isEmpty() && !hasOwnTitle(track, entry.url)) {
+            Track track = entry.range ? partOf(entry) : Track::file(entry.url);
+            if (!entry.range && !entry.title.isEmpty() && !hasOwnTitle(track, entry.url)) {
                 track.title = entry.title;
                 track.artist = entry.artist;
             }
@@ -59,6 +59,23 @@ class Loader {
             m_batch.skipped.push_back({entry.url, error.description()});
         }
         deliverInTime();
+    }
+
+    /// What a list says of a part counts, as the file's tags are those of the whole.
+    Track partOf(const PlaylistEntry &entry) {
+        if (!m_divided || m_divided->source != Track::Source(entry.url))
+            m_divided = Track::file(entry.url); // once for all of its parts
+        Track track = *m_divided;
+        track.id = QUuid::createUuid();
+        track.title = entry.title;
+        if (!entry.artist.isEmpty())
+            track.artist = entry.artist;
+        if (!entry.album.isEmpty())
+            track.album = entry.album;
+        const double end = entry.range->end.value_or(track.duration);
+        track.duration = std::max(end - entry.range->start, 0.0);
+        track.range = entry.range;
+        return track;
     }
 
     void takeAddress(const PlaylistEntry &address, bool asks) {
@@ -111,6 +128,7 @@ class Loader {
     const std::stop_token m_stop;
     const std::function<void(Batch)> &m_deliver;
     Batch m_batch;
+    std::optional<Track> m_divided; ///< the last file of which a part was taken
     QElapsedTimer m_sinceDelivery;
 };
 

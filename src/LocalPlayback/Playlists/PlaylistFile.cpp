@@ -116,7 +116,7 @@ class Reader {
         if (isPlaylist(url))
             read(url);
         else if (isSupported(url))
-            contents.entries.push_back({url, line.title, line.artist});
+            contents.entries.push_back({url, line.title, line.artist, line.album, line.range});
         else
             skip(url, unsupportedAddress);
     }

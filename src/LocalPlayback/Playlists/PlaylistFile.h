@@ -11,9 +11,11 @@ namespace vantor {
 
 /// One thing to play that a playlist names.
 struct PlaylistEntry {
-    QUrl url;         ///< a local file, which need not exist, or an http(s) address
-    QString title;    ///< the list's own words; may be empty, or "Artist - Title"
-    QString artist{}; ///< where the list keeps it apart
+    QUrl url;                          ///< a local file, which need not exist, or an http(s) address
+    QString title;                     ///< the list's own words; may be empty, or "Artist - Title"
+    QString artist{};                  ///< where the list keeps it apart
+    QString album{};                   ///< likewise
+    std::optional<TrackRange> range{}; ///< the part of a local file that is meant; none: all of it
 
     bool operator==(const PlaylistEntry &) const = default;
 };
@@ -39,14 +41,15 @@ struct Contents {
 /// Whether the address is a local file with such an extension.
 [[nodiscard]] bool isPlaylist(const QUrl &url);
 
-/// The entries in order, those of local lists inside in their places. A cue sheet gives each of its files
-/// once, since a queue entry is a whole file, and a compressed one for a file that is gone. What was left
-/// out, and the list itself when it cannot be read, is in `skipped` with a sentence that says why.
+/// The entries in order, those of local lists inside in their places. A cue sheet gives its tracks, as parts
+/// of a file that has several, and a compressed file for one that is gone. What was left out, and the list
+/// itself when it cannot be read, is in `skipped` with a sentence that says why.
 [[nodiscard]] Contents read(const QUrl &list);
 
 /// Writes PLS for the extension "pls" and M3U8 for every other. Files in the list's folder or below it are
-/// written relative to it. Library items have no address and are left out. The file is replaced in one step.
-/// Throws LocalPlaybackError::playlistWrite, and playlistTooLarge above the limits.
+/// written relative to it. Library items have no address and are left out. The formats know no parts of
+/// files: those of one file that follow each other are written as the file, once. The file is replaced in one
+/// step. Throws LocalPlaybackError::playlistWrite, and playlistTooLarge above the limits.
 void write(const QUrl &list, const std::vector<Track> &tracks);
 
 } // namespace PlaylistFile

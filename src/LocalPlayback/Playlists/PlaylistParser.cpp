@@ -6,6 +6,8 @@
 #include <QHash>
 #include <QXmlStreamReader>
 
+#include <algorithm>
+#include <array>
 #include <map>
 #include <optional>
 
@@ -159,8 +161,25 @@ QString cueValue(QStringView rest, bool hasType) {
     return (blank < 0 ? rest : rest.first(blank)).trimmed().toString();
 }
 
-// A sheet lists the tracks inside each file. A queue entry is a whole file, so each file comes once: under
-// the title of its track when it has only one, under the album's otherwise.
+/// Of "mm:ss:ff", with 75 frames to a second.
+std::optional<double> cueTime(QStringView text) {
+    constexpr int framesPerSecond = 75;
+    constexpr int mostMinutes = 100'000;
+    const auto parts = text.split(u':');
+    if (parts.size() != 3)
+        return std::nullopt;
+    std::array<int, 3> numbers{};
+    for (std::size_t i = 0; i < numbers.size(); ++i) {
+        bool ok = false;
+        numbers[i] = parts[static_cast<qsizetype>(i)].toInt(&ok);
+        if (!ok || numbers[i] < 0 || numbers[i] >= (i == 0 ? mostMinutes : i == 1 ? 60 : framesPerSecond))
+            return std::nullopt;
+    }
+    return numbers[0] * 60 + numbers[1] + static_cast<double>(numbers[2]) / framesPerSecond;
+}
+
+// A sheet lists the tracks inside each file. A file of one track comes as a whole; of several each is the
+// part from its first index up to the next one's, unless their places make no sense.
 class CueReader {
   public:
     explicit CueReader(size_t maxLines) : m_maxLines(maxLines) {}
@@ -173,11 +192,11 @@ class CueReader {
         };
         if (is(u"FILE"))
             return takeFile(cueValue(rest, true));
-        if (is(u"TRACK")) {
-            endTrack();
-            m_track = Track{.names = {.artist = m_album.artist, .title = {}}, .file = m_file};
-        } else if (is(u"INDEX") && m_track && splitWord(rest).first.toInt() == 1) {
+        if (is(u"TRACK"))
+            return endTrack() && beginTrack(rest);
+        if (is(u"INDEX") && m_track && splitWord(rest).first.toInt() == 1) {
             m_track->file = m_file; // the pause before a track may end the file before
+            m_track->start = cueTime(splitWord(rest).second);
         } else if (is(u"TITLE")) {
             (m_track ? m_track->names : m_album).title = tidy(cueValue(rest, false));
         } else if (is(u"PERFORMER")) {
@@ -187,12 +206,13 @@ class CueReader {
     }
 
     Result finish() {
-        endTrack();
-        for (size_t i = 0; i < m_files.size(); ++i) {
-            const File &file = m_files[i];
-            const Names &names = file.tracks == 1 && !file.track.title.isEmpty() ? file.track : m_album;
-            m_result.lines[i].title = names.title;
-            m_result.lines[i].artist = names.artist;
+        if (!m_result.isCut)
+            endTrack();
+        for (const File &file : m_files) {
+            if (isDivided(file))
+                addTracks(file);
+            else
+                addWhole(file);
         }
         return std::move(m_result);
     }
@@ -202,13 +222,15 @@ class CueReader {
         QString artist;
         QString title;
     };
-    struct File {
-        int tracks = 0;
-        Names track; ///< the last
-    };
     struct Track {
         Names names;
+        QString number;
         std::optional<size_t> file;
+        std::optional<double> start;
+    };
+    struct File {
+        QString location;
+        std::vector<Track> tracks;
     };
 
     bool takeFile(const QString &location) {
@@ -220,26 +242,76 @@ class CueReader {
             m_file = *known;
             return true;
         }
-        if (!add(m_result, {.location = location, .title = {}}, m_maxLines))
+        if (!hasRoom())
             return false;
         m_file = m_files.size();
         m_numbers.insert(location, m_files.size());
-        m_files.emplace_back();
+        m_files.push_back({location, {}});
         return true;
     }
 
-    void endTrack() {
-        if (m_track && m_track->file) {
-            File &file = m_files[*m_track->file];
-            ++file.tracks;
-            file.track = m_track->names;
+    bool beginTrack(QStringView rest) {
+        m_track = Track{.names = {.artist = m_album.artist, .title = {}},
+                        .number = QString::number(splitWord(rest).first.toInt()),
+                        .file = m_file,
+                        .start = {}};
+        return true;
+    }
+
+    bool endTrack() {
+        const std::optional<Track> track = std::exchange(m_track, std::nullopt);
+        if (!track || !track->file)
+            return true;
+        std::vector<Track> &tracks = m_files[*track->file].tracks;
+        if (!tracks.empty() && !hasRoom()) // the first one is the file's line
+            return false;
+        tracks.push_back(*track);
+        return true;
+    }
+
+    bool hasRoom() {
+        m_result.isCut = m_lines >= m_maxLines;
+        m_lines += m_result.isCut ? 0 : 1;
+        return !m_result.isCut;
+    }
+
+    static bool isDivided(const File &file) {
+        const auto isOutOfOrder = [](const Track &track, const Track &next) {
+            return !track.start || !next.start || *track.start >= *next.start;
+        };
+        return file.tracks.size() > 1 && !file.location.contains(u"://") &&
+               std::ranges::adjacent_find(file.tracks, isOutOfOrder) == file.tracks.end();
+    }
+
+    void addTracks(const File &file) {
+        for (size_t i = 0; i < file.tracks.size(); ++i) {
+            const Track &track = file.tracks[i];
+            TrackRange range{.start = *track.start, .end = {}};
+            if (i + 1 < file.tracks.size())
+                range.end = file.tracks[i + 1].start;
+            Line line{.location = file.location, .title = track.names.title};
+            if (line.title.isEmpty())
+                line.title = QStringLiteral("Track ") + track.number;
+            line.artist = track.names.artist;
+            line.album = m_album.title;
+            line.range = range;
+            m_result.lines.push_back(std::move(line));
         }
-        m_track.reset();
+    }
+
+    /// Under the title of its track when it has only one, under the album's otherwise.
+    void addWhole(const File &file) {
+        const bool isOne = file.tracks.size() == 1 && !file.tracks.front().names.title.isEmpty();
+        const Names &names = isOne ? file.tracks.front().names : m_album;
+        Line line{.location = file.location, .title = names.title};
+        line.artist = names.artist;
+        m_result.lines.push_back(std::move(line));
     }
 
     Result m_result;
     size_t m_maxLines;
-    std::vector<File> m_files; ///< of each line of the result
+    size_t m_lines = 0; ///< that the files and their tracks will make at most
+    std::vector<File> m_files;
     QHash<QString, size_t> m_numbers;
     std::optional<size_t> m_file;
     Names m_album;

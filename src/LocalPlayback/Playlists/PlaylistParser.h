@@ -1,5 +1,7 @@
 #pragma once
 
+#include "AudioCore/Queue/TrackRange.h"
+
 #include <QByteArray>
 #include <QString>
 
@@ -15,6 +17,8 @@ struct Line {
     QString title;      ///< empty when the file does not say; "Artist - Title" where the format has one text
     bool isURI = false; ///< the format wants an address, in which blanks and such are percent-encoded
     QString artist{};   ///< where the format keeps it apart
+    QString album{};    ///< of a part of a file
+    std::optional<TrackRange> range{}; ///< the part of the file that is meant; none: all of it
 
     bool operator==(const Line &) const = default;
 };

@@ -34,10 +34,19 @@ struct Line {
 
 std::vector<Line> linesOf(const QDir &folder, const std::vector<Track> &tracks) {
     std::vector<Line> lines;
+    const QUrl *divided = nullptr; // the file of which the track before is a part
     for (const Track &track : tracks) {
         const QUrl *url = std::get_if<QUrl>(&track.source);
         if (url == nullptr)
             continue;
+        if (const QUrl *before = std::exchange(divided, track.range ? url : nullptr); track.range) {
+            if (before == nullptr || *before != *url)
+                lines.push_back(
+                    {.location = location(folder, *url),
+                     .title =
+                         track.album.value_or(QFileInfo(url->fileName()).completeBaseName()).simplified()});
+            continue;
+        }
         Line line{.location = location(folder, *url), .title = track.title.simplified()};
         if (!track.artist.isEmpty())
             line.title = track.artist.simplified() + QStringLiteral(" - ") + line.title;

@@ -21,6 +21,7 @@ constexpr QLatin1String repeat("repeat");
 constexpr QLatin1String shuffle("shuffle");
 constexpr QLatin1String source("source");
 constexpr QLatin1String mediaID("mediaID");
+constexpr double longestRange = 1e9; // seconds
 
 QLatin1String nameOf(RepeatMode mode) {
     switch (mode) {
@@ -41,12 +42,31 @@ RepeatMode repeatModeNamed(const QString &name) {
 }
 
 // The local file of an item, or its web address, which stands in the path's place: no path from the root
-// looks like one.
+// looks like one. "start" and "end" in seconds, where the item is a part of the file.
 namespace StoredSource {
 
-QJsonObject encode(const QUrl &url) {
+QJsonObject encode(const QUrl &url, const std::optional<TrackRange> &range) {
     const QString path = url.isLocalFile() ? url.toLocalFile() : url.toString(QUrl::FullyEncoded);
-    return {{QStringLiteral("kind"), QStringLiteral("file")}, {QStringLiteral("path"), path}};
+    QJsonObject object{{QStringLiteral("kind"), QStringLiteral("file")}, {QStringLiteral("path"), path}};
+    if (range)
+        object[QStringLiteral("start")] = range->start;
+    if (range && range->end)
+        object[QStringLiteral("end")] = *range->end;
+    return object;
+}
+
+std::optional<TrackRange> decodeRange(const QJsonObject &object) {
+    const QJsonValue start = object.value(QLatin1String("start"));
+    const QJsonValue end = object.value(QLatin1String("end"));
+    if (start.isUndefined() && end.isUndefined())
+        return std::nullopt;
+    TrackRange range{.start = start.toDouble(-1), .end = std::nullopt};
+    if (!end.isUndefined())
+        range.end = end.toDouble(-1);
+    if (range.start < 0 || range.start > longestRange || (range.end && *range.end <= range.start) ||
+        range.end > longestRange)
+        throw LocalPlaybackError::unknownSourceKind();
+    return range;
 }
 
 QUrl decode(const QJsonObject &object) {
@@ -80,7 +100,7 @@ QJsonObject encode(const Track &track) {
     if (track.channels)
         object[QStringLiteral("channels")] = *track.channels;
     if (const auto *file = std::get_if<QUrl>(&track.source))
-        object[source] = StoredSource::encode(*file);
+        object[source] = StoredSource::encode(*file, track.range);
     else
         object[mediaID] = std::get<MediaID>(track.source).toJson();
     return object;
@@ -108,6 +128,7 @@ std::optional<Track> decode(const QJsonObject &object) {
         return std::nullopt;
     try {
         track.source = decodeSource(object);
+        track.range = StoredSource::decodeRange(object.value(source).toObject());
     } catch (const LocalPlaybackError &) {
         return std::nullopt;
     }
@@ -128,7 +149,7 @@ std::optional<Track> decode(const QJsonObject &object) {
 /// Whether a parsed form would stay in proportion: a small text can ask for very many tiny values.
 bool isParsable(const QByteArray &bytes) {
     constexpr size_t containersPerItem = 2; // the item and its source
-    constexpr size_t valuesPerItem = 12;
+    constexpr size_t valuesPerItem = 14;
     size_t containers = 0;
     size_t values = 0;
     bool inText = false;

@@ -232,8 +232,7 @@ std::optional<MusicAssistantOutputState> MAPlayerStore::state(const OutputDevice
     state.isMuted = ofOutput->volumeMuted.value_or(false);
     if (const Queue *const playing = queue(queueID(*ofOutput))) {
         state.isShuffling = playing->record.shuffleEnabled.value_or(false);
-        const QString repeat = playing->record.repeatMode.value_or(QString());
-        state.isRepeating = repeat == "all"_L1 || repeat == "one"_L1;
+        state.isRepeating = maplayer::repeats(playing->record).value_or(false);
     }
     for (const QString &member : ofOutput->groupMembers)
         state.members.append(outputOf(member));

@@ -47,6 +47,10 @@ void MAOutputWatchers::publishQueue(const OutputDevice::ID &output, QueueWatch &
     const MAPlayer *const player = m_store.player(output);
     const MAPlayerStore::Queue *const queue = player ? m_store.queue(m_store.queueID(*player)) : nullptr;
     auto next = RemoteQueueSnapshot::empty(output);
+    if (queue) {
+        next.isShuffled = queue->record.shuffleEnabled;
+        next.repeats = maplayer::repeats(queue->record);
+    }
     if (queue && queue->record.items > 0) {
         if (needsItems(watch, *queue) && !watch.isReading && !watch.pause)
             readItems(output, queue->record.queueID);

@@ -136,6 +136,7 @@ class MusicAssistantBackend final : public MusicBackend {
     AsyncStream<NowPlaying> nowPlaying(OutputDevice::ID on) override;
     /// Of a long queue only a stretch around the current item.
     AsyncStream<RemoteQueueSnapshot> queue(OutputDevice::ID on) override;
+    QCoro::Task<QList<RemoteQueueItem>> queueItems(OutputDevice::ID on, PageRequest page) override;
     QCoro::Task<> edit(QueueEdit edit, OutputDevice::ID on) override;
     QCoro::Task<> saveQueueAsPlaylist(OutputDevice::ID on, QString name) override;
     QCoro::Task<> favoriteCurrentTrack(OutputDevice::ID on) override;

@@ -93,6 +93,12 @@ NowPlaying nowPlaying(const OutputDevice::ID &output, const MAPlayer &player, do
     return playing;
 }
 
+std::optional<bool> repeats(const MAPlayerQueue &queue) {
+    if (!queue.repeatMode)
+        return std::nullopt;
+    return queue.repeatMode == "all"_L1 || queue.repeatMode == "one"_L1;
+}
+
 RemoteQueueItem queueItem(const MAQueueItem &item, int index) {
     RemoteQueueItem made;
     made.id = item.queueItemID;

@@ -15,6 +15,8 @@ namespace vantor::maplayer {
 /// Of a player that plays something else, as it says itself.
 [[nodiscard]] NowPlaying nowPlaying(const OutputDevice::ID &output, const MAPlayer &player, double updatedAt);
 
+/// None when the queue does not tell.
+[[nodiscard]] std::optional<bool> repeats(const MAPlayerQueue &queue);
 [[nodiscard]] RemoteQueueItem queueItem(const MAQueueItem &item, int index);
 /// A page of a queue, whose first item has the index `offset`. Entries that cannot be read keep their place.
 /// Throws MADecodingError for what is no page.

@@ -9,10 +9,13 @@ using namespace std::chrono_literals;
 namespace {
 
 /// A server that says nothing for so long is gone: over TCP no answer gets lost.
-constexpr auto replyTimeout = 10s;
-/// Bursts before sound is scheduled: the offset is known to a few milliseconds then, which is put right
-/// within the next bursts.
+constexpr auto timeReplyTimeout = 10s;
+/// Before sound is scheduled: the offset is known to a few milliseconds then, which is put right within the
+/// next bursts.
 constexpr int samplesToSynchronize = 4;
+/// A burst until then makes do with fewer questions when their answers take long, so that sound starts
+/// within a second, in microseconds.
+constexpr std::int64_t longestFirstBurst = 150'000;
 /// From there on the drift is known well enough for the filter to look far ahead.
 constexpr int samplesToSettle = 100;
 /// No network explains a measurement that is off by more than its maximal error. What is off by that
@@ -33,7 +36,7 @@ void SendspinClockSync::beginBurst() {
 }
 
 void SendspinClockSync::ask() {
-    m_timer = m_scheduler.after(replyTimeout, [this] { Q_EMIT unanswered(); });
+    m_timeReply = m_scheduler.after(timeReplyTimeout, [this] { Q_EMIT unanswered(); });
     m_askedAt = m_clock.now();
     Q_EMIT asked(*m_askedAt);
 }
@@ -42,11 +45,13 @@ void SendspinClockSync::take(const SendspinIncoming::ServerTime &answer, std::in
     if (answer.clientTransmitted != m_askedAt)
         return; // nobody has asked for it
     m_askedAt.reset();
+    m_timeReply.reset();
     m_burst.add({.t1 = answer.clientTransmitted,
                  .t2 = answer.serverReceived,
                  .t3 = answer.serverTransmitted,
                  .t4 = receivedAt});
-    if (m_burst.isFull())
+    const bool isLong = receivedAt - m_burst.samples.front().t1 > longestFirstBurst;
+    if (m_burst.isFull() || (isLong && !isSynchronized()))
         finishBurst();
     else
         ask();
@@ -61,7 +66,7 @@ void SendspinClockSync::finishBurst() {
         m_contradictions = 0;
     }
     m_state.finish(m_burst);
-    m_timer = m_scheduler.after(pause(), [this] { beginBurst(); });
+    m_nextBurst = m_scheduler.after(pause(), [this] { beginBurst(); });
     if (hasJumped)
         Q_EMIT jumped();
     Q_EMIT finishedBurst();
@@ -77,7 +82,7 @@ bool SendspinClockSync::contradicts(const SendspinClockSample &sample) const {
 }
 
 std::chrono::milliseconds SendspinClockSync::pause() const {
-    if (!isSynchronized())
+    if (!isSynchronized() || m_contradictions > 0)
         return 10ms;
     return m_state.acceptedSamples < samplesToSettle ? 250ms : 1s;
 }

@@ -22,8 +22,8 @@ class SendspinClockSync : public QObject {
     void start() { beginBurst(); }
     /// Nothing follows.
     void stop() {
-        m_timer.reset();
-        m_askedAt.reset();
+        m_timeReply.reset();
+        m_nextBurst.reset();
     }
     /// `receivedAt`: when the answer came, by the local clock.
     void take(const SendspinIncoming::ServerTime &answer, std::int64_t receivedAt);
@@ -51,9 +51,10 @@ class SendspinClockSync : public QObject {
     const SendspinClock &m_clock;
     SendspinClockState m_state;
     SendspinClockBurst m_burst;
-    std::optional<std::int64_t> m_askedAt;       ///< while an answer is waited for
-    int m_contradictions = 0;                    ///< in a row
-    std::unique_ptr<Scheduler::Pending> m_timer; ///< of the answer or of the next burst
+    std::optional<std::int64_t> m_askedAt;           ///< while an answer is waited for
+    int m_contradictions = 0;                        ///< in a row
+    std::unique_ptr<Scheduler::Pending> m_timeReply; ///< goes off when the answer does not come
+    std::unique_ptr<Scheduler::Pending> m_nextBurst;
 };
 
 } // namespace vantor

@@ -16,7 +16,7 @@ Q_LOGGING_CATEGORY(logConnection, "co.kelvane.vantor.sendspin.connection")
 /// For each step: the connection with the sign-in, and the hello.
 constexpr auto handshakeTimeout = 10s;
 /// From the server's hello, or a jump of its clock, to the state that says that the player is ready.
-constexpr auto stateDeadline = 10s;
+constexpr auto stateDeadline = 15s;
 /// With which the server's proxy refuses a token.
 constexpr int closeCodeUnauthorized = 4001;
 /// A message that cannot be read is passed over; who sends nothing else is left.
@@ -45,7 +45,7 @@ SendspinConnection::SendspinConnection(std::unique_ptr<MAWebSocketTransport> tra
 }
 
 void SendspinConnection::open() {
-    limit(handshakeTimeout, m_phase == Phase::auth ? "sign-in" : "server/hello");
+    limitHandshake(m_phase == Phase::auth ? "sign-in" : "server/hello");
     m_transport->open();
 }
 
@@ -58,7 +58,7 @@ void SendspinConnection::begin() {
 
 void SendspinConnection::sayHello() {
     m_phase = Phase::hello;
-    limit(handshakeTimeout, "server/hello");
+    limitHandshake("server/hello");
     m_transport->send(sendspinoutgoing::hello(m_configuration));
 }
 
@@ -108,7 +108,8 @@ void SendspinConnection::takeHello(const SendspinServerHello &hello) {
 
 void SendspinConnection::synchronize() {
     m_phase = Phase::syncing;
-    limit(stateDeadline, "clock");
+    m_handshake.reset();
+    m_stateDeadline = m_scheduler.after(stateDeadline, [this] { fail(SendspinError::timeout(u"clock"_s)); });
 }
 
 void SendspinConnection::takeClock() {
@@ -118,7 +119,7 @@ void SendspinConnection::takeClock() {
     if (m_ended || m_phase == Phase::running)
         return;
     m_phase = Phase::running;
-    m_deadline.reset();
+    m_stateDeadline.reset();
     sendState();
     Q_EMIT occurred({SendspinEvent::Synchronized()});
 }
@@ -188,7 +189,8 @@ void SendspinConnection::leave(SendspinGoodbyeReason reason) {
 
 void SendspinConnection::end() {
     m_ended = true;
-    m_deadline.reset();
+    m_handshake.reset();
+    m_stateDeadline.reset();
     m_sync.stop();
     m_transport->close();
 }
@@ -210,9 +212,9 @@ void SendspinConnection::fail(const SendspinError &error) {
     Q_EMIT failed(error);
 }
 
-void SendspinConnection::limit(std::chrono::milliseconds time, const char *what) {
-    m_deadline =
-        m_scheduler.after(time, [this, what] { fail(SendspinError::timeout(QString::fromLatin1(what))); });
+void SendspinConnection::limitHandshake(const char *awaited) {
+    m_handshake = m_scheduler.after(
+        handshakeTimeout, [this, awaited] { fail(SendspinError::timeout(QString::fromLatin1(awaited))); });
 }
 
 } // namespace vantor

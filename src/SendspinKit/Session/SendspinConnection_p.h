@@ -48,7 +48,7 @@ class SendspinConnection : public QObject {
     [[nodiscard]] SendspinError closedError(const MAWebSocketFrame::Closed &closed) const;
     void fail(const SendspinError &error);
     void end();
-    void limit(std::chrono::milliseconds time, const char *what);
+    void limitHandshake(const char *awaited);
 
     std::unique_ptr<MAWebSocketTransport> m_transport;
     Scheduler &m_scheduler;
@@ -59,7 +59,8 @@ class SendspinConnection : public QObject {
     Phase m_phase;
     bool m_ended = false;
     int m_malformed = 0;
-    std::unique_ptr<Scheduler::Pending> m_deadline; ///< of the handshake, then of the first state
+    std::unique_ptr<Scheduler::Pending> m_handshake;     ///< goes off when the server stalls before its hello
+    std::unique_ptr<Scheduler::Pending> m_stateDeadline; ///< when the clock is not known in time
 };
 
 } // namespace vantor

@@ -1,6 +1,7 @@
 #include "Vantor/App/IndexedSkins.h"
 
 #include "Platform/AppPaths.h"
+#include "Vantor/Museum/MuseumSetup.h"
 #include "Vantor/Windows/Commands.h"
 #include "Vantor/Windows/SkinBrowserWindow.h"
 
@@ -24,6 +25,7 @@ void IndexedSkins::browse() {
         m_thumbnails = std::make_unique<ThumbnailCache>(AppPaths::cacheFolder() + QStringLiteral("/skins"));
         m_browser =
             std::make_unique<SkinBrowserWindow>(m_model, m_library, m_switcher, *m_thumbnails, m_settings);
+        m_browser->addMuseum(MuseumSetup::chosen(m_settings));
         using Id = Commands::Id;
         for (const Id id : {Id::skinBrowser, Id::nextSkin, Id::previousSkin, Id::randomSkin})
             m_browser->addAction(&m_commands.action(id));

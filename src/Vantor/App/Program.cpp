@@ -17,6 +17,7 @@
 #include "Vantor/Model/PlayerModel.h"
 #include "Vantor/Model/ResumePoint.h"
 #include "Vantor/Mpris/MprisService.h"
+#include "Vantor/Mpris/SessionBus.h"
 #include "Vantor/Windows/DialogPlace.h"
 #include "Vantor/Windows/SkinnedWindows.h"
 #include "Vantor/Windows/WelcomeDialog.h"
@@ -175,6 +176,7 @@ int runProgram(int argc, char **argv) {
     }
 
     choosePlatform();
+    SessionBus::avoidIfSilent();
     int qtArgc = 1; // the arguments are ours alone
     QApplication application(qtArgc, argv);
     setUpApplication();

@@ -19,7 +19,8 @@ FavoritesPage::FavoritesPage(const LibraryPageContext &context)
                                                    {MediaKind::radio, tr("Radios")}};
     auto *const bar = new QHBoxLayout;
     bar->setContentsMargins(14, 8, 14, 8);
-    const LibraryPane::EmptyText empty{tr("No favourites yet"), tr("Add some from the menu of an item.")};
+    const LibraryPane::EmptyText empty{tr("No favourites yet"),
+                                       tr("A click on the heart of anything adds it.")};
     for (const auto &[kind, name] : names) {
         auto *const button = new QToolButton;
         button->setText(name);

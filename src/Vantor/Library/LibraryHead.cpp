@@ -107,8 +107,9 @@ void LibraryHead::showOutputs() {
 
 void LibraryHead::takeColors() {
     const QColor color = palette().color(QPalette::WindowText);
-    m_back->setIcon(LibraryIcons::back(color));
-    m_forward->setIcon(LibraryIcons::forward(color));
+    const bool isLeftToRight = layoutDirection() == Qt::LeftToRight;
+    m_back->setIcon(isLeftToRight ? LibraryIcons::left(color) : LibraryIcons::right(color));
+    m_forward->setIcon(isLeftToRight ? LibraryIcons::right(color) : LibraryIcons::left(color));
     m_searchIcon->setIcon(LibraryIcons::search(palette().color(QPalette::PlaceholderText)));
 }
 

@@ -7,6 +7,7 @@
 #include <QLabel>
 #include <QPainter>
 #include <QPushButton>
+#include <QStyle>
 #include <QToolButton>
 
 namespace vantor {
@@ -49,6 +50,9 @@ LibraryHeader::LibraryHeader(ArtworkCache &artwork, QWidget *parent)
     m_details->setForegroundRole(QPalette::PlaceholderText);
     for (QLabel *const label : {m_title, m_artist, m_details}) {
         label->setWordWrap(true);
+        // Beside the cover, whichever way the text runs.
+        label->setAlignment(QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft) | Qt::AlignAbsolute |
+                            Qt::AlignVCenter);
         label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred); // long names need no wider window
     }
     auto *const texts = new QVBoxLayout;

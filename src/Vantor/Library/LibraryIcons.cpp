@@ -206,11 +206,11 @@ QIcon section(LibrarySection section, const QColor &color) {
     return icon(starPath(), color);
 }
 
-QIcon back(const QColor &color) {
+QIcon left(const QColor &color) {
     return icon(chevronPath(9, 15), color);
 }
 
-QIcon forward(const QColor &color) {
+QIcon right(const QColor &color) {
     return icon(chevronPath(15, 9), color);
 }
 

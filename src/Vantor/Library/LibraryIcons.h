@@ -19,9 +19,9 @@ void drawHeart(QPainter &painter, const QRectF &place, const QColor &color, bool
 void drawSpeaker(QPainter &painter, const QRectF &place, const QColor &color, bool sounds);
 
 [[nodiscard]] QIcon section(LibrarySection section, const QColor &color);
-/// An arrow to the left or right.
-[[nodiscard]] QIcon back(const QColor &color);
-[[nodiscard]] QIcon forward(const QColor &color);
+/// An arrow.
+[[nodiscard]] QIcon left(const QColor &color);
+[[nodiscard]] QIcon right(const QColor &color);
 [[nodiscard]] QIcon search(const QColor &color);
 [[nodiscard]] QIcon heart(const QColor &color, bool filled);
 /// Three dots: more can be done.

@@ -3,11 +3,15 @@
 #include "MusicBackendKit/ArtistName.h"
 #include "Vantor/Library/LibraryContent.h"
 #include "Vantor/Library/LibraryHead.h"
+#include "Vantor/Library/LibraryPlaceStore.h"
 #include "Vantor/Library/LibrarySidebar.h"
 #include "Vantor/Library/LibraryTexts.h"
+#include "Vantor/Windows/DialogPlace.h"
 #include "Vantor/Windows/FaintText.h"
 #include "Vantor/Windows/FileInfoDialog.h"
+#include "Vantor/Windows/SkinnedWindow.h"
 
+#include <QApplication>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QMouseEvent>
@@ -22,21 +26,10 @@ namespace {
 
 const QString geometryKey = QStringLiteral("library/geometry");
 const QString splitterKey = QStringLiteral("library/splitter");
-const QString sectionKey = QStringLiteral("library/section");
+constexpr int mostSections = 7;
+constexpr QSize commonSize{780, 560}; // which has room beside the player on most screens
+constexpr int sidebarWidth = 168;
 constexpr std::chrono::seconds tellingTime{8};
-
-// The names under which the section is kept.
-const QHash<LibrarySection, QString> &keys() {
-    static const QHash<LibrarySection, QString> all{
-        {LibrarySection::artists, QStringLiteral("artists")},
-        {LibrarySection::albums, QStringLiteral("albums")},
-        {LibrarySection::tracks, QStringLiteral("tracks")},
-        {LibrarySection::playlists, QStringLiteral("playlists")},
-        {LibrarySection::radios, QStringLiteral("radios")},
-        {LibrarySection::favorites, QStringLiteral("favorites")},
-        {LibrarySection::recommendations, QStringLiteral("recommendations")}};
-    return all;
-}
 
 } // namespace
 
@@ -57,7 +50,10 @@ LibraryWindow::LibraryWindow(LibraryBrowser &browser, ArtworkCache &artwork, QSe
     takeSource();
 }
 
-LibraryWindow::~LibraryWindow() = default;
+LibraryWindow::~LibraryWindow() {
+    if (isVisible()) // the program ends
+        store();
+}
 
 void LibraryWindow::arrange() {
     m_splitter->addWidget(m_sidebar);
@@ -120,7 +116,7 @@ void LibraryWindow::addKeys() {
     add(QKeySequence(Qt::ALT | Qt::Key_Right), [this] { step(true); });
     add(QKeySequence(Qt::CTRL | Qt::Key_W), [this] { close(); });
     add(QKeySequence(Qt::Key_F11), [this] { setWindowState(windowState() ^ Qt::WindowFullScreen); });
-    for (int number = 1; number <= static_cast<int>(keys().size()); ++number)
+    for (int number = 1; number <= mostSections; ++number)
         add(QKeySequence(Qt::CTRL | static_cast<Qt::Key>(Qt::Key_0 + number)), [this, number] {
             if (number <= m_sidebar->offered().size())
                 go({m_sidebar->offered()[number - 1]});
@@ -129,16 +125,17 @@ void LibraryWindow::addKeys() {
 
 void LibraryWindow::restore() {
     if (!restoreGeometry(m_settings.value(geometryKey).toByteArray()))
-        resize(980, 640);
+        resize(commonSize);
     if (!m_splitter->restoreState(m_settings.value(splitterKey).toByteArray()))
-        m_splitter->setSizes({168, 812});
-    m_history = LibraryHistory({keys().key(m_settings.value(sectionKey).toString(), LibrarySection::albums)});
+        m_splitter->setSizes({sidebarWidth, commonSize.width() - sidebarWidth});
+    m_history = LibraryHistory({LibraryPlaceStore::section(m_settings)});
 }
 
 void LibraryWindow::store() const {
     m_settings.setValue(geometryKey, saveGeometry());
     m_settings.setValue(splitterKey, m_splitter->saveState());
-    m_settings.setValue(sectionKey, keys().value(m_history.current().section));
+    if (m_browser.backend())
+        LibraryPlaceStore::save(m_settings, m_history.current(), m_browser.backend()->sourceID());
 }
 
 // Where one is
@@ -221,6 +218,10 @@ void LibraryWindow::takeSource() {
     const LibrarySection section = m_history.current().section;
     // Places of another source lead nowhere.
     m_history = LibraryHistory({sections.contains(section) ? section : LibrarySection::albums});
+    if (m_browser.backend() && !std::exchange(m_isRestored, true)) {
+        if (const auto place = LibraryPlaceStore::place(m_settings, m_browser.backend()->sourceID()))
+            m_history.go(*place);
+    }
     showPlace();
 }
 
@@ -285,6 +286,14 @@ void LibraryWindow::tell(const QString &sentence) {
 // Keys and pointer
 
 void LibraryWindow::bringToFront() {
+    if (!isVisible() && !m_settings.contains(geometryKey)) {
+        QList<QRect> player;
+        for (const QWidget *const window : QApplication::topLevelWidgets()) {
+            if (window->isVisible() && qobject_cast<const SkinnedWindow *>(window))
+                player.append(window->frameGeometry());
+        }
+        DialogPlace::beside(*this, player);
+    }
     setWindowState(windowState() & ~Qt::WindowMinimized);
     show();
     raise();
@@ -297,6 +306,9 @@ void LibraryWindow::keyPressEvent(QKeyEvent *event) {
         step(false);
     else if (event->key() == Qt::Key_Forward)
         step(true);
+    else if (event->key() == Qt::Key_Escape &&
+             std::holds_alternative<LibraryPlace::Search>(m_history.current().what))
+        takeSearchText({});
     else
         QWidget::keyPressEvent(event);
 }

@@ -27,7 +27,7 @@ class LibraryWindow : public QWidget {
                   const LibraryActions::FindFiles &findFiles);
     ~LibraryWindow() override;
 
-    /// Shows the window in front of the others.
+    /// Shows the window in front of the others, the first time beside the player.
     void bringToFront();
     /// What stands above the sections, and chooses the source; the window owns it.
     void setSourceSwitcher(QWidget *switcher);
@@ -77,6 +77,7 @@ class LibraryWindow : public QWidget {
     QString m_sourceStatus;
     QString m_told; ///< what went wrong, for a while
     QTimer m_telling;
+    bool m_isRestored = false; ///< the place of the run before
 };
 
 } // namespace vantor

@@ -2,6 +2,7 @@
 
 #include "Vantor/Library/LibraryActions.h"
 #include "Vantor/Library/LibraryViewInput.h"
+#include "Vantor/Library/TrackHeader.h"
 #include "Vantor/Library/TrackLine.h"
 
 #include <QDrag>
@@ -39,6 +40,7 @@ TrackTable::TrackTable(TrackListModel &tracks, LibraryActions &actions, QWidget 
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setItemDelegate(new TrackLine(*this));
     setAccessibleName(tr("Tracks"));
+    setHorizontalHeader(new TrackHeader(this));
     setModel(&tracks);
     verticalHeader()->hide();
     verticalHeader()->setMinimumSectionSize(TrackLine::height(*this));

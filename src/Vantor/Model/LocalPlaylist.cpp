@@ -55,16 +55,20 @@ void LocalPlaylist::remove(const IndexSet &rows) {
 }
 
 void LocalPlaylist::removeDuplicates() {
-    QSet<Track::Source> seen;
+    const auto soundOf = [this](int row) { // several tracks may be parts of one file
+        const Track &track = tracks()[static_cast<std::size_t>(row)];
+        return std::pair(track.source, track.range ? track.range->start : -1.0);
+    };
+    QSet<std::pair<Track::Source, double>> seen;
     const std::optional<int> current = currentIndex();
     if (current)
-        seen.insert(tracks()[static_cast<std::size_t>(*current)].source);
+        seen.insert(soundOf(*current));
     IndexSet duplicates;
     for (int row = 0; row < queue().count(); ++row) {
-        const Track::Source &source = tracks()[static_cast<std::size_t>(row)].source;
-        if (row != current && seen.contains(source))
+        const auto sound = soundOf(row);
+        if (row != current && seen.contains(sound))
             duplicates.insert(duplicates.end(), row);
-        seen.insert(source);
+        seen.insert(sound);
     }
     remove(duplicates);
     m_model.showNotice(duplicates.empty()       ? tr("There are no duplicates")

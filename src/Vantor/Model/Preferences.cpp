@@ -9,6 +9,7 @@ namespace vantor {
 namespace {
 
 const QString libraryFolderKey = QStringLiteral("LibraryFolderPath");
+const QString nsfwKey = QStringLiteral("skins.museum.nsfw");
 const QString resumesKey = QStringLiteral("resumeOnStart");
 const QString welcomedKey = QStringLiteral("welcomed");
 
@@ -31,6 +32,15 @@ bool Preferences::resumesOnStart() const {
 
 void Preferences::setResumesOnStart(bool resumes) {
     m_settings.setValue(resumesKey, resumes);
+}
+
+bool Preferences::showsNSFWMuseumSkins() const {
+    return StoredValue::boolean(m_settings, nsfwKey, false);
+}
+
+void Preferences::setShowsNSFWMuseumSkins(bool shows) {
+    m_settings.setValue(nsfwKey, shows);
+    Q_EMIT showsNSFWMuseumSkinsChanged();
 }
 
 bool Preferences::wasWelcomed() const {

@@ -23,11 +23,16 @@ class Preferences : public QObject {
     [[nodiscard]] bool resumesOnStart() const;
     void setResumesOnStart(bool resumes);
 
+    /// Whether the online museum shows skins that are not for everybody's eyes.
+    [[nodiscard]] bool showsNSFWMuseumSkins() const;
+    void setShowsNSFWMuseumSkins(bool shows);
+
     [[nodiscard]] bool wasWelcomed() const;
     void setWelcomed();
 
   Q_SIGNALS:
     void libraryFolderChanged();
+    void showsNSFWMuseumSkinsChanged();
 
   private:
     QSettings &m_settings;

@@ -32,8 +32,8 @@ void OutputMemory::remember(const QString &sourceID, const Entry &entry) {
     QJsonObject outputs = stored(m_settings);
     if (outputs.size() >= mostSources && !outputs.contains(sourceID))
         outputs.erase(outputs.begin());
-    outputs[sourceID] = QJsonObject{{QStringLiteral("id"), entry.id.rawValue},
-                                    {QStringLiteral("name"), entry.name}};
+    outputs[sourceID] =
+        QJsonObject{{QStringLiteral("id"), entry.id.rawValue}, {QStringLiteral("name"), entry.name}};
     const QJsonObject all{{QStringLiteral("outputs"), outputs}, {QStringLiteral("version"), version}};
     m_settings.setValue(settingsKey, QString::fromUtf8(QJsonDocument(all).toJson(QJsonDocument::Compact)));
 }

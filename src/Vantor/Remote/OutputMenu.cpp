@@ -22,14 +22,16 @@ void OutputMenu::fill(QMenu &menu, RemoteOutput &remote) {
     if (!remote.browser())
         return;
     QList<OutputDevice> outputs = remote.browser()->outputs();
-    if (remote.isSelected() && std::ranges::find(outputs, remote.device().id, &OutputDevice::id) == outputs.end())
+    if (remote.isSelected() &&
+        std::ranges::find(outputs, remote.device().id, &OutputDevice::id) == outputs.end())
         outputs.append(remote.device());
     const std::optional<OutputDevice> chosen = remote.browser()->output();
     auto *const group = new QActionGroup(&menu);
     for (const OutputDevice &output : outputs) {
-        const QString text = output.isAvailable
-                                 ? nameOf(output)
-                                 : QCoreApplication::translate("OutputMenu", "%1 (not available)").arg(output.name);
+        const QString text =
+            output.isAvailable
+                ? nameOf(output)
+                : QCoreApplication::translate("OutputMenu", "%1 (not available)").arg(output.name);
         QAction *const action = menu.addAction(label(text));
         action->setCheckable(true);
         action->setChecked(chosen && chosen->id == output.id);

@@ -66,6 +66,7 @@ void RemoteOutput::setBrowser(LibraryBrowser *browser) {
     m_browser = browser;
     if (browser) {
         connect(browser, &LibraryBrowser::sourceChanged, this, &RemoteOutput::recall);
+        connect(browser, &LibraryBrowser::outputChosen, this, &RemoteOutput::remember);
         connect(browser, &LibraryBrowser::stateChanged, this, &RemoteOutput::takeOutput);
         connect(browser, &LibraryBrowser::outputsChanged, this, &RemoteOutput::takeOutput);
         recall();
@@ -80,11 +81,14 @@ void RemoteOutput::recall() {
         m_browser->chooseOutput(entry->id, entry->name);
 }
 
+void RemoteOutput::remember(const OutputDevice &output) {
+    if (m_browser->backend())
+        m_memory.remember(m_browser->backend()->sourceID(), {output.id, output.name});
+}
+
 void RemoteOutput::select(const OutputDevice &output) {
-    if (!m_browser || !m_browser->backend())
-        return;
-    m_memory.remember(m_browser->backend()->sourceID(), {output.id, output.name});
-    m_browser->chooseOutput(output.id, output.name);
+    if (m_browser)
+        m_browser->chooseOutput(output.id, output.name);
 }
 
 void RemoteOutput::deselect() {
@@ -202,7 +206,8 @@ void RemoteOutput::confirm(const NowPlaying &told) {
 NowPlaying RemoteOutput::nowPlaying() const {
     NowPlaying playing = m_playing;
     playing.state = m_state.value().value_or(playing.state);
-    playing.volume = playing.volume ? std::optional(m_volume.value().value_or(*playing.volume)) : std::nullopt;
+    playing.volume =
+        playing.volume ? std::optional(m_volume.value().value_or(*playing.volume)) : std::nullopt;
     if (const std::optional<Place> place = m_place.value()) {
         playing.elapsed = place->elapsed;
         playing.updatedAt = place->at;
@@ -222,7 +227,8 @@ PlaybackView RemoteOutput::view() const {
     const bool repeats = m_repeat.value().value_or(m_queue.repeats.value_or(false));
     view.repeat = repeats ? RepeatMode::all : RepeatMode::off;
     view.isEmpty = m_queue.total == 0 && !playing.title;
-    view.hasNext = m_queue.total > 0 && (repeats || view.isShuffled || m_queue.currentIndex.value_or(-1) + 1 < m_queue.total);
+    view.hasNext = m_queue.total > 0 &&
+                   (repeats || view.isShuffled || m_queue.currentIndex.value_or(-1) + 1 < m_queue.total);
     return view;
 }
 

@@ -68,6 +68,7 @@ class RemoteOutput : public QObject, public PlaybackTarget {
 
   private:
     void recall();
+    void remember(const OutputDevice &output);
     void takeOutput();
     void watch(const std::shared_ptr<MusicBackend> &backend);
     QCoro::Task<> followPlaying();

@@ -112,7 +112,7 @@ void RemotePlaylist::takeItems(const QList<RemoteQueueItem> &items, int offset) 
         const auto row = offset < 0 ? qsizetype{items[i].index} : offset + i;
         if (row < 0 || row >= m_ids.size())
             continue;
-        m_ids[row] = items[i].id;
+        m_ids[row] = items[i].id.isEmpty() ? unknownID(static_cast<int>(row)) : items[i].id;
         m_tracks[static_cast<std::size_t>(row)] = trackOf(items[i]);
     }
 }
@@ -171,10 +171,11 @@ void RemotePlaylist::remove(const IndexSet &rows) {
         return;
     commitMoves();
     if (m_current)
-        m_current = rows.contains(*m_current)
-                        ? std::nullopt
-                        : std::optional(*m_current - static_cast<int>(std::distance(
-                                                         rows.begin(), rows.lower_bound(*m_current))));
+        m_current =
+            rows.contains(*m_current)
+                ? std::nullopt
+                : std::optional(*m_current -
+                                static_cast<int>(std::distance(rows.begin(), rows.lower_bound(*m_current))));
     for (auto row = rows.rbegin(); row != rows.rend(); ++row) {
         m_tracks.erase(m_tracks.begin() + *row);
         m_ids.removeAt(*row);

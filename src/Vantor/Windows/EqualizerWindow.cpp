@@ -145,10 +145,7 @@ std::vector<SkinControl> EqualizerWindow::controls() const {
         const QRect rect = equalizerWindowControlRect(control, isShaded());
         if (rect.isNull() || !exists(control))
             return;
-        SkinControl &known = all.emplace_back();
-        known.id = static_cast<Control>(control);
-        known.rect = rect;
-        describe(known);
+        describe(all.emplace_back(SkinControl::at(control, rect)));
     };
     for (const EqControl control : {EqControl::on, EqControl::autoLoad, EqControl::presets, EqControl::preamp,
                                     EqControl::plus12, EqControl::zero, EqControl::minus12})

@@ -125,10 +125,7 @@ std::vector<SkinControl> MainWindow::controls() const {
         const QRect rect = mainWindowControlRect(control, isShaded());
         if (rect.isNull() || (control == MainWindowControl::position && !m_scene.position))
             continue;
-        SkinControl &known = all.emplace_back();
-        known.id = static_cast<Control>(control);
-        known.rect = rect;
-        describe(known, control);
+        describe(all.emplace_back(SkinControl::at(control, rect)), control);
     }
     return all;
 }

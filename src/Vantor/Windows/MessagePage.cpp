@@ -16,7 +16,7 @@ MessagePage::MessagePage(QWidget *parent)
     : QWidget(parent), m_heading(new QLabel), m_text(new QLabel), m_button(new QPushButton) {
     setBackgroundRole(QPalette::Base);
     setAutoFillBackground(true);
-    setFocusProxy(m_button);
+    setFocusPolicy(Qt::StrongFocus); // without a button, too, it keeps the place of what comes after it
     QFont large = m_heading->font();
     large.setPointSizeF(large.pointSizeF() * 1.4);
     m_heading->setFont(large);
@@ -60,6 +60,7 @@ void MessagePage::say(const QString &heading, const QString &text, const QString
     m_text->setVisible(!text.isEmpty());
     m_button->setText(button);
     m_button->setVisible(!button.isEmpty());
+    setFocusProxy(button.isEmpty() ? nullptr : m_button);
     m_action = action;
     setAccessibleName(heading.isEmpty() ? text : heading + QStringLiteral(". ") + text);
 }

@@ -16,7 +16,6 @@ namespace vantor {
 
 namespace {
 
-using ::operator|; // of keys, which our own flags' operators hide
 using Entry = PlaylistMenuEntry;
 
 QString textOf(Entry entry) {

@@ -10,7 +10,6 @@ namespace vantor {
 
 namespace {
 
-using ::operator|; // of keys, which our own flags' operators hide
 using List = PlaylistWindowControl;
 using Selecting = PlaylistModel::Selecting;
 namespace Layout = PlaylistWindowLayout;
@@ -109,12 +108,11 @@ std::vector<SkinControl> PlaylistWindow::controls() const {
     std::vector<SkinControl> all;
     for (int line = 0; !isShaded() && line < static_cast<int>(m_scene.rows.size()); ++line) {
         const PlaylistRow &row = m_scene.rows[static_cast<std::size_t>(line)];
-        SkinControl &known = all.emplace_back();
-        known.id = firstLine + line;
+        SkinControl &known =
+            all.emplace_back(SkinControl::at(firstLine + line, Layout::row(line, m_playlist.size())));
         known.kind = SkinControl::Kind::row;
         known.name = row.title;
         known.text = row.length;
-        known.rect = Layout::row(line, m_playlist.size());
         known.checked = row.selected;
     }
     for (const List control : {List::rows, List::scrollBar, List::add, List::remove, List::select, List::misc,
@@ -123,10 +121,7 @@ std::vector<SkinControl> PlaylistWindow::controls() const {
         const QRect rect = Layout::rect(control, m_playlist.size(), isShaded());
         if (rect.isEmpty())
             continue;
-        SkinControl &known = all.emplace_back();
-        known.id = static_cast<Control>(control);
-        known.rect = rect;
-        describe(known, control);
+        describe(all.emplace_back(SkinControl::at(control, rect)), control);
     }
     return all;
 }

@@ -109,6 +109,11 @@ QWidget *PreferencesDialog::skinsPage() {
     page->addNote(tr("The skins in it are at hand in the main menu, under Skins."));
     connect(folder, &FolderField::chosen, page,
             [this](const QString &path) { m_model.skins().setFolder(path); });
+    page->addGap();
+    Preferences &preferences = m_model.preferences();
+    QCheckBox *const nsfw =
+        page->addCheck(tr("Show &NSFW skins from the Skin Museum"), preferences.showsNSFWMuseumSkins());
+    connect(nsfw, &QCheckBox::toggled, &preferences, &Preferences::setShowsNSFWMuseumSkins);
     return page;
 }
 

@@ -3,6 +3,8 @@
 #include "SkinBrowser/SkinLibraryModel.h"
 #include "Vantor/Model/PlayerModel.h"
 #include "Vantor/Model/SkinSwitcher.h"
+#include "Vantor/Museum/MuseumSetup.h"
+#include "Vantor/Museum/MuseumTab.h"
 #include "Vantor/Windows/DialogPlace.h"
 #include "Vantor/Windows/MessagePage.h"
 #include "Vantor/Windows/SkinBrowserFoot.h"
@@ -16,6 +18,7 @@
 #include <QShortcut>
 #include <QSplitter>
 #include <QStackedWidget>
+#include <QTabWidget>
 #include <QToolButton>
 #include <QVBoxLayout>
 
@@ -59,7 +62,7 @@ QString filterHelp(SkinStatus status) {
 SkinBrowserWindow::SkinBrowserWindow(PlayerModel &model, SkinLibraryModel &library, SkinSwitcher &switcher,
                                      ThumbnailCache &thumbnails, QSettings &settings)
     : m_model(model), m_library(library), m_switcher(switcher), m_settings(settings),
-      m_skins(library.index()), m_search(new QLineEdit), m_splitter(new QSplitter),
+      m_skins(library.index()), m_tabs(new QTabWidget), m_search(new QLineEdit), m_splitter(new QSplitter),
       m_pages(new QStackedWidget), m_grid(new SkinGridView(m_skins, thumbnails)), m_message(new MessagePage),
       m_details(new SkinDetails(switcher)), m_foot(new SkinBrowserFoot(model, library)) {
     setWindowTitle(tr("Skin Browser"));
@@ -76,12 +79,21 @@ SkinBrowserWindow::SkinBrowserWindow(PlayerModel &model, SkinLibraryModel &libra
     m_splitter->setHandleWidth(1);
     m_details->setMinimumWidth(160);
     m_pages->setMinimumWidth(220);
-    auto *layout = new QVBoxLayout(this);
+    auto *const folder = new QWidget;
+    auto *const rows = new QVBoxLayout(folder);
+    rows->setContentsMargins(0, 0, 0, 0);
+    rows->setSpacing(0);
+    rows->addWidget(makeHead());
+    rows->addWidget(m_splitter, 1);
+    m_tabs->setDocumentMode(true);
+    m_tabs->setTabBarAutoHide(true);
+    m_tabs->addTab(folder, tr("My Skins"));
+    auto *const layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
-    layout->addWidget(makeHead());
-    layout->addWidget(m_splitter, 1);
+    layout->addWidget(m_tabs, 1);
     layout->addWidget(m_foot);
+    makeShortcuts();
 
     restore();
     connectGrid();
@@ -118,14 +130,36 @@ QWidget *SkinBrowserWindow::makeHead() {
         m_filters.emplace(status, button);
     }
     connect(m_search, &QLineEdit::textChanged, this, &SkinBrowserWindow::search);
+    return head;
+}
+
+void SkinBrowserWindow::makeShortcuts() {
     auto *find = new QShortcut(QKeySequence::Find, this);
     connect(find, &QShortcut::activated, this, [this] {
+        if (m_museum && m_museum->isVisible())
+            return m_museum->focusSearch();
         m_search->setFocus(Qt::ShortcutFocusReason);
         m_search->selectAll();
     });
     auto *close = new QShortcut(QKeySequence::Close, this);
     connect(close, &QShortcut::activated, this, &QWidget::close);
-    return head;
+}
+
+void SkinBrowserWindow::addMuseum(const MuseumSetup &setup) {
+    auto *const page = new QWidget;
+    auto *const layout = new QVBoxLayout(page);
+    layout->setContentsMargins(0, 0, 0, 0);
+    m_tabs->addTab(page, tr("Museum"));
+    connect(m_tabs, &QTabWidget::currentChanged, this, [this, page, layout, setup] {
+        if (m_tabs->currentWidget() != page)
+            return m_grid->setFocus();
+        if (!m_museum) {
+            m_museum = new MuseumTab(m_model, m_library, m_switcher, setup);
+            connect(m_museum, &MuseumTab::folderWanted, m_foot, &SkinBrowserFoot::chooseFolder);
+            layout->addWidget(m_museum);
+        }
+        m_museum->setFocus();
+    });
 }
 
 void SkinBrowserWindow::connectGrid() {

@@ -13,17 +13,21 @@ class QLineEdit;
 class QSettings;
 class QSplitter;
 class QStackedWidget;
+class QTabWidget;
 class QToolButton;
 
 namespace vantor {
 
 class MessagePage;
+struct MuseumSetup;
+class MuseumTab;
 class PlayerModel;
 class SkinBrowserFoot;
 class SkinLibraryModel;
 
 /// The skins folder as a window: a grid of pictures with a search and a filter, and what is known of the skin
-/// that is selected. Main thread; nothing blocks. Borrows everything it is given.
+/// that is selected; in a second tab, the online museum. Main thread; nothing blocks. Borrows everything it
+/// is given.
 class SkinBrowserWindow : public QWidget {
     Q_OBJECT
 
@@ -31,6 +35,9 @@ class SkinBrowserWindow : public QWidget {
     SkinBrowserWindow(PlayerModel &model, SkinLibraryModel &library, SkinSwitcher &switcher,
                       ThumbnailCache &thumbnails, QSettings &settings);
     ~SkinBrowserWindow() override;
+
+    /// Adds the museum, which is asked once its tab is first seen.
+    void addMuseum(const MuseumSetup &setup);
 
     /// Shows the window in front of the others; the first time where it hides none of the player's windows,
     /// whose frames these are.
@@ -43,6 +50,7 @@ class SkinBrowserWindow : public QWidget {
 
   private:
     [[nodiscard]] QWidget *makeHead();
+    void makeShortcuts();
     void connectLibrary();
     void connectGrid();
     void restore();
@@ -74,6 +82,8 @@ class SkinBrowserWindow : public QWidget {
     QSettings &m_settings;
     SkinListModel m_skins;
 
+    QTabWidget *m_tabs;
+    MuseumTab *m_museum = nullptr; ///< once it was seen
     QLineEdit *m_search;
     std::map<SkinStatus, QToolButton *> m_filters;
     QSplitter *m_splitter;

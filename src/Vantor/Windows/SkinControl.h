@@ -24,6 +24,15 @@ struct SkinControl {
 
     QString text; ///< what a text shows, or a slider's value in words ("−3.5 dB")
 
+    /// One of which no more is known yet.
+    template <class Control>
+    [[nodiscard]] static SkinControl at(Control control, const QRect &rect) {
+        SkinControl made;
+        made.id = static_cast<int>(control);
+        made.rect = rect;
+        return made;
+    }
+
     /// A list's rows have the arrow keys.
     [[nodiscard]] bool isTabStop() const { return kind != Kind::text && kind != Kind::row; }
 

@@ -1,23 +1,19 @@
 #include "Vantor/Windows/SkinTile.h"
 
+#include "Vantor/Windows/TileDrawing.h"
+
 #include <QCoreApplication>
 #include <QPainter>
 #include <QWidget>
 
 namespace vantor {
 
+using TileDrawing::faint;
+
 namespace {
 
-constexpr int padding = 8;
-constexpr int gap = 6; // between picture and name
 constexpr int markSize = 7;
-constexpr double radius = 6;
 const QColor partialColor(0xd8, 0x94, 0x1c);
-
-QColor faint(QColor color, double opacity) {
-    color.setAlphaF(static_cast<float>(opacity));
-    return color;
-}
 
 void drawPicture(QPainter &painter, const QRect &place, const SkinTile &tile, const QPalette &colors) {
     if (!tile.picture.isNull()) {
@@ -58,41 +54,19 @@ void drawName(QPainter &painter, QRect line, const SkinTile &tile, const QPalett
 } // namespace
 
 QSize SkinTile::minimumSize(const QWidget &view) {
-    return {pictureSize.width() + 2 * padding + 4,
-            pictureSize.height() + gap + view.fontMetrics().height() + 2 * padding};
+    return TileDrawing::minimumSize(pictureSize, view);
 }
 
 void SkinTile::draw(QPainter &painter, const QRect &cell, const QWidget &view) const {
-    const QPalette &colors = view.palette();
-    const QColor accent = colors.color(QPalette::Highlight);
-    const QRectF frame = QRectF(cell).adjusted(2.5, 2.5, -2.5, -2.5);
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
-    if (selected || hovered) {
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(selected ? faint(accent, view.hasFocus() ? 0.30 : 0.20)
-                                  : faint(colors.color(QPalette::Text), 0.06));
-        painter.drawRoundedRect(frame, radius, radius);
-    }
-    if (focused) {
-        painter.setPen(QPen(accent, 1.5));
-        painter.setBrush(Qt::NoBrush);
-        painter.drawRoundedRect(frame, radius, radius);
-    }
-    const QRect picturePlace(
-        QPoint(cell.left() + (cell.width() - pictureSize.width()) / 2, cell.top() + padding), pictureSize);
-    drawPicture(painter, picturePlace, *this, colors);
-    if (worn) {
-        painter.setPen(QPen(accent, 2));
-        painter.setBrush(Qt::NoBrush);
-        painter.drawRoundedRect(QRectF(picturePlace).adjusted(-2, -2, 2, 2), 3, 3);
-    }
-    if (skin) {
-        const int top = picturePlace.bottom() + 1 + gap;
-        drawName(painter,
-                 QRect(cell.left() + padding, top, cell.width() - 2 * padding, view.fontMetrics().height()),
-                 *this, colors);
-    }
+    TileDrawing::drawBack(painter, cell, {selected, hovered, focused}, view);
+    const QRect place = TileDrawing::picturePlace(cell, pictureSize);
+    drawPicture(painter, place, *this, view.palette());
+    if (worn)
+        TileDrawing::drawWornFrame(painter, place, view);
+    if (skin)
+        drawName(painter, TileDrawing::nameLine(cell, place, view), *this, view.palette());
     painter.restore();
 }
 

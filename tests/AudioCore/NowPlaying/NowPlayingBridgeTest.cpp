@@ -4,6 +4,7 @@
 #include "AudioCore/NowPlaying/NowPlayingInfoBuilder.h"
 #include "AudioCore/Playback/Player.h"
 #include "tests/Support/AudioFileBuilder.h"
+#include "tests/Support/HttpTestServer.h"
 #include "tests/Support/TestFolder.h"
 #include "tests/Support/TestOutput.h"
 #include "tests/Support/WaitFor.h"
@@ -114,6 +115,40 @@ TEST_F(NowPlayingBridgeTest, WhatIsShownFollowsThePlayer) {
     EXPECT_NE(m_center.shown, std::nullopt);
     m_player.clearQueue();
     EXPECT_EQ(m_center.shown, std::nullopt);
+}
+
+TEST_F(NowPlayingBridgeTest, AStationsTitlesAreShownAsTheyCome) {
+    writeAudioFile(m_folder.path("a.mp3"), {.seconds = 30});
+    const QByteArray sound = m_folder.read(m_folder.path("a.mp3"));
+    std::atomic<bool> goesOn = false;
+    const HttpTestServer server([&](const HttpTestServer::Request &, HttpTestServer::Connection &connection) {
+        connection.send(
+            "ICY 200 OK\r\nicy-metaint: 1000\r\n\r\n" +
+            HttpTestServer::withMetadata(sound.first(60'000), 1000, {"StreamTitle='Ana - One';"}));
+        while (!goesOn && connection.pause(20)) {
+        }
+        connection.send(HttpTestServer::withMetadata(sound.mid(60'000), 1000, {"StreamTitle='Two';"}));
+        connection.stall();
+    });
+    Track station;
+    station.id = QUuid::createUuid();
+    station.title = u"The Station"_qs;
+    station.source = server.url();
+    m_player.enqueue({station});
+    m_bridge.install();
+    m_player.play();
+    EXPECT_EQ(m_center.shown->title, u"The Station"_qs);
+    const auto shows = [this](const QString &title) {
+        return waitFor([&] { return m_center.shown && m_center.shown->title == title; },
+                       std::chrono::seconds(20));
+    };
+    ASSERT_TRUE(shows(u"Ana - One"_qs));
+    EXPECT_EQ(m_center.shown->albumTitle, u"The Station"_qs);
+    goesOn = true;
+    ASSERT_TRUE(shows(u"Two"_qs));
+    m_player.stop();
+    EXPECT_EQ(m_center.shown->title, u"The Station"_qs);
+    EXPECT_EQ(m_center.shown->albumTitle, std::nullopt);
 }
 
 TEST_F(NowPlayingBridgeTest, APictureIsAddedWhenItIsReadyUnlessTheTrackChanged) {

@@ -140,6 +140,78 @@ TEST_F(GaplessTest, ASweepInTenFilesSoundsAsIfItWereOne) {
     }
 }
 
+TEST_F(GaplessTest, PartsOfAFileSoundLikeTheFile) {
+    const struct {
+        const char *ending;
+        int rate;
+        int outputRate;
+    } rows[] = {
+        {"flac", 44100, 44100}, {"flac", 44100, 48000}, {"mp3", 44100, 44100}, {"opus", 48000, 44100}};
+    for (const auto &row : rows) {
+        SCOPED_TRACE(row.ending);
+        m_output.sampleRate = row.outputRate;
+        const Track whole = track(QStringLiteral("whole.%1").arg(QLatin1String(row.ending)),
+                                  makeSweep(static_cast<std::size_t>(row.rate) * 2, row.rate), row.rate);
+        std::vector<Track> parts(3, whole);
+        const double starts[] = {0, 31 / 75.0, 93 / 75.0};
+        for (std::size_t i = 0; i < parts.size(); ++i) {
+            parts[i].id = QUuid::createUuid();
+            parts[i].range = TrackRange{starts[i], {}};
+            if (i + 1 < parts.size())
+                parts[i].range->end = starts[i + 1];
+        }
+        const auto soundOf = [&](const std::vector<Track> &tracks) {
+            m_output.heard.clear();
+            Player player(std::make_unique<FileTrackResolver>(),
+                          std::make_unique<TestOutputDevices>(m_output));
+            player.enqueue(tracks);
+            player.play();
+            EXPECT_TRUE(m_output.pump([&] { return player.state() == PlaybackState::playing; }));
+            EXPECT_NEAR(player.duration(), tracks.size() == 1 ? 2 : starts[1], 0.05);
+            EXPECT_TRUE(m_output.pump([&] { return player.state() == PlaybackState::stopped; }));
+            EXPECT_EQ(player.queue().currentIndex(), static_cast<int>(tracks.size()) - 1);
+            std::vector<StereoFrame> sound = heard();
+            while (!sound.empty() && sound.back() == StereoFrame{})
+                sound.pop_back();
+            return sound;
+        };
+        const std::vector<StereoFrame> expected = soundOf({whole});
+        EXPECT_GT(expected.size(), static_cast<std::size_t>(row.outputRate) * 19 / 10);
+        EXPECT_TRUE(soundOf(parts) == expected);
+    }
+}
+
+TEST_F(GaplessTest, APartStartsEndsAndSeeksWithinItsBounds) {
+    const std::vector<StereoFrame> source = makeSweep(44100 * 4, 44100);
+    Track part = track(QStringLiteral("whole.flac"), source);
+    part.range = TrackRange{1, 3};
+    Track other = part;
+    other.id = QUuid::createUuid();
+    other.range = TrackRange{0.5, 0.7}; // does not follow in the file
+    m_player.enqueue({part, other});
+    m_player.play();
+    ASSERT_TRUE(pumpUntil(PlaybackState::playing));
+    EXPECT_EQ(m_player.duration(), 2);
+    ASSERT_TRUE(pumpUntil(PlaybackState::stopped));
+    std::vector<StereoFrame> expected(source.begin() + 44100, source.begin() + 3 * 44100);
+    expected.insert(expected.end(), source.begin() + 22050, source.begin() + 30870);
+    const auto at =
+        std::search(m_output.heard.begin(), m_output.heard.end(), expected.begin(), expected.end());
+    EXPECT_NE(at, m_output.heard.end());
+
+    m_output.heard.clear();
+    m_player.play(0);
+    ASSERT_TRUE(pumpUntil(PlaybackState::playing));
+    m_player.seek(1.5);
+    EXPECT_EQ(m_player.currentTime(), 1.5);
+    ASSERT_TRUE(m_output.pump([&] { return m_player.queue().currentIndex() == 1; }));
+    const auto tail = std::search(m_output.heard.begin(), m_output.heard.end(),
+                                  source.begin() + 44100 * 5 / 2 + 1000, source.begin() + 44100 * 3);
+    EXPECT_NE(tail, m_output.heard.end());
+    m_player.seek(0);
+    ASSERT_TRUE(pumpUntil(PlaybackState::stopped));
+}
+
 TEST_F(GaplessTest, WhatFollowsCanStillBeChangedBeforeTheJoin) {
     const Track a = track(QStringLiteral("a.wav"), level(0.1F, 1)),
                 b = track(QStringLiteral("b.wav"), level(0.2F, 1)),

@@ -161,6 +161,54 @@ TEST_F(PlayerNetworkTest, WhatDoesNotPlayFollowsTheRulesOfFailure) {
     EXPECT_NEAR(loudSeconds(), 0.5, 0.01);
 }
 
+TEST_F(PlayerNetworkTest, WhatCameBeforeAFailureIsHeardFirst) {
+    const QByteArray broken = song("a.mp3", 6);
+    const QByteArray whole = song("b.wav", 0.5);
+    std::atomic<int> asked = 0; // every other time for the rest
+    const HttpTestServer server([&](const Request &request, Connection &connection) {
+        if (request.path == "/whole")
+            HttpTestServer::sendFile(request, connection, whole);
+        else if (asked++ % 2 == 0)
+            HttpTestServer::sendFile(request, connection, broken,
+                                     {.ranges = false, .closeAfter = broken.size() / 4});
+        else
+            connection.send("HTTP/1.1 404 Not Found\r\n\r\n");
+    });
+    double heardBefore = 0;
+    m_player.addEventObserver([&](const PlayerEvent &event) {
+        if (std::holds_alternative<PlayerEvents::Failed>(event))
+            heardBefore = loudSeconds();
+    });
+    const QString unreadable = QStringLiteral("This audio file could not be read.");
+    const struct {
+        const char *name;
+        std::vector<const char *> paths;
+        RepeatMode repeatMode;
+        double heardBefore;
+        double heard;
+        int failures;
+    } rows[] = {
+        {"the next one follows", {"/broken", "/whole"}, RepeatMode::off, 1.5, 2, 1},
+        {"and fails as well", {"/whole", "/broken", "/broken"}, RepeatMode::off, 3.5, 3.5, 2},
+        {"none follows", {"/broken", "/whole"}, RepeatMode::one, 1.5, 1.5, 1},
+    };
+    for (const auto &row : rows) {
+        SCOPED_TRACE(row.name);
+        m_failures.clear();
+        std::vector<Track> tracks;
+        for (const char *path : row.paths)
+            tracks.push_back(track(server.url(path)));
+        m_player.restoreQueue(tracks, 0, row.repeatMode, false);
+        m_output.heard.clear();
+        m_player.play();
+        ASSERT_TRUE(m_output.pump([&] { return m_player.state() == PlaybackState::stopped; }));
+        EXPECT_EQ(m_failures.size(), row.failures);
+        EXPECT_EQ(m_player.errorMessage(), unreadable);
+        EXPECT_NEAR(heardBefore, row.heardBefore, 0.15);
+        EXPECT_NEAR(loudSeconds(), row.heard, 0.15) << "and nothing else";
+    }
+}
+
 TEST_F(PlayerNetworkTest, TheLogSaysWhyAnAddressCannotBeRead) {
     static QStringList log;
     const HttpTestServer server([](const Request &request, Connection &connection) {

@@ -42,6 +42,20 @@ TEST_F(TrackLoaderTest, AFolderGivesItsAudioAndAListWhatItNames) {
     EXPECT_EQ(load(write(u"sheet.cue"_qs, "PERFORMER Ana\nTITLE Dusk\nFILE album/a.wav WAVE\n"
                                           "FILE album/b.ape WAVE\nFILE album/c.wav WAVE")),
               (QStringList{u"Ana: Dusk"_qs, u"Tagged"_qs, u"c.wav: This audio file could not be read."_qs}));
+    std::vector<Track> parts;
+    const QUrl sheet = write(u"parts.cue"_qs, "PERFORMER Ana\nTITLE Dusk\nFILE album/a.wav WAVE\nTRACK 1\n"
+                                              "TITLE One\nINDEX 01 00:00:00\nTRACK 2\nINDEX 01 00:00:15");
+    TrackLoader::load({sheet}, {}, [&](const TrackLoader::Batch &batch) {
+        parts.insert(parts.end(), batch.tracks.begin(), batch.tracks.end());
+    });
+    ASSERT_EQ(parts.size(), 2U);
+    EXPECT_EQ(parts[0].title + parts[0].artist + *parts[0].album, u"OneAnaDusk"_qs);
+    EXPECT_EQ(parts[0].source, Track::Source(url(u"album/a.flac"_qs)));
+    EXPECT_EQ(parts[0].range, (TrackRange{0, 0.2}));
+    EXPECT_NEAR(parts[0].duration, 0.2, 1e-9);
+    EXPECT_EQ(parts[1].title, u"Track 2"_qs) << "not the file's own";
+    EXPECT_NEAR(parts[1].duration, 0.8, 1e-6);
+    EXPECT_NE(parts[0].id, parts[1].id);
     EXPECT_EQ(load(write(u"gone.m3u"_qs, QByteArray("gone.mp3\n").repeated(10'000))),
               QStringList(10'000, u"gone.mp3: This audio file could not be read."_qs));
 

@@ -107,6 +107,16 @@ TEST_F(PlaylistFileTest, WhatIsWrittenIsReadBack) {
     EXPECT_TRUE(read(u"list.m3u8"_qs)
                     .startsWith("#EXTM3U\n#EXTINF:62,New line\nplain.mp3\n"
                                 "#EXTINF:62,Artist - New line\nsub/\xC3\xBC \xE2\x82\xAC.mp3\n"));
+
+    std::vector<Track> parts(4, tracks.front());
+    parts[0].range = parts[2].range = TrackRange{0, 60};
+    parts[1].range = TrackRange{60, {}};
+    parts[2].source = parts[3].source = url(u"other disc.flac"_qs);
+    parts[2].album = u"Dusk"_qs;
+    PlaylistFile::write(url(u"parts.m3u8"_qs), parts);
+    EXPECT_EQ(read(u"parts.m3u8"_qs),
+              "#EXTM3U\n#EXTINF:-1,plain\nplain.mp3\n#EXTINF:-1,Dusk\nother disc.flac\n"
+              "#EXTINF:62,New line\nother disc.flac\n");
     EXPECT_THROW(PlaylistFile::write(url(u"no/folder/x.pls"_qs), tracks), LocalPlaybackError);
 
     tracks.assign(PlaylistFile::maxEntries, tracks.front());

@@ -63,6 +63,18 @@ TEST(PlaylistParserTest, ReadsEveryFormat) {
          "TITLE Album\nFILE a.wav WAVE\nTRACK 01 AUDIO\nTITLE One\nFILE a.wav WAVE\nTRACK 02 AUDIO\nTITLE "
          "Two",
          lines({{u"a.wav"_qs, u"Album"_qs}})},
+        {"cue of one file in parts", "cue",
+         "PERFORMER P\nTITLE Album\nFILE disc.flac WAVE\nTRACK 01 AUDIO\nTITLE One\nINDEX 01 00:00:33\n"
+         "TRACK 02 AUDIO\nPERFORMER Q\nINDEX 00 02:59:00\nINDEX 01 03:01:15\nTRACK 03 AUDIO\nTITLE Three\n"
+         "INDEX 01 100:00:00",
+         lines({{u"disc.flac"_qs, u"One"_qs, false, u"P"_qs, u"Album"_qs, TrackRange{0.44, 181.2}},
+                {u"disc.flac"_qs, u"Track 2"_qs, false, u"Q"_qs, u"Album"_qs, TrackRange{181.2, 6000}},
+                {u"disc.flac"_qs, u"Three"_qs, false, u"P"_qs, u"Album"_qs, TrackRange{6000, {}}}})},
+        {"cue whose places make no sense", "cue",
+         "TITLE Album\nFILE a W\nTRACK 01 AUDIO\nINDEX 01 03:00:00\nTRACK 02 AUDIO\nINDEX 01 03:00:00\n"
+         "FILE b W\nTRACK 03 AUDIO\nINDEX 01 00:00:00\nTRACK 04 AUDIO\nINDEX 01 00:61:00\n"
+         "FILE http://h/c W\nTRACK 05 AUDIO\nINDEX 01 00:00:00\nTRACK 06 AUDIO\nINDEX 01 01:00:00",
+         lines({{u"a"_qs, u"Album"_qs}, {u"b"_qs, u"Album"_qs}, {u"http://h/c"_qs, u"Album"_qs}})},
         {"no text", "m3u", QByteArray("\x89PNG\0\1\2", 7), lines({}, false, true)},
         {"nothing", "pls", "", lines({})},
     };
@@ -78,6 +90,7 @@ TEST(PlaylistParserTest, EveryFormatStopsAtTheLimit) {
         {Format::m3u, "a\nb\n#c\nd"},
         {Format::pls, "File1=a\nFile2=b\nTitle2=t\nFile3=c"},
         {Format::cue, "FILE a W\nFILE b W\nFILE c W"},
+        {Format::cue, "FILE a W\nTRACK 1\nINDEX 01 0:0:0\nTRACK 2\nINDEX 01 1:0:0\nTRACK 3\nINDEX 01 2:0:0"},
         {Format::xspf, "<playlist><trackList>" + track.repeated(3) + "</trackList></playlist>"},
     };
     for (const auto &[format, bytes] : rows) {

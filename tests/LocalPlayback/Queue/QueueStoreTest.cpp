@@ -27,6 +27,8 @@ TEST_F(QueueStoreTest, EveryFieldSurvivesOfWhatHasAForm) {
     snapshot.items[0].bitrate = 320;
     snapshot.items[0].sampleRate = 44100.5;
     snapshot.items[0].channels = 2;
+    snapshot.items[0].range = TrackRange{71 / 75.0, 4000.04};
+    snapshot.items[2].range = TrackRange{4000.04, {}};
     snapshot.items[1].source = MediaID{MediaKind::radio, u"library://radio/7"_qs};
     snapshot.repeatMode = RepeatMode::one;
     snapshot.isShuffled = true;
@@ -72,6 +74,10 @@ TEST_F(QueueStoreTest, BadItemsAreDroppedAndTheSameOneStaysCurrent) {
         {R"("id":"%","source":{"kind":"cloud","path":"/a"})", 0, 1, std::nullopt},
         {R"("id":"%","mediaID":{"kind":"moon","rawValue":"1"})", 1, 1, 0},
         {R"("source":{"kind":"file","path":"/a"})", 1, 1, 0},
+        {R"("id":"%","source":{"kind":"file","path":"/b","start":-1})", 1, 1, 0},
+        {R"("id":"%","source":{"kind":"file","path":"/b","start":5,"end":5})", 1, 1, 0},
+        {R"("id":"%","source":{"kind":"file","path":"/b","end":5})", 1, 1, 0},
+        {R"("id":"%","source":{"kind":"file","path":"/b","start":1e300})", 1, 1, 0},
         {R"("id":"%","bitrate":1e99,"channels":-3,"source":{"kind":"file","path":"/b"})", 2, 2, std::nullopt},
     };
     for (const auto &row : rows) {

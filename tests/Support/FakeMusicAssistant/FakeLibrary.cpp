@@ -15,10 +15,10 @@ constexpr int albumsPerArtist = 5;
 
 /// "Silver Harbour 12": the same for the same number.
 QString madeName(int index, const QString &what) {
-    static const QStringList firsts{u"Silver"_s, u"Amber"_s, u"Distant"_s, u"Quiet"_s,
-                                    u"Paper"_s,  u"Northern"_s, u"Velvet"_s, u"Electric"_s};
-    static const QStringList seconds{u"Harbour"_s, u"Rivers"_s, u"Signal"_s, u"Garden"_s, u"Motion"_s,
-                                     u"Lanterns"_s, u"Orchard"_s};
+    static const QStringList firsts{u"Silver"_s, u"Amber"_s,    u"Distant"_s, u"Quiet"_s,
+                                    u"Paper"_s,  u"Northern"_s, u"Velvet"_s,  u"Electric"_s};
+    static const QStringList seconds{u"Harbour"_s, u"Rivers"_s,   u"Signal"_s, u"Garden"_s,
+                                     u"Motion"_s,  u"Lanterns"_s, u"Orchard"_s};
     return u"%1 %2 %3 %4"_s.arg(firsts[index % firsts.size()], seconds[index / 3 % seconds.size()], what)
         .arg(index);
 }

@@ -49,13 +49,16 @@ void FakeLibrary::addListCommands() {
     for (const QString &mediaType : mediaTypes) {
         const QString folder = u"music/%1s/"_s.arg(mediaType);
         const QStringList parameters{u"favorite?"_s, u"search?"_s, u"limit?"_s, u"offset?"_s, u"order_by?"_s};
-        command(folder + u"library_items"_s, parameters, [this, mediaType](const Args &args, const FakeAnswer &answer) {
-            answer.result(stretch(mediaType, args));
-        });
-        command(folder + u"count"_s, {u"favorite_only?"_s}, [this, mediaType](const Args &args, const FakeAnswer &answer) {
-            const bool favoritesOnly = args["favorite_only"_L1].toBool();
-            answer.result(favoritesOnly ? static_cast<int>(favorites(mediaType).size()) : count(mediaType));
-        });
+        command(folder + u"library_items"_s, parameters,
+                [this, mediaType](const Args &args, const FakeAnswer &answer) {
+                    answer.result(stretch(mediaType, args));
+                });
+        command(folder + u"count"_s, {u"favorite_only?"_s},
+                [this, mediaType](const Args &args, const FakeAnswer &answer) {
+                    const bool favoritesOnly = args["favorite_only"_L1].toBool();
+                    answer.result(favoritesOnly ? static_cast<int>(favorites(mediaType).size())
+                                                : count(mediaType));
+                });
         const QStringList identity{u"item_id"_s, u"provider_instance_id_or_domain"_s};
         command(folder + u"get"_s, identity, [this, mediaType](const Args &args, const FakeAnswer &answer) {
             const QJsonValue found = item(mediaType, indexOf(args["item_id"_L1]));
@@ -91,29 +94,31 @@ void FakeLibrary::addItemCommands() {
         const QJsonValue found = itemByURI(args["uri"_L1].toString());
         found.isNull() ? answer.error(notFound, u"Not found"_s) : answer.result(found);
     });
-    command(u"music/search"_s, {u"search_query"_s, u"media_types?"_s, u"limit?"_s}, [this](const Args &args, const FakeAnswer &answer) {
-        const QString text = args["search_query"_L1].toString();
-        const int limit = args["limit"_L1].toInt(25);
-        QJsonObject found;
-        for (const QString &mediaType : mediaTypes) {
-            QJsonArray items;
-            for (int i = 0; i < count(mediaType) && items.size() < limit; ++i) {
-                if (nameOf(mediaType, i).contains(text, Qt::CaseInsensitive))
-                    items.append(item(mediaType, i));
-            }
-            found.insert(mediaType == "radio"_L1 ? mediaType : mediaType + u's', items);
-        }
-        answer.result(found);
-    });
-    command(u"music/library/remove_item"_s, {u"media_type"_s, u"library_item_id"_s}, [this](const Args &args, const FakeAnswer &answer) {
-        const QString mediaType = args["media_type"_L1].toString();
-        const int index = indexOf(args["library_item_id"_L1]);
-        const QJsonValue former = item(mediaType, index);
-        if (mediaType == "playlist"_L1)
-            m_playlists.remove(index);
-        answer.result({});
-        m_server.sendEvent(u"media_item_deleted"_s, uri(mediaType, index), former);
-    });
+    command(u"music/search"_s, {u"search_query"_s, u"media_types?"_s, u"limit?"_s},
+            [this](const Args &args, const FakeAnswer &answer) {
+                const QString text = args["search_query"_L1].toString();
+                const int limit = args["limit"_L1].toInt(25);
+                QJsonObject found;
+                for (const QString &mediaType : mediaTypes) {
+                    QJsonArray items;
+                    for (int i = 0; i < count(mediaType) && items.size() < limit; ++i) {
+                        if (nameOf(mediaType, i).contains(text, Qt::CaseInsensitive))
+                            items.append(item(mediaType, i));
+                    }
+                    found.insert(mediaType == "radio"_L1 ? mediaType : mediaType + u's', items);
+                }
+                answer.result(found);
+            });
+    command(u"music/library/remove_item"_s, {u"media_type"_s, u"library_item_id"_s},
+            [this](const Args &args, const FakeAnswer &answer) {
+                const QString mediaType = args["media_type"_L1].toString();
+                const int index = indexOf(args["library_item_id"_L1]);
+                const QJsonValue former = item(mediaType, index);
+                if (mediaType == "playlist"_L1)
+                    m_playlists.remove(index);
+                answer.result({});
+                m_server.sendEvent(u"media_item_deleted"_s, uri(mediaType, index), former);
+            });
 }
 
 void FakeLibrary::addPlaylistCommands() {
@@ -131,50 +136,57 @@ void FakeLibrary::addPlaylistCommands() {
         edit(m_playlists[index].tracks);
         sendItemEvent(u"media_item_updated"_s, uri(u"playlist"_s, index));
     };
-    command(u"music/playlists/playlist_tracks"_s, {u"item_id"_s, u"provider_instance_id_or_domain"_s}, [this](const Args &args, const FakeAnswer &answer) {
-        QJsonArray items;
-        for (const QString &trackURI : m_playlists.value(indexOf(args["item_id"_L1])).tracks) {
-            QJsonObject found = itemByURI(trackURI).toObject();
-            found.insert("position"_L1, items.size() + 1);
-            items.append(found);
-        }
-        answer.stream(items);
-    });
-    command(u"music/playlists/create_playlist"_s, {u"name"_s}, [created](const Args &args, const FakeAnswer &answer) {
-        created(args["name"_L1].toString(), {}, answer);
-    });
-    command(u"music/playlists/import_playlist"_s, {u"m3u_data"_s}, [created](const Args &args, const FakeAnswer &answer) {
-        if (args["m3u_data"_L1].toString().trimmed() == "#EXTM3U"_L1)
-            return answer.error(invalidData, u"Empty"_s);
-        created(u"Imported Playlist"_s, {}, answer);
-    });
-    command(u"music/playlists/export_playlist"_s, {u"db_playlist_id"_s}, [this](const Args &args, const FakeAnswer &answer) {
-        const auto tracks = m_playlists.value(indexOf(args["db_playlist_id"_L1])).tracks;
-        answer.result(u"#EXTM3U\n"_s + tracks.join(u'\n'));
-    });
-    command(u"music/playlists/update"_s, {u"item_id"_s, u"update"_s, u"overwrite?"_s}, [this](const Args &args, const FakeAnswer &answer) {
-        const int index = indexOf(args["item_id"_L1]);
-        if (args["overwrite"_L1].toBool())
-            m_playlists[index].name = args["update"_L1]["name"_L1].toString();
-        answer.result(playlist(index));
-        sendItemEvent(u"media_item_updated"_s, uri(u"playlist"_s, index));
-    });
-    command(u"music/playlists/add_playlist_tracks"_s, {u"db_playlist_id"_s, u"uris"_s}, [this, edited](const Args &args, const FakeAnswer &answer) {
-        edited(args, answer, [&](QStringList &tracks) {
-            for (const QJsonValue added : args["uris"_L1].toArray())
-                tracks += expanded(added.toString());
-        });
-    });
-    command(u"music/playlists/remove_playlist_tracks"_s, {u"db_playlist_id"_s, u"positions_to_remove"_s}, [edited](const Args &args, const FakeAnswer &answer) {
-        edited(args, answer, [&](QStringList &tracks) {
-            QList<int> positions;
-            for (const QJsonValue position : args["positions_to_remove"_L1].toArray())
-                positions.append(position.toInt());
-            std::sort(positions.begin(), positions.end(), std::greater<>());
-            for (const int position : positions)
-                tracks.remove(position - 1);
-        });
-    });
+    command(u"music/playlists/playlist_tracks"_s, {u"item_id"_s, u"provider_instance_id_or_domain"_s},
+            [this](const Args &args, const FakeAnswer &answer) {
+                QJsonArray items;
+                for (const QString &trackURI : m_playlists.value(indexOf(args["item_id"_L1])).tracks) {
+                    QJsonObject found = itemByURI(trackURI).toObject();
+                    found.insert("position"_L1, items.size() + 1);
+                    items.append(found);
+                }
+                answer.stream(items);
+            });
+    command(u"music/playlists/create_playlist"_s, {u"name"_s},
+            [created](const Args &args, const FakeAnswer &answer) {
+                created(args["name"_L1].toString(), {}, answer);
+            });
+    command(u"music/playlists/import_playlist"_s, {u"m3u_data"_s},
+            [created](const Args &args, const FakeAnswer &answer) {
+                if (args["m3u_data"_L1].toString().trimmed() == "#EXTM3U"_L1)
+                    return answer.error(invalidData, u"Empty"_s);
+                created(u"Imported Playlist"_s, {}, answer);
+            });
+    command(u"music/playlists/export_playlist"_s, {u"db_playlist_id"_s},
+            [this](const Args &args, const FakeAnswer &answer) {
+                const auto tracks = m_playlists.value(indexOf(args["db_playlist_id"_L1])).tracks;
+                answer.result(u"#EXTM3U\n"_s + tracks.join(u'\n'));
+            });
+    command(u"music/playlists/update"_s, {u"item_id"_s, u"update"_s, u"overwrite?"_s},
+            [this](const Args &args, const FakeAnswer &answer) {
+                const int index = indexOf(args["item_id"_L1]);
+                if (args["overwrite"_L1].toBool())
+                    m_playlists[index].name = args["update"_L1]["name"_L1].toString();
+                answer.result(playlist(index));
+                sendItemEvent(u"media_item_updated"_s, uri(u"playlist"_s, index));
+            });
+    command(u"music/playlists/add_playlist_tracks"_s, {u"db_playlist_id"_s, u"uris"_s},
+            [this, edited](const Args &args, const FakeAnswer &answer) {
+                edited(args, answer, [&](QStringList &tracks) {
+                    for (const QJsonValue added : args["uris"_L1].toArray())
+                        tracks += expanded(added.toString());
+                });
+            });
+    command(u"music/playlists/remove_playlist_tracks"_s, {u"db_playlist_id"_s, u"positions_to_remove"_s},
+            [edited](const Args &args, const FakeAnswer &answer) {
+                edited(args, answer, [&](QStringList &tracks) {
+                    QList<int> positions;
+                    for (const QJsonValue position : args["positions_to_remove"_L1].toArray())
+                        positions.append(position.toInt());
+                    std::sort(positions.begin(), positions.end(), std::greater<>());
+                    for (const int position : positions)
+                        tracks.remove(position - 1);
+                });
+            });
 }
 
 void FakeLibrary::addFavoriteCommands() {
@@ -188,31 +200,47 @@ void FakeLibrary::addFavoriteCommands() {
     command(u"music/favorites/add_item"_s, {u"item"_s}, [set](const Args &args, const FakeAnswer &answer) {
         set(args["item"_L1].toString(), true, answer);
     });
-    command(u"music/favorites/remove_item"_s, {u"media_type"_s, u"library_item_id"_s}, [set](const Args &args, const FakeAnswer &answer) {
-        set(uri(args["media_type"_L1].toString(), indexOf(args["library_item_id"_L1])), false, answer);
-    });
+    command(u"music/favorites/remove_item"_s, {u"media_type"_s, u"library_item_id"_s},
+            [set](const Args &args, const FakeAnswer &answer) {
+                set(uri(args["media_type"_L1].toString(), indexOf(args["library_item_id"_L1])), false,
+                    answer);
+            });
     if (m_dialect == Dialect::old)
         return;
-    command(u"builtin/add_radio"_s, {u"url"_s, u"name"_s}, [this](const Args &args, const FakeAnswer &answer) {
-        m_radios.append({args["name"_L1].toString(), args["url"_L1].toString()});
-        const int index = static_cast<int>(m_radios.size()) - 1;
-        answer.result(radio(index));
-        sendItemEvent(u"media_item_added"_s, uri(u"radio"_s, index));
-    });
+    command(u"builtin/add_radio"_s, {u"url"_s, u"name"_s},
+            [this](const Args &args, const FakeAnswer &answer) {
+                m_radios.append({args["name"_L1].toString(), args["url"_L1].toString()});
+                const int index = static_cast<int>(m_radios.size()) - 1;
+                answer.result(radio(index));
+                sendItemEvent(u"media_item_added"_s, uri(u"radio"_s, index));
+            });
 }
 
 void FakeLibrary::addRecommendationCommands() {
     const auto items = [this](const QString &id) -> QJsonArray {
         if (id == "mixed"_L1)
-            return {album(0), artist(0), track(0), playlist(0), mapping(u"album"_s, 1), mapping(u"radio"_s, 0),
-                    QJsonObject{{u"item_id"_s, u"f"_s}, {u"provider"_s, u"library"_s}, {u"name"_s, u"A folder"_s}, {u"uri"_s, u"library://folder/f"_s}, {u"media_type"_s, u"folder"_s}}};
+            return {album(0),
+                    artist(0),
+                    track(0),
+                    playlist(0),
+                    mapping(u"album"_s, 1),
+                    mapping(u"radio"_s, 0),
+                    QJsonObject{{u"item_id"_s, u"f"_s},
+                                {u"provider"_s, u"library"_s},
+                                {u"name"_s, u"A folder"_s},
+                                {u"uri"_s, u"library://folder/f"_s},
+                                {u"media_type"_s, u"folder"_s}}};
         return stretch(u"album"_s, {{u"limit"_s, 20}});
     };
     const auto folder = [this, items](const QString &id, const QString &name, const QString &type) {
-        QJsonObject made{{u"item_id"_s, id},         {u"provider"_s, u"library"_s},
-                         {u"name"_s, name},          {u"uri"_s, u"library://folder/"_s + id},
-                         {u"media_type"_s, u"folder"_s}, {u"icon"_s, u"mdi-star"_s},
-                         {u"subtitle"_s, QJsonValue()},  {u"type"_s, type},
+        QJsonObject made{{u"item_id"_s, id},
+                         {u"provider"_s, u"library"_s},
+                         {u"name"_s, name},
+                         {u"uri"_s, u"library://folder/"_s + id},
+                         {u"media_type"_s, u"folder"_s},
+                         {u"icon"_s, u"mdi-star"_s},
+                         {u"subtitle"_s, QJsonValue()},
+                         {u"type"_s, type},
                          {u"enabled_by_default"_s, true}};
         if (m_dialect == Dialect::old)
             made.insert("items"_L1, items(id));
@@ -223,9 +251,10 @@ void FakeLibrary::addRecommendationCommands() {
                                  folder(u"recent"_s, u"Recently played"_s, u"timeline"_s)});
     });
     if (m_dialect == Dialect::today)
-        command(u"music/recommendations/items"_s, {u"provider"_s, u"item_id"_s}, [items](const Args &args, const FakeAnswer &answer) {
-            answer.result(items(args["item_id"_L1].toString()));
-        });
+        command(u"music/recommendations/items"_s, {u"provider"_s, u"item_id"_s},
+                [items](const Args &args, const FakeAnswer &answer) {
+                    answer.result(items(args["item_id"_L1].toString()));
+                });
 }
 
 void FakeLibrary::addPages() {
@@ -258,8 +287,9 @@ FakeMusicAssistant::HTTPAnswer FakeLibrary::picture(const QUrl &target) const {
     const QUrlQuery query(target);
     const int size = query.queryItemValue(u"size"_s).toInt();
     const bool isLegacy = target.path() == "/imageproxy"_L1;
-    const QString path = isLegacy ? QUrl::fromPercentEncoding(query.queryItemValue(u"path"_s, QUrl::FullyDecoded).toUtf8())
-                                  : target.path().section(u'/', -1);
+    const QString path =
+        isLegacy ? QUrl::fromPercentEncoding(query.queryItemValue(u"path"_s, QUrl::FullyDecoded).toUtf8())
+                 : target.path().section(u'/', -1);
     if (isLegacy != (m_dialect == Dialect::old) || path.isEmpty())
         return {.status = 404};
     if (!isLegacy && (!sizes.contains(size) || path.size() != 64))

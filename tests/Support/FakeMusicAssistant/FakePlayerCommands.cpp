@@ -68,33 +68,41 @@ void FakePlayers::addPlayerCommands() {
             changed(playerID);
         };
     };
-    command(u"players/cmd/volume_set"_s, id, {u"volume_level"_s}, store(u"volume_level"_s, u"volume_level"_s));
+    command(u"players/cmd/volume_set"_s, id, {u"volume_level"_s},
+            store(u"volume_level"_s, u"volume_level"_s));
     command(u"players/cmd/volume_mute"_s, id, {u"muted"_s}, store(u"muted"_s, u"volume_muted"_s));
-    command(u"players/add_currently_playing_to_favorites"_s, id, {}, [this](const Args &args, const FakeAnswer &answer) {
-        const Queue &queue = queues[activeQueue(args["player_id"_L1].toString())];
-        queue.current < 0 ? answer.error(playerCommandFailed, u"Nothing plays"_s) : answer.result({});
-    });
-    command(u"players/cmd/set_members"_s, u"target_player"_s, {u"player_ids_to_add?"_s, u"player_ids_to_remove?"_s}, [this](const Args &args, const FakeAnswer &answer) {
-        const QString leader = args["target_player"_L1].toString();
-        QJsonArray members = players[leader]["group_members"_L1].toArray();
-        if (members.isEmpty())
-            members.append(leader);
-        const auto set = [&](const QString &member, bool isIn) {
-            players[member].insert("synced_to"_L1, isIn ? QJsonValue(leader) : QJsonValue());
-            if (isIn)
-                members.append(member);
-            else
-                members = QJsonArray::fromVariantList([&] { auto list = members.toVariantList(); list.removeAll(member); return list; }());
-        };
-        for (const QJsonValue member : args["player_ids_to_add"_L1].toArray())
-            set(member.toString(), true);
-        for (const QJsonValue member : args["player_ids_to_remove"_L1].toArray())
-            set(member.toString(), false);
-        players[leader].insert("group_members"_L1, members.size() > 1 ? members : QJsonArray());
-        answer.result({});
-        for (const auto &[player, record] : players)
-            m_server.sendEvent(u"player_updated"_s, player, playerRecord(player));
-    });
+    command(u"players/add_currently_playing_to_favorites"_s, id, {},
+            [this](const Args &args, const FakeAnswer &answer) {
+                const Queue &queue = queues[activeQueue(args["player_id"_L1].toString())];
+                queue.current < 0 ? answer.error(playerCommandFailed, u"Nothing plays"_s) : answer.result({});
+            });
+    command(u"players/cmd/set_members"_s, u"target_player"_s,
+            {u"player_ids_to_add?"_s, u"player_ids_to_remove?"_s},
+            [this](const Args &args, const FakeAnswer &answer) {
+                const QString leader = args["target_player"_L1].toString();
+                QJsonArray members = players[leader]["group_members"_L1].toArray();
+                if (members.isEmpty())
+                    members.append(leader);
+                const auto set = [&](const QString &member, bool isIn) {
+                    players[member].insert("synced_to"_L1, isIn ? QJsonValue(leader) : QJsonValue());
+                    if (isIn)
+                        members.append(member);
+                    else
+                        members = QJsonArray::fromVariantList([&] {
+                            auto list = members.toVariantList();
+                            list.removeAll(member);
+                            return list;
+                        }());
+                };
+                for (const QJsonValue member : args["player_ids_to_add"_L1].toArray())
+                    set(member.toString(), true);
+                for (const QJsonValue member : args["player_ids_to_remove"_L1].toArray())
+                    set(member.toString(), false);
+                players[leader].insert("group_members"_L1, members.size() > 1 ? members : QJsonArray());
+                answer.result({});
+                for (const auto &[player, record] : players)
+                    m_server.sendEvent(u"player_updated"_s, player, playerRecord(player));
+            });
 }
 
 void FakePlayers::addQueueCommands() {
@@ -109,36 +117,42 @@ void FakePlayers::addQueueCommands() {
     command(u"player_queues/get"_s, id, {}, [this](const Args &args, const FakeAnswer &answer) {
         answer.result(queueRecord(args["queue_id"_L1].toString()));
     });
-    command(u"player_queues/get_active_queue"_s, u"player_id"_s, {}, [this](const Args &args, const FakeAnswer &answer) {
-        answer.result(queueRecord(activeQueue(args["player_id"_L1].toString())));
-    });
-    command(u"player_queues/items"_s, id, {u"limit?"_s, u"offset?"_s}, [this](const Args &args, const FakeAnswer &answer) {
-        const QString queueID = args["queue_id"_L1].toString();
-        const Queue &queue = queues[queueID];
-        const int offset = args["offset"_L1].toInt();
-        QJsonArray items;
-        for (int i = offset; i < std::min<qsizetype>(queue.entries.size(), offset + args["limit"_L1].toInt(500)); ++i)
-            items.append(queueItem(queue, queueID, i));
-        answer.result(items);
-    });
-    command(u"player_queues/play_media"_s, id, {u"media"_s, u"option?"_s, u"start_item?"_s}, [this](const Args &args, const FakeAnswer &answer) {
-        const QString queueID = args["queue_id"_L1].toString();
-        playMedia(queues[queueID], args);
-        answer.result({});
-        itemsChanged(queueID);
-    });
-    command(u"player_queues/play_index"_s, id, {u"index"_s}, [this](const Args &args, const FakeAnswer &answer) {
-        const QString queueID = args["queue_id"_L1].toString();
-        const int index = find(queues[queueID], args["index"_L1]);
-        answer.result({});
-        go(queueID, index);
-    });
+    command(u"player_queues/get_active_queue"_s, u"player_id"_s, {},
+            [this](const Args &args, const FakeAnswer &answer) {
+                answer.result(queueRecord(activeQueue(args["player_id"_L1].toString())));
+            });
+    command(u"player_queues/items"_s, id, {u"limit?"_s, u"offset?"_s},
+            [this](const Args &args, const FakeAnswer &answer) {
+                const QString queueID = args["queue_id"_L1].toString();
+                const Queue &queue = queues[queueID];
+                const int offset = args["offset"_L1].toInt();
+                QJsonArray items;
+                for (int i = offset;
+                     i < std::min<qsizetype>(queue.entries.size(), offset + args["limit"_L1].toInt(500)); ++i)
+                    items.append(queueItem(queue, queueID, i));
+                answer.result(items);
+            });
+    command(u"player_queues/play_media"_s, id, {u"media"_s, u"option?"_s, u"start_item?"_s},
+            [this](const Args &args, const FakeAnswer &answer) {
+                const QString queueID = args["queue_id"_L1].toString();
+                playMedia(queues[queueID], args);
+                answer.result({});
+                itemsChanged(queueID);
+            });
+    command(u"player_queues/play_index"_s, id, {u"index"_s},
+            [this](const Args &args, const FakeAnswer &answer) {
+                const QString queueID = args["queue_id"_L1].toString();
+                const int index = find(queues[queueID], args["index"_L1]);
+                answer.result({});
+                go(queueID, index);
+            });
     for (const int step : {1, -1}) {
-        command(step > 0 ? u"player_queues/next"_s : u"player_queues/previous"_s, id, {}, [this, step](const Args &args, const FakeAnswer &answer) {
-            const QString queueID = args["queue_id"_L1].toString();
-            answer.result({});
-            go(queueID, queues[queueID].current + step);
-        });
+        command(step > 0 ? u"player_queues/next"_s : u"player_queues/previous"_s, id, {},
+                [this, step](const Args &args, const FakeAnswer &answer) {
+                    const QString queueID = args["queue_id"_L1].toString();
+                    answer.result({});
+                    go(queueID, queues[queueID].current + step);
+                });
     }
     const auto mode = [this](const QString &idName) {
         return [this, idName](const Args &args, const FakeAnswer &answer) {
@@ -158,7 +172,8 @@ void FakePlayers::addQueueCommands() {
 }
 
 void FakePlayers::playMedia(Queue &queue, const Args &args) {
-    const QJsonArray media = args["media"_L1].isArray() ? args["media"_L1].toArray() : QJsonArray{args["media"_L1]};
+    const QJsonArray media =
+        args["media"_L1].isArray() ? args["media"_L1].toArray() : QJsonArray{args["media"_L1]};
     QList<Entry> added;
     for (const QJsonValue one : media) {
         for (const QString &uri : m_library.expanded(one.toString()))
@@ -206,53 +221,57 @@ void FakePlayers::addEditCommands() {
     const auto isBuffered = [this](const Queue &queue, int index) {
         return queue.current >= 0 && index < queue.current + buffered;
     };
-    command(u"player_queues/delete_item"_s, id, {u"item_id_or_index"_s}, [this, isBuffered](const Args &args, const FakeAnswer &answer) {
-        const QString queueID = args["queue_id"_L1].toString();
-        Queue &queue = queues[queueID];
-        const int index = find(queue, args["item_id_or_index"_L1]);
-        const bool isFixed = index < 0 || isBuffered(queue, index);
-        if (!isFixed)
-            queue.entries.remove(index);
-        answer.result({});
-        if (!isFixed)
-            itemsChanged(queueID);
-    });
-    command(u"player_queues/move_item"_s, id, {u"queue_item_id"_s, u"pos_shift?"_s}, [this, isBuffered](const Args &args, const FakeAnswer &answer) {
-        const QString queueID = args["queue_id"_L1].toString();
-        Queue &queue = queues[queueID];
-        const int index = find(queue, args["queue_item_id"_L1]);
-        const int to = index + args["pos_shift"_L1].toInt(1);
-        if (index < 0 || isBuffered(queue, index) || isBuffered(queue, to))
-            return answer.error(unexpected, u"Already buffered"_s);
-        queue.entries.move(index, std::clamp<qsizetype>(to, 0, queue.entries.size() - 1));
-        answer.result({});
-        itemsChanged(queueID);
-    });
+    command(u"player_queues/delete_item"_s, id, {u"item_id_or_index"_s},
+            [this, isBuffered](const Args &args, const FakeAnswer &answer) {
+                const QString queueID = args["queue_id"_L1].toString();
+                Queue &queue = queues[queueID];
+                const int index = find(queue, args["item_id_or_index"_L1]);
+                const bool isFixed = index < 0 || isBuffered(queue, index);
+                if (!isFixed)
+                    queue.entries.remove(index);
+                answer.result({});
+                if (!isFixed)
+                    itemsChanged(queueID);
+            });
+    command(u"player_queues/move_item"_s, id, {u"queue_item_id"_s, u"pos_shift?"_s},
+            [this, isBuffered](const Args &args, const FakeAnswer &answer) {
+                const QString queueID = args["queue_id"_L1].toString();
+                Queue &queue = queues[queueID];
+                const int index = find(queue, args["queue_item_id"_L1]);
+                const int to = index + args["pos_shift"_L1].toInt(1);
+                if (index < 0 || isBuffered(queue, index) || isBuffered(queue, to))
+                    return answer.error(unexpected, u"Already buffered"_s);
+                queue.entries.move(index, std::clamp<qsizetype>(to, 0, queue.entries.size() - 1));
+                answer.result({});
+                itemsChanged(queueID);
+            });
     command(u"player_queues/clear"_s, id, {}, [this](const Args &args, const FakeAnswer &answer) {
         const QString queueID = args["queue_id"_L1].toString();
         queues[queueID] = {};
         answer.result({});
         itemsChanged(queueID);
     });
-    command(u"player_queues/save_as_playlist"_s, id, {u"name"_s}, [this](const Args &args, const FakeAnswer &answer) {
-        QStringList tracks;
-        for (const Entry &entry : queues[args["queue_id"_L1].toString()].entries)
-            tracks.append(entry.uri);
-        if (tracks.isEmpty())
-            return answer.error(queueIsEmpty, u"Nothing there"_s);
-        const int playlist = m_library.addPlaylist(args["name"_L1].toString(), tracks);
-        answer.result(QJsonObject{{u"task_id"_s, u"t2"_s}, {u"status"_s, u"pending"_s}});
-        m_library.sendItemEvent(u"media_item_added"_s, FakeLibrary::uri(u"playlist"_s, playlist));
-    });
-    command(u"player_queues/transfer"_s, u"source_queue_id"_s, {u"target_queue_id"_s, u"auto_play?"_s}, [this](const Args &args, const FakeAnswer &answer) {
-        const QString source = args["source_queue_id"_L1].toString();
-        const QString target = args["target_queue_id"_L1].toString();
-        queues[target] = std::exchange(queues[source], {});
-        queues[target].state = args["auto_play"_L1].toBool() ? u"playing"_s : u"idle"_s;
-        answer.result({});
-        itemsChanged(source);
-        itemsChanged(target);
-    });
+    command(u"player_queues/save_as_playlist"_s, id, {u"name"_s},
+            [this](const Args &args, const FakeAnswer &answer) {
+                QStringList tracks;
+                for (const Entry &entry : queues[args["queue_id"_L1].toString()].entries)
+                    tracks.append(entry.uri);
+                if (tracks.isEmpty())
+                    return answer.error(queueIsEmpty, u"Nothing there"_s);
+                const int playlist = m_library.addPlaylist(args["name"_L1].toString(), tracks);
+                answer.result(QJsonObject{{u"task_id"_s, u"t2"_s}, {u"status"_s, u"pending"_s}});
+                m_library.sendItemEvent(u"media_item_added"_s, FakeLibrary::uri(u"playlist"_s, playlist));
+            });
+    command(u"player_queues/transfer"_s, u"source_queue_id"_s, {u"target_queue_id"_s, u"auto_play?"_s},
+            [this](const Args &args, const FakeAnswer &answer) {
+                const QString source = args["source_queue_id"_L1].toString();
+                const QString target = args["target_queue_id"_L1].toString();
+                queues[target] = std::exchange(queues[source], {});
+                queues[target].state = args["auto_play"_L1].toBool() ? u"playing"_s : u"idle"_s;
+                answer.result({});
+                itemsChanged(source);
+                itemsChanged(target);
+            });
 }
 
 } // namespace vantor

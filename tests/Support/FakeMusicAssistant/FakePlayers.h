@@ -42,8 +42,8 @@ class FakePlayers : public QObject {
     void run();
     /// Tells everybody about a player and its queue.
     void changed(const QString &id);
-    /// What the server does when a Sendspin client connects: at once a hidden player that speaks the protocol,
-    /// later one that is shown.
+    /// What the server does when a Sendspin client connects: at once a hidden player that speaks the
+    /// protocol, later one that is shown.
     void addSendspinClient(const QString &clientID, const QString &name);
     void showSendspinClient(const QString &clientID, const QString &name);
     [[nodiscard]] QJsonObject queueRecord(const QString &id) const;

@@ -43,6 +43,24 @@ void addCommandFaults(FakeMusicAssistant &server, const QCommandLineParser &pars
     }
 }
 
+/// So many events a second about what changes in a busy house.
+void startStorm(QTimer &timer, int perSecond, FakeLibrary &library, FakePlayers &players) {
+    constexpr int interval = 10; // ms
+    if (perSecond <= 0)
+        return;
+    players.append(u"kitchen"_s, library.expanded(FakeLibrary::uri(u"playlist"_s, 0)));
+    players.queues[u"kitchen"_s].current = 0;
+    timer.callOnTimeout([perSecond, &library, &players, sent = 0]() mutable {
+        for (int i = 0; i < perSecond * interval / 1000; i += 3, ++sent) {
+            players.queues[u"kitchen"_s].elapsed = sent % 100;
+            players.changed(u"kitchen"_s);
+            library.sendItemEvent(u"media_item_updated"_s,
+                                  FakeLibrary::uri(u"track"_s, sent % library.size().tracks));
+        }
+    });
+    timer.start(interval);
+}
+
 int fail(const QString &message) {
     QTextStream(stderr) << message << Qt::endl;
     return 2;
@@ -66,6 +84,8 @@ int main(int argc, char **argv) {
          {u"schema"_s, u"Its schema."_s, u"N"_s, u"65"_s},
          {u"min-schema"_s, u"The oldest schema that it speaks."_s, u"N"_s, u"28"_s},
          {u"tracks"_s, u"How large the library is."_s, u"N"_s, u"2000"_s},
+         {u"favorite-every"_s, u"How many items there are to one favourite."_s, u"N"_s, u"7"_s},
+         {u"events"_s, u"How many events are sent in a second, of all kinds."_s, u"N"_s, u"0"_s},
          {u"dialect"_s, u"today, or old: as servers of former years speak."_s, u"NAME"_s, u"today"_s},
          {u"stall"_s, u"Never answers this command; several times, or \"*\"."_s, u"COMMAND"_s},
          {u"refuse"_s, u"Fails this command."_s, u"COMMAND"_s},
@@ -94,10 +114,13 @@ int main(int argc, char **argv) {
     if (!isNumber || tracks < 1 || tracks > 10'000'000)
         return fail(u"There is no library of %1 tracks."_s.arg(parser.value(u"tracks"_s)));
     const bool isOld = parser.value(u"dialect"_s) == "old"_L1;
-    FakeLibrary library(server, {.tracks = tracks},
+    const int favoriteEvery = std::max(parser.value(u"favorite-every"_s).toInt(), 1);
+    FakeLibrary library(server, {.tracks = tracks, .favoriteEvery = favoriteEvery},
                         isOld ? FakeLibrary::Dialect::old : FakeLibrary::Dialect::today);
     FakePlayers players(server, library);
     players.run();
+    QTimer storm;
+    startStorm(storm, parser.value(u"events"_s).toInt(), library, players);
     bool isPort = false;
     const quint16 port = parser.value(u"port"_s).toUShort(&isPort);
     if (!isPort || !server.listen(port))

@@ -153,7 +153,8 @@ QCoro::Task<LibraryPlaylist> MusicAssistantBackend::importPlaylist(QString m3u) 
         throw MusicAssistantBackendErrors::emptyPlaylistFile();
     MAJSON answer;
     try {
-        answer = co_await d->call(u"music/playlists/import_playlist"_s, {{u"m3u_data"_s, m3u}}, playlistEditing);
+        answer =
+            co_await d->call(u"music/playlists/import_playlist"_s, {{u"m3u_data"_s, m3u}}, playlistEditing);
     } catch (const MusicAssistantError &error) {
         if (isServerError(error, invalidData))
             throw MusicAssistantBackendErrors::emptyPlaylistFile();

@@ -11,6 +11,8 @@ constexpr MusicBackendCapability needed = MusicBackendCapability::queueEditing;
 enum ErrorCode { invalidData = 3, queueIsEmpty = 8, unexpected = 999 };
 /// Deletions under way at the same time.
 constexpr qsizetype mostAtOnce = 20;
+/// Asked for in one go.
+constexpr int mostItems = 1'000;
 /// The player's buffer ends within so many items behind the current one.
 constexpr int bufferedAhead = 10;
 
@@ -60,6 +62,20 @@ QCoro::Task<> moveItem(MusicAssistantBackend::Private &d, OutputDevice::ID outpu
 }
 
 } // namespace
+
+QCoro::Task<QList<RemoteQueueItem>> MusicAssistantBackend::queueItems(OutputDevice::ID on, PageRequest page) {
+    const auto self = shared_from_this();
+    const QString queue = co_await d->queueID(on);
+    const int offset = std::max(page.offset, 0);
+    const QJsonObject args{
+        {u"queue_id"_s, queue}, {u"limit"_s, std::clamp(page.limit, 1, mostItems)}, {u"offset"_s, offset}};
+    const MAJSON answer = co_await d->callOutput(on, u"player_queues/items"_s, args, needed);
+    if (answer.kind() != MAJSON::Kind::array)
+        throw MusicAssistantBackendErrors::unreadableAnswer();
+    const auto future = QtConcurrent::run(&maplayer::queueItems, answer, offset);
+    const QList<RemoteQueueItem> items = co_await future;
+    co_return items;
+}
 
 QCoro::Task<> MusicAssistantBackend::edit(QueueEdit edit, OutputDevice::ID on) {
     const auto self = shared_from_this();

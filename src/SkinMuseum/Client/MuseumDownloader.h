@@ -1,0 +1,64 @@
+#pragma once
+
+#include "SkinMuseum/Wire/MuseumPage.h"
+
+#include <QCoroTask>
+#include <QFuture>
+#include <QThreadPool>
+
+#include <functional>
+#include <memory>
+
+namespace vantor {
+
+class MuseumTransport;
+
+/// Where a skin is now.
+struct MuseumDownloadResult {
+    enum class Case { added, alreadyHad };
+
+    Case outcome = Case::added;
+    QUrl file;
+
+    bool operator==(const MuseumDownloadResult &) const = default;
+};
+
+/// Fetches skins into the museum's folder inside the skins folder. Main thread; files are a worker's.
+///
+/// A file is there when it is whole, has the museum's checksum and is called like nothing else in the folder;
+/// before that nothing of it can be seen, and what fails leaves nothing behind. One and the same object has
+/// to be asked for all skins of a folder.
+class MuseumDownloader {
+  public:
+    static constexpr qint64 defaultMaxBytes = 16LL << 20;
+    static constexpr const char *folderName = "Museum";
+    static constexpr const char *partialFolderName = ".partial";
+
+    /// Tells where a skin is, by its MD5, if the user has it; an empty address otherwise.
+    using Existing = std::function<QFuture<QUrl>(const QString &md5)>;
+    using Progress = std::function<void(qint64 received, qint64 total)>;
+
+    MuseumDownloader(std::shared_ptr<MuseumTransport> transport, QByteArray userAgent,
+                     qint64 maxBytes = defaultMaxBytes);
+
+    /// `folder`: the skins folder, in NativePath's form; empty when none was chosen. Throws MuseumError:
+    /// `noFolder`, `offline`, `http`, `tooLarge`, `checksumMismatch`, `notSaved`. What `existing` throws
+    /// counts as none.
+    [[nodiscard]] QCoro::Task<MuseumDownloadResult> download(MuseumSkin skin, QString folder,
+                                                             Existing existing, Progress progress = {});
+
+    /// A name for a file, ending in ".wsz": what a file system or another system forbids in names, and what
+    /// cannot be seen, is replaced, what leads out of a folder or hides a file goes, and what is too long is
+    /// cut. `fallback` when nothing is left.
+    [[nodiscard]] static QString sanitizedFilename(const QString &name, const QString &fallback);
+
+  private:
+    const std::shared_ptr<MuseumTransport> m_transport;
+    const QByteArray m_userAgent;
+    const qint64 m_maxBytes;
+    /// One thread, so that two skins of one name take turns in looking for a free one. Shared with what is
+    /// under way.
+    const std::shared_ptr<QThreadPool> m_pool;
+};
+
+} // namespace vantor

@@ -1,0 +1,32 @@
+#include "Vantor/Museum/SkinHistory.h"
+
+#include "Vantor/Model/PlayerModel.h"
+
+namespace vantor {
+
+SkinHistory::SkinHistory(PlayerModel &model, QObject *parent)
+    : QObject(parent), m_model(model), m_present(model.skinUrl()) {
+    connect(&model, &PlayerModel::skinChanged, this, [this] {
+        const QUrl before = std::exchange(m_present, m_model.skinUrl());
+        if (!std::exchange(m_goesBack, false) && before != m_present)
+            m_before.append(before);
+        if (m_before.size() > maxLength)
+            m_before.removeFirst();
+        Q_EMIT changed();
+    });
+    connect(&model, &PlayerModel::skinRefused, this, [this] { m_goesBack = false; });
+}
+
+void SkinHistory::goBack() {
+    if (m_before.isEmpty())
+        return;
+    const QUrl skin = m_before.takeLast();
+    m_goesBack = true;
+    if (skin.isEmpty())
+        m_model.wearDefaultSkin();
+    else
+        m_model.wear(skin);
+    Q_EMIT changed();
+}
+
+} // namespace vantor

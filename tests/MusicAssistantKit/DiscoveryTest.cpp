@@ -72,8 +72,9 @@ class BusTest : public testing::Test {
         if (program.isEmpty())
             GTEST_SKIP() << "NOT TESTED: dbus-daemon is not installed";
         const QString address = u"unix:path="_s + m_folder.path("bus");
-        m_daemon.start(program, {u"--session"_s, u"--nofork"_s, u"--nopidfile"_s, u"--address="_s + address});
-        ASSERT_TRUE(waitUntil([&] { return QFile::exists(m_folder.path("bus")); }));
+        m_daemon.start(program, {u"--session"_s, u"--nofork"_s, u"--nopidfile"_s, u"--print-address"_s,
+                                 u"--address="_s + address});
+        ASSERT_TRUE(m_daemon.waitForReadyRead()); // it listens; the socket's file is there sooner
         // The library keeps connections by name, also those to a bus that has gone.
         static int number = 0;
         m_names = {u"service%1"_s.arg(++number), u"client%1"_s.arg(number)};

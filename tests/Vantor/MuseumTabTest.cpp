@@ -160,7 +160,13 @@ TEST_F(MuseumTabTest, SaysInPlaceWhatWentWrong) {
     EXPECT_TRUE(says(u"Choose a skins folder to download skins into."_qs));
     EXPECT_TRUE(button(u"Choose Folder…"_qs));
     QTest::keyClick(m_grid, Qt::Key_Return);
-    EXPECT_TRUE(waitFor([&] { return m_tab->findChildren<QLabel *>().size() > 0; }));
+    EXPECT_TRUE(waitFor([&] { // above the grid, and of the skin
+        const auto labels = m_tab->findChildren<QLabel *>();
+        return std::ranges::count_if(labels, [](const QLabel *label) {
+                   return label->isVisible() &&
+                          label->text() == u"Choose a skins folder to download skins into."_qs;
+               }) == 2;
+    }));
     EXPECT_EQ(m_museum.count(Kind::archive), 0);
     chooseFolder();
     EXPECT_FALSE(button(u"Choose Folder…"_qs));
@@ -188,7 +194,9 @@ TEST_F(MuseumTabTest, ShowsWhatWasSeenBeforeWithoutTheMuseum) {
     QTest::keyClick(m_grid, Qt::Key_Return);
     EXPECT_TRUE(says(u"The Winamp Skin Museum can't be reached. Check your internet connection."_qs));
     ASSERT_TRUE(m_museum.open());
+    const auto asked = m_museum.count(Kind::page);
     button(u"Try Again"_qs)->click();
+    EXPECT_TRUE(waitFor([&] { return m_museum.count(Kind::page) > asked; }));
     EXPECT_TRUE(waitFor([&] { return !button(u"Try Again"_qs); }));
 }
 

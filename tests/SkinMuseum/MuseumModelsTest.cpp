@@ -126,9 +126,9 @@ TEST_F(MuseumModelsTest, WhatWasSeenLongAgoIsShownWhileTheMuseumTakesItsTime) {
     begin();
     ASSERT_TRUE(waitFor([&] { return !QDir(m_folder.path("results")).isEmpty(); }));
     m_museum.faults[Kind::page] = Fault::hangs;
-    const auto cache = std::make_shared<MuseumResultCache>(
-        m_folder.path("results"), MuseumResultCache::Limits(),
-        [] { return QDateTime::currentDateTimeUtc().addDays(30); });
+    const auto cache =
+        std::make_shared<MuseumResultCache>(m_folder.path("results"), MuseumResultCache::Limits(),
+                                            [] { return QDateTime::currentDateTimeUtc().addDays(30); });
     MuseumClient slow = client(cache);
     MuseumListModel later(slow);
     later.setQuery({}, true);

@@ -126,8 +126,7 @@ TEST(MuseumPageTest, RefusesWhatIsNoAnswer) {
 
 TEST(MuseumPageTest, HasASentenceForEveryFailure) {
     const std::pair<MuseumError, const char *> rows[] = {
-        {MuseumError::offline(),
-         "The Winamp Skin Museum can't be reached. Check your internet connection."},
+        {MuseumError::offline(), "The Winamp Skin Museum can't be reached. Check your internet connection."},
         {MuseumError::http(404), "The Winamp Skin Museum returned an error (HTTP 404)."},
         {MuseumError::graphQL(u"Dust"_qs), "The Winamp Skin Museum reported an error: Dust"},
         {MuseumError::decoding(), "The Winamp Skin Museum sent a response Vantor doesn't understand."},

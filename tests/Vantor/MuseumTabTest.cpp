@@ -214,6 +214,42 @@ TEST_F(MuseumTabTest, TheLastOfManySkinsThatWereChosenIsWorn) {
     EXPECT_TRUE(wears("Museum/Skin 2.wsz"));
 }
 
+TEST_F(MuseumTabTest, NothingIsWornThatIsNoLongerAskedFor) {
+    const QUrl mine = writeFile("skins/mine.wsz", soundSkin(200));
+    const auto choose = [&](int row) {
+        m_grid->setCurrentIndex(m_grid->model()->index(row, 0));
+        QTest::keyClick(m_grid, Qt::Key_Return);
+    };
+    const auto hasSkins = [&](int count) {
+        return waitFor([&] { return m_library.counts().skins == count; });
+    };
+    chooseFolder();
+    open();
+    ASSERT_TRUE(shows(0, u"Skin 0"_qs));
+    m_museum.faults[Kind::archive] = Fault::wrongContent;
+    choose(0);
+    ASSERT_TRUE(says(u"The download was corrupted."_qs));
+    m_museum.faults.clear();
+    button(u"Download"_qs)->click(); // only that, now
+    EXPECT_TRUE(hasSkins(2));
+    EXPECT_TRUE(m_model.skinUrl().isEmpty());
+
+    m_museum.latency = 200;
+    choose(1);
+    m_model.wear(mine); // elsewhere
+    EXPECT_TRUE(wears("mine.wsz"));
+    EXPECT_TRUE(hasSkins(3));
+    EXPECT_TRUE(wears("mine.wsz"));
+
+    choose(0);
+    ASSERT_TRUE(wears("Museum/Skin 0.wsz"));
+    QTest::keyClick(m_grid, Qt::Key_Backspace);
+    choose(1); // before the one before is back
+    ASSERT_TRUE(wears("Museum/Skin 1.wsz"));
+    QTest::keyClick(m_grid, Qt::Key_Backspace);
+    EXPECT_TRUE(wears("Museum/Skin 0.wsz"));
+}
+
 TEST_F(MuseumTabTest, AMuseumElsewhereIsNamedByTheEnvironmentOrTheSettings) {
     const QString museum = u"https://api.webampskins.org/graphql"_qs;
     const auto chosen = [&](const QByteArray &variable, const QString &setting) {

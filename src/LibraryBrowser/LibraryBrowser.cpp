@@ -27,12 +27,21 @@ LibraryBrowser::~LibraryBrowser() {
 }
 
 void LibraryBrowser::setBackend(const std::shared_ptr<MusicBackend> &backend) {
-    if (m_backend == backend)
+    if (m_backend == backend && (backend || m_state == State::noSource))
         return;
-    if (const auto before = std::exchange(m_backend, backend))
+    takeLeave(backend);
+    connectBackend();
+}
+
+void LibraryBrowser::setUnavailable(const std::optional<LibraryFailure> &why) {
+    takeLeave(nullptr);
+    beginTurn(why ? State::failed : State::connecting, why);
+}
+
+void LibraryBrowser::takeLeave(const std::shared_ptr<MusicBackend> &next) {
+    if (const auto before = std::exchange(m_backend, next))
         before->disconnect(); // goes on by itself
     m_chosenOutput.reset();
-    connectBackend();
 }
 
 std::shared_ptr<MusicBackend> LibraryBrowser::connected() const {
@@ -44,11 +53,21 @@ MusicBackendCapabilities LibraryBrowser::capabilities() const {
 }
 
 void LibraryBrowser::retry() {
-    if (m_backend && m_state == State::failed)
+    if (m_state != State::failed)
+        return;
+    if (m_backend)
         connectBackend();
+    else
+        Q_EMIT sourceAsked();
 }
 
 void LibraryBrowser::connectBackend() {
+    beginTurn(m_backend ? State::connecting : State::noSource, {});
+    if (m_backend && m_state == State::connecting)
+        openConnection();
+}
+
+void LibraryBrowser::beginTurn(State state, const std::optional<LibraryFailure> &failure) {
     m_turn = std::make_shared<char>();
     m_changes = {};
     m_activityStream = {};
@@ -56,13 +75,11 @@ void LibraryBrowser::connectBackend() {
     m_loadsOutputs = false;
     m_outputsAreOld = false;
     m_outputs.clear();
-    m_state = m_backend ? State::connecting : State::noSource;
-    m_failure.reset();
+    m_state = state;
+    m_failure = failure;
     Q_EMIT sourceChanged();
     Q_EMIT outputsChanged();
     Q_EMIT stateChanged();
-    if (m_state == State::connecting)
-        openConnection();
 }
 
 QCoro::Task<> LibraryBrowser::openConnection() {
@@ -182,7 +199,8 @@ void LibraryBrowser::chooseOutput(const OutputDevice::ID &id, const QString &nam
 }
 
 void LibraryBrowser::play(const PlayRequest &request) {
-    m_plays.push_back(request);
+    // A source that has not told its outputs yet knows its own when it is asked.
+    m_plays.push_back({m_backend, output().value_or(OutputDevice::thisMac()), request});
     if (m_plays.size() == 1)
         playInTurn();
 }
@@ -190,10 +208,7 @@ void LibraryBrowser::play(const PlayRequest &request) {
 QCoro::Task<> LibraryBrowser::playInTurn() {
     const QPointer<LibraryBrowser> self(this);
     while (self && !m_plays.empty()) {
-        const PlayRequest request = m_plays.front();
-        // A source that has not told its outputs yet knows its own when it is asked.
-        const OutputDevice on = output().value_or(OutputDevice::thisMac());
-        const std::shared_ptr<MusicBackend> backend = m_backend;
+        const auto [backend, on, request] = m_plays.front();
         std::optional<LibraryFailure> failure;
         try {
             if (backend)

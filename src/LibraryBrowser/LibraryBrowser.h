@@ -28,6 +28,9 @@ class LibraryBrowser : public QObject {
 
     /// Takes leave of the source before and connects this one; none is allowed.
     void setBackend(const std::shared_ptr<MusicBackend> &backend);
+    /// Takes leave of the source before. There is another one, but it cannot be asked: it is being looked
+    /// for, or was not found for a reason.
+    void setUnavailable(const std::optional<LibraryFailure> &why);
     /// None, too, while it is not connected.
     [[nodiscard]] std::shared_ptr<MusicBackend> connected() const;
     [[nodiscard]] const std::shared_ptr<MusicBackend> &backend() const { return m_backend; }
@@ -36,10 +39,12 @@ class LibraryBrowser : public QObject {
     [[nodiscard]] State state() const { return m_state; }
     /// Why the source failed.
     [[nodiscard]] const std::optional<LibraryFailure> &failure() const { return m_failure; }
-    /// Connects once more.
+    /// Connects once more; has the source looked for again when there is none to connect.
     void retry();
     /// The source's content may have changed in any way.
     void refresh() { Q_EMIT refreshed(); }
+    /// What the source offers may have changed.
+    void refreshCapabilities() { Q_EMIT capabilitiesChanged(); }
 
     /// Kept in step with the source.
     [[nodiscard]] const QList<OutputDevice> &outputs() const { return m_outputs; }
@@ -60,6 +65,8 @@ class LibraryBrowser : public QObject {
     /// Another source, or none; lists are empty until it is connected.
     void sourceChanged();
     void stateChanged();
+    void capabilitiesChanged();
+    void sourceAsked();    ///< look for it again
     void outputsChanged(); ///< or which one is chosen
     void outputChosen(const vantor::OutputDevice &output);
     void activitiesChanged();
@@ -68,6 +75,14 @@ class LibraryBrowser : public QObject {
     void failed(const QString &sentence);
 
   private:
+    struct Play {
+        std::shared_ptr<MusicBackend> backend; ///< whose items they are
+        OutputDevice on;
+        PlayRequest request;
+    };
+
+    void takeLeave(const std::shared_ptr<MusicBackend> &next);
+    void beginTurn(State state, const std::optional<LibraryFailure> &failure);
     void connectBackend();
     QCoro::Task<> openConnection();
     QCoro::Task<> loadOutputs();
@@ -81,7 +96,7 @@ class LibraryBrowser : public QObject {
     State m_state = State::noSource;
     std::optional<LibraryFailure> m_failure;
     QList<OutputDevice> m_outputs;
-    std::deque<PlayRequest> m_plays;            ///< the first one is being carried out
+    std::deque<Play> m_plays;                   ///< the first one is being carried out
     std::optional<OutputDevice> m_chosenOutput; ///< as it was told last
     QList<OutputActivity> m_activities;
     AsyncStream<QList<OutputActivity>> m_activityStream;

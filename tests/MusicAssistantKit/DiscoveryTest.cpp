@@ -111,8 +111,8 @@ class AvahiDiscoveryTest : public BusTest {
         if (IsSkipped())
             return;
         ASSERT_TRUE(server.listen());
-        browser.emplace(*client);
-        discovery.emplace(MusicAssistantDiscovery::Collaborators{*browser, http, list, clock});
+        browser.setBus(*client);
+        discovery.emplace(MusicAssistantDiscovery::Collaborators{browser, http, list, clock});
     }
     void startAvahi() {
         qDBusRegisterMetaType<QByteArrayList>();
@@ -167,7 +167,7 @@ class AvahiDiscoveryTest : public BusTest {
     QList<Announced> announced;
     QStringList types;
     std::optional<ScriptedService> avahi;
-    std::optional<AvahiServiceBrowser> browser;
+    AvahiServiceBrowser browser;
     std::optional<MusicAssistantDiscovery> discovery;
 };
 
@@ -253,7 +253,8 @@ TEST_F(AvahiDiscoveryTest, ANetworkFullOfHostsEndsInTime) {
 using NetworkManagerTest = BusTest;
 
 TEST_F(NetworkManagerTest, KnowsTheWiFiNetworkAndItsChanges) {
-    NetworkManagerWiFi wifi(*client);
+    NetworkManagerWiFi wifi;
+    wifi.setBus(*client);
     runEvents();
     EXPECT_EQ(wifi.ssid(), std::nullopt);
     QSignalSpy changes(&wifi, &WiFiNetworkProvider::networkChanged);

@@ -1,5 +1,6 @@
 #include "MusicAssistantKit/Servers/MusicAssistantSelectionController.h"
 #include "tests/MusicAssistantKit/Awaited.h"
+#include "tests/Support/FakeComputer.h"
 #include "tests/Support/FakeMusicAssistant/FakeMusicAssistant.h"
 #include "tests/Support/ManualScheduler.h"
 #include "tests/Support/TcpRelay.h"
@@ -14,20 +15,6 @@ using namespace Qt::Literals::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace {
-
-class FakeWiFi : public WiFiNetworkProvider {
-  public:
-    [[nodiscard]] std::optional<QString> ssid() const override { return m_name; }
-    [[nodiscard]] WiFiAuthorization authorization() const override { return permission; }
-    void join(const std::optional<QString> &name) {
-        m_name = name;
-        Q_EMIT networkChanged();
-    }
-    WiFiAuthorization permission = WiFiAuthorization::authorized;
-
-  private:
-    std::optional<QString> m_name;
-};
 
 class MusicAssistantSelectionTest : public testing::Test {
   protected:

@@ -1,5 +1,6 @@
 #include "MusicAssistantKit/Settings/MusicAssistantSettingsModel.h"
 #include "tests/MusicAssistantKit/Awaited.h"
+#include "tests/Support/FakeComputer.h"
 #include "tests/Support/FakeMusicAssistant/FakeMusicAssistant.h"
 #include "tests/Support/TestFolder.h"
 
@@ -12,38 +13,6 @@ using namespace vantor;
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
-
-class FakeTokenStore : public MusicAssistantTokenStore {
-  public:
-    QHash<QString, MusicAssistantToken> saved;
-    std::optional<MusicAssistantTokenStoreError> failure;
-
-    QCoro::Task<std::optional<MusicAssistantToken>> token(QString account) override {
-        failIfAsked();
-        const auto found = saved.constFind(account);
-        co_return found == saved.constEnd() ? std::nullopt : std::optional(*found);
-    }
-    QCoro::Task<std::optional<Kept>> kept(QString account) override {
-        failIfAsked();
-        co_return saved.contains(account) ? std::optional(Kept::permanently) : std::nullopt;
-    }
-    QCoro::Task<Kept> save(QString account, MusicAssistantToken token) override {
-        failIfAsked();
-        saved.insert(account, token);
-        co_return Kept::permanently;
-    }
-    QCoro::Task<> remove(QString account) override {
-        failIfAsked();
-        saved.remove(account);
-        co_return;
-    }
-
-  private:
-    void failIfAsked() const {
-        if (failure)
-            throw *failure;
-    }
-};
 
 class MusicAssistantSettingsModelTest : public testing::Test {
   protected:

@@ -93,7 +93,8 @@ TEST_F(SpeakersTest, ThePanelSelectsAndTurnsDown) {
     bath->setValue(30);
     ASSERT_TRUE(waitFor([&] { return m_made->speaker(u"bath"_qs).playing.volume == 0.3; }));
 
-    QTest::mouseClick(rowOf(u"Kitchen"_qs)->findChild<QRadioButton *>(), Qt::LeftButton);
+    auto *const name = rowOf(u"Kitchen"_qs)->findChild<QRadioButton *>();
+    QTest::mouseClick(name, Qt::LeftButton, {}, QPoint(8, name->height() / 2));
     EXPECT_EQ(m_remote.device().name, u"Kitchen"_qs);
     EXPECT_EQ(button->text(), u"Kitchen"_qs);
     EXPECT_TRUE(rowOf(u"Kitchen"_qs)->findChild<QRadioButton *>()->isChecked());

@@ -118,9 +118,11 @@ void MusicAssistantBackend::Private::tellStatus() {
     statuses.send(status);
 }
 
-void MusicAssistantBackend::Private::setState(MusicAssistantStatus::State state, const QString &text) {
+void MusicAssistantBackend::Private::setState(MusicAssistantStatus::State state, const QString &text,
+                                              const std::optional<MusicAssistantError> &error) {
     status.state = state;
     status.text = text;
+    status.error = error;
     tellStatus();
 }
 
@@ -136,7 +138,7 @@ void MusicAssistantBackend::Private::takeState(const MusicAssistantClient::Conne
     case Phase::reconnecting:
         return setState(State::reconnecting, u"Reconnecting to %1…"_s.arg(server.name));
     case Phase::failed:
-        return setState(State::failed, state.error ? state.error->description() : QString());
+        return setState(State::failed, state.error ? state.error->description() : QString(), state.error);
     case Phase::connected:
         break;
     }

@@ -12,7 +12,8 @@ namespace vantor {
 struct MusicAssistantStatus {
     enum class State { offline, connecting, connected, reconnecting, failed };
     State state = State::offline;
-    QString text; ///< one sentence; empty when there is nothing to say
+    QString text;                             ///< one sentence; empty when there is nothing to say
+    std::optional<MusicAssistantError> error; ///< of `failed`
     /// What the source offers now: the server's list of commands arrives a moment after the connection.
     MusicBackendCapabilities capabilities;
     /// Grows with every successful connection: what was read before may be out of date.

@@ -55,7 +55,8 @@ class MusicAssistantBackend::Private : public QObject {
     static Record decodedOne(const MAJSON &item, Read<Record> read);
 
     void tellStatus();
-    void setState(MusicAssistantStatus::State state, const QString &text);
+    void setState(MusicAssistantStatus::State state, const QString &text,
+                  const std::optional<MusicAssistantError> &error = {});
     void follow();
     void takeState(const MusicAssistantClient::ConnectionState &state);
     QCoro::Task<> followStates();

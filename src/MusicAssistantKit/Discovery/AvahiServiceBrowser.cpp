@@ -49,12 +49,16 @@ QDBusPendingCall callServer(const QDBusConnection &bus, const QString &method,
 
 } // namespace
 
-AvahiServiceBrowser::AvahiServiceBrowser(const QDBusConnection &bus) : m_bus(bus) {
+void AvahiServiceBrowser::setBus(const QDBusConnection &bus) {
+    m_bus = bus;
+    m_hasBus = true;
     // Of whatever browser: its first items come with the reply that names it.
     m_bus.connect(service, QString(), browserInterface, u"ItemNew"_s, this,
                   SLOT(itemNew(int, int, QString, QString, QString, uint)));
     m_bus.connect(service, QString(), browserInterface, u"AllForNow"_s, this, SLOT(allForNow()));
     m_bus.connect(service, QString(), browserInterface, u"Failure"_s, this, SLOT(allForNow()));
+    if (m_isWanted)
+        start();
 }
 
 AvahiServiceBrowser::~AvahiServiceBrowser() {
@@ -63,6 +67,9 @@ AvahiServiceBrowser::~AvahiServiceBrowser() {
 
 void AvahiServiceBrowser::start() {
     stop();
+    m_isWanted = true;
+    if (!m_hasBus)
+        return;
     m_unsettled = static_cast<int>(serviceTypes.size());
     for (const ServiceType &type : serviceTypes)
         browse(type.name);
@@ -70,6 +77,7 @@ void AvahiServiceBrowser::start() {
 
 void AvahiServiceBrowser::stop() {
     ++m_round;
+    m_isWanted = false;
     m_unsettled = 0;
     for (const QString &path : std::exchange(m_browsers, {}))
         m_bus.send(QDBusMessage::createMethodCall(service, path, browserInterface, u"Free"_s));

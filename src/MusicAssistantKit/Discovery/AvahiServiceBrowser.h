@@ -7,12 +7,15 @@
 
 namespace vantor {
 
-/// Looks through Avahi on a message bus. Without Avahi nothing is found.
+/// Looks through Avahi on a message bus. Without Avahi, or without a bus, nothing is found.
 class AvahiServiceBrowser : public MusicAssistantServiceBrowser {
     Q_OBJECT
   public:
-    explicit AvahiServiceBrowser(const QDBusConnection &bus = QDBusConnection::systemBus());
+    AvahiServiceBrowser() = default;
     ~AvahiServiceBrowser() override;
+
+    /// To be called once; what was started before begins now.
+    void setBus(const QDBusConnection &bus);
 
     void start() override;
     void stop() override;
@@ -33,7 +36,9 @@ class AvahiServiceBrowser : public MusicAssistantServiceBrowser {
     QCoro::Task<> resolve(Item item);
     void settleOne();
 
-    QDBusConnection m_bus;
+    QDBusConnection m_bus{QString()}; ///< none at first
+    bool m_hasBus = false;
+    bool m_isWanted = false;
     QStringList m_browsers; ///< their object paths
     int m_round = 0;
     int m_unsettled = 0;

@@ -30,9 +30,14 @@ QStringList pathsOf(const QVariant &value) {
 
 } // namespace
 
-NetworkManagerWiFi::NetworkManagerWiFi(const QDBusConnection &bus)
-    : m_bus(bus), m_watcher(service, bus, QDBusServiceWatcher::WatchForOwnerChange) {
+NetworkManagerWiFi::NetworkManagerWiFi() {
     connect(&m_watcher, &QDBusServiceWatcher::serviceOwnerChanged, this, &NetworkManagerWiFi::refresh);
+}
+
+void NetworkManagerWiFi::setBus(const QDBusConnection &bus) {
+    m_bus = bus;
+    m_watcher.setConnection(bus);
+    m_watcher.addWatchedService(service);
     m_bus.connect(service, managerPath, propertiesInterface, u"PropertiesChanged"_s, this, SLOT(refresh()));
     refresh();
 }
@@ -51,7 +56,8 @@ QCoro::Task<> NetworkManagerWiFi::read() {
     if (!self || m_round != round)
         co_return;
     const QString primary = manager.value(u"PrimaryConnection"_s).value<QDBusObjectPath>().path();
-    if (m_ssid == name && m_primaryConnection == primary)
+    const auto before = std::exchange(m_authorization, WiFiAuthorization::authorized);
+    if (m_ssid == name && m_primaryConnection == primary && before == m_authorization)
         co_return;
     m_ssid = name;
     m_primaryConnection = primary;

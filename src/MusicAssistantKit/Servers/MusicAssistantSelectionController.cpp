@@ -61,7 +61,8 @@ void MusicAssistantSelectionController::resolve() {
     };
     if (m_current && std::none_of(all.begin(), all.end(), isCurrent))
         m_current.reset(); // it was removed or is elsewhere now
-    if (all.empty()) {
+    m_isFinding = !all.empty();
+    if (!m_isFinding) {
         m_results = {};
         m_outcomes.clear();
         m_reason = u"No Music Assistant server tested yet"_s;
@@ -93,7 +94,7 @@ void MusicAssistantSelectionController::take(const MusicAssistantServerSelector:
 void MusicAssistantSelectionController::settle(const Decision &decision) {
     switch (decision.kind) {
     case Decision::Kind::undecided:
-        break;
+        return;
     case Decision::Kind::chosen:
         m_current = decision.candidate->server;
         m_reason = reasonFor(*decision.candidate);
@@ -104,6 +105,7 @@ void MusicAssistantSelectionController::settle(const Decision &decision) {
         m_later = m_clock.after(retryInterval, [this] { resolve(); });
         break;
     }
+    m_isFinding = false;
 }
 
 } // namespace vantor

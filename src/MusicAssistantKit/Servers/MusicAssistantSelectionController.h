@@ -24,6 +24,8 @@ class MusicAssistantSelectionController : public QObject {
     [[nodiscard]] const std::optional<MusicAssistantServerConfiguration> &current() const {
         return m_current;
     }
+    /// Whether some server is still being asked that could be the choice.
+    [[nodiscard]] bool isFinding() const { return m_isFinding; }
     /// Why this server, or why none: one sentence.
     [[nodiscard]] const QString &reason() const { return m_reason; }
     /// What the music library is called: the chosen server's name.
@@ -49,6 +51,7 @@ class MusicAssistantSelectionController : public QObject {
     Scheduler &m_clock;
     std::optional<MusicAssistantServerConfiguration> m_current;
     QString m_reason;
+    bool m_isFinding = false;
     MusicAssistantServerRanking::Outcomes m_outcomes;
     AsyncStream<MusicAssistantServerSelector::Result> m_results;
     int m_round = 0; ///< of the decision under way

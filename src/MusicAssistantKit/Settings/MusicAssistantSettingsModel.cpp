@@ -112,12 +112,18 @@ QCoro::Task<> MusicAssistantSettingsModel::setToken(QUuid id, MusicAssistantToke
     try {
         if (token.isEmpty()) {
             co_await m_with.tokens.remove(accountOf(id));
+            if (self)
+                m_kept.remove(id);
         } else {
             const auto kept = co_await m_with.tokens.save(accountOf(id), token);
             status.text = MusicAssistantTokenStore::message(kept);
+            if (self)
+                m_kept.insert(id, kept);
         }
         if (self && m_rounds.value(id) == round)
             setStatus(id, status);
+        if (self)
+            Q_EMIT tokenChanged(id);
     } catch (const MusicAssistantTokenStoreError &error) {
         if (self && m_rounds.value(id) == round)
             setKeychainFailure(id, error);
@@ -131,6 +137,8 @@ QCoro::Task<> MusicAssistantSettingsModel::checkToken(QUuid id) {
     try {
         const auto kept = co_await m_with.tokens.kept(accountOf(id));
         found.text = kept ? MusicAssistantTokenStore::message(*kept) : QString();
+        if (self)
+            m_kept.insert(id, kept);
         if (self && m_rounds.value(id) == round)
             setStatus(id, found);
     } catch (const MusicAssistantTokenStoreError &error) {

@@ -59,12 +59,18 @@ class MusicAssistantSettingsModel : public QObject {
     QCoro::Task<> test(QUuid id);
 
     [[nodiscard]] Status status(const QUuid &id) const { return m_statuses.value(id); }
+    /// Where the server's token is, as far as it was looked for; none without one.
+    [[nodiscard]] std::optional<MusicAssistantTokenStore::Kept> keptToken(const QUuid &id) const {
+        return m_kept.value(id);
+    }
     /// What one connection to a server needs; none without a token. Throws MusicAssistantTokenStoreError.
     [[nodiscard]] static QCoro::Task<std::optional<MusicAssistantServerSettings>>
     settings(MusicAssistantServerConfiguration server, MusicAssistantTokenStore &tokens);
 
   Q_SIGNALS:
     void statusChanged(const QUuid &id);
+    /// Another token is kept, or none any more.
+    void tokenChanged(const QUuid &id);
 
   private:
     struct Found {
@@ -85,6 +91,7 @@ class MusicAssistantSettingsModel : public QObject {
 
     Collaborators m_with;
     QHash<QUuid, Status> m_statuses;
+    QHash<QUuid, std::optional<MusicAssistantTokenStore::Kept>> m_kept;
     QHash<QUuid, Found> m_found; ///< by tests that had no token yet
     QHash<QUuid, int> m_rounds;
 };

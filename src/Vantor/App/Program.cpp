@@ -3,7 +3,10 @@
 #include "AudioCore/NowPlaying/NowPlayingBridge.h"
 #include "AudioCore/Output/SystemOutputDeviceProvider.h"
 #include "AudioCore/Playback/Player.h"
+#include "MusicAssistantKit/Discovery/AvahiServiceBrowser.h"
+#include "MusicAssistantKit/Discovery/NetworkManagerWiFi.h"
 #include "Platform/AppPaths.h"
+#include "Vantor/App/BusSearch.h"
 #include "Vantor/App/CarryOut.h"
 #include "Vantor/App/IndexedSkins.h"
 #include "Vantor/App/LaunchOptions.h"
@@ -81,6 +84,28 @@ class DesktopPresence {
   private:
     MprisService m_service;
     NowPlayingBridge m_bridge;
+};
+
+/// What this computer tells of its network, and keeps of the servers' secrets.
+class ThisComputer {
+  public:
+    [[nodiscard]] MusicAssistantServers::Computer asked() {
+        return {m_tokens, m_wifi, m_services, [this] { findBus(); }};
+    }
+
+  private:
+    void findBus() {
+        m_bus.emplace(QDBusConnection::SystemBus, QStringLiteral("vantor-system"),
+                      [this](const QDBusConnection &bus) {
+                          m_wifi.setBus(bus);
+                          m_services.setBus(bus);
+                      });
+    }
+
+    KeychainMusicAssistantTokenStore m_tokens;
+    NetworkManagerWiFi m_wifi;
+    AvahiServiceBrowser m_services;
+    std::optional<BusSearch> m_bus;
 };
 
 // Once, and where somebody can see it.
@@ -172,7 +197,9 @@ int runProgram(int argc, char **argv) {
     if (!options.seconds)
         savedQueue.emplace(model, demoTrack());
     SkinnedWindows windows(model, settings);
-    MusicLibrary library(model, settings);
+    ThisComputer computer;
+    MusicAssistantServers servers(settings, computer.asked());
+    MusicLibrary library(model, settings, servers);
     windows.commands().setLibrary(&library);
     std::optional<TimedRun> timedRun;
     if (options.seconds) {
@@ -190,8 +217,10 @@ int runProgram(int argc, char **argv) {
     std::optional<DesktopPresence> presence; // from when the window is there
     std::optional<IndexedSkins> indexedSkins;
     if (!timedRun)
-        new AfterFirstPaint(windows.mainWindow(),
-                            [&] { indexedSkins.emplace(model, windows.commands(), settings); });
+        new AfterFirstPaint(windows.mainWindow(), [&] {
+            indexedSkins.emplace(model, windows.commands(), settings);
+            library.resume();
+        });
     bool hasBegun = false;
     // What was asked for, else on from where the last run ended, else the demo.
     const auto begin = [&](bool hasTracks) {

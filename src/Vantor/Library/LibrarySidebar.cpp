@@ -32,8 +32,10 @@ QString nameOf(LibrarySection section) {
 
 } // namespace
 
-LibrarySidebar::LibrarySidebar(QWidget *parent) : QWidget(parent), m_list(new QListWidget) {
+LibrarySidebar::LibrarySidebar(QWidget *parent)
+    : QWidget(parent), m_layout(new QVBoxLayout(this)), m_list(new QListWidget) {
     m_list->setFrameShape(QFrame::NoFrame);
+    m_list->viewport()->setAutoFillBackground(false); // the column's own, also while it is disabled
     m_list->setAccessibleName(tr("Sections"));
     m_list->setIconSize({18, 18});
     m_list->setSpacing(1);
@@ -42,9 +44,8 @@ LibrarySidebar::LibrarySidebar(QWidget *parent) : QWidget(parent), m_list(new QL
     setBackgroundRole(QPalette::Base);
     setAutoFillBackground(true);
     setFocusProxy(m_list);
-    auto *const layout = new QVBoxLayout(this);
-    layout->setContentsMargins(6, 6, 6, 6);
-    layout->addWidget(m_list);
+    m_layout->setContentsMargins(6, 6, 6, 6);
+    m_layout->addWidget(m_list);
     const auto choose = [this](int row) {
         if (row >= 0 && row < m_sections.size())
             Q_EMIT chosen(m_sections[row]);
@@ -53,6 +54,14 @@ LibrarySidebar::LibrarySidebar(QWidget *parent) : QWidget(parent), m_list(new QL
     // The section that one is in leads back to its list from a page further in.
     connect(m_list, &QListWidget::itemClicked, this, [this, choose] { choose(m_list->currentRow()); });
     connect(m_list, &QListWidget::itemActivated, this, [this, choose] { choose(m_list->currentRow()); });
+}
+
+void LibrarySidebar::setHead(QWidget *head) {
+    m_layout->insertWidget(0, head);
+}
+
+void LibrarySidebar::setSectionsEnabled(bool areEnabled) {
+    m_list->setEnabled(areEnabled);
 }
 
 void LibrarySidebar::offer(const QList<LibrarySection> &sections) {

@@ -5,6 +5,7 @@
 #include <QWidget>
 
 class QListWidget;
+class QVBoxLayout;
 
 namespace vantor {
 
@@ -15,6 +16,9 @@ class LibrarySidebar : public QWidget {
   public:
     explicit LibrarySidebar(QWidget *parent = nullptr);
 
+    /// What stands above the sections; the column owns it.
+    void setHead(QWidget *head);
+    void setSectionsEnabled(bool areEnabled);
     void offer(const QList<LibrarySection> &sections);
     [[nodiscard]] const QList<LibrarySection> &offered() const { return m_sections; }
     /// Where one is; none: nowhere among them.
@@ -30,6 +34,7 @@ class LibrarySidebar : public QWidget {
     void takeColors();
 
     QList<LibrarySection> m_sections;
+    QVBoxLayout *m_layout;
     QListWidget *m_list;
 };
 

@@ -7,6 +7,7 @@
 #include "Vantor/Library/LibrarySidebar.h"
 #include "Vantor/Library/LibraryTexts.h"
 #include "Vantor/Windows/DialogPlace.h"
+#include "Vantor/Windows/FaintText.h"
 #include "Vantor/Windows/FileInfoDialog.h"
 #include "Vantor/Windows/SkinnedWindow.h"
 
@@ -44,7 +45,7 @@ LibraryWindow::LibraryWindow(LibraryBrowser &browser, ArtworkCache &artwork, QSe
     arrange();
     follow();
     addKeys();
-    takeColors();
+    giveFaintText(*this);
     restore();
     takeSource();
 }
@@ -100,6 +101,7 @@ void LibraryWindow::follow() {
         showPlace();
     });
     connect(&m_browser, &LibraryBrowser::sourceChanged, this, &LibraryWindow::takeSource);
+    connect(&m_browser, &LibraryBrowser::capabilitiesChanged, this, &LibraryWindow::takeCapabilities);
     connect(&m_browser, &LibraryBrowser::stateChanged, this, &LibraryWindow::showState);
     connect(&m_browser, &LibraryBrowser::failed, this, &LibraryWindow::tell);
 }
@@ -134,17 +136,6 @@ void LibraryWindow::store() const {
     m_settings.setValue(splitterKey, m_splitter->saveState());
     if (m_browser.backend())
         LibraryPlaceStore::save(m_settings, m_history.current(), m_browser.backend()->sourceID());
-}
-
-// Not every dark palette has a colour for lesser texts, so they are the text's own colour, fainter.
-void LibraryWindow::takeColors() {
-    QColor faint = palette().color(QPalette::WindowText);
-    faint.setAlphaF(0.62F);
-    if (faint == palette().color(QPalette::PlaceholderText))
-        return;
-    QPalette own;
-    own.setColor(QPalette::PlaceholderText, faint);
-    setPalette(own);
 }
 
 // Where one is
@@ -234,10 +225,15 @@ void LibraryWindow::takeSource() {
     showPlace();
 }
 
+void LibraryWindow::takeCapabilities() {
+    if (librarySections(m_browser.capabilities()) != m_sidebar->offered())
+        takeSource();
+}
+
 void LibraryWindow::showState() {
     const std::optional<LibraryFailure> &failure = m_browser.failure();
     const auto openSettings = [this] { Q_EMIT settingsAsked(); };
-    m_sidebar->setEnabled(m_browser.connected() != nullptr);
+    m_sidebar->setSectionsEnabled(m_browser.connected() != nullptr);
     m_head->setSearchEnabled(m_browser.connected() != nullptr);
     switch (m_browser.state()) {
     case LibraryBrowser::State::connected:
@@ -259,6 +255,10 @@ void LibraryWindow::showState() {
         break;
     }
     showStatus();
+}
+
+void LibraryWindow::setSourceSwitcher(QWidget *switcher) {
+    m_sidebar->setHead(switcher);
 }
 
 void LibraryWindow::setSourceStatus(const QString &status) {
@@ -323,7 +323,7 @@ void LibraryWindow::mouseReleaseEvent(QMouseEvent *event) {
 void LibraryWindow::changeEvent(QEvent *event) {
     QWidget::changeEvent(event);
     if (event->type() == QEvent::PaletteChange)
-        takeColors();
+        giveFaintText(*this);
 }
 
 void LibraryWindow::closeEvent(QCloseEvent *event) {

@@ -29,6 +29,8 @@ class LibraryWindow : public QWidget {
 
     /// Shows the window in front of the others, the first time beside the player.
     void bringToFront();
+    /// What stands above the sections, and chooses the source; the window owns it.
+    void setSourceSwitcher(QWidget *switcher);
     /// What the source is doing, as a sentence; empty when it rests.
     void setSourceStatus(const QString &status);
 
@@ -58,10 +60,10 @@ class LibraryWindow : public QWidget {
 
     // What is told
     void takeSource();
+    void takeCapabilities();
     void showState();
     void showStatus();
     void tell(const QString &sentence);
-    void takeColors();
 
     LibraryBrowser &m_browser;
     QSettings &m_settings;

@@ -1,21 +1,29 @@
 #include "Vantor/Library/MusicLibrary.h"
 
-#include "FolderBackendKit/FolderBackend.h"
 #include "Platform/AppPaths.h"
 #include "Vantor/Library/LibraryWindow.h"
+#include "Vantor/Library/SourceSwitcher.h"
 #include "Vantor/Model/PlayerModel.h"
 
-#include <QPointer>
+#include <QSettings>
 
 namespace vantor {
 
-MusicLibrary::MusicLibrary(PlayerModel &model, QSettings &settings)
-    : m_model(model), m_settings(settings), m_output(model),
-      m_artwork(AppPaths::cacheFolder() + QStringLiteral("/artwork"), {}) {
-    connect(&model.preferences(), &Preferences::libraryFolderChanged, this, [this] {
-        if (m_folder)
-            useFolder();
-    });
+namespace {
+
+const QString sourceKey = QStringLiteral("library/source");
+
+}
+
+MusicLibrary::MusicLibrary(PlayerModel &model, QSettings &settings, MusicAssistantServers &servers)
+    : m_model(model), m_settings(settings), m_servers(servers), m_folder(model), m_musicAssistant(servers),
+      m_artwork(AppPaths::cacheFolder() + QStringLiteral("/artwork"), {}), m_current(&wanted()) {
+    follow(m_folder);
+    follow(m_musicAssistant);
+    connect(&m_folder, &FolderSource::failed, &m_browser, &LibraryBrowser::failed);
+    connect(&m_browser, &LibraryBrowser::sourceAsked, this, [this] { m_current->retry(); });
+    connect(&servers.list(), &MusicAssistantServerList::changed, this, &MusicLibrary::settle);
+    connect(&model.preferences(), &Preferences::libraryFolderChanged, this, &MusicLibrary::settle);
     model.remote().setBrowser(&m_browser);
     model.setLibrary([this](const QList<MediaID> &ids, const Receiver &take) { findFiles(ids, take); });
 }
@@ -24,32 +32,111 @@ MusicLibrary::~MusicLibrary() {
     m_model.setLibrary({});
     m_model.remote().setBrowser(nullptr);
     m_window.reset();
-    m_updates = {};
-    m_output.setTrackFinder({});
+    m_folder.disconnect(this);
+    m_musicAssistant.disconnect(this);
     m_artwork.setBackend(nullptr);
     m_browser.setBackend(nullptr);
+    m_current->close();
+}
+
+void MusicLibrary::follow(LibrarySource &source) {
+    const auto whenCurrent = [this, &source](void (MusicLibrary::*take)()) {
+        return [this, &source, take] {
+            if (m_isOpen && m_current == &source)
+                (this->*take)();
+        };
+    };
+    connect(&source, &LibrarySource::backendChanged, this, whenCurrent(&MusicLibrary::takeBackend));
+    connect(&source, &LibrarySource::contentChanged, this, whenCurrent(&MusicLibrary::takeContent));
+    connect(&source, &LibrarySource::capabilitiesChanged, this, whenCurrent(&MusicLibrary::takeCapabilities));
+    connect(&source, &LibrarySource::activityChanged, this, whenCurrent(&MusicLibrary::takeActivity));
+    connect(&source, &LibrarySource::nameChanged, this, &MusicLibrary::sourcesChanged);
+}
+
+// The sources
+
+QList<LibrarySource *> MusicLibrary::sources() {
+    if (m_musicAssistant.isSetUp())
+        return {&m_folder, &m_musicAssistant};
+    return {&m_folder};
+}
+
+LibrarySource &MusicLibrary::current() {
+    return *m_current;
+}
+
+// The chosen one; before any choice a server counts more than a folder that there is not.
+LibrarySource &MusicLibrary::wanted() {
+    const QString chosen = m_settings.value(sourceKey).toString();
+    const bool wantsServer =
+        chosen.isEmpty() ? m_model.preferences().libraryFolder().isEmpty() : chosen == m_musicAssistant.key();
+    if (m_musicAssistant.isSetUp() && wantsServer)
+        return m_musicAssistant;
+    return m_folder;
+}
+
+void MusicLibrary::choose(LibrarySource &source) {
+    m_settings.setValue(sourceKey, source.key());
+    settle();
+}
+
+void MusicLibrary::settle() {
+    LibrarySource &next = wanted();
+    if (m_current != &next) {
+        LibrarySource &before = *m_current;
+        m_current = &next;
+        if (m_isOpen) {
+            before.close();
+            next.open();
+            takeBackend();
+        }
+    }
+    Q_EMIT sourcesChanged();
 }
 
 void MusicLibrary::open() {
-    if (!m_folder)
-        useFolder();
+    if (std::exchange(m_isOpen, true))
+        return;
+    m_current->open();
+    takeBackend();
 }
 
-void MusicLibrary::useFolder() {
-    m_folder = std::make_shared<FolderBackend>(m_model.preferences().libraryFolder(),
-                                               AppPaths::dataFolder() + QStringLiteral("/music-folder.index"),
-                                               m_output);
-    // The output may live longer than the folder that it asks.
-    m_output.setTrackFinder([weak = std::weak_ptr(m_folder)](const QUrl &file) {
-        const auto folder = weak.lock();
-        return folder ? folder->trackOf(file) : std::nullopt;
-    });
-    m_updates = m_folder->statusUpdates();
-    take({});
-    followStatus();
-    m_artwork.setBackend(m_folder);
-    m_browser.setBackend(m_folder);
+void MusicLibrary::resume() {
+    if (m_current == &m_musicAssistant)
+        open();
 }
+
+void MusicLibrary::takeBackend() {
+    m_artwork.setBackend(m_current->backend());
+    if (sources().size() == 1 && m_model.preferences().libraryFolder().isEmpty())
+        m_browser.setUnavailable(
+            LibraryFailure{.sentence = tr("Choose a music folder under Settings › Library.\n"
+                                          "Add a Music Assistant server under Settings › Music Assistant."),
+                           .isSetup = true});
+    else if (m_current->backend())
+        m_browser.setBackend(m_current->backend());
+    else
+        m_browser.setUnavailable(m_current->failure());
+    takeActivity();
+}
+
+void MusicLibrary::takeContent() {
+    if (m_browser.state() == LibraryBrowser::State::failed)
+        m_browser.retry(); // what was not there has come
+    else
+        m_browser.refresh();
+}
+
+void MusicLibrary::takeCapabilities() {
+    m_browser.refreshCapabilities();
+}
+
+void MusicLibrary::takeActivity() {
+    if (m_window)
+        m_window->setSourceStatus(m_current->activity());
+}
+
+// What is done with them
 
 void MusicLibrary::showWindow() {
     open();
@@ -57,94 +144,29 @@ void MusicLibrary::showWindow() {
         m_window = std::make_unique<LibraryWindow>(
             m_browser, m_artwork, m_settings,
             [this](const QList<MediaID> &ids, const Receiver &receive) { findFiles(ids, receive); });
-        connect(m_window.get(), &LibraryWindow::settingsAsked, this, &MusicLibrary::settingsAsked);
-        take(m_status);
+        m_window->setSourceSwitcher(new SourceSwitcher(*this, m_window.get()));
+        connect(m_window.get(), &LibraryWindow::settingsAsked, this, [this] {
+            Q_EMIT settingsAsked(m_current == &m_folder ? PreferencesPage::library
+                                                        : PreferencesPage::musicAssistant);
+        });
+        takeActivity();
     }
     m_window->bringToFront();
 }
 
-QCoro::Task<> MusicLibrary::findFiles(QList<MediaID> ids, Receiver take) {
-    const std::shared_ptr<FolderBackend> folder = m_folder;
-    if (!folder)
-        co_return;
-    const QPointer<MusicLibrary> self(this);
-    std::vector<Track> tracks;
-    std::optional<LibraryFailure> failure;
-    try {
-        tracks = co_await folder->localTracks(ids);
-    } catch (...) {
-        failure = LibraryFailure::of(std::current_exception());
-    }
-    if (!self)
-        co_return;
-    if (failure)
-        Q_EMIT m_browser.failed(failure->sentence);
+// A server has no files: what it is to play it plays itself.
+void MusicLibrary::findFiles(const QList<MediaID> &ids, const Receiver &take) {
+    if (m_current == &m_folder)
+        m_folder.findFiles(ids, take);
     else
-        take(tracks);
+        m_browser.play({ids, PlayMode::append()});
 }
 
 void MusicLibrary::rescan() {
-    open();
-    if (m_browser.state() == LibraryBrowser::State::failed)
+    if (m_isOpen && m_current == &m_folder && m_browser.state() == LibraryBrowser::State::failed)
         m_browser.retry();
     else
-        reindex();
-}
-
-QCoro::Task<> MusicLibrary::reindex() {
-    const std::shared_ptr<FolderBackend> folder = m_folder;
-    const QPointer<MusicLibrary> self(this);
-    std::optional<LibraryFailure> failure;
-    try {
-        co_await folder->reindex();
-    } catch (...) {
-        failure = LibraryFailure::of(std::current_exception());
-    }
-    if (self && failure)
-        Q_EMIT m_browser.failed(failure->sentence);
-}
-
-QCoro::Task<> MusicLibrary::followStatus() {
-    const QPointer<MusicLibrary> self(this);
-    const std::shared_ptr<FolderBackend> folder = m_folder;
-    while (true) {
-        const std::optional<FolderIndexStatus> status = co_await m_updates.next();
-        if (!self || folder != m_folder || !status)
-            co_return;
-        take(*status);
-    }
-}
-
-void MusicLibrary::take(const FolderIndexStatus &status) {
-    const bool hasChanged = status.revision != m_status.revision;
-    m_status = status;
-    if (hasChanged && m_browser.state() == LibraryBrowser::State::failed)
-        m_browser.retry(); // the folder has come back
-    else if (hasChanged)
-        m_browser.refresh();
-    const bool isAtRest = status.state == FolderIndexStatus::State::ready && status.note.isEmpty();
-    if (m_window)
-        m_window->setSourceStatus(isAtRest ? QString() : this->status());
-    Q_EMIT statusChanged();
-}
-
-QString MusicLibrary::status() const {
-    switch (m_status.state) {
-    case FolderIndexStatus::State::notConnected:
-        return {};
-    case FolderIndexStatus::State::indexing:
-        return m_status.filesTotal == 0 ? tr("Looking through the music folder…")
-                                        : tr("Reading your music: %L1 of %L2 files")
-                                              .arg(m_status.filesDone)
-                                              .arg(m_status.filesTotal);
-    case FolderIndexStatus::State::failed:
-        return m_status.message;
-    case FolderIndexStatus::State::ready:
-        break;
-    }
-    const int tracks = m_status.summary.reused + m_status.summary.loaded;
-    const QString count = tracks == 1 ? tr("1 track.") : tr("%L1 tracks.").arg(tracks);
-    return m_status.note.isEmpty() ? count : m_status.note;
+        m_folder.rescan();
 }
 
 } // namespace vantor

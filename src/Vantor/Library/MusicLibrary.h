@@ -1,58 +1,70 @@
 #pragma once
 
-#include "FolderBackendKit/FolderIndex.h"
 #include "LibraryBrowser/LibraryBrowser.h"
 #include "MusicLibraryKit/ArtworkCache.h"
-#include "Vantor/Library/LibraryOutput.h"
-
-#include <memory>
+#include "Vantor/Library/FolderSource.h"
+#include "Vantor/Library/MusicAssistantSource.h"
+#include "Vantor/Preferences/PreferencesPage.h"
 
 class QSettings;
 
 namespace vantor {
 
-class FolderBackend;
 class LibraryWindow;
 class PlayerModel;
 
-/// The user's music folder as the program's library, and the window that shows it. Nothing is read before
-/// somebody wants to see it. Main thread; borrows the model and the settings.
+/// The program's music sources, of which one is the library at a time, and the window that shows it: the
+/// user's music folder and, when there are servers, Music Assistant. The choice is remembered. Nothing is
+/// read or connected before somebody wants to see it. Main thread; borrows everything.
 class MusicLibrary : public QObject {
     Q_OBJECT
 
   public:
-    MusicLibrary(PlayerModel &model, QSettings &settings);
+    MusicLibrary(PlayerModel &model, QSettings &settings, MusicAssistantServers &servers);
     ~MusicLibrary() override;
 
+    [[nodiscard]] FolderSource &folder() { return m_folder; }
+    [[nodiscard]] LibraryBrowser &browser() { return m_browser; }
+    [[nodiscard]] MusicAssistantServers &servers() { return m_servers; }
+
+    /// Those that there are, one at least.
+    [[nodiscard]] QList<LibrarySource *> sources();
+    [[nodiscard]] LibrarySource &current();
+    void choose(LibrarySource &source);
+
+    /// Connects the source, as far as it has not been.
+    void open();
+    /// The same, if the source is a server: its speakers may be playing.
+    void resume();
     void showWindow();
-    /// Looks through the folder for what has changed.
+    /// Looks through the music folder for what has changed.
     void rescan();
-    [[nodiscard]] bool isScanning() const { return m_status.state == FolderIndexStatus::State::indexing; }
-    /// What there is to say about the folder, as a sentence; empty before it was looked at.
-    [[nodiscard]] QString status() const;
 
   Q_SIGNALS:
-    void statusChanged();
-    void settingsAsked(); ///< those of the library
+    void sourcesChanged(); ///< which there are, their names, or which one is current
+    void settingsAsked(vantor::PreferencesPage page);
 
   private:
-    void open();
-    void useFolder();
     using Receiver = std::function<void(const std::vector<Track> &)>;
 
-    QCoro::Task<> findFiles(QList<MediaID> ids, Receiver take);
-    QCoro::Task<> followStatus();
-    QCoro::Task<> reindex();
-    void take(const FolderIndexStatus &status);
+    [[nodiscard]] LibrarySource &wanted();
+    void follow(LibrarySource &source);
+    void settle();
+    void takeBackend();
+    void takeContent();
+    void takeCapabilities();
+    void takeActivity();
+    void findFiles(const QList<MediaID> &ids, const Receiver &take);
 
     PlayerModel &m_model;
     QSettings &m_settings;
-    LibraryOutput m_output;
+    MusicAssistantServers &m_servers;
+    FolderSource m_folder;
+    MusicAssistantSource m_musicAssistant;
     ArtworkCache m_artwork;
     LibraryBrowser m_browser;
-    std::shared_ptr<FolderBackend> m_folder; ///< none before open()
-    AsyncStream<FolderIndexStatus> m_updates;
-    FolderIndexStatus m_status;
+    LibrarySource *m_current;
+    bool m_isOpen = false;
     std::unique_ptr<LibraryWindow> m_window;
 };
 

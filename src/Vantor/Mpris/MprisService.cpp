@@ -1,7 +1,6 @@
 #include "Vantor/Mpris/MprisService.h"
 
 #include "Platform/AppPaths.h"
-#include "Platform/ThreadSafety.h"
 #include "Vantor/Windows/Commands.h"
 
 #include <QCoreApplication>
@@ -10,10 +9,6 @@
 #include <QDBusPendingReply>
 #include <QFileInfo>
 #include <QLoggingCategory>
-
-#include <cstdio>
-#include <cstdlib>
-#include <thread>
 
 Q_LOGGING_CATEGORY(mprisLog, "co.kelvane.vantor.Mpris")
 
@@ -33,23 +28,6 @@ bool hasSessionBus() {
 
 } // namespace
 
-/// Outlives whichever of the two ends first.
-struct MprisService::Search {
-    Mutex mutex;
-    MprisService *service VANTOR_GUARDED_BY(mutex) = nullptr; ///< who wants to know; none when it has gone
-    bool isOver VANTOR_GUARDED_BY(mutex) = false;
-
-    void run() VANTOR_EXCLUDES(mutex) {
-        const QDBusConnection bus =
-            QDBusConnection::connectToBus(QDBusConnection::SessionBus, connectionName);
-        const MutexLock lock(mutex);
-        isOver = true;
-        if (service)
-            QMetaObject::invokeMethod(
-                service, [found = service, bus] { found->takeConnection(bus); }, Qt::QueuedConnection);
-    }
-};
-
 MprisService::MprisService(PlayerModel &model, Commands &commands, std::function<void()> raise) {
     new MprisRoot(this, {std::move(raise), [&commands] { commands.trigger(Commands::Id::quit); }});
     m_player =
@@ -57,32 +35,14 @@ MprisService::MprisService(PlayerModel &model, Commands &commands, std::function
                         [this](const QVariantMap &changed) { tell(changed); });
 }
 
-MprisService::~MprisService() {
-    if (!m_search)
-        return;
-    const MutexLock lock(m_search->mutex);
-    m_search->service = nullptr;
-    if (m_search->isOver)
-        QDBusConnection::disconnectFromBus(connectionName);
-    else // the bus's library would wait for it when the program has ended and its globals go
-        std::atexit([] {
-            std::fflush(nullptr);
-            std::_Exit(EXIT_SUCCESS);
-        });
-}
+MprisService::~MprisService() = default;
 
-// On a thread that nobody waits for: a bus that does not answer is waited for without end.
 void MprisService::connectToBus() {
-    if (!hasSessionBus()) {
+    if (hasSessionBus())
+        m_search.emplace(QDBusConnection::SessionBus, connectionName,
+                         [this](const QDBusConnection &bus) { takeConnection(bus); });
+    else
         qCInfo(mprisLog, "no session bus: the desktop does not see the player");
-        return;
-    }
-    m_search = std::make_shared<Search>();
-    {
-        const MutexLock lock(m_search->mutex);
-        m_search->service = this;
-    }
-    std::thread([search = m_search] { search->run(); }).detach();
 }
 
 void MprisService::takeConnection(const QDBusConnection &bus) {

@@ -1,11 +1,10 @@
 #pragma once
 
+#include "Vantor/App/BusSearch.h"
 #include "Vantor/Mpris/MprisPlayer.h"
 #include "Vantor/Mpris/MprisRoot.h"
 
-#include <QDBusConnection>
-
-#include <memory>
+#include <optional>
 
 namespace vantor {
 
@@ -27,15 +26,13 @@ class MprisService : public QObject {
     [[nodiscard]] NowPlayingCenter &center() { return *m_player; }
 
   private:
-    struct Search;
-
     void takeConnection(const QDBusConnection &bus);
     void requestName(const QString &name, const std::function<void()> &taken);
     void tell(const QVariantMap &changed) const;
 
     MprisPlayer *m_player; ///< owned by this object, as adaptors have to be
     bool m_connected = false;
-    std::shared_ptr<Search> m_search; ///< for the bus; shared with the thread that waits for it
+    std::optional<BusSearch> m_search; ///< which ends before what takes its connection
 };
 
 } // namespace vantor

@@ -344,16 +344,17 @@ void Commands::setLibrary(MusicLibrary *library) {
     m_library = library;
     action(Id::library).setEnabled(library != nullptr);
     if (library)
-        connect(library, &MusicLibrary::settingsAsked, this, [this] { showPreferences(true); });
+        connect(library, &MusicLibrary::settingsAsked, this,
+                [this](PreferencesPage page) { showPreferences(page); });
 }
 
-void Commands::showPreferences(bool ofLibrary) {
+void Commands::showPreferences(std::optional<PreferencesPage> page) {
     if (!m_preferences) {
         m_preferences = new PreferencesDialog(m_model, m_library, activeWindow());
         DialogPlace::beside(*m_preferences, shownFrames());
     }
-    if (ofLibrary)
-        m_preferences->showLibrary();
+    if (page)
+        m_preferences->showPage(*page);
     m_preferences->show();
     m_preferences->raise();
     m_preferences->activateWindow();

@@ -2,12 +2,14 @@
 
 #include "AudioCore/NowPlaying/NowPlayingCommandTarget.h"
 #include "Vantor/Model/PlayerModel.h"
+#include "Vantor/Preferences/PreferencesPage.h"
 
 #include <QAction>
 #include <QObject>
 #include <QPointer>
 
 #include <map>
+#include <optional>
 #include <vector>
 
 class QMenu;
@@ -142,7 +144,8 @@ class Commands : public QObject, public NowPlayingCommandTarget {
     /// None before it is added.
     [[nodiscard]] SkinnedWindow *mainWindow() const;
     void showFileInfo();
-    void showPreferences(bool ofLibrary = false);
+    /// Without a page, as it was left.
+    void showPreferences(std::optional<PreferencesPage> page = {});
     void showSpeakers();
     void showAbout();
     void takeSelection();

@@ -2,11 +2,15 @@
 
 #include "Vantor/Library/MusicLibrary.h"
 #include "Vantor/Model/PlayerModel.h"
+#include "Vantor/Preferences/MusicAssistantPage.h"
+#include "Vantor/Preferences/SettingsPage.h"
+#include "Vantor/Windows/FaintText.h"
 #include "Vantor/Windows/FolderField.h"
 
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDialogButtonBox>
+#include <QEvent>
 #include <QGridLayout>
 #include <QLabel>
 #include <QListWidget>
@@ -15,73 +19,55 @@
 
 namespace vantor {
 
-namespace {
-
-/// A page: everything under one another, from the top.
-class SettingsPage : public QWidget {
-  public:
-    SettingsPage() : m_layout(new QVBoxLayout(this)) {
-        m_layout->setContentsMargins(12, 0, 0, 0);
-        m_layout->addStretch(1);
-    }
-    void add(QWidget *widget) { m_layout->insertWidget(m_layout->count() - 1, widget); }
-    void addGap() { m_layout->insertSpacing(m_layout->count() - 1, 12); }
-
-    /// A sentence about what is above it.
-    void addNote(const QString &text) {
-        auto *note = new QLabel(text);
-        note->setWordWrap(true);
-        note->setForegroundRole(QPalette::PlaceholderText);
-        add(note);
-    }
-    /// A title with the field that it belongs to.
-    void addField(const QString &title, QWidget *field) {
-        auto *label = new QLabel(title);
-        label->setBuddy(field);
-        add(label);
-        add(field);
-    }
-    QCheckBox *addCheck(const QString &text, bool on) {
-        auto *box = new QCheckBox(text);
-        box->setChecked(on);
-        add(box);
-        return box;
-    }
-
-  private:
-    QVBoxLayout *m_layout;
-};
-
-} // namespace
-
 PreferencesDialog::PreferencesDialog(PlayerModel &model, MusicLibrary *library, QWidget *parent)
     : QDialog(parent), m_model(model), m_library(library), m_titles(new QListWidget),
       m_pages(new QStackedWidget) {
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowTitle(tr("Preferences"));
+    giveFaintText(*this);
     m_titles->setAccessibleName(tr("Pages"));
-    addPage(tr("General"), generalPage());
-    addPage(tr("Skins"), skinsPage());
-    addPage(tr("Library"), libraryPage());
-    addPage(tr("Output"), outputPage());
-    addPage(tr("Playback"), playbackPage());
+    addPage(PreferencesPage::general, tr("General"), generalPage());
+    addPage(PreferencesPage::skins, tr("Skins"), skinsPage());
+    addPage(PreferencesPage::library, tr("Library"), libraryPage());
+    if (m_library) {
+        m_servers = new MusicAssistantPage(m_library->servers());
+        addPage(PreferencesPage::musicAssistant, tr("Music Assistant"), m_servers);
+    }
+    addPage(PreferencesPage::output, tr("Output"), outputPage());
+    addPage(PreferencesPage::playback, tr("Playback"), playbackPage());
+    m_titles->setSpacing(2);
     m_titles->setFixedWidth(m_titles->sizeHintForColumn(0) + 48);
     connect(m_titles, &QListWidget::currentRowChanged, m_pages, &QStackedWidget::setCurrentIndex);
     m_titles->setCurrentRow(0);
 
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Close);
+    // Enter takes what is typed, and does not close over it.
+    buttons->button(QDialogButtonBox::Close)->setAutoDefault(false);
     connect(buttons, &QDialogButtonBox::rejected, this, &PreferencesDialog::closeIfConfirmed);
     auto *layout = new QGridLayout(this);
     layout->addWidget(m_titles, 0, 0);
     layout->addWidget(m_pages, 0, 1);
     layout->addWidget(buttons, 1, 0, 1, 2);
     layout->setColumnStretch(1, 1);
-    resize(460, 320);
+    resize(620, 460);
 }
 
-void PreferencesDialog::addPage(const QString &title, QWidget *page) {
-    m_titles->addItem(title);
-    m_pages->addWidget(page);
+void PreferencesDialog::changeEvent(QEvent *event) {
+    QDialog::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange)
+        giveFaintText(*this);
+}
+
+void PreferencesDialog::addPage(PreferencesPage page, const QString &title, QWidget *widget) {
+    (new QListWidgetItem(title, m_titles))->setData(Qt::UserRole, static_cast<int>(page));
+    m_pages->addWidget(widget);
+}
+
+void PreferencesDialog::showPage(PreferencesPage page) {
+    for (int row = 0; row < m_titles->count(); ++row) {
+        if (m_titles->item(row)->data(Qt::UserRole).toInt() == static_cast<int>(page))
+            m_titles->setCurrentRow(row);
+    }
 }
 
 void PreferencesDialog::closeIfConfirmed() {
@@ -93,6 +79,10 @@ void PreferencesDialog::closeIfConfirmed() {
                 return;
             }
         }
+    }
+    if (m_servers && !m_servers->confirm()) {
+        showPage(PreferencesPage::musicAssistant);
+        return;
     }
     reject();
 }
@@ -154,19 +144,14 @@ QWidget *PreferencesDialog::rescanField() {
     layout->addWidget(status, 1);
     connect(button, &QPushButton::clicked, m_library, &MusicLibrary::rescan);
     const auto show = [this, button, status] {
-        button->setEnabled(!m_library->isScanning() && !m_model.preferences().libraryFolder().isEmpty());
-        status->setText(m_library->status());
+        const FolderSource &folder = m_library->folder();
+        button->setEnabled(!folder.isScanning() && !m_model.preferences().libraryFolder().isEmpty());
+        status->setText(folder.status());
     };
-    connect(m_library, &MusicLibrary::statusChanged, field, show);
+    connect(&m_library->folder(), &FolderSource::activityChanged, field, show);
     connect(&m_model.preferences(), &Preferences::libraryFolderChanged, field, show);
     show();
     return field;
-}
-
-void PreferencesDialog::showLibrary() {
-    const QList<QListWidgetItem *> found = m_titles->findItems(tr("Library"), Qt::MatchExactly);
-    if (!found.isEmpty())
-        m_titles->setCurrentItem(found.first());
 }
 
 QWidget *PreferencesDialog::outputPage() {

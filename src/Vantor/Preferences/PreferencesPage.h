@@ -1,0 +1,8 @@
+#pragma once
+
+namespace vantor {
+
+/// The pages of the preferences, in their order.
+enum class PreferencesPage { general, skins, library, musicAssistant, output, playback };
+
+} // namespace vantor

@@ -86,6 +86,13 @@ TEST_F(MuseumDownloaderTest, FetchesNothingThatIsThereAlready) {
     EXPECT_EQ(outcomeOf(m_downloader.download(skin(1), {}, existing)).error, MuseumError::noFolder());
     EXPECT_TRUE(m_museum.requests().isEmpty());
     EXPECT_TRUE(files().isEmpty());
+    int attempts = 0;
+    const auto interrupted = [&](const QString &) {
+        return ++attempts == 1 ? QtFuture::makeExceptionalFuture<QUrl>(
+                                     std::make_exception_ptr(SkinLibraryError::passAlreadyRunning()))
+                               : QtFuture::makeReadyFuture(in("mine.wsz"));
+    };
+    EXPECT_EQ(outcomeOf(m_downloader.download(skin(1), skins(), interrupted)).value, had.value);
     const auto broken = [](const QString &) {
         return QtFuture::makeExceptionalFuture<QUrl>(
             std::make_exception_ptr(SkinLibraryError::passAlreadyRunning()));
@@ -105,7 +112,16 @@ TEST_F(MuseumDownloaderTest, LeavesNothingBehindOfWhatFails) {
         {Fault::redirects, MuseumError::http(302)},
     };
     m_museum.redirectTarget = QUrl(u"http://127.0.0.1:1/skins/1.wsz"_qs);
-    m_folder.write("skins/Museum/.partial/left by a crash", "x");
+    const QString crash = u"0b5a9f1e-58a5-4c3e-9d63-2b1f7a0c4d11"_qs;
+    const QStringList kept{u"Museum/.partial/1c6bafe2-58a5-4c3e-9d63-2b1f7a0c4d22"_qs,
+                           u"Museum/.partial/of the user"_qs};
+    for (const QString &path : kept + QStringList{u"Museum/.partial/"_qs + crash})
+        m_folder.write(("skins/" + path.toUtf8()).constData(), "x");
+    for (const QString &name : {crash, u"of the user"_qs}) {
+        QFile old(skins() + u"/Museum/.partial/"_qs + name);
+        ASSERT_TRUE(old.open(QIODevice::ReadWrite));
+        old.setFileTime(QDateTime::currentDateTime().addSecs(-4000), QFile::FileModificationTime);
+    }
     for (const auto &[fault, expected] : rows) {
         m_museum.faults[Kind::archive] = fault;
         EXPECT_EQ(download(skin(1)).error, expected) << static_cast<int>(fault);
@@ -116,7 +132,31 @@ TEST_F(MuseumDownloaderTest, LeavesNothingBehindOfWhatFails) {
     EXPECT_EQ(download(insecure).error, MuseumError::offline());
     EXPECT_EQ(files().filter(u"wsz"_qs), QStringList());
     EXPECT_TRUE(download(skin(1)).value);
-    EXPECT_EQ(files(), QStringList{u"Museum/Skin 1.wsz"_qs});
+    EXPECT_EQ(files(), kept + QStringList{u"Museum/Skin 1.wsz"_qs});
+}
+
+TEST_F(MuseumDownloaderTest, LeavesNothingBehindWhenItGoesMeanwhile) {
+    m_museum.faults[Kind::archive] = Fault::hangs;
+    std::optional<MuseumDownloader> downloader(std::in_place, m_transport, m_agent);
+    const auto outcome = started(downloader->download(skin(1), skins(), &nowhere));
+    ASSERT_TRUE(waitFor([&] { return m_museum.count(Kind::archive) == 1; }));
+    EXPECT_EQ(files().size(), 1);
+    downloader.reset();
+    EXPECT_TRUE(files().isEmpty());
+    m_transport->close();
+    EXPECT_TRUE(waitFor([&] { return outcome->error == MuseumError::offline(); }));
+}
+
+TEST_F(MuseumDownloaderTest, FollowsNoLinkOutOfTheSkinsFolder) {
+    m_folder.write("elsewhere/0b5a9f1e-58a5-4c3e-9d63-2b1f7a0c4d11", "x");
+    for (const QString &link : {u"Museum"_qs, u"Museum/.partial"_qs}) {
+        QDir().mkpath(QFileInfo(skins() + u'/' + link).path());
+        ASSERT_TRUE(QFile::link(m_folder.path("elsewhere"), skins() + u'/' + link));
+        EXPECT_EQ(download(skin(1)).error, MuseumError::notSaved(u"Not a directory"_qs));
+        QFile::remove(skins() + u'/' + link);
+    }
+    EXPECT_EQ(QDir(m_folder.path("elsewhere")).entryList(QDir::AllEntries | QDir::NoDotAndDotDot).size(), 1);
+    EXPECT_EQ(m_museum.count(Kind::archive), 0); // not even asked for
 }
 
 TEST_F(MuseumDownloaderTest, TakesAsManyBytesAsAreAllowedAndNotOneMore) {

@@ -91,7 +91,7 @@ class MuseumFixture : public testing::Test {
     const QByteArray m_agent = MuseumUserAgent::make(QStringLiteral("1.2"));
     std::shared_ptr<QtMuseumTransport> m_transport = std::make_shared<QtMuseumTransport>(
         QList<QSslCertificate>{m_certificate.certificate()},
-        QtMuseumTransport::Limits{.timeout = std::chrono::seconds(5), .silence = std::chrono::seconds(1)});
+        QtMuseumTransport::Limits{.timeout = std::chrono::seconds(30), .silence = std::chrono::seconds(1)});
     QList<std::chrono::milliseconds> m_waits;
     TestFolder m_folder;
 };

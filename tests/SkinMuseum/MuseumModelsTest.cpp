@@ -109,6 +109,37 @@ TEST_F(MuseumModelsTest, WhatWasSeenBeforeIsShownWithoutTheMuseum) {
     EXPECT_EQ(later.notice(), Notice::none);
 }
 
+TEST_F(MuseumModelsTest, RowsThatCouldNotBeReadComeOnceTheMuseumAnswersAgain) {
+    begin();
+    m_museum.faults[Kind::page] = Fault::fails;
+    m_list.setInView(62, 70);
+    ASSERT_TRUE(settles(Notice::failed));
+    m_museum.faults.clear();
+    m_list.setInView(120, 129);
+    ASSERT_TRUE(shows(129, u"Skin 129"_qs));
+    m_list.setInView(62, 70);
+    EXPECT_TRUE(shows(62, u"Skin 62"_qs));
+    EXPECT_EQ(m_list.notice(), Notice::none);
+}
+
+TEST_F(MuseumModelsTest, WhatWasSeenLongAgoIsShownWhileTheMuseumTakesItsTime) {
+    begin();
+    ASSERT_TRUE(waitFor([&] { return !QDir(m_folder.path("results")).isEmpty(); }));
+    m_museum.faults[Kind::page] = Fault::hangs;
+    const auto cache =
+        std::make_shared<MuseumResultCache>(m_folder.path("results"), MuseumResultCache::Limits(),
+                                            [] { return QDateTime::currentDateTimeUtc().addDays(30); });
+    MuseumClient slow = client(cache);
+    MuseumListModel later(slow);
+    later.setQuery({}, true);
+    const auto isShown = [&] { return later.index(5).data().toString() == u"Skin 5"_qs; };
+    EXPECT_TRUE(waitFor([&] { return isShown() || later.notice() != Notice::none; }));
+    EXPECT_TRUE(isShown());
+    EXPECT_EQ(later.notice(), Notice::none);
+    EXPECT_TRUE(waitFor([&] { return later.notice() == Notice::cached; }));
+    EXPECT_TRUE(isShown());
+}
+
 TEST_F(MuseumModelsTest, AQueryWithoutAnAnswerShowsNothingAndCanBeTriedAgain) {
     begin();
     m_museum.faults[Kind::page] = Fault::fails;
@@ -195,4 +226,13 @@ TEST_F(MuseumModelsTest, PicturesOfWhatIsInViewComeFirst) {
     EXPECT_TRUE(pictures.picture(skin(121), 209).isNull());
     EXPECT_FALSE(
         waitFor([&] { return m_museum.count(Kind::screenshot) > asked; }, std::chrono::milliseconds(100)));
+
+    // A damaged one is fetched again.
+    m_museum.faults.clear();
+    m_folder.write(("screenshots/" + skin(122).md5.toLatin1()).constData(),
+                   FakeMuseum::screenshot(122).left(FakeMuseum::screenshot(122).size() / 2));
+    EXPECT_TRUE(pictures.picture(skin(122), 209).isNull());
+    ASSERT_TRUE(waitFor([&] { return pictures.hasFailed(skin(122).md5); }));
+    pictures.forgetFailures();
+    EXPECT_TRUE(waitFor([&] { return !pictures.picture(skin(122), 209).isNull(); }));
 }

@@ -124,6 +124,22 @@ TEST(MuseumPageTest, RefusesWhatIsNoAnswer) {
         EXPECT_EQ(refusal(body, browse), expected) << body.left(80).data();
 }
 
+TEST(MuseumPageTest, HasASentenceForEveryFailure) {
+    const std::pair<MuseumError, const char *> rows[] = {
+        {MuseumError::offline(), "The Winamp Skin Museum can't be reached. Check your internet connection."},
+        {MuseumError::http(404), "The Winamp Skin Museum returned an error (HTTP 404)."},
+        {MuseumError::graphQL(u"Dust"_qs), "The Winamp Skin Museum reported an error: Dust"},
+        {MuseumError::decoding(), "The Winamp Skin Museum sent a response Vantor doesn't understand."},
+        {MuseumError::checksumMismatch(), "The download was corrupted."},
+        {MuseumError::tooLarge(), "The skin is too large to download."},
+        {MuseumError::noFolder(), "Choose a skins folder to download skins into."},
+    };
+    for (const auto &[error, sentence] : rows) {
+        EXPECT_EQ(error.description(), QString::fromUtf8(sentence));
+        EXPECT_STREQ(error.what(), sentence);
+    }
+}
+
 TEST(MuseumPageTest, AsksWithTheMuseumsWords) {
     const auto variables = [](const MuseumQuery &query) {
         const QJsonObject object = QJsonDocument::fromJson(query.request().encoded()).object();
@@ -138,7 +154,16 @@ TEST(MuseumPageTest, AsksWithTheMuseumsWords) {
               u"{\"first\":60,\"nsfw\":false,\"offset\":0,\"query\":\"\\\"a\\\" $b\"}"_qs);
     EXPECT_EQ(variables(MuseumQuery::search(u"a"_qs, true)),
               u"{\"first\":60,\"offset\":0,\"query\":\"a\"}"_qs);
-    EXPECT_EQ(MuseumQuery::browse(true).request().query,
+    const GraphQLRequest browsing = MuseumQuery::browse(true).request();
+    const GraphQLRequest searching = MuseumQuery::search(u"a"_qs, true).request();
+    EXPECT_EQ(browsing.operationName, u"MuseumBrowse"_qs);
+    EXPECT_EQ(searching.operationName, u"MuseumSearch"_qs);
+    EXPECT_EQ(searching.query,
+              u"query MuseumSearch($query: String!, $first: Int!, $offset: Int!, $nsfw: Boolean) {\n"
+              "  search_classic_skins(query: $query, first: $first, offset: $offset, nsfw: $nsfw) { "
+              "__typename md5 filename(normalize_extension: true, include_museum_id: true) screenshot_url "
+              "download_url museum_url nsfw }\n}"_qs);
+    EXPECT_EQ(browsing.query,
               u"query MuseumBrowse($first: Int!, $offset: Int!, $filter: SkinsFilterOption) {\n"
               "  skins(first: $first, offset: $offset, filter: $filter) { count nodes { __typename md5 "
               "filename(normalize_extension: true, include_museum_id: true) screenshot_url download_url "

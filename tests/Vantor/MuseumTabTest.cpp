@@ -160,7 +160,13 @@ TEST_F(MuseumTabTest, SaysInPlaceWhatWentWrong) {
     EXPECT_TRUE(says(u"Choose a skins folder to download skins into."_qs));
     EXPECT_TRUE(button(u"Choose Folder…"_qs));
     QTest::keyClick(m_grid, Qt::Key_Return);
-    EXPECT_TRUE(waitFor([&] { return m_tab->findChildren<QLabel *>().size() > 0; }));
+    EXPECT_TRUE(waitFor([&] { // above the grid, and of the skin
+        const auto labels = m_tab->findChildren<QLabel *>();
+        return std::ranges::count_if(labels, [](const QLabel *label) {
+                   return label->isVisible() &&
+                          label->text() == u"Choose a skins folder to download skins into."_qs;
+               }) == 2;
+    }));
     EXPECT_EQ(m_museum.count(Kind::archive), 0);
     chooseFolder();
     EXPECT_FALSE(button(u"Choose Folder…"_qs));
@@ -188,7 +194,9 @@ TEST_F(MuseumTabTest, ShowsWhatWasSeenBeforeWithoutTheMuseum) {
     QTest::keyClick(m_grid, Qt::Key_Return);
     EXPECT_TRUE(says(u"The Winamp Skin Museum can't be reached. Check your internet connection."_qs));
     ASSERT_TRUE(m_museum.open());
+    const auto asked = m_museum.count(Kind::page);
     button(u"Try Again"_qs)->click();
+    EXPECT_TRUE(waitFor([&] { return m_museum.count(Kind::page) > asked; }));
     EXPECT_TRUE(waitFor([&] { return !button(u"Try Again"_qs); }));
 }
 
@@ -204,6 +212,42 @@ TEST_F(MuseumTabTest, TheLastOfManySkinsThatWereChosenIsWorn) {
     EXPECT_TRUE(wears("Museum/Skin 2.wsz"));
     EXPECT_TRUE(waitFor([&] { return m_library.counts().skins == 3; })); // the others are there all the same
     EXPECT_TRUE(wears("Museum/Skin 2.wsz"));
+}
+
+TEST_F(MuseumTabTest, NothingIsWornThatIsNoLongerAskedFor) {
+    const QUrl mine = writeFile("skins/mine.wsz", soundSkin(200));
+    const auto choose = [&](int row) {
+        m_grid->setCurrentIndex(m_grid->model()->index(row, 0));
+        QTest::keyClick(m_grid, Qt::Key_Return);
+    };
+    const auto hasSkins = [&](int count) {
+        return waitFor([&] { return m_library.counts().skins == count; });
+    };
+    chooseFolder();
+    open();
+    ASSERT_TRUE(shows(0, u"Skin 0"_qs));
+    m_museum.faults[Kind::archive] = Fault::wrongContent;
+    choose(0);
+    ASSERT_TRUE(says(u"The download was corrupted."_qs));
+    m_museum.faults.clear();
+    button(u"Download"_qs)->click(); // only that, now
+    EXPECT_TRUE(hasSkins(2));
+    EXPECT_TRUE(m_model.skinUrl().isEmpty());
+
+    m_museum.latency = 200;
+    choose(1);
+    m_model.wear(mine); // elsewhere
+    EXPECT_TRUE(wears("mine.wsz"));
+    EXPECT_TRUE(hasSkins(3));
+    EXPECT_TRUE(wears("mine.wsz"));
+
+    choose(0);
+    ASSERT_TRUE(wears("Museum/Skin 0.wsz"));
+    QTest::keyClick(m_grid, Qt::Key_Backspace);
+    choose(1); // before the one before is back
+    ASSERT_TRUE(wears("Museum/Skin 1.wsz"));
+    QTest::keyClick(m_grid, Qt::Key_Backspace);
+    EXPECT_TRUE(wears("Museum/Skin 0.wsz"));
 }
 
 TEST_F(MuseumTabTest, AMuseumElsewhereIsNamedByTheEnvironmentOrTheSettings) {

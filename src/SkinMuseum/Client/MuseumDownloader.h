@@ -4,7 +4,6 @@
 
 #include <QCoroTask>
 #include <QFuture>
-#include <QThreadPool>
 
 #include <functional>
 #include <memory>
@@ -40,10 +39,13 @@ class MuseumDownloader {
 
     MuseumDownloader(std::shared_ptr<MuseumTransport> transport, QByteArray userAgent,
                      qint64 maxBytes = defaultMaxBytes);
+    /// Waits for the file that is being saved. What is still being fetched fails, and leaves nothing.
+    ~MuseumDownloader();
+    Q_DISABLE_COPY_MOVE(MuseumDownloader)
 
     /// `folder`: the skins folder, in NativePath's form; empty when none was chosen. Throws MuseumError:
-    /// `noFolder`, `offline`, `http`, `tooLarge`, `checksumMismatch`, `notSaved`. What `existing` throws
-    /// counts as none.
+    /// `noFolder`, `offline`, `http`, `tooLarge`, `checksumMismatch`, `notSaved`. When
+    /// `existing` throws, it is asked once more, and then counts as none.
     [[nodiscard]] QCoro::Task<MuseumDownloadResult> download(MuseumSkin skin, QString folder,
                                                              Existing existing, Progress progress = {});
 
@@ -53,12 +55,14 @@ class MuseumDownloader {
     [[nodiscard]] static QString sanitizedFilename(const QString &name, const QString &fallback);
 
   private:
+    struct Work;
+
+    [[nodiscard]] static QCoro::Task<QUrl> found(std::shared_ptr<Work> work, Existing existing, QString md5);
+
     const std::shared_ptr<MuseumTransport> m_transport;
     const QByteArray m_userAgent;
     const qint64 m_maxBytes;
-    /// One thread, so that two skins of one name take turns in looking for a free one. Shared with what is
-    /// under way.
-    const std::shared_ptr<QThreadPool> m_pool;
+    const std::shared_ptr<Work> m_work;
 };
 
 } // namespace vantor

@@ -1,12 +1,12 @@
 #include "SkinMuseum/Client/MuseumScreenshotCache.h"
 
 #include "Platform/CacheFolder.h"
+#include "Platform/PictureDecoder.h"
 #include "SkinMuseum/Client/MuseumTransport.h"
 #include "SkinMuseum/MuseumError.h"
 
-#include <QBuffer>
 #include <QCoroFuture>
-#include <QImageReader>
+#include <QFile>
 #include <QPointer>
 #include <QtConcurrentRun>
 
@@ -14,15 +14,10 @@ namespace vantor {
 
 namespace {
 
-bool isPicture(QByteArray bytes) {
-    QBuffer buffer(&bytes);
-    return !QImageReader(&buffer).size().isEmpty();
-}
-
 /// What the file holds, when that is a picture.
 QByteArray readPicture(const QString &path) {
     const QByteArray bytes = CacheFolder::read(path, MuseumScreenshotCache::maxPicture);
-    return isPicture(bytes) ? bytes : QByteArray();
+    return isPicture(bytes, MuseumScreenshotCache::maxPixels) ? bytes : QByteArray();
 }
 
 std::optional<MuseumError> problem(const HTTPAnswer &answer) {
@@ -34,8 +29,6 @@ std::optional<MuseumError> problem(const HTTPAnswer &answer) {
         return MuseumError::tooLarge();
     if (answer.isBroken || answer.end != HTTPAnswer::End::finished)
         return MuseumError::offline();
-    if (!isPicture(answer.body))
-        return MuseumError::decoding();
     return std::nullopt;
 }
 
@@ -50,7 +43,7 @@ MuseumScreenshotCache::MuseumScreenshotCache(std::shared_ptr<MuseumTransport> tr
                                              QString directory, const Limits &limits,
                                              std::function<QDateTime()> now)
     : m_transport(std::move(transport)), m_userAgent(std::move(userAgent)), m_directory(std::move(directory)),
-      m_limits(limits), m_now(std::move(now)), m_memory(limits.maxMemoryEntries),
+      m_limits(limits), m_now(std::move(now)), m_memory(limits.maxMemoryBytes),
       m_untrimmed(limits.maxDiskBytes) {
     m_pool.setMaxThreadCount(1);
 }
@@ -98,18 +91,22 @@ QCoro::Task<> MuseumScreenshotCache::load(MuseumSkin skin, Promise promise) {
             error = problem(answer);
             picture = answer.body;
         }
-        if (self) {
+        if (self)
             endTurn();
-            if (!error)
-                keep(skin.md5, picture);
+        if (self && !error) {
+            const QFuture<bool> checking = QtConcurrent::run(&m_pool, &isPicture, picture, maxPixels);
+            if (!co_await checking)
+                error = MuseumError::decoding();
         }
+        if (self && !error)
+            keep(skin.md5, picture);
     }
     if (!self)
         error = MuseumError::offline();
     if (self) {
         m_inFlight.remove(skin.md5);
         if (!error)
-            m_memory.insert(skin.md5, new QByteArray(picture));
+            m_memory.insert(skin.md5, new QByteArray(picture), costOf(picture));
     }
     if (error) {
         fail(*promise, *error);
@@ -117,6 +114,16 @@ QCoro::Task<> MuseumScreenshotCache::load(MuseumSkin skin, Promise promise) {
         promise->addResult(picture);
         promise->finish();
     }
+}
+
+void MuseumScreenshotCache::drop(const QString &md5) {
+    m_memory.remove(md5);
+    m_pool.start([path = pathOf(md5)] { QFile::remove(path); });
+}
+
+// At least a fair share of the memory each, so that the number is bounded as well.
+qsizetype MuseumScreenshotCache::costOf(const QByteArray &picture) const {
+    return std::max(picture.size(), m_limits.maxMemoryBytes / m_limits.maxMemoryEntries);
 }
 
 QFuture<void> MuseumScreenshotCache::turn() {

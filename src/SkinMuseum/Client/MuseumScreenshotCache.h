@@ -25,10 +25,12 @@ class MuseumScreenshotCache : public QObject {
 
   public:
     static constexpr qint64 maxPicture = 4LL << 20; ///< bytes
+    static constexpr qint64 maxPixels = 4'000'000;
 
     struct Limits {
         qint64 maxDiskBytes = 256LL << 20; ///< the oldest files leave first
         qsizetype maxMemoryEntries = 48;   ///< the least recently used leave first
+        qsizetype maxMemoryBytes = qsizetype(16) << 20;
         int maxConcurrentFetches = 6;
     };
 
@@ -42,6 +44,8 @@ class MuseumScreenshotCache : public QObject {
     /// A PNG, JPEG or the like; fetched once for all who ask meanwhile. A failure is the future's exception,
     /// a MuseumError: `offline`, `http`, `tooLarge`, `decoding`.
     [[nodiscard]] QFuture<QByteArray> screenshot(const MuseumSkin &skin);
+    /// It cannot be decoded: when it is asked for again, it is fetched again.
+    void drop(const QString &md5);
 
   private:
     using Promise = std::shared_ptr<QPromise<QByteArray>>;
@@ -50,6 +54,7 @@ class MuseumScreenshotCache : public QObject {
     [[nodiscard]] QFuture<void> turn();
     void endTurn();
     void keep(const QString &md5, const QByteArray &picture);
+    [[nodiscard]] qsizetype costOf(const QByteArray &picture) const;
     [[nodiscard]] QString pathOf(const QString &md5) const;
 
     const std::shared_ptr<MuseumTransport> m_transport;
@@ -57,7 +62,7 @@ class MuseumScreenshotCache : public QObject {
     const QString m_directory;
     const Limits m_limits;
     const std::function<QDateTime()> m_now;
-    QCache<QString, QByteArray> m_memory; ///< each costs 1
+    QCache<QString, QByteArray> m_memory; ///< each costs its bytes, or more
     QHash<QString, QFuture<QByteArray>> m_inFlight;
     int m_activeFetches = 0;
     std::deque<QPromise<void>> m_waiters;

@@ -33,7 +33,9 @@ QNetworkRequest prepared(const MuseumRequest &asked, const QSslConfiguration &tl
 QtMuseumTransport::QtMuseumTransport(const QList<QSslCertificate> &authorities, const Limits &limits)
     : m_limits(limits), m_tls(QSslConfiguration::defaultConfiguration()),
       m_network(std::make_shared<QNetworkAccessManager>()), m_downloads(std::make_shared<Downloads>()) {
-    m_tls.addCaCertificates(authorities);
+    // Once any are named, Qt looks none of the system's up by itself.
+    if (!authorities.isEmpty())
+        m_tls.setCaCertificates(QSslConfiguration::systemCaCertificates() + authorities);
 }
 
 QtMuseumTransport::~QtMuseumTransport() {

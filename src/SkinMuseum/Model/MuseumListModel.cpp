@@ -83,14 +83,7 @@ void MuseumListModel::begin() {
 void MuseumListModel::retry() {
     if (!m_hasAnswer)
         return begin();
-    for (Page &page : m_pages) {
-        if (page.state == State::failed)
-            page.state = State::unread;
-    }
-    if (m_notice == Notice::cached) {
-        for (Page &page : m_pages)
-            page.state = page.state == State::read ? State::provisional : page.state;
-    }
+    forgetFailures();
     setNotice(Notice::none, std::nullopt);
     readOn();
 }
@@ -109,9 +102,9 @@ void MuseumListModel::setNotice(Notice notice, const std::optional<MuseumError> 
 
 // Reading
 
-int MuseumListModel::distance(int page) const {
-    const int first = start(page);
-    const int last = first + std::max(1, m_pages[static_cast<std::size_t>(page)].size) - 1;
+/// Of the page, whose first row is `first`, from what is in view.
+int MuseumListModel::distance(int first, const Page &page) const {
+    const int last = first + std::max(1, page.size) - 1;
     return std::max({0, first - m_lastInView, m_firstInView - last});
 }
 
@@ -123,12 +116,20 @@ std::optional<int> MuseumListModel::wanted() const {
         if (first - m_lastInView > lookAhead)
             break;
         const bool isMissing = m_pages[i].state == State::unread || m_pages[i].state == State::provisional;
-        if (const int page = static_cast<int>(i); isMissing && distance(page) < least) {
-            nearest = page;
-            least = distance(page);
+        if (const int away = distance(first, m_pages[i]); isMissing && away < least) {
+            nearest = static_cast<int>(i);
+            least = away;
         }
     }
     return nearest;
+}
+
+/// They are wanted again.
+void MuseumListModel::forgetFailures() {
+    for (Page &page : m_pages) {
+        if (page.state == State::failed)
+            page.state = page.skins.isEmpty() ? State::unread : State::provisional;
+    }
 }
 
 void MuseumListModel::readOn() {
@@ -147,7 +148,7 @@ QCoro::Task<> MuseumListModel::read(int page, int turn) {
     if (!self || turn != m_turn)
         co_return;
     const bool isShown = !m_isQuerying && m_pages[static_cast<std::size_t>(page)].state == State::provisional;
-    if (cached && !cached->isStale && !isShown)
+    if (cached && !isShown)
         take(page, cached->page, State::provisional);
     std::optional<MuseumPage> answer;
     std::optional<MuseumError> error;
@@ -159,12 +160,12 @@ QCoro::Task<> MuseumListModel::read(int page, int turn) {
     if (!self || turn != m_turn)
         co_return;
     m_isReading = false;
-    if (answer)
+    if (answer) {
         take(page, std::move(*answer), State::read);
-    else if (cached)
-        take(page, cached->page, State::read);
-    else if (!m_isQuerying)
+        forgetFailures(); // the museum is there again
+    } else if (!m_isQuerying) {
         m_pages[static_cast<std::size_t>(page)].state = State::failed;
+    }
     if (m_isQuerying) { // there is nothing to show for it
         beginResetModel();
         m_pages.clear();
@@ -250,17 +251,24 @@ void MuseumListModel::setPageCount(int count, const std::optional<int> &total) {
 }
 
 void MuseumListModel::forgetFarPages() {
-    std::vector<int> kept;
-    for (std::size_t i = 0; i < m_pages.size(); ++i) {
-        if (!m_pages[i].skins.isEmpty())
-            kept.push_back(static_cast<int>(i));
+    int kept = 0;
+    std::size_t farthest = 0;
+    int most = -1;
+    int first = 0;
+    for (std::size_t i = 0; i < m_pages.size(); first += m_pages[i++].size) {
+        if (m_pages[i].skins.isEmpty())
+            continue;
+        ++kept;
+        if (const int away = distance(first, m_pages[i]); away > most) {
+            farthest = i;
+            most = away;
+        }
     }
-    if (kept.size() <= maxPages)
+    if (kept <= maxPages)
         return;
-    const int farthest = *std::ranges::max_element(kept, {}, [this](int page) { return distance(page); });
-    m_pages[static_cast<std::size_t>(farthest)].skins.clear();
-    m_pages[static_cast<std::size_t>(farthest)].state = State::unread;
-    tell(farthest);
+    m_pages[farthest].skins.clear();
+    m_pages[farthest].state = State::unread;
+    tell(static_cast<int>(farthest));
 }
 
 void MuseumListModel::tell(int page) {

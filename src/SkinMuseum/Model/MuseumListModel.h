@@ -16,7 +16,7 @@ class MuseumClient;
 ///
 /// Pages are read one at a time as their rows come into view, those in view first; until then their rows have
 /// no data. Where the museum tells how many skins there are, all rows are there from the beginning; otherwise
-/// they grow by a page. What was seen within the last day is shown at once and then brought up to date. A new
+/// they grow by a page. What was seen before is shown at once and then brought up to date. A new
 /// query leaves the rows as they are until its own have come. Main thread; borrows the client.
 class MuseumListModel : public QAbstractListModel {
     Q_OBJECT
@@ -59,7 +59,12 @@ class MuseumListModel : public QAbstractListModel {
     void pageRead();
 
   private:
-    enum class State { unread, provisional, read, failed };
+    enum class State {
+        unread,
+        provisional, ///< shown as it was seen before
+        read,
+        failed, ///< there may be what was seen before
+    };
     struct Page {
         QList<MuseumSkin> skins;
         int size = 0; ///< rows, also while there are no skins
@@ -70,6 +75,7 @@ class MuseumListModel : public QAbstractListModel {
     void readOn();
     QCoro::Task<> read(int page, int turn);
     [[nodiscard]] std::optional<int> wanted() const;
+    void forgetFailures();
     void take(int page, MuseumPage answer, State state);
     void setSize(int page, int size);
     void setPageCount(int count, const std::optional<int> &total);
@@ -79,7 +85,7 @@ class MuseumListModel : public QAbstractListModel {
 
     [[nodiscard]] int start(int page) const;
     [[nodiscard]] int pageOf(int row) const;
-    [[nodiscard]] int distance(int page) const;
+    [[nodiscard]] int distance(int first, const Page &page) const;
 
     MuseumClient &m_client;
     MuseumQuery m_query = MuseumQuery::browse(false);

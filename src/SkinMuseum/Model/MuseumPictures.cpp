@@ -11,12 +11,12 @@ namespace vantor {
 
 namespace {
 
-constexpr qint64 maxPixels = 4'000'000;
 constexpr qsizetype mostFailures = 4096;
 
 /// In the form that is painted fastest.
 QImage decoded(const QByteArray &bytes, int height) {
-    return decodePicture(bytes, height, maxPixels).convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    return decodePicture(bytes, height, MuseumScreenshotCache::maxPixels)
+        .convertToFormat(QImage::Format_ARGB32_Premultiplied);
 }
 
 } // namespace
@@ -75,6 +75,8 @@ QCoro::Task<> MuseumPictures::load(Request request) {
             co_return;
         const QFuture<QImage> decoding = QtConcurrent::run(&m_pool, &decoded, bytes, request.height);
         image = co_await decoding;
+        if (self && image.isNull())
+            m_cache.drop(request.skin.md5);
     } catch (...) {
         // Whatever the reason, there is no picture; the list tells when the museum is out of reach.
     }

@@ -19,10 +19,18 @@ void MuseumTab::connectDownloads() {
             m_grid->viewport()->update();
     });
     connect(m_downloads.get(), &MuseumDownloads::finished, this, &MuseumTab::takeDownload);
+    connect(m_downloads.get(), &MuseumDownloads::failed, this, [this](const QString &md5) {
+        if (m_wearNext == md5)
+            m_wearNext.clear();
+    });
+    connect(&m_model, &PlayerModel::skinChanged, this, [this] {
+        if (m_model.skinUrl() != m_lastAsked) // another was chosen elsewhere meanwhile
+            m_wearNext.clear();
+    });
     connect(m_details, &MuseumDetails::wearAsked, this, &MuseumTab::wearSelected);
     connect(m_details, &MuseumDetails::downloadAsked, this, &MuseumTab::downloadSelected);
     connect(m_details, &MuseumDetails::pageAsked, this, &MuseumTab::openPage);
-    connect(m_details, &MuseumDetails::backAsked, &m_history, &SkinHistory::goBack);
+    connect(m_details, &MuseumDetails::backAsked, this, &MuseumTab::goBack);
     connect(&m_history, &SkinHistory::changed, this, &MuseumTab::showSelected);
     connect(&m_model, &PlayerModel::skinRefused, this, [this](const QString &name, const QString &message) {
         const MuseumSkin *const skin = selected();
@@ -49,11 +57,21 @@ void MuseumTab::wearSelected() {
     m_refusals.remove(skin->md5);
     m_wearNext.clear(); // whichever it was, this one is wanted now
     if (const OwnedSkins::Skin *const owned = m_owned.find(skin->md5)) {
-        m_model.wear(owned->file);
+        wear(owned->file);
     } else {
         m_wearNext = skin->md5;
         start(*skin);
     }
+}
+
+void MuseumTab::wear(const QUrl &file) {
+    m_lastAsked = file;
+    m_model.wear(file);
+}
+
+void MuseumTab::goBack() {
+    m_wearNext.clear();
+    m_history.goBack();
 }
 
 void MuseumTab::downloadSelected() {
@@ -66,12 +84,14 @@ void MuseumTab::start(const MuseumSkin &skin) {
 }
 
 void MuseumTab::takeDownload(const QString &md5, const MuseumDownloadResult &result) {
-    if (result.outcome == MuseumDownloadResult::Case::added)
+    const OwnedSkins::Skin *const known = m_owned.find(md5);
+    const bool isIndexed = known && known->id && known->file == result.file;
+    if (!isIndexed)
         m_library.add({NativePath::fromUrl(result.file)});
     m_owned.note(md5, result.file);
     if (m_wearNext == md5) {
         m_wearNext.clear();
-        m_model.wear(result.file);
+        wear(result.file);
     }
 }
 
@@ -95,7 +115,7 @@ void MuseumTab::popUpMenu(QPoint at) {
     menu->addAction(tr("Open Museum Page"), this, &MuseumTab::openPage);
     menu->addSeparator();
     QAction *const back = menu->addAction(tr("Back to the Skin Before"), QKeySequence(Qt::Key_Backspace),
-                                          &m_history, &SkinHistory::goBack);
+                                          this, &MuseumTab::goBack);
     back->setEnabled(m_history.canGoBack());
     const QRect cell = m_grid->visualRect(m_grid->currentIndex());
     // The menu key knows no place.

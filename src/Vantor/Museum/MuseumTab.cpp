@@ -15,6 +15,7 @@
 #include "Vantor/Windows/MessagePage.h"
 
 #include <QCoreApplication>
+#include <QCryptographicHash>
 #include <QGraphicsOpacityEffect>
 #include <QHBoxLayout>
 #include <QKeyEvent>
@@ -35,6 +36,13 @@ constexpr int wideDetails = 299;
 constexpr int narrowDetails = 205;
 constexpr int wideWindow = 900;
 
+/// Of this museum alone: another one answers the same questions otherwise.
+QString pagesFolder(const MuseumSetup &setup) {
+    const QByteArray address = setup.endpoint.toEncoded();
+    const QByteArray name = QCryptographicHash::hash(address, QCryptographicHash::Sha256).toHex();
+    return setup.cacheFolder + QStringLiteral("/pages/") + QString::fromLatin1(name.left(16));
+}
+
 } // namespace
 
 MuseumTab::MuseumTab(PlayerModel &model, SkinLibraryModel &library, SkinSwitcher &switcher,
@@ -45,8 +53,7 @@ MuseumTab::MuseumTab(PlayerModel &model, SkinLibraryModel &library, SkinSwitcher
       m_folderNotice(new NoticeBar(tr("Choose Folder…"))), m_notice(new NoticeBar(tr("Try Again"))),
       m_splitter(new QSplitter), m_pages(new QStackedWidget), m_message(new MessagePage) {
     const QByteArray agent = MuseumUserAgent::make(setup.version);
-    auto results = std::make_shared<MuseumResultCache>(setup.cacheFolder + QStringLiteral("/pages"),
-                                                       MuseumResultCache::Limits());
+    auto results = std::make_shared<MuseumResultCache>(pagesFolder(setup), MuseumResultCache::Limits());
     m_client = std::make_unique<MuseumClient>(m_transport, std::move(results), agent, setup.endpoint);
     m_screenshots = std::make_unique<MuseumScreenshotCache>(
         m_transport, agent, setup.cacheFolder + QStringLiteral("/screenshots"),
@@ -121,7 +128,7 @@ void MuseumTab::connectGrid() {
     connect(&m_switcher, &SkinSwitcher::wornChanged, this, &MuseumTab::showSelected);
     connect(m_grid->selectionModel(), &QItemSelectionModel::currentChanged, this, &MuseumTab::showSelected);
     connect(m_grid, &MuseumGridView::chosen, this, &MuseumTab::choose);
-    connect(m_grid, &MuseumGridView::backAsked, &m_history, &SkinHistory::goBack);
+    connect(m_grid, &MuseumGridView::backAsked, this, &MuseumTab::goBack);
     connect(m_grid, &MuseumGridView::typed, this, [this](const QString &text) {
         m_search->setFocus();
         m_search->insert(text);

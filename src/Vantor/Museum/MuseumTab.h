@@ -74,6 +74,8 @@ class MuseumTab : public QWidget {
     [[nodiscard]] const MuseumSkin *selected() const;
     void choose(const QModelIndex &index);
     void wearSelected();
+    void wear(const QUrl &file);
+    void goBack();
     void downloadSelected();
     void openPage();
     void start(const MuseumSkin &skin);
@@ -95,6 +97,7 @@ class MuseumTab : public QWidget {
     std::unique_ptr<MuseumDownloads> m_downloads;
     SkinHistory m_history;
     QString m_wearNext;                 ///< once it is downloaded
+    QUrl m_lastAsked;                   ///< of the skins that were to be worn at once
     QHash<QString, QString> m_refusals; ///< why skins could not be worn, by MD5
 
     QLineEdit *m_search;

@@ -61,10 +61,12 @@ void OwnedSkins::ask() {
     };
     whenAnswered(
         *this, m_switcher.reader().ask<Skins>(question),
-        [this, done](const Skins &skins) {
+        [this, done, asked = m_noted](const Skins &skins) {
             m_known = skins;
             for (auto file = m_noted.begin(); file != m_noted.end();) {
                 const bool isIndexed = skins.contains(file.key()) && skins[file.key()].id;
+                if (!isIndexed && asked.value(file.key()) != *file) // has come since
+                    m_known.insert(file.key(), {.id = std::nullopt, .file = *file});
                 file = isIndexed ? m_noted.erase(file) : std::next(file);
             }
             Q_EMIT changed();

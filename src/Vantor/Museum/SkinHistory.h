@@ -4,6 +4,8 @@
 #include <QObject>
 #include <QUrl>
 
+#include <optional>
+
 namespace vantor {
 
 class PlayerModel;
@@ -29,7 +31,7 @@ class SkinHistory : public QObject {
     PlayerModel &m_model;
     QList<QUrl> m_before; ///< the default skin's address is empty
     QUrl m_present;
-    bool m_goesBack = false;
+    std::optional<QUrl> m_target; ///< of going back, until it is worn
 };
 
 } // namespace vantor

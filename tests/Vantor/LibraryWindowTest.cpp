@@ -163,6 +163,7 @@ TEST_F(LibraryWindowTest, ASearchIsAPlaceThatIsLeftAndComeBackTo) {
     field->setFocus();
     QTest::keyClick(field, Qt::Key_Tab);
     EXPECT_EQ(m_window->focusWidget(), shown<LibraryGridView>());
+    EXPECT_TRUE(says(u"1 album"_qs)); // the status
     EXPECT_EQ(field->text(), u"Album 21"_qs);
     doubleClick(*shown<LibraryGridView>(), 0);
     ASSERT_TRUE(showsRows(4));

@@ -318,12 +318,6 @@ void LibraryWindow::mouseReleaseEvent(QMouseEvent *event) {
         QWidget::mouseReleaseEvent(event);
 }
 
-void LibraryWindow::changeEvent(QEvent *event) {
-    QWidget::changeEvent(event);
-    if (event->type() == QEvent::PaletteChange)
-        giveFaintText(*this);
-}
-
 void LibraryWindow::closeEvent(QCloseEvent *event) {
     store();
     QWidget::closeEvent(event);

@@ -155,9 +155,22 @@ TEST_F(LibraryWindowTest, ASearchIsAPlaceThatIsLeftAndComeBackTo) {
     auto *const field = m_window->findChild<QLineEdit *>();
     QTest::keyClicks(field, u"Album 21"_qs);
     ASSERT_TRUE(showsRows(1));
+    const auto *const cross = field->findChildren<QAbstractButton *>().last();
+    EXPECT_TRUE(waitFor([&] { return cross->property("opacity").toDouble() == 1; }));
+    auto *const sidebar = m_window->findChild<QListWidget *>();
+    sidebar->setFocus(); // which alone leads nowhere
+    EXPECT_EQ(field->text(), u"Album 21"_qs);
+    field->setFocus();
+    QTest::keyClick(field, Qt::Key_Tab);
+    EXPECT_EQ(m_window->focusWidget(), shown<LibraryGridView>());
+    EXPECT_TRUE(says(u"1 album"_qs)); // the status
+    EXPECT_EQ(field->text(), u"Album 21"_qs);
     doubleClick(*shown<LibraryGridView>(), 0);
     ASSERT_TRUE(showsRows(4));
     EXPECT_EQ(field->text(), QString());
+    EXPECT_TRUE(waitFor([&] { return cross->property("opacity").toDouble() == 0; }));
+    QTest::keyClick(shown<TrackTable>(), Qt::Key_End);
+    EXPECT_EQ(shown<TrackTable>()->currentIndex().row(), 3);
     QTest::keyClick(m_window.get(), Qt::Key_Left, Qt::AltModifier);
     EXPECT_EQ(field->text(), u"Album 21"_qs);
     ASSERT_TRUE(showsRows(1));

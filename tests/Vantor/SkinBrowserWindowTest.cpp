@@ -5,6 +5,7 @@
 #include "Vantor/Model/SkinSwitcher.h"
 #include "tests/SkinLibrary/LibraryFixture.h"
 
+#include <QApplication>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -218,6 +219,16 @@ TEST_F(SkinBrowserWindowTest, SaysWhatToDoWhenThereIsNothingToShow) {
     EXPECT_TRUE(shows({u"Amber"_qs})); // by itself
     m_library.setFolder(m_folder.path("no such folder"));
     EXPECT_TRUE(says(u"The folder could not be read"_qs));
+}
+
+TEST_F(SkinBrowserWindowTest, HintsAreReadableInADarkPaletteThatHasNoneOfItsOwn) {
+    const QPalette before = QApplication::palette();
+    QPalette dark(QColor(49, 54, 59));
+    dark.setColor(QPalette::PlaceholderText, Qt::black);
+    QApplication::setPalette(dark);
+    open();
+    EXPECT_GT(m_search->palette().color(QPalette::PlaceholderText).lightness(), 200);
+    QApplication::setPalette(before);
 }
 
 TEST_F(SkinBrowserWindowTest, OffersToDeleteAnIndexThatCannotBeRead) {

@@ -32,6 +32,8 @@ LibraryContent::LibraryContent(LibraryActions &actions, ArtworkCache &artwork, Q
     setBackgroundRole(QPalette::Base);
     setAutoFillBackground(true);
     connect(m_trackListPage, &TrackListPage::artistAsked, this, &LibraryContent::artistAsked);
+    connect(m_trackListPage, &TrackListPage::countChanged, this, &LibraryContent::countChanged);
+    connect(&m_search, &LibrarySearch::changed, this, &LibraryContent::countChanged);
     for (LibraryModel *const model :
          std::initializer_list<LibraryModel *>{&m_artists, &m_albums, &m_tracks, &m_playlists, &m_radios}) {
         connect(model, &LibraryModel::stateChanged, this, &LibraryContent::countChanged);
@@ -148,7 +150,15 @@ QWidget *LibraryContent::pageOf(const LibraryPlace &place) {
     return sectionPage(place.section);
 }
 
-QString LibraryContent::countOf(LibrarySection section) const {
+QString LibraryContent::countOf(const LibraryPlace &place) const {
+    if (std::holds_alternative<LibraryPlace::Section>(place.what))
+        return sectionCount(place.section);
+    if (std::holds_alternative<LibraryPlace::Search>(place.what))
+        return m_searchPage->count();
+    return std::holds_alternative<ArtistGroup>(place.what) ? QString() : m_trackListPage->count();
+}
+
+QString LibraryContent::sectionCount(LibrarySection section) const {
     const auto count = [](const LibraryModel &model, MediaKind kind) {
         return model.hasAnswer() ? LibraryTexts::count(kind, model.rowCount({})) : QString();
     };

@@ -37,8 +37,8 @@ class LibraryContent : public QStackedWidget {
     [[nodiscard]] std::optional<ArtistGroup> group(const MediaID &artist) const {
         return m_artists.group(artist);
     }
-    /// How many there are in a section, as a text; empty when that is not known.
-    [[nodiscard]] QString countOf(LibrarySection section) const;
+    /// How many there are at the place that is shown, as a text; empty when that is not known.
+    [[nodiscard]] QString countOf(const LibraryPlace &place) const;
 
   Q_SIGNALS:
     void artistAsked(const vantor::LibraryAlbum &album);
@@ -50,6 +50,7 @@ class LibraryContent : public QStackedWidget {
     void addPlaylists();
     void addRadios();
     [[nodiscard]] QWidget *pageOf(const LibraryPlace &place);
+    [[nodiscard]] QString sectionCount(LibrarySection section) const;
     [[nodiscard]] QWidget *sectionPage(LibrarySection section);
 
     LibraryPageContext m_context;

@@ -1,6 +1,7 @@
 #include "Vantor/Library/LibraryDialogs.h"
 
 #include "Vantor/Model/InBackground.h"
+#include "Vantor/Windows/FaintText.h"
 
 #include <QCoreApplication>
 #include <QDialogButtonBox>
@@ -76,6 +77,7 @@ void LibraryDialogs::confirm(QWidget *parent, const QString &question, const QSt
 
 void LibraryDialogs::askRadio(QWidget *parent, const std::function<void(const RadioURLInput &)> &then) {
     auto *const dialog = new QDialog(parent);
+    giveFaintText(*dialog);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setWindowTitle(tr("Add Radio Station"));
     auto *const url = new QLineEdit;

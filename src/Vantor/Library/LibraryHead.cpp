@@ -8,6 +8,7 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QScopedValueRollback>
 #include <QToolButton>
 
 namespace vantor {
@@ -57,7 +58,10 @@ LibraryHead::LibraryHead(LibraryBrowser &browser, QWidget *parent)
     layout->addWidget(m_outputs);
     connect(m_back, &QToolButton::clicked, this, &LibraryHead::backAsked);
     connect(m_forward, &QToolButton::clicked, this, &LibraryHead::forwardAsked);
-    connect(m_search, &QLineEdit::textChanged, this, &LibraryHead::searchTyped);
+    connect(m_search, &QLineEdit::textChanged, this, [this](const QString &text) {
+        if (!m_isShowing)
+            Q_EMIT searchTyped(text);
+    });
     connect(m_outputs, &QComboBox::activated, this,
             [this](int index) { m_browser.chooseOutput({m_outputs->itemData(index).toString()}); });
     connect(&browser, &LibraryBrowser::sourceChanged, this, &LibraryHead::takeSource);
@@ -72,7 +76,7 @@ void LibraryHead::showSteps(bool canGoBack, bool canGoForward) {
 }
 
 void LibraryHead::showSearch(const QString &text) {
-    const QSignalBlocker blocker(m_search);
+    const QScopedValueRollback<bool> showing(m_isShowing, true); // whose own signals its clear button needs
     if (m_search->text().simplified() != text) // or what is being typed would lose its blanks
         m_search->setText(text);
 }
@@ -128,7 +132,8 @@ bool LibraryHead::eventFilter(QObject *watched, QEvent *event) {
         Q_EMIT searchLeft();
         return true;
     }
-    if (key == Qt::Key_Down || key == Qt::Key_Return || key == Qt::Key_Enter) {
+    const bool isTabToResults = key == Qt::Key_Tab && !m_search->text().trimmed().isEmpty();
+    if (isTabToResults || key == Qt::Key_Down || key == Qt::Key_Return || key == Qt::Key_Enter) {
         Q_EMIT resultsAsked();
         return true;
     }

@@ -50,6 +50,7 @@ class LibraryHead : public QWidget {
     QAction *m_searchIcon;
     QComboBox *m_outputs;
     QLabel *m_output; ///< when there is only one
+    bool m_isShowing = false;
 };
 
 } // namespace vantor

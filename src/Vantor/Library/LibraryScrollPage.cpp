@@ -33,7 +33,7 @@ QWidget *LibraryScrollPage::addPart(const QString &title, QWidget *content) {
         font.setPointSizeF(font.pointSizeF() * 1.2);
         font.setBold(true);
         heading->setFont(font);
-        heading->setContentsMargins(14, 6, 14, 0);
+        heading->setContentsMargins(10, 6, 10, 0); // in line with the covers below
         layout->addWidget(heading);
     }
     layout->addWidget(content);

@@ -50,7 +50,9 @@ LibrarySidebar::LibrarySidebar(QWidget *parent)
         if (row >= 0 && row < m_sections.size())
             Q_EMIT chosen(m_sections[row]);
     };
-    connect(m_list, &QListWidget::currentRowChanged, this, choose);
+    // Not by what is current: a list without that makes its first row so when it gets the focus.
+    connect(m_list, &QListWidget::itemSelectionChanged, this,
+            [this, choose] { choose(m_list->row(m_list->selectedItems().value(0))); });
     // The section that one is in leads back to its list from a page further in.
     connect(m_list, &QListWidget::itemClicked, this, [this, choose] { choose(m_list->currentRow()); });
     connect(m_list, &QListWidget::itemActivated, this, [this, choose] { choose(m_list->currentRow()); });

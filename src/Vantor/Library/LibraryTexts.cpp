@@ -24,9 +24,11 @@ QString LibraryTexts::count(MediaKind kind, int count) {
 }
 
 QString LibraryTexts::runningTime(double seconds) {
+    if (seconds < 59.5)
+        return QObject::tr("%1 s").arg(std::max(1L, std::lround(seconds)));
     const int minutes = static_cast<int>(std::lround(std::min(seconds, 1e8) / 60));
     if (minutes < 60)
-        return QObject::tr("%1 min").arg(std::max(1, minutes));
+        return QObject::tr("%1 min").arg(minutes);
     return QObject::tr("%1 h %2 min").arg(minutes / 60).arg(minutes % 60);
 }
 

@@ -269,9 +269,7 @@ void LibraryWindow::setSourceStatus(const QString &status) {
 }
 
 void LibraryWindow::showStatus() {
-    const LibraryPlace &place = m_history.current();
-    const bool isSection = std::holds_alternative<LibraryPlace::Section>(place.what);
-    const QString count = m_browser.connected() && isSection ? m_content->countOf(place.section) : QString();
+    const QString count = m_browser.connected() ? m_content->countOf(m_history.current()) : QString();
     const QString source = m_browser.backend() ? m_browser.backend()->displayName() : QString();
     m_status->setText(m_told.isEmpty() ? LibraryTexts::joined({source, count, m_sourceStatus}) : m_told);
 }
@@ -318,12 +316,6 @@ void LibraryWindow::mouseReleaseEvent(QMouseEvent *event) {
         step(event->button() == Qt::ForwardButton);
     else
         QWidget::mouseReleaseEvent(event);
-}
-
-void LibraryWindow::changeEvent(QEvent *event) {
-    QWidget::changeEvent(event);
-    if (event->type() == QEvent::PaletteChange)
-        giveFaintText(*this);
 }
 
 void LibraryWindow::closeEvent(QCloseEvent *event) {

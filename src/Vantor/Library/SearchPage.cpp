@@ -1,5 +1,6 @@
 #include "Vantor/Library/SearchPage.h"
 
+#include "Vantor/Library/LibraryTexts.h"
 #include "Vantor/Windows/MessagePage.h"
 
 namespace vantor {
@@ -32,6 +33,15 @@ void SearchPage::focusResults() {
             part.list->setCurrentIndex(found.index(0, found.columnCount() > 1 ? 1 : 0));
         return;
     }
+}
+
+QString SearchPage::count() const {
+    const auto found = [](MediaKind kind, const LibraryModel &model) {
+        return model.rowCount() > 0 ? LibraryTexts::count(kind, model.rowCount()) : QString();
+    };
+    return LibraryTexts::joined({found(MediaKind::artist, m_search.artists()),
+                                 found(MediaKind::album, m_search.albums()),
+                                 found(MediaKind::track, m_search.tracks())});
 }
 
 void SearchPage::showResults() {

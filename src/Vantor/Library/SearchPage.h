@@ -16,6 +16,8 @@ class SearchPage : public LibraryScrollPage {
     SearchPage(const LibraryPageContext &context, LibrarySearch &search);
     /// To the first thing found.
     void focusResults();
+    /// How many were found of each kind, as a text.
+    [[nodiscard]] QString count() const;
 
   private:
     struct Part {

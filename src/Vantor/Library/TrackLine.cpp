@@ -57,8 +57,7 @@ void TrackLine::drawBack(QPainter &painter, const QRect &cell, const QStyleOptio
     if (row == m_table.hoveredRow())
         painter.fillRect(cell, faint(option.palette.color(QPalette::Text), 0.05));
     if (m_table.hasFocus() && row == m_table.currentIndex().row())
-        painter.fillRect(QRect(cell.left(), cell.bottom(), cell.width(), 1),
-                         option.palette.color(QPalette::Highlight));
+        painter.fillRect(cell, faint(option.palette.color(QPalette::Highlight), 0.18));
 }
 
 void TrackLine::drawContent(QPainter &painter, QRect cell, const QStyleOptionViewItem &option,

@@ -113,6 +113,10 @@ void TrackListPage::move(int row, int to) {
 
 // What there is to say
 
+QString TrackListPage::count() const {
+    return m_tracks.isComplete() ? LibraryTexts::count(MediaKind::track, m_tracks.rowCount()) : QString();
+}
+
 void TrackListPage::showDetails() {
     const auto *const album = std::get_if<LibraryAlbum>(&m_item.record);
     QStringList facts{album && album->year ? QString::number(*album->year) : QString()};
@@ -125,7 +129,7 @@ void TrackListPage::showDetails() {
             isOfOthers = isOfOthers || (album && ArtistName::key(track.artistName) !=
                                                      ArtistName::key(album->artistName.value_or(QString())));
         }
-        facts.append(LibraryTexts::count(MediaKind::track, static_cast<int>(tracks.size())));
+        facts.append(count());
         facts.append(seconds > 0 ? LibraryTexts::runningTime(seconds) : QString());
         // On the page of an album that says who it is by, every line needs not say it again.
         QSet<int> unneeded{TrackListModel::numberColumn}; // which in a playlist is one of many albums
@@ -135,6 +139,7 @@ void TrackListPage::showDetails() {
         m_table->setUnneeded(unneeded);
     }
     m_header->setDetails(LibraryTexts::joined(facts));
+    Q_EMIT countChanged();
 }
 
 } // namespace vantor

@@ -16,7 +16,11 @@ class TrackListPage : public QWidget {
     void show(const LibraryAlbum &album);
     void show(const LibraryPlaylist &playlist);
 
+    /// As a text; empty until all are there.
+    [[nodiscard]] QString count() const;
+
   Q_SIGNALS:
+    void countChanged();
     void artistAsked(const vantor::LibraryAlbum &album);
 
   private:

@@ -272,6 +272,13 @@ void TrackTable::mousePressEvent(QMouseEvent *event) {
         QTableView::mousePressEvent(event);
 }
 
+// Home and End are the first and the last line, not the ends of one.
+QModelIndex TrackTable::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) {
+    if (action != MoveHome && action != MoveEnd)
+        return QTableView::moveCursor(action, modifiers);
+    return m_tracks.index(action == MoveHome ? 0 : m_tracks.rowCount() - 1, Model::titleColumn);
+}
+
 // Letters find titles, wherever the pointer has clicked.
 void TrackTable::keyboardSearch(const QString &letters) {
     const QModelIndex current = currentIndex();

@@ -57,6 +57,7 @@ class TrackTable : public QTableView {
     void mouseMoveEvent(QMouseEvent *event) override;
     void leaveEvent(QEvent *event) override;
     void startDrag(Qt::DropActions actions) override;
+    QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
     [[nodiscard]] QSize sizeHint() const override;
 
   public:

@@ -2,6 +2,7 @@
 
 #include "MusicBackendKit/MarqueeText.h"
 #include "Vantor/Model/TrackFinder.h"
+#include "Vantor/Windows/FaintText.h"
 
 #include <QAbstractListModel>
 #include <QCoreApplication>
@@ -88,6 +89,7 @@ JumpToFileDialog::JumpToFileDialog(PlayerModel &model, QWidget *parent)
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowTitle(tr("Jump to File"));
     resize(460, 360);
+    giveFaintText(*this);
     m_query->setPlaceholderText(tr("Artist, title, album or file name"));
     m_query->setClearButtonEnabled(true);
     m_query->setAccessibleName(tr("Find"));

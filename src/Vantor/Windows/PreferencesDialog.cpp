@@ -10,7 +10,6 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDialogButtonBox>
-#include <QEvent>
 #include <QGridLayout>
 #include <QLabel>
 #include <QListWidget>
@@ -50,12 +49,6 @@ PreferencesDialog::PreferencesDialog(PlayerModel &model, MusicLibrary *library, 
     layout->addWidget(buttons, 1, 0, 1, 2);
     layout->setColumnStretch(1, 1);
     resize(620, 460);
-}
-
-void PreferencesDialog::changeEvent(QEvent *event) {
-    QDialog::changeEvent(event);
-    if (event->type() == QEvent::PaletteChange)
-        giveFaintText(*this);
 }
 
 void PreferencesDialog::addPage(PreferencesPage page, const QString &title, QWidget *widget) {

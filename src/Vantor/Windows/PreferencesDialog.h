@@ -25,9 +25,6 @@ class PreferencesDialog : public QDialog {
 
     void showPage(PreferencesPage page);
 
-  protected:
-    void changeEvent(QEvent *event) override;
-
   private:
     void addPage(PreferencesPage page, const QString &title, QWidget *widget);
     [[nodiscard]] QWidget *generalPage();

@@ -6,6 +6,7 @@
 #include "Vantor/Museum/MuseumSetup.h"
 #include "Vantor/Museum/MuseumTab.h"
 #include "Vantor/Windows/DialogPlace.h"
+#include "Vantor/Windows/FaintText.h"
 #include "Vantor/Windows/MessagePage.h"
 #include "Vantor/Windows/SkinBrowserFoot.h"
 
@@ -68,6 +69,7 @@ SkinBrowserWindow::SkinBrowserWindow(PlayerModel &model, SkinLibraryModel &libra
     setWindowTitle(tr("Skin Browser"));
     setAttribute(Qt::WA_QuitOnClose, false);
     setMinimumSize(480, 320);
+    giveFaintText(*this);
 
     m_grid->setAccessibleName(tr("Skins"));
     m_pages->addWidget(m_grid);

@@ -1,6 +1,7 @@
 #include "Vantor/Windows/WelcomeDialog.h"
 
 #include "Vantor/Model/PlayerModel.h"
+#include "Vantor/Windows/FaintText.h"
 #include "Vantor/Windows/FolderField.h"
 
 #include <QDialogButtonBox>
@@ -15,6 +16,7 @@ WelcomeDialog::WelcomeDialog(PlayerModel &model, QWidget *parent)
       m_music(new FolderField(tr("Music folder"), model.preferences().libraryFolder())) {
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowTitle(tr("Welcome to Vantor"));
+    giveFaintText(*this);
     auto *intro =
         new QLabel(tr("Where do you keep your skins and your music? You can leave either empty, and change "
                       "both later in the preferences (Ctrl+P)."));

@@ -40,8 +40,10 @@ void MAOutputWatchers::setLocalClientID(const std::optional<QString> &id) {
 
 void MAOutputWatchers::take(const MAServerEvent &event) {
     const QString id = event.objectID.value_or(QString());
+    const bool hasRecord = event.data.kind() == MAJSON::Kind::object;
     if (event.event == "player_updated"_L1 || event.event == "player_added"_L1) {
-        put(m_newPlayers, id, event.data);
+        if (hasRecord)
+            put(m_newPlayers, id, event.data);
     } else if (event.event == "player_removed"_L1) {
         put(m_newPlayers, id, MAJSON());
     } else if (event.event == "queue_time_updated"_L1) {
@@ -49,7 +51,10 @@ void MAOutputWatchers::take(const MAServerEvent &event) {
             put(m_newTimes, id, *seconds);
     } else if (event.event == "queue_updated"_L1 || event.event == "queue_added"_L1 ||
                event.event == "queue_items_updated"_L1) {
-        put(m_newQueues, id, event.data);
+        if (hasRecord) {
+            put(m_newQueues, id, event.data);
+            m_newTimes.remove(id); // told before, maybe of another track
+        }
         if (event.event == "queue_items_updated"_L1 && m_changedItems.size() < mostNews)
             m_changedItems.insert(id);
     } else {
@@ -129,8 +134,9 @@ AsyncStream<NowPlaying> MAOutputWatchers::nowPlaying(const OutputDevice::ID &out
     auto &watch = m_nowPlaying[output.rawValue];
     if (!watch.streams.isWanted())
         watch.last = present(output);
-    askActiveQueues();
-    return watch.streams.subscribe(latestValueOnly, watch.last);
+    auto stream = watch.streams.subscribe(latestValueOnly, watch.last);
+    askActiveQueues(); // may publish at once, which forgets what nobody watches
+    return stream;
 }
 
 AsyncStream<RemoteQueueSnapshot> MAOutputWatchers::queue(const OutputDevice::ID &output) {

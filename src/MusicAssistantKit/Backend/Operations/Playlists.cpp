@@ -137,7 +137,10 @@ QCoro::Task<> MusicAssistantBackend::movePlaylistTrack(MediaID playlist, int fro
     const QString library = co_await editableID(*d, playlist);
     if (from == to)
         co_return;
+    // Of the server as it is now: it may be another version since the connection was lost.
     const auto args = playlistMoveArguments(d->commands.parameters(playlistMoveCommand()), library, from, to);
+    if (!args)
+        throw MusicAssistantBackendErrors::reorderingUnsupported();
     try {
         co_await d->callTask(playlistMoveCommand(), *args, playlistEditing);
     } catch (const MusicBackendError &error) {

@@ -87,8 +87,10 @@ QCoro::Task<> MAOutputWatchers::readItems(OutputDevice::ID output, QString queue
     } catch (const std::exception &) {
         // What is shown stays for the moment.
     }
-    const auto watch = self ? m_queues.find(output.rawValue) : m_queues.end();
-    if (!self || watch == m_queues.end())
+    if (!self)
+        co_return;
+    const auto watch = m_queues.find(output.rawValue);
+    if (watch == m_queues.end())
         co_return;
     QueueWatch &after = watch->second;
     after.isReading = false;

@@ -10,7 +10,6 @@
 #include <QInputDialog>
 #include <QLabel>
 #include <QLineEdit>
-#include <QMessageBox>
 #include <QPushButton>
 #include <QSaveFile>
 #include <QStandardPaths>
@@ -61,18 +60,6 @@ void LibraryDialogs::askName(QWidget *parent, const QString &title, const QStrin
     QObject::connect(dialog, &QInputDialog::textValueSelected, parent,
                      [then](const QString &text) { then(text.trimmed()); });
     dialog->open();
-}
-
-void LibraryDialogs::confirm(QWidget *parent, const QString &question, const QString &more,
-                             const QString &button, const std::function<void()> &then) {
-    auto *const box = new QMessageBox(QMessageBox::Question, {}, question, QMessageBox::Cancel, parent);
-    box->setAttribute(Qt::WA_DeleteOnClose);
-    box->setTextFormat(Qt::PlainText);
-    box->setInformativeText(more);
-    const QPushButton *const yes = box->addButton(button, QMessageBox::AcceptRole);
-    box->setDefaultButton(QMessageBox::Cancel);
-    QObject::connect(yes, &QPushButton::clicked, parent, then);
-    box->open();
 }
 
 void LibraryDialogs::askRadio(QWidget *parent, const std::function<void(const RadioURLInput &)> &then) {

@@ -13,9 +13,6 @@ namespace vantor::LibraryDialogs {
 /// `then` is given the name without blanks around it.
 void askName(QWidget *parent, const QString &title, const QString &button, const QString &name,
              const std::function<void(const QString &)> &then);
-/// `button`: what it says that has `then` done.
-void confirm(QWidget *parent, const QString &question, const QString &more, const QString &button,
-             const std::function<void()> &then);
 /// Takes only an address that can be one of a station.
 void askRadio(QWidget *parent, const std::function<void(const RadioURLInput &)> &then);
 

@@ -1,6 +1,7 @@
 #include "Vantor/Library/PlaylistActions.h"
 
 #include "Vantor/Library/LibraryDialogs.h"
+#include "Vantor/Windows/AskBefore.h"
 
 #include <QMenu>
 #include <QPointer>
@@ -99,10 +100,9 @@ void PlaylistActions::rename(QWidget *window, const LibraryPlaylist &playlist) {
 }
 
 void PlaylistActions::askToDelete(QWidget *window, const LibraryPlaylist &playlist) {
-    LibraryDialogs::confirm(
-        window, tr("Delete the playlist “%1”?").arg(playlist.name),
-        tr("It is gone for good. The music in it stays in the library."), tr("Delete"),
-        [this, id = playlist.id] { m_edits.deletePlaylist(id, [this, id] { Q_EMIT deleted(id); }); });
+    askBefore(window, tr("Delete the playlist “%1”?").arg(playlist.name),
+              tr("It is gone for good. The music in it stays in the library."), tr("Delete"),
+              [this, id = playlist.id] { m_edits.deletePlaylist(id, [this, id] { Q_EMIT deleted(id); }); });
 }
 
 void PlaylistActions::exportTo(QWidget *window, const LibraryPlaylist &playlist) {

@@ -201,7 +201,8 @@ TEST(PlayerNodeTest, TakingBackNeverTouchesWhatSounds) {
         std::vector<StereoFrame> out(16);
         std::int64_t last = 0;
         while (!done) {
-            node.render(out);
+            if (last < 15'000) // whatever the scheduler does, the segment's end stays far
+                node.render(out);
             const PlayerNode::Progress progress = node.progress();
             EXPECT_EQ(progress.generation, progress.generation == 0 ? 0U : 1U);
             EXPECT_GE(progress.frame, last);
@@ -214,7 +215,7 @@ TEST(PlayerNodeTest, TakingBackNeverTouchesWhatSounds) {
     for (std::uint32_t follower = 2; follower < 400; ++follower) {
         node.follow(1, {follower});
         newest = follower;
-        if (follower % 2 == 0 && node.progress().frame < 15'000)
+        if (follower % 2 == 0)
             node.play();
         else
             node.pause();
@@ -223,6 +224,8 @@ TEST(PlayerNodeTest, TakingBackNeverTouchesWhatSounds) {
     done = true;
     writer.join();
     listener.join();
+    node.play();
+    render(node, 64);
     EXPECT_LT(node.progress().frame, 20'000) << "the test needs the segment's end to be far";
     EXPECT_GT(node.progress().frame, 0);
 }

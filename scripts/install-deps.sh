@@ -14,7 +14,7 @@ build_packages=(
     # Libraries.
     qt6-base-dev qt6-base-dev-tools qt6-websockets-dev libgl1-mesa-dev qcoro-qt6-dev qtkeychain-qt6-dev
     libzip-dev zlib1g-dev libavformat-dev libavcodec-dev libavutil-dev libswresample-dev
-    libtag1-dev libxcb1-dev libpulse-dev libsqlite3-dev libssl-dev
+    libtag1-dev libxcb1-dev libxcb-sync-dev libpulse-dev libsqlite3-dev libssl-dev
     # A font for dialogs and menus; the window system's plugin comes with Qt's library.
     fonts-dejavu-core
 )

@@ -12,6 +12,8 @@ inline constexpr int miniTimeImageWidth = 30;
 inline constexpr std::array<int, 5> miniTimeCellX{1, 7, 12, 20, 25};
 inline constexpr QRect miniTimeHitArea{127, 4, miniTimeImageWidth, 6};
 inline constexpr QRect visualizerFrame{79, 5, 76, 5}; ///< overlaps the mini time, which lies on top
+/// Of the frame, what is left for the picture: the right half belongs to the mini time.
+inline constexpr QRect visualizer{79, 5, 38, 5};
 
 [[nodiscard]] QRect frame(MainWindowLayout::Transport button);
 

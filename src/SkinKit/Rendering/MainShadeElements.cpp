@@ -31,19 +31,15 @@ void drawMiniTime(const SkinCanvas &canvas, const Scene &scene) {
     drawMiniTime(canvas.sprites, miniTimeState(scene), MainShadeLayout::miniTimeHitArea.topLeft());
 }
 
-// The right half of the frame belongs to the mini time, so the whole picture is drawn at half its width.
-constexpr QRect visualizerArea{
-    MainShadeLayout::visualizerFrame.topLeft(),
-    QSize{MainShadeLayout::visualizerFrame.width() / 2, MainShadeLayout::visualizerFrame.height()}};
-
 bool visualizerDiffers(const Scene &before, const Scene &after) {
     return before.visualizer != after.visualizer;
 }
 
 void drawVisualizer(const SkinCanvas &canvas, const Scene &scene) {
-    const QImage picture = visualizerImage(scene.visualizer, canvas.skin.visColors, visualizerArea.size());
+    const QRect area = MainShadeLayout::visualizer;
+    const QImage picture = visualizerImage(scene.visualizer, canvas.skin.visColors, area.size());
     if (!picture.isNull())
-        canvas.painter.drawImage(visualizerArea.topLeft(), picture);
+        canvas.painter.drawImage(area.topLeft(), picture);
 }
 
 bool positionDiffers(const Scene &before, const Scene &after) {
@@ -113,7 +109,7 @@ std::span<const SceneElement<MainWindowScene>> mainShadeElements() {
     static const std::array elements{
         SceneElement<Scene>{QRect({0, 0}, MainWindowLayout::shadeSize), titleDiffers, drawTitle},
         SceneElement<Scene>{MainShadeLayout::miniTimeHitArea, stateDiffers<miniTimeState>, drawMiniTime},
-        SceneElement<Scene>{visualizerArea, visualizerDiffers, drawVisualizer},
+        SceneElement<Scene>{MainShadeLayout::visualizer, visualizerDiffers, drawVisualizer},
         SceneElement<Scene>{Slider::shadePosition.rect(), positionDiffers, drawPosition},
     };
     return elements;

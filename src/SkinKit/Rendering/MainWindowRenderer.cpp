@@ -1,8 +1,10 @@
 #include "SkinKit/Rendering/MainWindowRenderer.h"
 
+#include "SkinKit/Layout/MainShadeLayout.h"
 #include "SkinKit/Layout/MainWindowLayout.h"
 #include "SkinKit/Rendering/MainWindowElements_p.h"
 #include "SkinKit/Rendering/ScenePainting_p.h"
+#include "SkinKit/Rendering/VisualizerPicture_p.h"
 
 #include <QPainter>
 
@@ -24,6 +26,14 @@ QRegion changed(const Skin &, const MainWindowScene &before, const MainWindowSce
     if (before.shaded != after.shaded)
         return QRect({0, 0}, size(after.shaded, 1));
     return ScenePainting::changed(elementsOf(after.shaded), before, after);
+}
+
+QRect visualizerArea(bool shaded) {
+    return shaded ? MainShadeLayout::visualizer : MainWindowLayout::visualizer;
+}
+
+QImage visualizer(const Skin &skin, const VisualizerPicture &picture, bool shaded) {
+    return visualizerImage(picture, skin.visColors, visualizerArea(shaded).size());
 }
 
 QRegion mask(const Skin &skin, bool shaded, int scale) {

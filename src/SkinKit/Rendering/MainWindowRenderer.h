@@ -29,6 +29,12 @@ void draw(QPainter &painter, const Skin &skin, const MainWindowScene &scene, int
 /// Empty when nothing changed.
 [[nodiscard]] QRegion changed(const Skin &skin, const MainWindowScene &before, const MainWindowScene &after);
 
+/// Where the visualizer is, in skin pixels.
+[[nodiscard]] QRect visualizerArea(bool shaded);
+
+/// What is there, a pixel for a skin pixel, in Format_RGB32; a null image when it is off.
+[[nodiscard]] QImage visualizer(const Skin &skin, const VisualizerPicture &picture, bool shaded);
+
 /// The outline of the window, in pixels at `scale`; the full rectangle when the skin gives none or an empty
 /// one.
 [[nodiscard]] QRegion mask(const Skin &skin, bool shaded, int scale);

@@ -6,6 +6,7 @@ namespace vantor {
 
 namespace {
 
+constexpr std::chrono::milliseconds longestPrecise{33};
 constexpr double longestFrame = 0.25; // seconds; after a longer gap things do not jump
 
 } // namespace
@@ -18,17 +19,24 @@ FrameClock::FrameClock(QObject *parent) : QObject(parent) {
 
 void FrameClock::setInterval(std::optional<std::chrono::milliseconds> interval) {
     m_interval = interval;
+    // Where an instant does not matter, one wake serves several timers.
+    m_timer.setTimerType(interval && *interval > longestPrecise ? Qt::CoarseTimer : Qt::PreciseTimer);
     schedule();
 }
 
-void FrameClock::setWatched(const QObject *by, bool watched) {
-    if (watched == m_watchers.contains(by))
+void FrameClock::setWatched(const QObject *by, Watch watch) {
+    if (watch == m_watchers.value(by, Watch::no))
         return;
-    if (watched)
-        m_watchers.insert(by);
+    if (watch != Watch::no)
+        m_watchers.insert(by, watch);
     else
         m_watchers.remove(by);
     schedule();
+}
+
+bool FrameClock::isAhead() const {
+    return !m_watchers.isEmpty() &&
+           std::ranges::all_of(m_watchers, [](Watch watch) { return watch == Watch::ahead; });
 }
 
 void FrameClock::schedule() {

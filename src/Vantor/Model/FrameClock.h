@@ -1,8 +1,8 @@
 #pragma once
 
 #include <QElapsedTimer>
+#include <QHash>
 #include <QObject>
-#include <QSet>
 #include <QTimer>
 
 #include <chrono>
@@ -20,8 +20,13 @@ class FrameClock : public QObject {
 
     /// From one frame to the next; none while everything stands still.
     void setInterval(std::optional<std::chrono::milliseconds> interval);
+    /// How a window watches what moves: not at all, picture by picture, or by having several pictures shown
+    /// one after another by themselves.
+    enum class Watch { no, everyFrame, ahead };
     /// A window says whether it can be seen. It must take itself off before it dies.
-    void setWatched(const QObject *by, bool watched);
+    void setWatched(const QObject *by, Watch watch);
+    /// Whether all who watch can be given pictures ahead.
+    [[nodiscard]] bool isAhead() const;
 
     /// Whether frame() is being emitted: this is the moment to paint.
     [[nodiscard]] bool isTicking() const { return m_ticking; }
@@ -37,7 +42,7 @@ class FrameClock : public QObject {
     void tick();
 
     std::optional<std::chrono::milliseconds> m_interval;
-    QSet<const QObject *> m_watchers;
+    QHash<const QObject *, Watch> m_watchers; ///< none with Watch::no
     QTimer m_timer;
     bool m_ticking = false;
     QElapsedTimer m_sinceFrame; ///< invalid while standing still

@@ -19,6 +19,7 @@ namespace vantor {
 namespace {
 
 constexpr std::chrono::milliseconds displayInterval{16};
+constexpr std::chrono::milliseconds aheadInterval{50};   // Visualizer::mostPictures of them
 constexpr std::chrono::milliseconds marqueeInterval{33}; // a pixel a step
 constexpr std::chrono::milliseconds blinkInterval{250};
 constexpr double blinkHalfPeriod = 0.5; // seconds
@@ -148,10 +149,12 @@ PlaybackState PlayerModel::visualizedState() const {
 }
 
 std::optional<std::chrono::milliseconds> PlayerModel::frameInterval() const {
-    if (m_visualizer.moves(visualizedState()))
+    if (isVisualizerMoving() && !m_clock.isAhead())
         return displayInterval;
     if (m_marquee.moves(StatusNotice::Clock::now()))
         return marqueeInterval;
+    if (isVisualizerMoving())
+        return aheadInterval;
     if (target().view().state == PlaybackState::paused)
         return blinkInterval;
     return std::nullopt;

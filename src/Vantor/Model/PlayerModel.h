@@ -62,6 +62,7 @@ class PlayerModel : public QObject {
     [[nodiscard]] TimeMode timeMode() const { return m_timeMode; }
     [[nodiscard]] Visualizer &visualizer() { return m_visualizer; }
 
+    [[nodiscard]] bool isVisualizerMoving() const { return m_visualizer.moves(visualizedState()); }
     /// How soon advance() wants to be called again for things that move; none while everything stands still.
     [[nodiscard]] std::optional<std::chrono::milliseconds> frameInterval() const;
     /// Moves the visualizer, the marquee and the blinking clock on by `elapsed` seconds.

@@ -6,6 +6,7 @@
 #include <QSettings>
 
 #include <algorithm>
+#include <cmath>
 
 namespace vantor {
 
@@ -102,8 +103,17 @@ bool Visualizer::moves(PlaybackState state) const {
 }
 
 void Visualizer::advance(PlaybackState state, double elapsed) {
+    m_pictures.clear();
     if (state == PlaybackState::paused || m_mode == VisualizerMode::off)
         return;
+    const int count = std::clamp(static_cast<int>(std::lround(elapsed / pictureSeconds)), 1, mostPictures);
+    for (int i = 0; i < count; ++i) {
+        step(state, elapsed / count);
+        m_pictures.push_back(m_picture);
+    }
+}
+
+void Visualizer::step(PlaybackState state, double elapsed) {
     const std::optional<VisFrame> frame = state == PlaybackState::playing ? nextFrame(elapsed) : std::nullopt;
     if (m_mode == VisualizerMode::spectrum)
         stepBars(frame, state);

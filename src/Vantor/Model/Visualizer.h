@@ -9,6 +9,7 @@
 #include <QObject>
 
 #include <optional>
+#include <vector>
 
 class QSettings;
 
@@ -39,6 +40,10 @@ class Visualizer : public QObject {
     void setScopeStyle(ScopeStyle style);
 
     [[nodiscard]] const VisualizerPicture &picture() const { return m_picture; }
+    /// What advance() has made, one for each time that the display is refreshed; picture() is the last.
+    [[nodiscard]] const std::vector<VisualizerPicture> &pictures() const { return m_pictures; }
+    static constexpr int mostPictures = 3;
+    static constexpr double pictureSeconds = 1.0 / 60;
     /// Whether advance() would change the picture.
     [[nodiscard]] bool moves(PlaybackState state) const;
     /// Paused keeps the last picture; stopped, and as long as a track is loading, the bars fall and it is
@@ -51,6 +56,7 @@ class Visualizer : public QObject {
   private:
     void store(const char *key, const QVariant &value);
     void clear();
+    void step(PlaybackState state, double elapsed);
     void stepBars(const std::optional<VisFrame> &frame, PlaybackState state);
     [[nodiscard]] std::optional<VisFrame> nextFrame(double elapsed);
 
@@ -63,6 +69,7 @@ class Visualizer : public QObject {
 
     VisBars m_bars;
     VisualizerPicture m_picture;
+    std::vector<VisualizerPicture> m_pictures;
     QElapsedTimer m_sinceFrame; ///< of sound; invalid before the first
 };
 

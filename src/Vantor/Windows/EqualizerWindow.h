@@ -21,7 +21,7 @@ class EqualizerWindow : public SkinnedWindow {
     [[nodiscard]] QRegion outline(int zoom) const override;
     [[nodiscard]] QRegion composeScene() override;
     void draw(QPainter &painter, int zoom) const override;
-    [[nodiscard]] bool moves() const override { return false; }
+    [[nodiscard]] FrameClock::Watch watch() const override { return FrameClock::Watch::no; }
     [[nodiscard]] Control controlAt(QPoint at) const override;
     [[nodiscard]] QStringList pointerNames(Control control, QPoint at) const override;
     bool grab(Control control, QPoint at, Qt::KeyboardModifiers modifiers) override;

@@ -108,9 +108,40 @@ QRegion MainWindow::composeScene() {
     const MainWindowControl held = mainControl(grabbed());
     scene.focused = isActiveWindow();
     scene.pressed = isSlider(held) || isPointerOnGrabbed() ? held : MainWindowControl::none;
-    const QRegion changed = MainWindowRenderer::changed(model().skin(), m_scene, scene);
+    QRegion changed = MainWindowRenderer::changed(model().skin(), m_scene, scene);
     m_scene = scene;
+    const QRect visualizer = MainWindowRenderer::visualizerArea(scene.shaded);
+    const bool wasAhead = m_pane.isShown();
+    if (showVisualizerAhead())
+        changed -= visualizer;
+    else if (wasAhead)
+        changed += visualizer; // which has not been painted for a while
     return changed;
+}
+
+// Nothing but the mark of the keyboard's focus is ever painted over the visualizer.
+bool MainWindow::showVisualizerAhead() {
+    const QWindow *const window = windowHandle();
+    const bool isWanted = isVisible() && window && window->isExposed() && model().isVisualizerMoving() &&
+                          focusedControl() != static_cast<Control>(MainWindowControl::visualizer);
+    if (!isWanted || !model().clock().isTicking()) {
+        if (!isWanted)
+            m_pane.hide();
+        return m_pane.isShown();
+    }
+    std::vector<QImage> pictures;
+    for (const VisualizerPicture &picture : model().visualizer().pictures())
+        pictures.push_back(MainWindowRenderer::visualizer(model().skin(), picture, isShaded()));
+    std::erase_if(pictures, [](const QImage &picture) { return picture.isNull(); });
+    const QRect area = MainWindowRenderer::visualizerArea(isShaded());
+    if (!pictures.empty())
+        return m_pane.show(*windowHandle(), {area.topLeft() * zoom(), area.size() * zoom()}, pictures);
+    m_pane.hide();
+    return false;
+}
+
+FrameClock::Watch MainWindow::watch() const {
+    return m_pane.isShown() ? FrameClock::Watch::ahead : FrameClock::Watch::everyFrame;
 }
 
 void MainWindow::draw(QPainter &painter, int zoom) const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "SkinKit/Rendering/MainWindowScene.h"
+#include "Vantor/Windows/FramePane.h"
 #include "Vantor/Windows/SkinnedWindow.h"
 
 namespace vantor {
@@ -20,6 +21,7 @@ class MainWindow : public SkinnedWindow {
     [[nodiscard]] QRegion outline(int zoom) const override;
     [[nodiscard]] QRegion composeScene() override;
     void draw(QPainter &painter, int zoom) const override;
+    [[nodiscard]] FrameClock::Watch watch() const override;
     [[nodiscard]] Control controlAt(QPoint at) const override;
     [[nodiscard]] QStringList pointerNames(Control control, QPoint at) const override;
     bool grab(Control control, QPoint at, Qt::KeyboardModifiers modifiers) override;
@@ -33,6 +35,9 @@ class MainWindow : public SkinnedWindow {
     void dragSlider(MainWindowControl slider, QPoint at);
     void describe(SkinControl &known, MainWindowControl control) const;
 
+    [[nodiscard]] bool showVisualizerAhead();
+
+    FramePane m_pane;        ///< with the visualizer, while it moves
     MainWindowScene m_scene; ///< as last painted or about to be
     int m_lastMarqueeX = 0;
 };

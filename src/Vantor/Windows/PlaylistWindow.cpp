@@ -69,9 +69,10 @@ void PlaylistWindow::draw(QPainter &painter, int zoom) const {
 }
 
 // The visualizer's picture, or in a pause the clock that blinks.
-bool PlaylistWindow::moves() const {
+FrameClock::Watch PlaylistWindow::watch() const {
     const bool isPaused = model().target().view().state == PlaybackState::paused;
-    return !isShaded() && (isPaused || Layout::hasVisualizer(m_playlist.size()));
+    const bool moves = !isShaded() && (isPaused || Layout::hasVisualizer(m_playlist.size()));
+    return moves ? FrameClock::Watch::everyFrame : FrameClock::Watch::no;
 }
 
 // Controls

@@ -46,7 +46,7 @@ SkinnedWindow::SkinnedWindow(WindowKind kind, PlayerModel &model, Commands &comm
 }
 
 SkinnedWindow::~SkinnedWindow() {
-    m_model.clock().setWatched(this, false);
+    m_model.clock().setWatched(this, FrameClock::Watch::no);
 }
 
 QRect SkinnedWindow::titleBar() const {
@@ -230,12 +230,12 @@ bool SkinnedWindow::eventFilter(QObject *watched, QEvent *event) {
 
 void SkinnedWindow::watchClock() {
     const bool isSeen = isVisible() && windowHandle() && windowHandle()->isExposed();
-    m_model.clock().setWatched(this, isSeen && moves());
+    m_model.clock().setWatched(this, isSeen ? watch() : FrameClock::Watch::no);
 }
 
 void SkinnedWindow::hideEvent(QHideEvent *event) {
     QWidget::hideEvent(event);
-    m_model.clock().setWatched(this, false);
+    m_model.clock().setWatched(this, FrameClock::Watch::no);
     cancelGrab();
 }
 

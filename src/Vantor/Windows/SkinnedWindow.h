@@ -84,8 +84,8 @@ class SkinnedWindow : public QWidget, public SkinWindowController {
     /// painter's clip need not be drawn.
     virtual void draw(QPainter &painter, int zoom) const = 0;
 
-    /// Whether anything in it moves by itself now: if not, nothing is reckoned for its sake.
-    [[nodiscard]] virtual bool moves() const { return true; }
+    /// How it shows what moves by itself: if nothing does, nothing is reckoned for its sake.
+    [[nodiscard]] virtual FrameClock::Watch watch() const { return FrameClock::Watch::everyFrame; }
 
     // The pointer. A press on a control grabs it: until it is let go, all movements are the control's. A grab
     // on the background drags the window and reaches the subclass only through grab().

@@ -70,6 +70,8 @@ class PlayerNode {
     [[nodiscard]] int underruns() const { return m_underruns.load(std::memory_order_relaxed); }
 
     // Decode thread.
+    /// Whether it takes from what is there, or does nothing in a pause.
+    [[nodiscard]] bool isPlaying() const { return m_playing.load(std::memory_order_acquire); }
     /// What follows belongs to a new segment that starts at a frame of its track. False: try again later.
     [[nodiscard]] bool beginSegment(std::uint32_t generation, std::int64_t startFrame,
                                     const ReplayGain &replayGain = {});

@@ -164,6 +164,7 @@ void Player::Private::replaceOutput(bool wasAllHeard) {
     planFollowers();
     if (state == PlaybackState::playing) {
         graph->node()->play();
+        streamer.wake();
         wakeOutput();
     }
 }

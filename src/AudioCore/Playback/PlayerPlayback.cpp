@@ -151,6 +151,7 @@ void Player::Private::resume() {
     // silent, and its successor plays.
     if (!switchTimer.isActive())
         graph->node()->play();
+    streamer.wake();
     wakeOutput();
     timeUpdates.start(timeUpdatePeriod);
     setState(PlaybackState::playing);

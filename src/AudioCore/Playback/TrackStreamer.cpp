@@ -60,6 +60,13 @@ void TrackStreamer::follow(std::uint32_t after, std::vector<Request> requests) {
     m_requested.notify_one();
 }
 
+void TrackStreamer::wake() {
+    {
+        const MutexLock lock(m_mutex);
+    } // it has seen that the node plays, or waits by now
+    m_requested.notify_one();
+}
+
 // What waits for a server would not hear of anything else.
 void TrackStreamer::stopAllBut(const FollowUp &wanted) {
     std::erase_if(m_stops, [&wanted](auto &stop) {
@@ -83,7 +90,10 @@ bool TrackStreamer::hasNews() const {
 // False when the streamer ends.
 bool TrackStreamer::takeRequest(Wait wait) {
     MutexLock lock(m_mutex);
-    while (wait == Wait::forRequest && !hasNews())
+    const auto sleeps = [&] {
+        return wait == Wait::forRequest || (wait == Wait::forRoom && !m_request.node->isPlaying());
+    };
+    while (sleeps() && !hasNews())
         lock.wait(m_requested);
     if ((wait == Wait::forRoom || wait == Wait::shortly) && !hasNews())
         lock.waitFor(m_requested, wait == Wait::forRoom ? restWhenFull : restWhenBlocked);

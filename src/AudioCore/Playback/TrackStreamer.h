@@ -60,6 +60,9 @@ class TrackStreamer : public QObject {
     /// before. What has been begun already goes on; if it is no longer among them, it is given up.
     void follow(std::uint32_t after, std::vector<Request> requests);
 
+    /// The node plays again after a pause, in which nobody takes anything from it and the decoder sleeps.
+    void wake();
+
   Q_SIGNALS:
     void reported();
 

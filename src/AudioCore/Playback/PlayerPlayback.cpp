@@ -28,7 +28,6 @@ Player::Private::Private(Player &player, std::unique_ptr<TrackResolver> trackRes
       analyzer(analyzerWindow, analyzerRing),
       streamer([this](const TrackStreamer::Report &report) { streamerReported(report); }) {
     timeUpdates.setSingleShot(true);
-    timeUpdates.setTimerType(Qt::PreciseTimer);
     QObject::connect(&timeUpdates, &QTimer::timeout, &q, [this] { tick(); });
     QObject::connect(&downloadTimer, &QTimer::timeout, &q, [this] { watchDownload(); });
     idleTimer.setSingleShot(true);

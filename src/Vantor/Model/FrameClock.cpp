@@ -6,7 +6,7 @@ namespace vantor {
 
 namespace {
 
-constexpr std::chrono::milliseconds longestPrecise{33};
+constexpr FrameClock::Period longestPrecise{33};
 constexpr double longestFrame = 0.25; // seconds; after a longer gap things do not jump
 
 } // namespace
@@ -17,26 +17,24 @@ FrameClock::FrameClock(QObject *parent) : QObject(parent) {
     connect(&m_timer, &QTimer::timeout, this, &FrameClock::tick);
 }
 
-void FrameClock::setInterval(std::optional<std::chrono::milliseconds> interval) {
+void FrameClock::setInterval(std::optional<Period> interval) {
     m_interval = interval;
     // Where an instant does not matter, one wake serves several timers.
     m_timer.setTimerType(interval && *interval > longestPrecise ? Qt::CoarseTimer : Qt::PreciseTimer);
     schedule();
 }
 
-void FrameClock::setWatched(const QObject *by, Watch watch) {
-    if (watch == m_watchers.value(by, Watch::no))
-        return;
-    if (watch != Watch::no)
-        m_watchers.insert(by, watch);
+void FrameClock::setWatched(const QObject *by, std::optional<Period> period) {
+    if (period)
+        m_watchers.insert(by, *period);
     else
         m_watchers.remove(by);
     schedule();
 }
 
-bool FrameClock::isAhead() const {
-    return !m_watchers.isEmpty() &&
-           std::ranges::all_of(m_watchers, [](Watch watch) { return watch == Watch::ahead; });
+FrameClock::Period FrameClock::period() const {
+    const auto shortest = std::ranges::min_element(m_watchers);
+    return shortest == m_watchers.end() ? everyFrame : *shortest;
 }
 
 void FrameClock::schedule() {

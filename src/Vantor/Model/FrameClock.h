@@ -16,17 +16,18 @@ class FrameClock : public QObject {
     Q_OBJECT
 
   public:
+    using Period = std::chrono::milliseconds;
+    static constexpr Period everyFrame{16}; ///< of the display
+
     explicit FrameClock(QObject *parent = nullptr);
 
     /// From one frame to the next; none while everything stands still.
-    void setInterval(std::optional<std::chrono::milliseconds> interval);
-    /// How a window watches what moves: not at all, picture by picture, or by having several pictures shown
-    /// one after another by themselves.
-    enum class Watch { no, everyFrame, ahead };
-    /// A window says whether it can be seen. It must take itself off before it dies.
-    void setWatched(const QObject *by, Watch watch);
-    /// Whether all who watch can be given pictures ahead.
-    [[nodiscard]] bool isAhead() const;
+    void setInterval(std::optional<Period> interval);
+    /// A window that can be seen says how often it wants a frame of what moves fast: every one, or fewer if
+    /// it takes several pictures ahead. It must take itself off, with none, before it dies.
+    void setWatched(const QObject *by, std::optional<Period> period);
+    /// What those who watch want.
+    [[nodiscard]] Period period() const;
 
     /// Whether frame() is being emitted: this is the moment to paint.
     [[nodiscard]] bool isTicking() const { return m_ticking; }
@@ -41,8 +42,8 @@ class FrameClock : public QObject {
     void schedule();
     void tick();
 
-    std::optional<std::chrono::milliseconds> m_interval;
-    QHash<const QObject *, Watch> m_watchers; ///< none with Watch::no
+    std::optional<Period> m_interval;
+    QHash<const QObject *, Period> m_watchers;
     QTimer m_timer;
     bool m_ticking = false;
     QElapsedTimer m_sinceFrame; ///< invalid while standing still

@@ -18,8 +18,6 @@ namespace vantor {
 
 namespace {
 
-constexpr std::chrono::milliseconds displayInterval{16};
-constexpr std::chrono::milliseconds aheadInterval{50};   // Visualizer::mostPictures of them
 constexpr std::chrono::milliseconds marqueeInterval{33}; // a pixel a step
 constexpr std::chrono::milliseconds blinkInterval{250};
 constexpr double blinkHalfPeriod = 0.5; // seconds
@@ -149,12 +147,13 @@ PlaybackState PlayerModel::visualizedState() const {
 }
 
 std::optional<std::chrono::milliseconds> PlayerModel::frameInterval() const {
-    if (isVisualizerMoving() && !m_clock.isAhead())
-        return displayInterval;
-    if (m_marquee.moves(StatusNotice::Clock::now()))
-        return marqueeInterval;
+    std::optional<std::chrono::milliseconds> interval;
     if (isVisualizerMoving())
-        return aheadInterval;
+        interval = m_clock.period();
+    if (m_marquee.moves(StatusNotice::Clock::now()))
+        interval = std::min(interval.value_or(marqueeInterval), marqueeInterval);
+    if (interval)
+        return interval;
     if (target().view().state == PlaybackState::paused)
         return blinkInterval;
     return std::nullopt;

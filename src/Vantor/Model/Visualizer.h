@@ -42,7 +42,7 @@ class Visualizer : public QObject {
     [[nodiscard]] const VisualizerPicture &picture() const { return m_picture; }
     /// What advance() has made, one for each time that the display is refreshed; picture() is the last.
     [[nodiscard]] const std::vector<VisualizerPicture> &pictures() const { return m_pictures; }
-    static constexpr int mostPictures = 3;
+    static constexpr int mostPictures = 6;
     static constexpr double pictureSeconds = 1.0 / 60;
     /// Whether advance() would change the picture.
     [[nodiscard]] bool moves(PlaybackState state) const;

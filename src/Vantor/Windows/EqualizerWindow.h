@@ -21,7 +21,7 @@ class EqualizerWindow : public SkinnedWindow {
     [[nodiscard]] QRegion outline(int zoom) const override;
     [[nodiscard]] QRegion composeScene() override;
     void draw(QPainter &painter, int zoom) const override;
-    [[nodiscard]] FrameClock::Watch watch() const override { return FrameClock::Watch::no; }
+    [[nodiscard]] std::optional<FrameClock::Period> framePeriod() const override { return std::nullopt; }
     [[nodiscard]] Control controlAt(QPoint at) const override;
     [[nodiscard]] QStringList pointerNames(Control control, QPoint at) const override;
     bool grab(Control control, QPoint at, Qt::KeyboardModifiers modifiers) override;

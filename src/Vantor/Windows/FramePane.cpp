@@ -17,6 +17,12 @@ int deviceScale(const QWindow &window, QRect area, QSize picture) {
     return scale == std::floor(scale) ? static_cast<int>(scale) : 0;
 }
 
+/// Ones that the display's refreshes and the player's reports divide evenly.
+std::chrono::milliseconds periodFor(int pictures) {
+    using namespace std::chrono_literals;
+    return pictures >= 6 ? 100ms : pictures >= 3 ? 50ms : 16ms;
+}
+
 } // namespace
 
 FramePane::FramePane() = default;
@@ -30,11 +36,14 @@ void FramePane::hide() {
 }
 
 bool FramePane::show(QWindow &in, QRect area, const std::vector<QImage> &pictures) {
-    const int scale = deviceScale(in, area, pictures.front().size());
-    if (!canShow(in, static_cast<int>(pictures.size()) * scale * scale, pictures.front().size())) {
+    const QSize size = pictures.front().size();
+    const int scale = deviceScale(in, area, size);
+    const int pixels = size.width() * size.height() * scale * scale;
+    if (scale == 0 || pixels * static_cast<int>(pictures.size()) > FrameQueue::mostPixels || !isUsable(in)) {
         hide();
         return false;
     }
+    m_period = periodFor(FrameQueue::mostPixels / pixels);
     if (m_window && (m_window->parent() != &in || m_window->geometry() != area))
         hide();
     if (!m_window) {
@@ -48,11 +57,10 @@ bool FramePane::show(QWindow &in, QRect area, const std::vector<QImage> &picture
     return true;
 }
 
-bool FramePane::canShow(const QWindow &in, int times, QSize picture) {
+bool FramePane::isUsable(const QWindow &in) {
     if (std::exchange(m_isUntried, false) && QGuiApplication::platformName() == QLatin1String("xcb"))
         m_queue = FrameQueue::make(static_cast<xcb_window_t>(in.winId()));
-    return m_queue && times > 0 && times * picture.width() * picture.height() <= FrameQueue::mostPixels &&
-           m_queue->isUsable();
+    return m_queue && m_queue->isUsable();
 }
 
 } // namespace vantor

@@ -2,9 +2,8 @@
 
 #include "Vantor/Model/Visualizer.h"
 
-#include <xcb/xcbext.h>
-
 #include <sys/socket.h>
+#include <xcb/xcbext.h>
 
 #include <algorithm>
 #include <bit>
@@ -49,7 +48,8 @@ bool hasWords(const xcb_setup_t &setup, std::uint8_t depth) {
 
 bool isRgb(const xcb_setup_t &setup, xcb_visualid_t id) {
     for (auto screen = xcb_setup_roots_iterator(&setup); screen.rem; xcb_screen_next(&screen)) {
-        for (auto depth = xcb_screen_allowed_depths_iterator(screen.data); depth.rem; xcb_depth_next(&depth)) {
+        for (auto depth = xcb_screen_allowed_depths_iterator(screen.data); depth.rem;
+             xcb_depth_next(&depth)) {
             const std::span visuals(xcb_depth_visuals(depth.data),
                                     static_cast<std::size_t>(xcb_depth_visuals_length(depth.data)));
             const auto visual = std::ranges::find(visuals, id, &xcb_visualtype_t::visual_id);
@@ -102,8 +102,8 @@ bool FrameQueue::understandsPixels(xcb_window_t window) {
     if (!attributes || !geometry)
         return false; // the windows are on another display
     const xcb_setup_t &setup = *xcb_get_setup(connection);
-    constexpr auto order = std::endian::native == std::endian::little ? XCB_IMAGE_ORDER_LSB_FIRST
-                                                                      : XCB_IMAGE_ORDER_MSB_FIRST;
+    constexpr auto order =
+        std::endian::native == std::endian::little ? XCB_IMAGE_ORDER_LSB_FIRST : XCB_IMAGE_ORDER_MSB_FIRST;
     m_depth = geometry->depth;
     return setup.image_byte_order == order && hasWords(setup, m_depth) && isRgb(setup, attributes->visual);
 }

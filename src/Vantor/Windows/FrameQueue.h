@@ -14,8 +14,8 @@
 namespace vantor {
 
 /// Sends pictures to windows of this program through an X11 connection of its own, which the server holds up
-/// until the next picture's time. Errors of that connection reach nobody. Never waits for the server once it is
-/// made. Main thread.
+/// until the next picture's time. Errors of that connection reach nobody. Never waits for the server once it
+/// is made. Main thread.
 class FrameQueue {
   public:
     /// Null where it does not work: another platform, a display on another computer, unusual pixels. `window`
@@ -50,7 +50,7 @@ class FrameQueue {
     std::uint8_t m_depth = 0;
     xcb_sync_counter_t m_serverTime = 0;
     std::chrono::milliseconds m_serverAhead{0}; ///< its time is the steady clock's and this
-    std::vector<std::uint32_t> m_pixels; ///< enlarged; kept for the next
+    std::vector<std::uint32_t> m_pixels;        ///< enlarged; kept for the next
 
     /// Asked behind the last picture: when the answer is there, all have been shown.
     std::optional<unsigned> m_question;

@@ -9,6 +9,7 @@
 
 #include <array>
 #include <cmath>
+#include <span>
 
 namespace vantor {
 
@@ -129,19 +130,27 @@ bool MainWindow::showVisualizerAhead() {
             m_pane.hide();
         return m_pane.isShown();
     }
-    std::vector<QImage> pictures;
-    for (const VisualizerPicture &picture : model().visualizer().pictures())
-        pictures.push_back(MainWindowRenderer::visualizer(model().skin(), picture, isShaded()));
-    std::erase_if(pictures, [](const QImage &picture) { return picture.isNull(); });
     const QRect area = MainWindowRenderer::visualizerArea(isShaded());
+    const std::vector<QImage> pictures = visualizerPictures();
     if (!pictures.empty())
         return m_pane.show(*windowHandle(), {area.topLeft() * zoom(), area.size() * zoom()}, pictures);
     m_pane.hide();
     return false;
 }
 
-FrameClock::Watch MainWindow::watch() const {
-    return m_pane.isShown() ? FrameClock::Watch::ahead : FrameClock::Watch::everyFrame;
+std::vector<QImage> MainWindow::visualizerPictures() const {
+    std::span<const VisualizerPicture> pictures = model().visualizer().pictures();
+    if (model().clock().period() == FrameClock::everyFrame && !pictures.empty())
+        pictures = pictures.last(1); // the next ones come before the others' time
+    std::vector<QImage> images;
+    for (const VisualizerPicture &picture : pictures)
+        images.push_back(MainWindowRenderer::visualizer(model().skin(), picture, isShaded()));
+    std::erase_if(images, [](const QImage &image) { return image.isNull(); });
+    return images;
+}
+
+std::optional<FrameClock::Period> MainWindow::framePeriod() const {
+    return m_pane.isShown() ? m_pane.period() : FrameClock::everyFrame;
 }
 
 void MainWindow::draw(QPainter &painter, int zoom) const {

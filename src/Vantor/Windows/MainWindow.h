@@ -21,7 +21,8 @@ class MainWindow : public SkinnedWindow {
     [[nodiscard]] QRegion outline(int zoom) const override;
     [[nodiscard]] QRegion composeScene() override;
     void draw(QPainter &painter, int zoom) const override;
-    [[nodiscard]] FrameClock::Watch watch() const override;
+    [[nodiscard]] std::optional<FrameClock::Period> framePeriod() const override;
+    void dropFrames() override { m_pane.hide(); }
     [[nodiscard]] Control controlAt(QPoint at) const override;
     [[nodiscard]] QStringList pointerNames(Control control, QPoint at) const override;
     bool grab(Control control, QPoint at, Qt::KeyboardModifiers modifiers) override;
@@ -36,6 +37,7 @@ class MainWindow : public SkinnedWindow {
     void describe(SkinControl &known, MainWindowControl control) const;
 
     [[nodiscard]] bool showVisualizerAhead();
+    [[nodiscard]] std::vector<QImage> visualizerPictures() const;
 
     FramePane m_pane;        ///< with the visualizer, while it moves
     MainWindowScene m_scene; ///< as last painted or about to be

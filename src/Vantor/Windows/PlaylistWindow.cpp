@@ -69,10 +69,10 @@ void PlaylistWindow::draw(QPainter &painter, int zoom) const {
 }
 
 // The visualizer's picture, or in a pause the clock that blinks.
-FrameClock::Watch PlaylistWindow::watch() const {
+std::optional<FrameClock::Period> PlaylistWindow::framePeriod() const {
     const bool isPaused = model().target().view().state == PlaybackState::paused;
     const bool moves = !isShaded() && (isPaused || Layout::hasVisualizer(m_playlist.size()));
-    return moves ? FrameClock::Watch::everyFrame : FrameClock::Watch::no;
+    return moves ? std::optional(FrameClock::everyFrame) : std::nullopt;
 }
 
 // Controls

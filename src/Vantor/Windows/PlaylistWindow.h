@@ -24,7 +24,7 @@ class PlaylistWindow : public SkinnedWindow {
     [[nodiscard]] QRegion outline(int zoom) const override;
     [[nodiscard]] QRegion composeScene() override;
     void draw(QPainter &painter, int zoom) const override;
-    [[nodiscard]] FrameClock::Watch watch() const override;
+    [[nodiscard]] std::optional<FrameClock::Period> framePeriod() const override;
     [[nodiscard]] Control controlAt(QPoint at) const override;
     [[nodiscard]] QStringList pointerNames(Control control, QPoint at) const override;
     bool grab(Control control, QPoint at, Qt::KeyboardModifiers modifiers) override;

@@ -46,7 +46,7 @@ SkinnedWindow::SkinnedWindow(WindowKind kind, PlayerModel &model, Commands &comm
 }
 
 SkinnedWindow::~SkinnedWindow() {
-    m_model.clock().setWatched(this, FrameClock::Watch::no);
+    m_model.clock().setWatched(this, std::nullopt);
 }
 
 QRect SkinnedWindow::titleBar() const {
@@ -114,6 +114,7 @@ bool SkinnedWindow::savePicture(const QString &path) {
 
 void SkinnedWindow::takeShape() {
     m_pointers.setCursors(m_model.skin().cursors, zoom());
+    dropFrames();
     static_cast<void>(composeScene()); // all of it is painted below
     const QSize size = skinSize() * zoom();
     setFixedSize(size);
@@ -230,12 +231,13 @@ bool SkinnedWindow::eventFilter(QObject *watched, QEvent *event) {
 
 void SkinnedWindow::watchClock() {
     const bool isSeen = isVisible() && windowHandle() && windowHandle()->isExposed();
-    m_model.clock().setWatched(this, isSeen ? watch() : FrameClock::Watch::no);
+    m_model.clock().setWatched(this, isSeen ? framePeriod() : std::nullopt);
 }
 
 void SkinnedWindow::hideEvent(QHideEvent *event) {
     QWidget::hideEvent(event);
-    m_model.clock().setWatched(this, FrameClock::Watch::no);
+    m_model.clock().setWatched(this, std::nullopt);
+    dropFrames();
     cancelGrab();
 }
 

@@ -84,8 +84,13 @@ class SkinnedWindow : public QWidget, public SkinWindowController {
     /// painter's clip need not be drawn.
     virtual void draw(QPainter &painter, int zoom) const = 0;
 
-    /// How it shows what moves by itself: if nothing does, nothing is reckoned for its sake.
-    [[nodiscard]] virtual FrameClock::Watch watch() const { return FrameClock::Watch::everyFrame; }
+    /// How often it wants frames of what moves by itself; none if nothing does, so that nothing is reckoned
+    /// for its sake.
+    [[nodiscard]] virtual std::optional<FrameClock::Period> framePeriod() const {
+        return FrameClock::everyFrame;
+    }
+    /// Pictures that were made ahead are not to be seen any more: they have another shape or place.
+    virtual void dropFrames() {}
 
     // The pointer. A press on a control grabs it: until it is let go, all movements are the control's. A grab
     // on the background drags the window and reaches the subclass only through grab().

@@ -4,6 +4,7 @@
 #include "Vantor/Library/LibraryGridView.h"
 #include "Vantor/Library/LibraryWindow.h"
 #include "Vantor/Library/TrackTable.h"
+#include "Vantor/Remote/SpeakersPanel.h"
 #include "tests/Support/MadeBackend.h"
 
 #include <QCommandLineParser>
@@ -12,6 +13,7 @@
 #include <QSettings>
 #include <QStyleFactory>
 #include <QTemporaryDir>
+#include <QToolButton>
 
 #include <cstdio>
 
@@ -90,7 +92,10 @@ int main(int argc, char **argv) {
     browser.setBackend(made);
     QElapsedTimer clock;
     clock.start();
+    RemoteOutput output(settings);
+    output.setBrowser(&browser);
     LibraryWindow window(browser, artwork, settings, {});
+    window.setOutputPicker(makeOutputButton(output, &window));
     window.bringToFront();
     if (parser.isSet(QStringLiteral("look"))) {
         QTimer::singleShot(500, &application, [made] { made->tellPlaying(made->somethingPlaying()); });
@@ -99,6 +104,10 @@ int main(int argc, char **argv) {
     window.resize(1280, 760);
     auto *grid = shown<LibraryGridView>(window);
     while (!grid || grid->model()->rowCount() == 0) {
+        if (clock.hasExpired(10'000)) {
+            std::fputs("there are no albums\n", stderr);
+            return 1;
+        }
         QCoreApplication::processEvents(QEventLoop::AllEvents, 2);
         grid = shown<LibraryGridView>(window);
     }

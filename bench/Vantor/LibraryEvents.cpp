@@ -9,6 +9,7 @@
 
 #include <QCommandLineParser>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QScrollBar>
 #include <QSettings>
 #include <QStyleFactory>
@@ -82,10 +83,12 @@ int main(int argc, char **argv) {
     QSettings settings(file.isEmpty() ? folder.filePath(QStringLiteral("settings.ini")) : file,
                        QSettings::IniFormat);
     const auto made = std::make_shared<MadeBackend>();
-    if (parser.isSet(QStringLiteral("look")))
+    if (parser.isSet(QStringLiteral("look"))) {
         made->setOneOfEverything();
-    else
+    } else {
         made->setSize({.artists = parser.value(QStringLiteral("albums")).toInt() / 5, .albumsPerArtist = 5});
+        made->delay = -1ms; // at once, as a folder answers
+    }
     ArtworkCache artwork(folder.filePath(QStringLiteral("artwork")), {});
     LibraryBrowser browser;
     artwork.setBackend(made);
@@ -113,6 +116,15 @@ int main(int argc, char **argv) {
     }
     std::printf("first albums after %lld ms\n", static_cast<long long>(clock.elapsed()));
     measure(application, window, "albums", *grid->verticalScrollBar());
+
+    clock.start();
+    window.findChild<QListWidget *>()->setCurrentRow(0);
+    auto *const artists = shown<LibraryGridView>(window);
+    while (artists->model()->rowCount() < made->allArtists.size() && !clock.hasExpired(60'000))
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 2);
+    std::printf("%d artists after %lld ms\n", artists->model()->rowCount(),
+                static_cast<long long>(clock.elapsed()));
+    application.report("artists");
 
     const QString text = QStringLiteral("album 12");
     auto *const search = window.findChild<QLineEdit *>();

@@ -80,8 +80,16 @@ void LibraryHead::takeSource() {
 void LibraryHead::takeColors() {
     const QColor color = palette().color(QPalette::WindowText);
     const bool isLeftToRight = layoutDirection() == Qt::LeftToRight;
-    m_back->setIcon(isLeftToRight ? LibraryIcons::left(color) : LibraryIcons::right(color));
-    m_forward->setIcon(isLeftToRight ? LibraryIcons::right(color) : LibraryIcons::left(color));
+    const auto back = isLeftToRight ? &LibraryIcons::left : &LibraryIcons::right;
+    const auto forward = isLeftToRight ? &LibraryIcons::right : &LibraryIcons::left;
+    for (const auto &[button, icon] : {std::pair(m_back, back), {m_forward, forward}}) {
+        // Styles make what is off of what is on for light palettes only.
+        QColor faint = color;
+        faint.setAlphaF(0.3F);
+        QIcon both = icon(color);
+        both.addPixmap(icon(faint).pixmap(button->iconSize()), QIcon::Disabled);
+        button->setIcon(both);
+    }
     m_searchIcon->setIcon(LibraryIcons::search(palette().color(QPalette::PlaceholderText)));
 }
 

@@ -25,7 +25,6 @@ class MuseumDetails::Picture : public QWidget {
     explicit Picture(MuseumPictures &pictures) : m_pictures(pictures) {
         setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
         setMinimumSize(110, 110);
-        setMaximumHeight(ownSize.height());
         connect(&pictures, &MuseumPictures::changed, this, [this](const QString &md5) {
             if (m_skin && m_skin->md5 == md5)
                 update();
@@ -38,6 +37,11 @@ class MuseumDetails::Picture : public QWidget {
     }
 
   protected:
+    // What is below stands right under it, however narrow it is.
+    void resizeEvent(QResizeEvent *) override {
+        const int high = ownSize.height() * width() / ownSize.width();
+        setMaximumHeight(std::clamp(high, minimumHeight(), ownSize.height()));
+    }
     void paintEvent(QPaintEvent *) override {
         QPainter painter(this);
         painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);

@@ -76,6 +76,7 @@ MuseumTab::MuseumTab(PlayerModel &model, SkinLibraryModel &library, SkinSwitcher
     m_splitter->setStretchFactor(0, 1);
     m_splitter->setChildrenCollapsible(false);
     m_splitter->setHandleWidth(1);
+    connect(m_splitter, &QSplitter::splitterMoved, this, [this] { m_wasSplit = true; });
     auto *const layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
@@ -104,7 +105,8 @@ QWidget *MuseumTab::makeHead() {
     // Not the colour for lesser texts, which dark themes do not always have.
     auto *const lesser = new QGraphicsOpacityEffect(m_count);
     m_count->setGraphicsEffect(lesser);
-    layout->addWidget(m_search, 1);
+    layout->addWidget(m_search, 8);
+    layout->addStretch(1);
     layout->addWidget(m_count);
     m_searchSoon.setSingleShot(true);
     m_searchSoon.setInterval(searchPause);
@@ -287,10 +289,19 @@ void MuseumTab::showSelected() {
 void MuseumTab::showEvent(QShowEvent *event) {
     QWidget::showEvent(event);
     retryLater();
-    if (std::exchange(m_wasShown, true))
-        return; // from now on the user has the say
-    const int details = window()->width() < wideWindow ? narrowDetails : wideDetails;
-    m_splitter->setSizes({window()->width() - details, details});
+    fitDetails();
+}
+
+void MuseumTab::resizeEvent(QResizeEvent *event) {
+    QWidget::resizeEvent(event);
+    fitDetails();
+}
+
+void MuseumTab::fitDetails() {
+    if (m_wasSplit)
+        return;
+    const int details = width() < wideWindow ? narrowDetails : wideDetails;
+    m_splitter->setSizes({width() - details, details});
 }
 
 void MuseumTab::hideEvent(QHideEvent *event) {

@@ -50,6 +50,7 @@ class MuseumTab : public QWidget {
 
   protected:
     void keyPressEvent(QKeyEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
     void showEvent(QShowEvent *event) override;
     void hideEvent(QHideEvent *event) override;
 
@@ -67,6 +68,7 @@ class MuseumTab : public QWidget {
     void showState();
     [[nodiscard]] bool sayWhyEmpty();
     void showFolder();
+    void fitDetails();
     void showSelected();
     void mark(const MuseumSkin &skin, MuseumTile &tile) const;
     [[nodiscard]] QString spokenText(const MuseumSkin &skin) const;
@@ -115,7 +117,7 @@ class MuseumTab : public QWidget {
     NoticeBar *m_folderNotice;
     NoticeBar *m_notice;
     QSplitter *m_splitter;
-    bool m_wasShown = false;
+    bool m_wasSplit = false; ///< by the user, who has the say from then on
     QStackedWidget *m_pages; ///< the grid, or what there is to say instead
     MuseumGridView *m_grid;
     MessagePage *m_message;

@@ -7,10 +7,17 @@
 
 namespace vantor {
 
+namespace {
+
+constexpr int widest = 560; // also in a window as wide as the screen
+
+}
+
 GridSearchField::GridSearchField(const QString &prompt, QWidget *parent) : QLineEdit(parent) {
     setPlaceholderText(prompt);
     setAccessibleName(prompt);
     setClearButtonEnabled(true);
+    setMaximumWidth(widest);
 }
 
 void GridSearchField::setGrid(TileGridView &grid) {

@@ -118,7 +118,8 @@ QWidget *SkinBrowserWindow::makeHead() {
     auto *head = new QWidget;
     auto *layout = new QHBoxLayout(head);
     layout->setContentsMargins(10, 8, 10, 8);
-    layout->addWidget(m_search, 1);
+    layout->addWidget(m_search, 8);
+    layout->addStretch(1);
     layout->addSpacing(6);
     for (const SkinStatus status : allSkinStatuses) {
         auto *button = new QToolButton;
@@ -152,7 +153,9 @@ void SkinBrowserWindow::addMuseum(const MuseumSetup &setup) {
     layout->setContentsMargins(0, 0, 0, 0);
     m_tabs->addTab(page, tr("Museum"));
     connect(m_tabs, &QTabWidget::currentChanged, this, [this, page, layout, setup] {
-        if (m_tabs->currentWidget() != page)
+        const bool isMuseum = m_tabs->currentWidget() == page;
+        m_settings.setValue(tabKey, isMuseum ? museumTab : QString());
+        if (!isMuseum)
             return m_grid->setFocus();
         if (!m_museum) {
             m_museum = new MuseumTab(m_model, m_library, m_switcher, setup);
@@ -223,7 +226,6 @@ void SkinBrowserWindow::store() const {
     m_settings.setValue(geometryKey, saveGeometry());
     m_settings.setValue(splitterKey, m_splitter->saveState());
     m_settings.setValue(statusesKey, statuses);
-    m_settings.setValue(tabKey, m_tabs->currentIndex() == 0 ? QString() : museumTab);
 }
 
 void SkinBrowserWindow::bringToFront(const QList<QRect> &player) {

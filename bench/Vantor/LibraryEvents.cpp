@@ -4,14 +4,17 @@
 #include "Vantor/Library/LibraryGridView.h"
 #include "Vantor/Library/LibraryWindow.h"
 #include "Vantor/Library/TrackTable.h"
+#include "Vantor/Remote/SpeakersPanel.h"
 #include "tests/Support/MadeBackend.h"
 
 #include <QCommandLineParser>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QScrollBar>
 #include <QSettings>
 #include <QStyleFactory>
 #include <QTemporaryDir>
+#include <QToolButton>
 
 #include <cstdio>
 
@@ -80,17 +83,22 @@ int main(int argc, char **argv) {
     QSettings settings(file.isEmpty() ? folder.filePath(QStringLiteral("settings.ini")) : file,
                        QSettings::IniFormat);
     const auto made = std::make_shared<MadeBackend>();
-    if (parser.isSet(QStringLiteral("look")))
+    if (parser.isSet(QStringLiteral("look"))) {
         made->setOneOfEverything();
-    else
+    } else {
         made->setSize({.artists = parser.value(QStringLiteral("albums")).toInt() / 5, .albumsPerArtist = 5});
+        made->delay = -1ms; // at once, as a folder answers
+    }
     ArtworkCache artwork(folder.filePath(QStringLiteral("artwork")), {});
     LibraryBrowser browser;
     artwork.setBackend(made);
     browser.setBackend(made);
     QElapsedTimer clock;
     clock.start();
+    RemoteOutput output(settings);
+    output.setBrowser(&browser);
     LibraryWindow window(browser, artwork, settings, {});
+    window.setOutputPicker(makeOutputButton(output, &window));
     window.bringToFront();
     if (parser.isSet(QStringLiteral("look"))) {
         QTimer::singleShot(500, &application, [made] { made->tellPlaying(made->somethingPlaying()); });
@@ -99,11 +107,24 @@ int main(int argc, char **argv) {
     window.resize(1280, 760);
     auto *grid = shown<LibraryGridView>(window);
     while (!grid || grid->model()->rowCount() == 0) {
+        if (clock.hasExpired(10'000)) {
+            std::fputs("there are no albums\n", stderr);
+            return 1;
+        }
         QCoreApplication::processEvents(QEventLoop::AllEvents, 2);
         grid = shown<LibraryGridView>(window);
     }
     std::printf("first albums after %lld ms\n", static_cast<long long>(clock.elapsed()));
     measure(application, window, "albums", *grid->verticalScrollBar());
+
+    clock.start();
+    window.findChild<QListWidget *>()->setCurrentRow(0);
+    auto *const artists = shown<LibraryGridView>(window);
+    while (artists->model()->rowCount() < made->allArtists.size() && !clock.hasExpired(60'000))
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 2);
+    std::printf("%d artists after %lld ms\n", artists->model()->rowCount(),
+                static_cast<long long>(clock.elapsed()));
+    application.report("artists");
 
     const QString text = QStringLiteral("album 12");
     auto *const search = window.findChild<QLineEdit *>();

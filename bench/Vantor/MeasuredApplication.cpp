@@ -9,13 +9,13 @@
 
 namespace vantor {
 
-namespace {
-
 double threadMilliseconds() {
     timespec now{};
     clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
     return static_cast<double>(now.tv_sec) * 1e3 + static_cast<double>(now.tv_nsec) / 1e6;
 }
+
+namespace {
 
 /// How long this thread was ready but other ones had the processors.
 double queuedMilliseconds() {

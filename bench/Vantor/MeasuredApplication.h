@@ -31,6 +31,9 @@ class MeasuredApplication : public QApplication {
     int m_late = 0;
 };
 
+/// What this thread has taken of a processor.
+[[nodiscard]] double threadMilliseconds();
+
 /// Calls `step` with 0, 1, … at intervals, for a time, and runs the event loop between.
 void runSteps(std::chrono::milliseconds time, std::chrono::milliseconds interval,
               const std::function<void(int)> &step);

@@ -3,12 +3,10 @@
 #include "AudioCore/NowPlaying/EmbeddedArtworkLoader.h"
 #include "AudioCore/Queue/AudioFileNames.h"
 #include "MusicBackendKit/MusicBackendError.h"
+#include "Platform/NativePath.h"
 #include "Platform/PictureDecoder.h"
 
 #include <QBuffer>
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
 
 namespace vantor::FolderArtwork {
 
@@ -37,12 +35,8 @@ int rank(const QString &path) {
 }
 
 QImage decoded(const QString &path, int side) {
-    QFile file(path);
-    // Not a pipe: opening one may wait for ever.
-    if (!QFileInfo(path).isFile() || file.size() > EmbeddedArtworkLoader::maxBytes ||
-        !file.open(QIODevice::ReadOnly))
-        return {};
-    return decodePicture(file.read(EmbeddedArtworkLoader::maxBytes), side, EmbeddedArtworkLoader::maxPixels);
+    return decodePicture(NativePath::read(path, EmbeddedArtworkLoader::maxBytes), side,
+                         EmbeddedArtworkLoader::maxPixels);
 }
 
 QImage embedded(const QString &path, int side) {
@@ -56,7 +50,7 @@ QImage embedded(const QString &path, int side) {
 QStringList candidates(const QString &folder) {
     QStringList images;
     QString track;
-    for (const QString &name : QDir(folder).entryList(QDir::Files, QDir::Name)) {
+    for (const QString &name : NativePath::files(folder)) {
         if (AudioFileNames::isAudioFile(name))
             track = track.isEmpty() ? name : track;
         else
@@ -76,7 +70,7 @@ QImage load(const QString &path, int side) {
 QImage find(const QString &path, int side) {
     if (const QImage image = load(path, side); !image.isNull())
         return image;
-    const QString folder = QFileInfo(path).path();
+    const QString folder = path.first(path.lastIndexOf(u'/'));
     for (const QString &name : candidates(folder)) {
         if (const QImage image = load(folder + u'/' + name, side); !image.isNull())
             return image;

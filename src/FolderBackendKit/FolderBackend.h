@@ -55,8 +55,8 @@ class FolderBackend : public MusicBackend {
     QCoro::Task<Page<LibraryPlaylist>> playlists(PageRequest page) override;
     QCoro::Task<QList<LibraryTrack>> tracksOfPlaylist(MediaID playlist) override;
     /// Items in which every word of the text begins some word: of the artist's name; of the album's title or
-    /// its artist's name; of the track's title, its album's or its artist's. Case, accents and punctuation do
-    /// not count. At most `limit` of each kind, the best first.
+    /// its artist's name; of the track's title, its artist's name, its album's or that album's artist's.
+    /// Case, accents and punctuation do not count. At most `limit` of each kind, the best first.
     QCoro::Task<SearchResults> search(QString text, int limit) override;
     /// A JPEG or PNG image.
     QCoro::Task<QByteArray> artwork(ArtworkRef ref, int maxPixels) override;

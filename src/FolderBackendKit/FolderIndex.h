@@ -15,6 +15,7 @@ using StoredAlbum = LibraryAlbum;   ///< id, title, artistID, artistName, year, 
 /// A track without what its place in the index says already: its id, its album and its artist.
 struct StoredTrack {
     QString title;
+    std::optional<QString> artistName; ///< of a track that is by others than its album
     std::optional<int> trackNumber;
     std::optional<int> discNumber;
     std::optional<double> duration;   ///< seconds
@@ -49,6 +50,7 @@ struct FolderIndexSummary {
     int reused = 0; ///< were known already and have not changed
     int loaded = 0; ///< were read
     int skipped = 0;
+    int unreadable = 0; ///< of those skipped: audio files and folders that could not be read
 
     bool operator==(const FolderIndexSummary &) const = default;
 };
@@ -56,7 +58,7 @@ struct FolderIndexSummary {
 /// A music folder as it was at one time. Artists stand in the order of their sort names, the albums of each
 /// by year and title with the singles last, the tracks of each by disc, number and file name.
 struct FolderIndex {
-    static constexpr int currentVersion = 1;
+    static constexpr int currentVersion = 2;
 
     int version = currentVersion;
     QString root;       ///< the music folder's path

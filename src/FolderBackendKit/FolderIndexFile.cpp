@@ -56,9 +56,9 @@ auto members(auto &track)
     requires requires { track.library; }
 {
     auto &library = track.library;
-    return std::tie(library.title, library.trackNumber, library.discNumber, library.duration, library.bitrate,
-                    library.sampleRate, library.channels, track.relativePath, track.fileSize, track.modified,
-                    track.album);
+    return std::tie(library.title, library.artistName, library.trackNumber, library.discNumber,
+                    library.duration, library.bitrate, library.sampleRate, library.channels,
+                    track.relativePath, track.fileSize, track.modified, track.album);
 }
 
 auto members(auto &file)
@@ -197,6 +197,7 @@ std::optional<FolderIndex> read(const QString &path) {
     in.get(index.summary.reused);
     in.get(index.summary.loaded);
     in.get(index.summary.skipped);
+    in.get(index.summary.unreadable);
     in.get(index.artists);
     in.get(index.albums);
     in.get(index.tracks);
@@ -216,7 +217,7 @@ bool write(const QString &path, const FolderIndex &index) {
     QDataStream out(&file);
     setUp(out);
     out << magic << index.version << index.root << index.builtAt << index.summary.reused
-        << index.summary.loaded << index.summary.skipped;
+        << index.summary.loaded << index.summary.skipped << index.summary.unreadable;
     put(out, index.artists);
     put(out, index.albums);
     put(out, index.tracks);

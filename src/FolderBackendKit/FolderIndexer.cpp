@@ -3,6 +3,7 @@
 #include "AudioCore/AudioCoreError.h"
 #include "FolderBackendKit/FolderTrackNumbers.h"
 #include "FolderBackendKit/FolderWalk.h"
+#include "MusicBackendKit/ArtistName.h"
 #include "Platform/ParallelMap.h"
 #include "Platform/TextFolding.h"
 
@@ -32,10 +33,14 @@ QString stemOf(const QString &path) {
     return dot > 0 ? name.first(dot) : name;
 }
 
-StoredTrack trackOf(const Job &job, const FileMetadata &metadata) {
+/// `artist`: the folder's.
+StoredTrack trackOf(const Job &job, const QString &artist, const FileMetadata &metadata) {
     const QString stem = stemOf(job.relativePath);
+    const QString own = metadata.artist.simplified();
+    const bool isOfOthers = !own.isEmpty() && ArtistName::key(own) != ArtistName::key(artist);
     const FolderTrackNumbers tagged = FolderTrackNumbers::read(metadata);
-    StoredTrack track{.title = metadata.title,
+    StoredTrack track{.title = metadata.title.trimmed(),
+                      .artistName = isOfOthers ? std::optional(own) : std::nullopt,
                       .trackNumber = tagged.track,
                       .discNumber = job.disc ? job.disc : tagged.disc, // where it lies is the catalogue
                       .duration = known(metadata.duration),
@@ -65,11 +70,15 @@ class FolderIndexer::Pass {
     std::optional<FolderIndex> run() {
         m_index.builtAt = static_cast<double>(QDateTime::currentMSecsSinceEpoch()) / 1000;
         m_walk.run(m_index.root, m_stop);
+        for (const FolderWalk::Artist &artist : m_walk.artists)
+            m_artistNames.insert(artist.key, artist.name);
         takeKnown();
         loadOthers();
         if (m_stop.stop_requested())
             return std::nullopt;
-        m_index.summary.skipped = m_walk.skippedCount + static_cast<int>(m_failures.size());
+        const int failures = static_cast<int>(m_failures.size());
+        m_index.summary.skipped = m_walk.skippedCount + failures;
+        m_index.summary.unreadable = m_walk.unreadableFolders + failures;
         m_index.skipped = std::move(m_walk.skipped);
         m_index.skipped.insert(m_index.skipped.end(), m_failures.begin(), m_failures.end());
         arrange();
@@ -106,7 +115,8 @@ class FolderIndexer::Pass {
     std::vector<std::optional<StoredTrack>> m_tracks; ///< by job
     std::vector<std::size_t> m_toLoad;                ///< jobs
     std::vector<FolderSkippedFile> m_failures;
-    std::vector<AlbumTracks> m_albums; ///< by the walk's album
+    QHash<QString, QString> m_artistNames; ///< by key
+    std::vector<AlbumTracks> m_albums;     ///< by the walk's album
 };
 
 void FolderIndexer::Pass::takeKnown() {
@@ -156,7 +166,8 @@ void FolderIndexer::Pass::loadOthers() {
 Loaded FolderIndexer::Pass::load(const Job &job) const {
     Loaded result;
     try {
-        result.track = trackOf(job, m_indexer.m_loader(m_index.root + u'/' + job.relativePath));
+        const FileMetadata metadata = m_indexer.m_loader(m_index.root + u'/' + job.relativePath);
+        result.track = trackOf(job, m_artistNames.value(album(job.album).artistKey), metadata);
     } catch (const AudioCoreError &error) {
         result.failure = FolderSkippedFile{job.relativePath, error.description()};
         // One that could not be read is tried again the next time.

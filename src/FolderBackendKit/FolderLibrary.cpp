@@ -83,11 +83,14 @@ void FolderLibrary::indexWords() const {
         m_artistWords.add(artist.name);
     for (const StoredAlbum &album : m_index.albums)
         m_albumWords.add(album.title);
-    for (const FolderTrack &track : m_index.tracks)
+    for (const FolderTrack &track : m_index.tracks) {
         m_trackWords.add(track.library.title);
+        m_trackArtistWords.add(track.library.artistName.value_or(QString()));
+    }
     m_artistWords.finish();
     m_albumWords.finish();
     m_trackWords.finish();
+    m_trackArtistWords.finish();
 }
 
 Page<LibraryArtist> FolderLibrary::artists(PageRequest page) const {
@@ -147,8 +150,8 @@ LibraryTrack FolderLibrary::track(int place) const {
     const StoredTrack &known = track.library;
     return {.id = idOf(track),
             .title = known.title,
-            .artistID = album.artistID,
-            .artistName = album.artistName.value_or(QString()),
+            .artistID = known.artistName ? std::nullopt : album.artistID,
+            .artistName = known.artistName ? *known.artistName : album.artistName.value_or(QString()),
             .albumID = album.id,
             .albumName = album.title,
             .trackNumber = known.trackNumber,

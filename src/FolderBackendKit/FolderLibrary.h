@@ -65,6 +65,7 @@ class FolderLibrary {
     mutable WordIndex m_artistWords;
     mutable WordIndex m_albumWords;
     mutable WordIndex m_trackWords;
+    mutable WordIndex m_trackArtistWords; ///< where they are not the albums'
 };
 
 } // namespace vantor

@@ -60,7 +60,8 @@ QString FolderWalk::sortName(const QString &name) {
 
 QString FolderWalk::displayName(const QString &name) {
     const QString text = name.isValidUtf16() ? name : TextDecoding::lenient(NativePath::bytes(name));
-    return text.normalized(QString::NormalizationForm_C);
+    const QString trimmed = text.trimmed();
+    return (trimmed.isEmpty() ? text : trimmed).normalized(QString::NormalizationForm_C);
 }
 
 QString FolderWalk::identifier(const QString &relativePath) {

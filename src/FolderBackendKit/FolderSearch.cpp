@@ -79,9 +79,11 @@ SearchResults FolderLibrary::search(const QString &text, int limit) const {
     const auto artistOf = [&](std::size_t album, std::size_t word) {
         return static_cast<int>(inArtists[word][static_cast<std::size_t>(m_artistOf[album])]);
     };
-    const auto albumAndArtistOf = [&](std::size_t track, std::size_t word) {
+    const Found inTrackArtists = findAll(words, m_trackArtistWords);
+    const auto albumAndArtistsOf = [&](std::size_t track, std::size_t word) {
         const auto album = static_cast<std::size_t>(m_index.tracks[track].album);
-        return std::max(static_cast<int>(inAlbums[word][album]), artistOf(album, word));
+        return std::max({static_cast<int>(inAlbums[word][album]), artistOf(album, word),
+                         static_cast<int>(inTrackArtists[word][track])});
     };
     SearchResults results;
     auto found = matches(inArtists, m_artistWords, noParent);
@@ -92,7 +94,7 @@ SearchResults FolderLibrary::search(const QString &text, int limit) const {
     keepBest(found, limit);
     for (const Match &match : found)
         results.albums.append(m_index.albums[static_cast<std::size_t>(match.place)]);
-    found = matches(inTracks, m_trackWords, albumAndArtistOf);
+    found = matches(inTracks, m_trackWords, albumAndArtistsOf);
     keepBest(found, limit);
     for (const Match &match : found)
         results.tracks.append(track(match.place));

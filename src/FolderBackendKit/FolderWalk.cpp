@@ -162,7 +162,7 @@ std::optional<FolderWalk::Listing> FolderWalk::list(const QString &relativePath,
     const std::unique_ptr<DIR, CloseFolder> folder(descriptor < 0 ? nullptr : fdopendir(descriptor));
     struct stat status;
     if (!folder || fstat(descriptor, &status) != 0) {
-        skip(relativePath, QStringLiteral("can't be read"));
+        skipFolder(relativePath);
         return std::nullopt;
     }
     const Identity identity(status.st_dev, status.st_ino);
@@ -172,7 +172,7 @@ std::optional<FolderWalk::Listing> FolderWalk::list(const QString &relativePath,
         return std::nullopt;
     auto entries = sortedEntries(folder.get());
     if (!entries) {
-        skip(relativePath, QStringLiteral("can't be read"));
+        skipFolder(relativePath);
         return std::nullopt;
     }
     return Listing{identity, *std::move(entries)};
@@ -257,6 +257,11 @@ void FolderWalk::noteOther(const Entry &entry, const QString &path,
         images.push_back({path, entry.modified});
     else if (!otherSidecarExtensions().contains(extension))
         skip(path, QStringLiteral("not an audio file"));
+}
+
+void FolderWalk::skipFolder(const QString &path) {
+    ++unreadableFolders;
+    skip(path, QStringLiteral("can't be read"));
 }
 
 void FolderWalk::skip(const QString &path, const QString &reason) {

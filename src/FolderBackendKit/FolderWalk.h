@@ -58,6 +58,7 @@ class FolderWalk {
     std::vector<Job> jobs;
     std::vector<FolderSkippedFile> skipped; ///< the first of them, as bounded by maxSkipped
     int skippedCount = 0;                   ///< all of them
+    int unreadableFolders = 0;              ///< among them
 
     static constexpr std::size_t maxJobs = 1'000'000;
     static constexpr std::size_t maxSkipped = 10'000;
@@ -70,7 +71,8 @@ class FolderWalk {
     [[nodiscard]] static std::pair<QString, std::optional<int>> parseAlbumFolder(const QString &name);
     [[nodiscard]] static std::optional<int> discNumber(const QString &name);
     [[nodiscard]] static QString sortName(const QString &name);
-    /// A file's or folder's name for the eye: composed, and of a foreign encoding made the best of.
+    /// A file's or folder's name for the eye: composed, without blanks around it, and of a foreign encoding
+    /// made the best of.
     [[nodiscard]] static QString displayName(const QString &name);
     /// The identifier of what has this relative path; sound text whatever the path is.
     [[nodiscard]] static QString identifier(const QString &relativePath);
@@ -92,6 +94,7 @@ class FolderWalk {
     /// What is no audio file. The images among them are put into `images`.
     void noteOther(const Entry &entry, const QString &path, std::vector<FolderArtwork::Image> &images);
     void skip(const QString &path, const QString &reason);
+    void skipFolder(const QString &path);
 
     QByteArray m_root;
     std::stop_token m_stop;

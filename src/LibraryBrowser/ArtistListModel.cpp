@@ -2,7 +2,16 @@
 
 #include "LibraryBrowser/LibraryBrowser.h"
 
+#include <QCoroTimer>
+#include <QElapsedTimer>
+
 namespace vantor {
+
+namespace {
+
+constexpr qint64 longestTurn = 6; // milliseconds
+
+}
 
 ArtistListModel::ArtistListModel(LibraryBrowser &browser, QObject *parent)
     : LibraryItemModel(parent), m_browser(browser) {
@@ -57,6 +66,8 @@ QCoro::Task<> ArtistListModel::readOn() {
     const std::shared_ptr<MusicBackend> backend = m_browser.connected();
     m_isReading = true;
     Q_EMIT stateChanged();
+    QElapsedTimer busy;
+    busy.start();
     while (!turn.expired() && m_next) {
         const PageRequest request = *m_next;
         Page<LibraryArtist> page;
@@ -76,6 +87,11 @@ QCoro::Task<> ArtistListModel::readOn() {
         const bool advances = page.nextOffset && *page.nextOffset > request.offset;
         m_next = advances ? page.next(request.limit) : std::nullopt;
         take(page);
+        // A source that answers at once leaves the event loop no turn.
+        if (busy.hasExpired(longestTurn)) {
+            co_await QCoro::sleepFor(std::chrono::milliseconds(0));
+            busy.start();
+        }
     }
     if (turn.expired())
         co_return;
@@ -84,9 +100,11 @@ QCoro::Task<> ArtistListModel::readOn() {
 }
 
 void ArtistListModel::take(const Page<LibraryArtist> &page) {
-    m_reading.add(page.items);
+    const QSet<QString> changed = m_reading.add(page.items);
     const bool isFirst = !std::exchange(m_hasAnswer, true);
-    if (!m_replaces || !m_next) {
+    if (!m_replaces) {
+        showMore(changed);
+    } else if (!m_next) {
         QList<LibraryItem> items;
         items.reserve(m_reading.groups().size());
         for (const ArtistGroup &group : m_reading.groups())
@@ -95,6 +113,30 @@ void ArtistListModel::take(const Page<LibraryArtist> &page) {
     }
     if (isFirst)
         Q_EMIT stateChanged();
+}
+
+// What is there is what was read before: only these groups differ.
+void ArtistListModel::showMore(const QSet<QString> &changed) {
+    const QList<ArtistGroup> groups = m_reading.groups();
+    const auto before = static_cast<int>(m_items.size());
+    int first = before;
+    int last = -1;
+    for (const QString &id : changed) {
+        const auto row = static_cast<int>(m_reading.position(id));
+        if (row >= before)
+            continue;
+        m_items[row] = {groups[row]};
+        first = std::min(first, row);
+        last = std::max(last, row);
+    }
+    if (groups.size() > before) {
+        beginInsertRows({}, before, static_cast<int>(groups.size()) - 1);
+        for (qsizetype row = before; row < groups.size(); ++row)
+            m_items.append({groups[row]});
+        endInsertRows();
+    }
+    if (last >= 0)
+        Q_EMIT dataChanged(index(first, 0), index(last, 0));
 }
 
 // Rows that stay the same at either end stay what they are to the views.

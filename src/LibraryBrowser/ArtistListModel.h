@@ -34,6 +34,7 @@ class ArtistListModel : public LibraryItemModel {
     void refresh();
     QCoro::Task<> readOn();
     void take(const Page<LibraryArtist> &page);
+    void showMore(const QSet<QString> &changed);
     void show(const QList<LibraryItem> &items);
     void apply(const LibraryChange &change);
 

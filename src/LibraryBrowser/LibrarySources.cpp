@@ -37,37 +37,6 @@ QCoro::Task<Page<LibraryTrack>> wholeList(QCoro::Task<QList<LibraryTrack>> answe
     co_return Page<LibraryTrack>::last(tracks);
 }
 
-/// A walk over all albums that goes on where the page before ended.
-struct TrackWalk {
-    QList<LibraryAlbum> albums{}; ///< whose tracks are still to be asked for
-    std::optional<PageRequest> nextAlbums = PageRequest::first();
-    QList<LibraryTrack> found{}; ///< not handed over yet: the page may fail, and is tried again
-};
-
-QCoro::Task<Page<LibraryTrack>> walkOn(Backend backend, std::shared_ptr<TrackWalk> walk,
-                                       PageRequest request) {
-    while (walk->found.size() < request.limit) {
-        if (walk->albums.isEmpty()) {
-            if (!walk->nextAlbums)
-                break;
-            const PageRequest wanted = *walk->nextAlbums;
-            const Page<LibraryAlbum> page = co_await backend->albums(std::nullopt, wanted);
-            const bool advances = page.nextOffset && *page.nextOffset > wanted.offset;
-            walk->nextAlbums = advances ? page.next(wanted.limit) : std::nullopt;
-            walk->albums = page.items;
-            continue;
-        }
-        const MediaID album = walk->albums.first().id;
-        const QList<LibraryTrack> tracks = co_await backend->tracks(album);
-        walk->albums.removeFirst();
-        walk->found += tracks;
-    }
-    Page<LibraryTrack> page{std::exchange(walk->found, {}), request.offset, {}, {}};
-    if (!walk->albums.isEmpty() || walk->nextAlbums)
-        page.nextOffset = request.offset + static_cast<int>(page.items.size());
-    co_return page;
-}
-
 } // namespace
 
 Items albums(const Backend &backend) {
@@ -108,16 +77,6 @@ Tracks tracks(const Backend &backend, const MediaID &of) {
     return [backend, of](PageRequest) {
         return wholeList(of.kind == MediaKind::playlist ? backend->tracksOfPlaylist(of)
                                                         : backend->tracks(of));
-    };
-}
-
-Tracks allTracks(const Backend &backend) {
-    // From the beginning it is another walk: one that nobody waits for any more may still be under way.
-    const auto present = std::make_shared<std::shared_ptr<TrackWalk>>();
-    return [backend, present](PageRequest page) {
-        if (page.offset == 0)
-            *present = std::make_shared<TrackWalk>();
-        return walkOn(backend, *present, page);
     };
 }
 

@@ -20,8 +20,6 @@ using Tracks = std::function<QCoro::Task<Page<LibraryTrack>>(PageRequest)>;
 
 /// Of an album or a playlist.
 [[nodiscard]] Tracks tracks(const Backend &backend, const MediaID &of);
-/// Of every album, one album after another; to be asked from the first page on.
-[[nodiscard]] Tracks allTracks(const Backend &backend);
 [[nodiscard]] Tracks favoriteTracks(const Backend &backend);
 
 } // namespace vantor::LibrarySources

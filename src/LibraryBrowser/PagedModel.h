@@ -267,6 +267,12 @@ class PagedModel : public Base {
             reset(page);
             return;
         }
+        if (m_hasTotal && !page.total) { // a source that knows no more how many there are: from the beginning
+            beginTurn();
+            m_replaces = true;
+            m_askSoon.start(0);
+            return;
+        }
         m_next = m_hasTotal ? std::nullopt : following(request, page);
         m_wantsMore = false;
         m_stale.erase(request.offset / pageSize);

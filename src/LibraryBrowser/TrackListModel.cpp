@@ -1,5 +1,6 @@
 #include "LibraryBrowser/TrackListModel.h"
 
+#include "LibraryBrowser/AllTracks_p.h"
 #include "LibraryBrowser/LibraryBrowser.h"
 #include "LibraryBrowser/LibrarySources_p.h"
 #include "LibraryBrowser/TrackOrder_p.h"
@@ -18,7 +19,11 @@ namespace vantor {
 TrackListModel::TrackListModel(LibraryBrowser &browser, QObject *parent)
     : PagedModel(parent), m_browser(browser) {
     connect(&browser, &LibraryBrowser::stateChanged, this, [this] { load(); });
-    connect(&browser, &LibraryBrowser::refreshed, this, [this] { refresh(); });
+    connect(&browser, &LibraryBrowser::refreshed, this, [this] {
+        if (m_all)
+            m_all->renew();
+        refresh();
+    });
     connect(&browser, &LibraryBrowser::changed, this, &TrackListModel::apply);
     // What belongs to another source means nothing to this one.
     connect(&browser, &LibraryBrowser::sourceChanged, this, [this] {
@@ -42,6 +47,7 @@ void TrackListModel::showTracks(const QList<LibraryTrack> &tracks) {
 void TrackListModel::load() {
     using namespace LibrarySources;
     const Backend backend = m_browser.connected();
+    m_all.reset();
     switch (backend ? m_content.kind : Content::Kind::nothing) {
     case Content::Kind::nothing:
         return setSource({});
@@ -50,7 +56,8 @@ void TrackListModel::load() {
     case Content::Kind::of:
         return setSource(LibrarySources::tracks(backend, m_content.id));
     case Content::Kind::all:
-        return setSource(allTracks(backend));
+        m_all = std::make_shared<AllTracks>(backend);
+        return setSource([all = m_all](PageRequest page) { return all->page(page); });
     case Content::Kind::favorites:
         return setSource(favoriteTracks(backend));
     }

@@ -6,6 +6,7 @@
 
 namespace vantor {
 
+class AllTracks;
 class LibraryBrowser;
 
 /// Tracks of the source that is browsed, as a table: of an album, a playlist, the favourites, or all. In the
@@ -73,6 +74,7 @@ class TrackListModel : public PagedModel<LibraryTrack, LibraryModel> {
 
     LibraryBrowser &m_browser;
     Content m_content;
+    std::shared_ptr<AllTracks> m_all; ///< of `all`
     std::optional<Column> m_sortColumn;
     Qt::SortOrder m_sortOrder = Qt::AscendingOrder;
     std::vector<int> m_order;        ///< by row, the place in the source's order; empty: the same

@@ -38,6 +38,8 @@ class ArtistGrouper {
     QSet<QString> add(const QList<LibraryArtist> &artists);
     /// The group that holds an artist.
     [[nodiscard]] std::optional<ArtistGroup> group(const MediaID &artist) const;
+    /// The place in groups() of one that is there.
+    [[nodiscard]] qsizetype position(const QString &group) const { return m_positions[group]; }
     void removeAll();
 
     /// A whole list in one call.

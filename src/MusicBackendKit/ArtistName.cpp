@@ -50,9 +50,12 @@ QString key(const QString &name) {
         if (word.compare(QLatin1String("and"), Qt::CaseInsensitive) == 0)
             word = QStringLiteral("&");
     }
-    // Qt folds one letter to one; the way over the capitals makes "ss" of "ß" too.
-    text = foldedWidth(words.join(u' ')).toUpper().toCaseFolded();
-    text = text.normalized(QString::NormalizationForm_C);
+    // Qt folds one letter to one; the way over the capitals makes "ss" of "ß" too. The dotless "ı", whose
+    // capital is that of "i", is no other case of it.
+    QStringList parts = foldedWidth(words.join(u' ')).split(u'ı');
+    for (QString &part : parts)
+        part = part.toUpper().toCaseFolded();
+    text = parts.join(u'ı').normalized(QString::NormalizationForm_C);
     // Somebody called like that is not nameless; no other key ends in a space.
     return text == ArtistGroup::unknownID() ? text + u' ' : text;
 }

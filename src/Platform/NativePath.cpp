@@ -1,5 +1,15 @@
 #include "Platform/NativePath.h"
 
+#include <QFile>
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <memory>
+
 namespace vantor::NativePath {
 
 namespace {
@@ -14,6 +24,10 @@ qsizetype characterLength(QByteArrayView bytes) {
     }
     return 0;
 }
+
+struct CloseFolder {
+    void operator()(DIR *folder) const { closedir(folder); }
+};
 
 bool isEscape(QChar unit) {
     return unit.unicode() >= escape + 0x80 && unit.unicode() <= escape + 0xFF;
@@ -60,6 +74,34 @@ QUrl url(const QString &text) {
 
 QString fromUrl(const QUrl &url) {
     return text(QByteArray::fromPercentEncoding(url.path(QUrl::FullyEncoded).toLatin1()));
+}
+
+QByteArray read(const QString &path, qint64 maxBytes) {
+    const int descriptor = open(bytes(path).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (descriptor < 0)
+        return {};
+    struct stat status;
+    QFile file;
+    const bool isFile = fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
+    if (!isFile || !file.open(descriptor, QIODevice::ReadOnly, QFile::AutoCloseHandle)) {
+        close(descriptor);
+        return {};
+    }
+    const QByteArray found = status.st_size <= maxBytes ? file.read(maxBytes + 1) : QByteArray();
+    return found.size() <= maxBytes ? found : QByteArray(); // it may have grown meanwhile
+}
+
+QStringList files(const QString &folder) {
+    QStringList names;
+    const std::unique_ptr<DIR, CloseFolder> entries(opendir(bytes(folder).constData()));
+    while (const dirent *const entry = entries ? readdir(entries.get()) : nullptr) {
+        struct stat status;
+        if (entry->d_name[0] != '.' && fstatat(dirfd(entries.get()), entry->d_name, &status, 0) == 0 &&
+            S_ISREG(status.st_mode))
+            names.append(text(entry->d_name));
+    }
+    std::ranges::sort(names);
+    return names;
 }
 
 } // namespace vantor::NativePath

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <QByteArray>
-#include <QString>
+#include <QStringList>
 #include <QUrl>
 
 /// File names as text and back without loss. Names are bytes; those that are no UTF-8 (skins unpacked long
@@ -15,5 +15,11 @@ namespace vantor::NativePath {
 /// The file's address, which keeps every byte, and back. (QUrl's own conversions know only sound names.)
 [[nodiscard]] QUrl url(const QString &text);
 [[nodiscard]] QString fromUrl(const QUrl &url);
+
+// These wait for the disk, but never for the other end of a pipe.
+/// What a file holds; empty when it is more than `maxBytes`, or no file that can be read.
+[[nodiscard]] QByteArray read(const QString &path, qint64 maxBytes);
+/// The names of the files of a folder that are not hidden, sorted.
+[[nodiscard]] QStringList files(const QString &folder);
 
 } // namespace vantor::NativePath

@@ -5,8 +5,22 @@ namespace vantor {
 namespace {
 
 constexpr qsizetype maxMessage = 300; // characters
+constexpr qsizetype longestWord = 60;
 
+/// Cut behind a word, when there is one that ends not long before the limit.
+QString shortened(const QString &message) {
+    if (message.size() <= maxMessage)
+        return message;
+    const auto isBlank = [](QChar c) { return c.isSpace(); };
+    qsizetype end = maxMessage;
+    while (end > maxMessage - longestWord && !isBlank(message[end]))
+        --end;
+    if (!isBlank(message[end]))
+        end = message[maxMessage].isLowSurrogate() ? maxMessage - 1 : maxMessage;
+    return message.first(end).trimmed() + QChar(u'…');
 }
+
+} // namespace
 
 MuseumError::MuseumError(Case errorCase, int status, const QString &message)
     : m_case(errorCase), m_status(status), m_message(message), m_what(description().toUtf8()) {}
@@ -16,8 +30,7 @@ MuseumError MuseumError::http(int status) {
 }
 
 MuseumError MuseumError::graphQL(const QString &message) {
-    const bool isLong = message.size() > maxMessage;
-    return MuseumError(Case::graphQL, 0, isLong ? message.left(maxMessage) + QChar(u'…') : message);
+    return MuseumError(Case::graphQL, 0, shortened(message));
 }
 
 MuseumError MuseumError::notSaved(const QString &message) {

@@ -2,6 +2,7 @@
 
 #include "FolderBackendKit/FolderIndexer.h"
 #include "MusicBackendKit/MusicBackendError.h"
+#include "Platform/NativePath.h"
 #include "tests/Support/MusicFiles.h"
 
 #include <QBuffer>
@@ -104,6 +105,25 @@ TEST(FolderArtworkTest, WhatIsBrokenIsStoodInFor) {
         SCOPED_TRACE(path);
         EXPECT_EQ(shown(folder, QString::fromUtf8(path)), expected);
     }
+}
+
+TEST(FolderArtworkTest, FoldersWhoseNameIsNoTextHaveCovers) {
+    const TestFolder folder;
+    folder.write("A/Plain/scan.png", picture(Qt::green));
+    const QByteArray artist = QFile::encodeName(folder.path("A"));
+    ASSERT_EQ(rename((artist + "/Plain").constData(), (artist + "/D\xE9"
+                                                                "but")
+                                                          .constData()),
+              0);
+    const QString album = NativePath::text("A/D\xE9"
+                                           "but");
+    EXPECT_EQ(shown(folder, album + QLatin1String("/scan.png")), "green 40x20");
+    EXPECT_EQ(shown(folder, album + QLatin1String("/gone.png")), "green 40x20");
+    ASSERT_EQ(rename((artist + "/D\xE9"
+                               "but")
+                         .constData(),
+                     (artist + "/Plain").constData()),
+              0);
 }
 
 TEST(FolderArtworkTest, AlbumsAndArtistsGetTheirOwnPicturesFirst) {

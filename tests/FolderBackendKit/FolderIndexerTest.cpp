@@ -82,6 +82,11 @@ TEST(FolderIndexerTest, TagsWinOverNamesAndFoldersOverTags) {
     EXPECT_EQ(track.sampleRate, 44100);
     EXPECT_EQ(track.channels, 2);
     EXPECT_EQ(index.summary, (FolderIndexSummary{0, 10, 0}));
+    const FolderLibrary library(index);
+    EXPECT_EQ(library.track(6).artistName, u"Other");
+    EXPECT_EQ(library.track(6).artistID, std::nullopt); // who has no folder
+    EXPECT_EQ(library.track(5).artistName, u"The Band");
+    EXPECT_EQ(library.search(QStringLiteral("other late"), 5).tracks, QList{library.track(6)});
 }
 
 TEST(FolderIndexerTest, OnlyWhatHasChangedIsReadAgain) {
@@ -92,11 +97,11 @@ TEST(FolderIndexerTest, OnlyWhatHasChangedIsReadAgain) {
     folder.write("A/B/other.doc", "x");
     Reader reader;
     const FolderIndex first = reader.scan(folder.path());
-    EXPECT_EQ(first.summary, (FolderIndexSummary{0, 3, 2}));
+    EXPECT_EQ(first.summary, (FolderIndexSummary{0, 3, 2, 1}));
 
     FolderIndex again = reader.scan(folder.path(), first);
     EXPECT_THAT(reader.lastRead(), ElementsAre());
-    EXPECT_EQ(again.summary, (FolderIndexSummary{3, 0, 2}));
+    EXPECT_EQ(again.summary, (FolderIndexSummary{3, 0, 2, 1}));
     again.summary = first.summary;
     again.builtAt = first.builtAt;
     EXPECT_EQ(again, first);

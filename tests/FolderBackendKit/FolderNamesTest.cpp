@@ -66,6 +66,12 @@ TEST(FolderNamesTest, ArtistsSortWithoutTheirArticle) {
     }
 }
 
+TEST(FolderNamesTest, BlanksAroundNamesAreNotShown) {
+    const std::pair<const char *, const char *> rows[] = {{"  Abba ", "Abba"}, {"A  b", "A  b"}, {" ", " "}};
+    for (const auto &[name, shown] : rows)
+        EXPECT_EQ(FolderWalk::displayName(QString::fromUtf8(name)), QString::fromUtf8(shown));
+}
+
 TEST(FolderNamesTest, TagNumbersAreWhatStandsBeforeTheSlash) {
     const std::pair<const char *, std::optional<int>> rows[] = {
         {"3/12", 3}, {" 7 ", 7}, {"-2", -2},  {"+4/5", 4},         {"", {}},

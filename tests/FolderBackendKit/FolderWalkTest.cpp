@@ -11,6 +11,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <filesystem>
+
 namespace vantor {
 
 namespace {
@@ -126,6 +128,7 @@ TEST(FolderWalkTest, NamesThatAreNoTextKeepTheirBytes) {
     EXPECT_EQ(walk.artists.at(0).name, u"Björk");
     EXPECT_EQ(NativePath::bytes(walk.jobs[0].relativePath), "Bj\xF6rk/Debut/\xFF.mp3");
     EXPECT_TRUE(FolderWalk::identifier(walk.jobs[0].relativePath).isValidUtf16());
+    std::filesystem::remove_all(artist.toStdString()); // which Qt could not
 }
 
 TEST(FolderWalkTest, AFolderThatCannotBeListedIsAnError) {

@@ -29,6 +29,8 @@ TEST(ArtistNameTest, NamesOfOneArtistHaveOneKey) {
         {u"ｶﾞｶﾞ"_qs, u"ガガ"_qs},
         {u"Weiß"_qs, u"WEISS"_qs},
         {u"Σίσυφος"_qs, u"ΣΊΣΥΦΟΣ"_qs},
+        {u"Issiz"_qs, u"ISSIZ"_qs},
+        {u"Issız"_qs},
         {u"Sandy Andy"_qs}, // a word within words
         {u"S&y &y"_qs},
         {u"<Unknown>"_qs, u"<unknown>;"_qs},

@@ -153,6 +153,21 @@ TEST_F(MuseumModelsTest, AQueryWithoutAnAnswerShowsNothingAndCanBeTriedAgain) {
     EXPECT_EQ(m_list.notice(), Notice::none);
 }
 
+TEST_F(MuseumModelsTest, ASearchThatTheMuseumPutsOffShowsNoneOfTheRowsBefore) {
+    begin();
+    m_museum.faults[Kind::page] = Fault::limitsRate;
+    m_museum.faultsLeft = 1;
+    QStringList heldUp;
+    QObject::connect(&m_list, &MuseumListModel::stateChanged, [&] {
+        if (m_list.isHeldUp())
+            heldUp.append(name(0));
+    });
+    m_list.setQuery(u"skin 5"_qs, true);
+    ASSERT_TRUE(shows(0, u"Skin 5"_qs));
+    EXPECT_EQ(heldUp, QStringList{QString()});
+    EXPECT_FALSE(m_list.isHeldUp());
+}
+
 TEST_F(MuseumModelsTest, OnlyTheLastOfManyQueriesCounts) {
     m_museum.latency = 20;
     for (const QString &text : {u"skin 1"_qs, u"skin 2"_qs, u"skin 3"_qs})
@@ -201,6 +216,32 @@ TEST_F(MuseumModelsTest, DownloadsAFewAtATimeAndTellsHowEachIsGoing) {
     EXPECT_LE(m_museum.mostAtOnce(), MuseumDownloads::mostAtOnce);
     downloads.start(skin(4), m_folder.path("skins")); // once more
     EXPECT_TRUE(waitFor([&] { return finished.size() == 11; }));
+}
+
+TEST_F(MuseumModelsTest, DownloadsThatAreCancelledLeaveNothing) {
+    QDir().mkpath(m_folder.path("skins"));
+    m_museum.faults[Kind::archive] = Fault::hangs;
+    const auto patient =
+        std::make_shared<QtMuseumTransport>(QList<QSslCertificate>{m_certificate.certificate()});
+    MuseumDownloader downloader(patient, m_agent);
+    MuseumDownloads downloads(downloader, [](const QString &) { return QtFuture::makeReadyFuture(QUrl()); });
+    QStringList ended;
+    QObject::connect(&downloads, &MuseumDownloads::finished, [&](const QString &md5) { ended.append(md5); });
+    QObject::connect(&downloads, &MuseumDownloads::failed, [&](const QString &md5) { ended.append(md5); });
+    for (int i = 0; i < 6; ++i)
+        downloads.start(skin(i), m_folder.path("skins"));
+    ASSERT_TRUE(waitFor([&] { return m_museum.count(Kind::archive) == 4; }));
+    downloads.cancel(skin(5).md5);
+    EXPECT_EQ(downloads.state(skin(5).md5), nullptr);
+    m_museum.faults.clear();
+    for (int i = 0; i < 4; ++i)
+        downloads.cancel(skin(i).md5);
+    EXPECT_TRUE(waitFor([&] { return downloads.countUnderWay() == 0; })); // the last one had its turn
+    EXPECT_EQ(ended, QStringList{skin(4).md5});
+    EXPECT_EQ(downloads.state(skin(0).md5), nullptr);
+    EXPECT_EQ(QDir(m_folder.path("skins/Museum")).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
+              QStringList{u"Skin 4.wsz"_qs});
+    patient->close();
 }
 
 TEST_F(MuseumModelsTest, PicturesOfWhatIsInViewComeFirst) {

@@ -138,6 +138,10 @@ TEST(MuseumPageTest, HasASentenceForEveryFailure) {
         EXPECT_EQ(error.description(), QString::fromUtf8(sentence));
         EXPECT_STREQ(error.what(), sentence);
     }
+    const QString words = u"seven or so "_qs.repeated(26); // 312
+    EXPECT_EQ(MuseumError::graphQL(words), MuseumError::graphQL(words.first(299) + u'…'));
+    const QString one = QString(299, u'x') + u"🎵 and more"_qs;
+    EXPECT_TRUE(MuseumError::graphQL(one).description().endsWith(u"xx…"_qs));
 }
 
 TEST(MuseumPageTest, AsksWithTheMuseumsWords) {

@@ -178,6 +178,9 @@ QCoro::Task<Page<LibraryArtist>> MadeBackend::artists(PageRequest page) {
 }
 
 QCoro::Task<Page<LibraryAlbum>> MadeBackend::albums(std::optional<MediaID> artist, PageRequest page) {
+    for (LibraryAlbum &album : allOfAlbums)
+        album.trackCount = tellsTrackCounts ? std::optional(static_cast<int>(tracksOf.value(album.id).size()))
+                                            : std::nullopt;
     if (!artist)
         return pageOf("albums", allOfAlbums, page);
     QList<LibraryAlbum> own;

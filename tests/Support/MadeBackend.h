@@ -38,6 +38,7 @@ class MadeBackend : public MusicBackend {
     QList<std::pair<RecommendationRow, QList<RecommendationItem>>> recommended;
     QList<OutputDevice> speakers{OutputDevice::thisMac()};
     bool tellsTotal = true;
+    bool tellsTrackCounts = false;   ///< of albums
     std::optional<int> claimedTotal; ///< instead of the true one
 
     /// How long answers take from now on, below zero when they are there at once, and what every request

@@ -45,13 +45,18 @@ class MuseumTabTest : public PlayerFixture {
                              .cacheFolder = m_folder.path("cache"),
                              .version = u"1"_qs});
         m_window->bringToFront({});
-        m_window->findChild<QTabWidget *>()->setCurrentIndex(1);
+        auto *const tabs = m_window->findChild<QTabWidget *>();
+        EXPECT_EQ(tabs->currentIndex(), m_tab ? 1 : 0); // as it was left
+        tabs->setCurrentIndex(1);
         m_tab = m_window->findChild<MuseumTab *>();
         m_grid = m_tab->findChild<MuseumGridView *>();
         m_search = m_tab->findChild<QLineEdit *>();
         m_grid->setFocus();
     }
     [[nodiscard]] QString name(int row) const { return m_grid->model()->index(row, 0).data().toString(); }
+    [[nodiscard]] QString spoken(int row) const {
+        return m_grid->model()->index(row, 0).data(Qt::AccessibleTextRole).toString();
+    }
     [[nodiscard]] bool shows(int row, const QString &expected) {
         return waitFor([&] { return row < m_grid->model()->rowCount() && name(row) == expected; });
     }
@@ -180,6 +185,15 @@ TEST_F(MuseumTabTest, SaysInPlaceWhatWentWrong) {
     QTest::keyClick(m_grid, Qt::Key_Return);
     EXPECT_TRUE(says(u"Unreadable archive: Not a zip archive"_qs));
     EXPECT_TRUE(m_model.skinUrl().isEmpty());
+    EXPECT_EQ(spoken(3), u"Skin 3, Unreadable archive: Not a zip archive"_qs);
+    m_museum.faults[Kind::archive] = Fault::hangs;
+    m_grid->setCurrentIndex(m_grid->model()->index(4, 0));
+    QTest::keyClick(m_grid, Qt::Key_Return);
+    ASSERT_TRUE(waitFor([&] { return button(u"Cancel"_qs) != nullptr; }));
+    EXPECT_EQ(spoken(4), u"Skin 4, downloading"_qs);
+    button(u"Cancel"_qs)->click();
+    EXPECT_TRUE(waitFor([&] { return button(u"Download"_qs) != nullptr; }));
+    EXPECT_EQ(spoken(4), u"Skin 4"_qs);
 }
 
 TEST_F(MuseumTabTest, ShowsWhatWasSeenBeforeWithoutTheMuseum) {
@@ -246,8 +260,10 @@ TEST_F(MuseumTabTest, NothingIsWornThatIsNoLongerAskedFor) {
     QTest::keyClick(m_grid, Qt::Key_Backspace);
     choose(1); // before the one before is back
     ASSERT_TRUE(wears("Museum/Skin 1.wsz"));
-    QTest::keyClick(m_grid, Qt::Key_Backspace);
-    EXPECT_TRUE(wears("Museum/Skin 0.wsz"));
+    for (const char *before : {"Museum/Skin 0.wsz", "mine.wsz"}) {
+        QTest::keyClick(m_grid, Qt::Key_Backspace);
+        EXPECT_TRUE(wears(before));
+    }
 }
 
 TEST_F(MuseumTabTest, AMuseumElsewhereIsNamedByTheEnvironmentOrTheSettings) {
@@ -263,6 +279,7 @@ TEST_F(MuseumTabTest, AMuseumElsewhereIsNamedByTheEnvironmentOrTheSettings) {
     EXPECT_EQ(chosen({}, u"https://mirror/graphql"_qs), u"https://mirror/graphql"_qs);
     EXPECT_EQ(chosen("https://test/", u"https://mirror/graphql"_qs), u"https://test/"_qs);
     EXPECT_EQ(chosen("http://test/", {}), museum);
+    EXPECT_EQ(chosen("https:///graphql", {}), museum);
     const QString file = m_folder.write("ca.pem", m_certificate.certificate().toPem());
     m_settings.setValue(u"skins.museum.caFile"_qs, file);
     EXPECT_EQ(MuseumSetup::chosen(m_settings).authorities, QList{m_certificate.certificate()});

@@ -1,11 +1,11 @@
 #include "AudioCore/NowPlaying/EmbeddedArtworkLoader.h"
 
+#include "Platform/NativePath.h"
 #include "Platform/PictureDecoder.h"
 
-#include <QDirIterator>
-#include <QFile>
 #include <QFileInfo>
 
+#include <sys/stat.h>
 #include <taglib/aifffile.h>
 #include <taglib/attachedpictureframe.h>
 #include <taglib/fileref.h>
@@ -62,7 +62,7 @@ QByteArray inMP4(const TagLib::MP4::Tag *tag) {
 }
 
 QByteArray embedded(const QString &path) {
-    const TagLib::FileRef reference(QFile::encodeName(path).constData(), false);
+    const TagLib::FileRef reference(NativePath::bytes(path).constData(), false);
     if (reference.isNull())
         return {};
     TagLib::File *const file = reference.file();
@@ -93,19 +93,17 @@ QImage beside(const QString &path) {
                                    QStringLiteral("front")};
     static const QStringList kinds{QStringLiteral("jpg"), QStringLiteral("jpeg"), QStringLiteral("png")};
     std::map<qsizetype, QString> found; // by rank
-    QDirIterator files(QFileInfo(path).absolutePath(), QDir::Files);
-    while (files.hasNext()) {
-        const QFileInfo file(files.next());
-        const qsizetype name = names.indexOf(file.completeBaseName().toLower());
-        const qsizetype kind = kinds.indexOf(file.suffix().toLower());
+    const QString folder = path.first(path.lastIndexOf(u'/') + 1);
+    for (const QString &file : NativePath::files(folder)) {
+        const QFileInfo parts(file);
+        const qsizetype name = names.indexOf(parts.completeBaseName().toLower());
+        const qsizetype kind = kinds.indexOf(parts.suffix().toLower());
         if (name >= 0 && kind >= 0)
-            found.emplace(name * kinds.size() + kind, file.filePath());
+            found.emplace(name * kinds.size() + kind, folder + file);
     }
     for (const auto &[rank, picture] : found) {
-        QFile file(picture);
-        if (file.size() > EmbeddedArtworkLoader::maxBytes || !file.open(QIODevice::ReadOnly))
-            continue;
-        if (const QImage image = decoded(file.read(EmbeddedArtworkLoader::maxBytes)); !image.isNull())
+        const QByteArray bytes = NativePath::read(picture, EmbeddedArtworkLoader::maxBytes);
+        if (const QImage image = decoded(bytes); !image.isNull())
             return image;
     }
     return {};
@@ -144,7 +142,9 @@ void EmbeddedArtworkLoader::request(const QString &path, std::function<void(cons
 }
 
 QImage EmbeddedArtworkLoader::load(const QString &path) {
-    if (!QFileInfo(path).isFile()) // folders; also pipes, on which opening would wait
+    struct stat status;
+    const bool isThere = stat(NativePath::bytes(path).constData(), &status) == 0;
+    if (!isThere || !S_ISREG(status.st_mode)) // folders; also pipes, on which opening would wait
         return {};
     const QImage image = decoded(embedded(path));
     return image.isNull() ? beside(path) : image;

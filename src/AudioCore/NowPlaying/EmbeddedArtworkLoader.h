@@ -27,6 +27,7 @@ class EmbeddedArtworkLoader : public QObject {
     /// Drops the request and waits for what is being read.
     ~EmbeddedArtworkLoader() override;
 
+    // Paths are absolute and in NativePath's form.
     /// Calls back on the main thread if there is a picture, unless another request or cancel() came first.
     void request(const QString &path, std::function<void(const QImage &)> found);
     void cancel();

@@ -3,6 +3,7 @@
 #include "AudioCore/NowPlaying/NowPlayingCommandTarget.h"
 #include "AudioCore/NowPlaying/NowPlayingInfoBuilder.h"
 #include "AudioCore/Playback/Player.h"
+#include "Platform/NativePath.h"
 
 namespace vantor {
 
@@ -76,7 +77,7 @@ void NowPlayingBridge::takeTrack(const std::optional<Track> &track) {
     m_artworkLoader.cancel();
     const QUrl *const file = track ? std::get_if<QUrl>(&track->source) : nullptr;
     if (file && file->isLocalFile())
-        m_artworkLoader.request(file->toLocalFile(), [this](const QImage &artwork) {
+        m_artworkLoader.request(NativePath::fromUrl(*file), [this](const QImage &artwork) {
             m_artwork = artwork;
             publish();
         });

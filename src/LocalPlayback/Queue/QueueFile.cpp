@@ -42,11 +42,14 @@ RepeatMode repeatModeNamed(const QString &name) {
 }
 
 // The local file of an item, or its web address, which stands in the path's place: no path from the root
-// looks like one. "start" and "end" in seconds, where the item is a part of the file.
+// looks like one. So does the address of a file whose name is no text. "start" and "end" in seconds, where
+// the item is a part of the file.
 namespace StoredSource {
 
 QJsonObject encode(const QUrl &url, const std::optional<TrackRange> &range) {
-    const QString path = url.isLocalFile() ? url.toLocalFile() : url.toString(QUrl::FullyEncoded);
+    QString path = url.isLocalFile() ? url.toLocalFile() : QString();
+    if (path.isEmpty() || path.contains(QChar::ReplacementCharacter))
+        path = url.toString(QUrl::FullyEncoded);
     QJsonObject object{{QStringLiteral("kind"), QStringLiteral("file")}, {QStringLiteral("path"), path}};
     if (range)
         object[QStringLiteral("start")] = range->start;
@@ -74,7 +77,8 @@ QUrl decode(const QJsonObject &object) {
     if (object.value(QLatin1String("kind")) != QLatin1String("file") || path.isEmpty())
         throw LocalPlaybackError::unknownSourceKind();
     const QUrl address(path);
-    return AddressLoader::isAddress(address) ? address : QUrl::fromLocalFile(path);
+    const bool isAddress = AddressLoader::isAddress(address) || path.startsWith(QLatin1String("file:///"));
+    return isAddress ? address : QUrl::fromLocalFile(path);
 }
 
 } // namespace StoredSource

@@ -51,12 +51,15 @@ MuseumClient::MuseumClient(std::shared_ptr<MuseumTransport> transport,
       m_endpoint(endpoint), m_sleep(sleep ? std::move(sleep) : Sleep(&sleepFor)) {}
 
 QCoro::Task<QByteArray> MuseumClient::post(std::shared_ptr<MuseumTransport> transport, QUrl endpoint,
-                                           QByteArray userAgent, QByteArray body, Sleep sleep) {
+                                           QByteArray userAgent, QByteArray body, Sleep sleep,
+                                           HeldUp heldUp) {
     const MuseumRequest request{.url = endpoint, .userAgent = userAgent, .maxBytes = maxAnswer, .body = body};
     HTTPAnswer answer = co_await transport->send(request);
     const std::optional<std::chrono::seconds> wait =
         answer.status != 0 && !isSuccess(answer.status) ? retryAfter(answer) : std::nullopt;
     if (wait) {
+        if (heldUp)
+            heldUp();
         co_await sleep(*wait);
         answer = co_await transport->send(request);
     }
@@ -71,10 +74,10 @@ QCoro::Task<QByteArray> MuseumClient::post(std::shared_ptr<MuseumTransport> tran
     co_return answer.body;
 }
 
-QCoro::Task<MuseumPage> MuseumClient::page(MuseumQuery query) {
+QCoro::Task<MuseumPage> MuseumClient::page(MuseumQuery query, HeldUp heldUp) {
     const std::shared_ptr<MuseumResultCache> cache = m_cache; // the client may go meanwhile
     const QByteArray question = query.request().encoded();
-    const QByteArray body = co_await post(m_transport, m_endpoint, m_userAgent, question, m_sleep);
+    const QByteArray body = co_await post(m_transport, m_endpoint, m_userAgent, question, m_sleep, heldUp);
     const QFuture<Decoded> decoding = QtConcurrent::run(&decoded, body, query);
     const Decoded result = co_await decoding;
     if (const auto *error = std::get_if<MuseumError>(&result))

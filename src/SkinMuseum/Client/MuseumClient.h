@@ -18,6 +18,8 @@ struct HTTPAnswer;
 class MuseumClient {
   public:
     using Sleep = std::function<QCoro::Task<>(std::chrono::milliseconds)>;
+    /// Called when the museum asks for patience, before it is waited for.
+    using HeldUp = std::function<void()>;
 
     struct CachedPage {
         MuseumPage page;
@@ -37,14 +39,14 @@ class MuseumClient {
 
     /// From the museum, and kept. When the museum asks for patience it gets it once, within limits. Throws
     /// MuseumError.
-    [[nodiscard]] QCoro::Task<MuseumPage> page(MuseumQuery query);
+    [[nodiscard]] QCoro::Task<MuseumPage> page(MuseumQuery query, HeldUp heldUp = {});
     /// As the museum gave it last.
     [[nodiscard]] QCoro::Task<std::optional<CachedPage>> cachedPage(MuseumQuery query);
 
   private:
     [[nodiscard]] static QCoro::Task<QByteArray> post(std::shared_ptr<MuseumTransport> transport,
                                                       QUrl endpoint, QByteArray userAgent, QByteArray body,
-                                                      Sleep sleep);
+                                                      Sleep sleep, HeldUp heldUp);
 
     const std::shared_ptr<MuseumTransport> m_transport;
     const std::shared_ptr<MuseumResultCache> m_cache;

@@ -100,15 +100,19 @@ QCoro::Task<QUrl> MuseumDownloader::found(std::shared_ptr<Work> work, Existing e
 }
 
 QCoro::Task<MuseumDownloadResult> MuseumDownloader::download(MuseumSkin skin, QString folder,
-                                                             Existing existing, Progress progress) {
+                                                             Existing existing, Progress progress,
+                                                             std::stop_token stop) {
     if (folder.isEmpty())
         throw MuseumError::noFolder();
     const std::shared_ptr<Work> work = m_work;
     const std::shared_ptr<MuseumTransport> transport = m_transport;
-    const MuseumRequest request{
-        .url = skin.downloadURL, .userAgent = m_userAgent, .maxBytes = m_maxBytes, .onProgress = progress};
-    const auto goOn = [&work] {
-        if (work->isClosed)
+    const MuseumRequest request{.url = skin.downloadURL,
+                                .userAgent = m_userAgent,
+                                .maxBytes = m_maxBytes,
+                                .onProgress = progress,
+                                .stop = stop};
+    const auto goOn = [&work, &stop] {
+        if (work->isClosed || stop.stop_requested())
             throw MuseumError::offline();
     };
     const QUrl file = co_await found(work, existing, skin.md5);

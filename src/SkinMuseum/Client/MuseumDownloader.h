@@ -45,9 +45,11 @@ class MuseumDownloader {
 
     /// `folder`: the skins folder, in NativePath's form; empty when none was chosen. Throws MuseumError:
     /// `noFolder`, `offline`, `http`, `tooLarge`, `checksumMismatch`, `notSaved`. When
-    /// `existing` throws, it is asked once more, and then counts as none.
+    /// `existing` throws, it is asked once more, and then counts as none. Told to stop, on the main thread,
+    /// it fails as soon as it can, unless the skin is being saved already.
     [[nodiscard]] QCoro::Task<MuseumDownloadResult> download(MuseumSkin skin, QString folder,
-                                                             Existing existing, Progress progress = {});
+                                                             Existing existing, Progress progress = {},
+                                                             std::stop_token stop = {});
 
     /// A name for a file, ending in ".wsz": what a file system or another system forbids in names, and what
     /// cannot be seen, is replaced, what leads out of a folder or hides a file goes, and what is too long is

@@ -61,6 +61,7 @@ QCoro::Task<HTTPAnswer> QtMuseumTransport::send(MuseumRequest request) {
     const std::shared_ptr<Downloads> downloads = m_downloads;
     downloads->insert(&download);
     const auto unlist = qScopeGuard([&] { downloads->erase(&download); });
+    const std::stop_callback abandoning(request.stop, [&download] { download.abandon(); });
     [[maybe_unused]] const auto end = co_await download.finished().next();
     HTTPAnswer answer = download.takeAnswer();
     co_return answer;

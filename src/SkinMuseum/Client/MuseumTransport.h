@@ -7,6 +7,7 @@
 #include <QUrl>
 
 #include <set>
+#include <stop_token>
 
 class QNetworkAccessManager;
 
@@ -19,6 +20,7 @@ struct MuseumRequest {
     qint64 maxBytes = 0;  ///< of the answer; what is longer is broken off
     QByteArray body = {}; ///< posted as JSON; empty: the file is fetched
     std::function<void(qint64 received, qint64 total)> onProgress = {};
+    std::stop_token stop = {}; ///< to be asked on the main thread; then there is no answer
 };
 
 /// Sends requests over HTTP. Main thread. In a shared_ptr, which what is under way holds as well.

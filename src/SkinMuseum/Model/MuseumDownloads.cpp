@@ -22,17 +22,29 @@ void MuseumDownloads::start(const MuseumSkin &skin, const QString &folder) {
     startNext();
 }
 
+void MuseumDownloads::cancel(const QString &md5) {
+    if (const auto stop = m_stops.find(md5); stop != m_stops.end()) {
+        stop->second.request_stop();
+        return;
+    }
+    const auto isMeant = [&](const Waiting &waiting) { return waiting.skin.md5 == md5; };
+    if (std::erase_if(m_waiting, isMeant) == 0)
+        return;
+    m_states.remove(md5);
+    Q_EMIT changed(md5);
+}
+
 void MuseumDownloads::startNext() {
     while (m_running < mostAtOnce && !m_waiting.empty()) {
         const Waiting next = std::move(m_waiting.front());
         m_waiting.pop_front();
         ++m_running;
         m_states[next.skin.md5].isRunning = true;
-        run(next.skin, next.folder);
+        run(next.skin, next.folder, m_stops[next.skin.md5].get_token());
     }
 }
 
-QCoro::Task<> MuseumDownloads::run(MuseumSkin skin, QString folder) {
+QCoro::Task<> MuseumDownloads::run(MuseumSkin skin, QString folder, std::stop_token stop) {
     const QPointer<MuseumDownloads> self(this);
     const QString md5 = skin.md5;
     const MuseumDownloader::Progress progress = [self, md5](qint64 received, qint64 total) {
@@ -42,14 +54,16 @@ QCoro::Task<> MuseumDownloads::run(MuseumSkin skin, QString folder) {
     std::optional<MuseumDownloadResult> result;
     std::optional<MuseumError> error;
     try {
-        result = co_await m_downloader.download(skin, folder, m_existing, progress);
+        result = co_await m_downloader.download(skin, folder, m_existing, progress, stop);
     } catch (const MuseumError &thrown) {
         error = thrown;
     }
     if (!self)
         co_return;
     --m_running;
-    if (error)
+    m_stops.erase(md5);
+    const bool isGivenUp = error && stop.stop_requested();
+    if (error && !isGivenUp)
         m_states.insert(md5, {.error = error});
     else
         m_states.remove(md5);
@@ -59,7 +73,7 @@ QCoro::Task<> MuseumDownloads::run(MuseumSkin skin, QString folder) {
         co_return;
     if (result)
         Q_EMIT finished(md5, *result);
-    else
+    else if (!isGivenUp)
         Q_EMIT failed(md5, *error);
 }
 

@@ -7,6 +7,8 @@
 #include <QObject>
 
 #include <deque>
+#include <map>
+#include <stop_token>
 
 namespace vantor {
 
@@ -30,6 +32,8 @@ class MuseumDownloads : public QObject {
 
     /// Into the skins folder. One that is under way goes on.
     void start(const MuseumSkin &skin, const QString &folder);
+    /// One that is under way is given up, and leaves nothing; but it may just have come.
+    void cancel(const QString &md5);
     /// None for a skin that was never asked for, and for one that has come.
     [[nodiscard]] const State *state(const QString &md5) const;
     [[nodiscard]] int countUnderWay() const { return m_running + static_cast<int>(m_waiting.size()); }
@@ -46,12 +50,13 @@ class MuseumDownloads : public QObject {
     };
 
     void startNext();
-    QCoro::Task<> run(MuseumSkin skin, QString folder);
+    QCoro::Task<> run(MuseumSkin skin, QString folder, std::stop_token stop);
     void advance(const QString &md5, qint64 received, qint64 total);
 
     MuseumDownloader &m_downloader;
     const MuseumDownloader::Existing m_existing;
     QHash<QString, State> m_states;
+    std::map<QString, std::stop_source> m_stops; ///< of those that run
     std::deque<Waiting> m_waiting;
     int m_running = 0;
 };

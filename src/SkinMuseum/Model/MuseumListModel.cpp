@@ -10,11 +10,16 @@ namespace {
 
 constexpr int pageSize = MuseumQuery::pageSize;
 constexpr int lookAhead = pageSize / 2; // rows beyond those in view that are read too
+constexpr std::chrono::seconds patience{2};
 
 } // namespace
 
 MuseumListModel::MuseumListModel(MuseumClient &client, QObject *parent)
-    : QAbstractListModel(parent), m_client(client) {}
+    : QAbstractListModel(parent), m_client(client) {
+    m_patience.setSingleShot(true);
+    m_patience.setInterval(patience);
+    connect(&m_patience, &QTimer::timeout, this, &MuseumListModel::blankRows);
+}
 
 // Rows
 
@@ -55,7 +60,9 @@ QStringList MuseumListModel::md5s() const {
 
 QVariant MuseumListModel::data(const QModelIndex &index, int role) const {
     const MuseumSkin *const shown = skin(index);
-    return shown && role == Qt::DisplayRole ? shown->title() : QVariant();
+    if (!shown || (role != Qt::DisplayRole && role != Qt::AccessibleTextRole))
+        return {};
+    return role == Qt::AccessibleTextRole && m_spoken ? m_spoken(*shown) : shown->title();
 }
 
 // Queries
@@ -67,25 +74,46 @@ void MuseumListModel::setQuery(const QString &text, bool includeNSFW) {
     if (query == m_query && (m_hasAnswer || m_isQuerying))
         return;
     m_query = query;
+    if (m_pages.empty())
+        setPageCount(1, std::nullopt);
+    m_patience.start();
     begin();
+    setNotice(Notice::none, std::nullopt);
 }
 
 void MuseumListModel::begin() {
     ++m_turn;
     m_isQuerying = true;
-    if (m_pages.empty())
-        setPageCount(1, std::nullopt);
+    m_isHeldUp = false;
     m_isReading = true;
     read(0, m_turn);
-    setNotice(Notice::none, std::nullopt);
 }
 
 void MuseumListModel::retry() {
-    if (!m_hasAnswer)
-        return begin();
+    if (!m_hasAnswer) {
+        begin();
+        Q_EMIT stateChanged();
+        return;
+    }
     forgetFailures();
-    setNotice(Notice::none, std::nullopt);
     readOn();
+    if (!m_isReading) // nothing that is in view is missing
+        setNotice(Notice::none, std::nullopt);
+}
+
+void MuseumListModel::takeHeldUp() {
+    m_isHeldUp = true;
+    blankRows();
+    Q_EMIT stateChanged();
+}
+
+/// What is there is not what is asked for.
+void MuseumListModel::blankRows() {
+    if (!m_isQuerying || m_pages.empty())
+        return;
+    beginResetModel();
+    m_pages.assign(1, Page{.skins = {}, .size = pageSize});
+    endResetModel();
 }
 
 void MuseumListModel::setInView(int first, int last) {
@@ -150,16 +178,22 @@ QCoro::Task<> MuseumListModel::read(int page, int turn) {
     const bool isShown = !m_isQuerying && m_pages[static_cast<std::size_t>(page)].state == State::provisional;
     if (cached && !isShown)
         take(page, cached->page, State::provisional);
+    const MuseumClient::HeldUp heldUp = [self, turn] {
+        if (self && turn == self->m_turn)
+            self->takeHeldUp();
+    };
     std::optional<MuseumPage> answer;
     std::optional<MuseumError> error;
     try {
-        answer = co_await m_client.page(query);
+        answer = co_await m_client.page(query, heldUp);
     } catch (const MuseumError &thrown) {
         error = thrown;
     }
     if (!self || turn != m_turn)
         co_return;
     m_isReading = false;
+    m_isHeldUp = false;
+    m_patience.stop();
     if (answer) {
         take(page, std::move(*answer), State::read);
         forgetFailures(); // the museum is there again

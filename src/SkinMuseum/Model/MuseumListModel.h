@@ -5,7 +5,9 @@
 
 #include <QAbstractListModel>
 #include <QCoroTask>
+#include <QTimer>
 
+#include <functional>
 #include <vector>
 
 namespace vantor {
@@ -17,7 +19,8 @@ class MuseumClient;
 /// Pages are read one at a time as their rows come into view, those in view first; until then their rows have
 /// no data. Where the museum tells how many skins there are, all rows are there from the beginning; otherwise
 /// they grow by a page. What was seen before is shown at once and then brought up to date. A new
-/// query leaves the rows as they are until its own have come. Main thread; borrows the client.
+/// query leaves the rows as they are until its own have come, or until that takes long: then rows without
+/// data stand in. Main thread; borrows the client.
 class MuseumListModel : public QAbstractListModel {
     Q_OBJECT
 
@@ -38,10 +41,14 @@ class MuseumListModel : public QAbstractListModel {
     [[nodiscard]] const MuseumQuery &query() const { return m_query; }
     /// Whether the rows are not yet those of the query.
     [[nodiscard]] bool isQuerying() const { return m_isQuerying; }
+    /// Whether the museum has asked for patience and is asked again in a few seconds.
+    [[nodiscard]] bool isHeldUp() const { return m_isHeldUp; }
     [[nodiscard]] Notice notice() const { return m_notice; }
     [[nodiscard]] const std::optional<MuseumError> &error() const { return m_error; }
-    /// Asks again for what could not be read.
+    /// Asks again for what could not be read. What there was to say stays until there is an answer.
     void retry();
+    /// How a skin is called by who reads the screen aloud; without it, by its name.
+    void setSpokenText(const std::function<QString(const MuseumSkin &)> &spoken) { m_spoken = spoken; }
 
     /// The rows that are seen.
     void setInView(int first, int last);
@@ -51,11 +58,11 @@ class MuseumListModel : public QAbstractListModel {
     [[nodiscard]] QStringList md5s() const;
 
     [[nodiscard]] int rowCount(const QModelIndex &parent = {}) const override;
-    /// The name.
+    /// The name, and what is spoken.
     [[nodiscard]] QVariant data(const QModelIndex &index, int role) const override;
 
   Q_SIGNALS:
-    void stateChanged(); ///< query, notice or error
+    void stateChanged(); ///< query, notice, error, or whether it is held up
     void pageRead();
 
   private:
@@ -72,6 +79,8 @@ class MuseumListModel : public QAbstractListModel {
     };
 
     void begin();
+    void takeHeldUp();
+    void blankRows();
     void readOn();
     QCoro::Task<> read(int page, int turn);
     [[nodiscard]] std::optional<int> wanted() const;
@@ -93,6 +102,9 @@ class MuseumListModel : public QAbstractListModel {
     bool m_isQuerying = false;
     bool m_hasAnswer = false; ///< to any query
     bool m_isReading = false;
+    bool m_isHeldUp = false;
+    QTimer m_patience; ///< with the rows of the query before
+    std::function<QString(const MuseumSkin &)> m_spoken;
     int m_turn = 0; ///< raised by every query, so that answers to earlier ones are known
     int m_firstInView = 0;
     int m_lastInView = 0;

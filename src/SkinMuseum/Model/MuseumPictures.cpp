@@ -25,6 +25,8 @@ MuseumPictures::MuseumPictures(MuseumScreenshotCache &cache, QObject *parent)
     : QObject(parent), m_cache(cache) {
     m_pool.setMaxThreadCount(2);
     m_pool.setThreadPriority(QThread::LowPriority);
+    m_pause.setSingleShot(true);
+    connect(&m_pause, &QTimer::timeout, this, &MuseumPictures::endPauses);
 }
 
 MuseumPictures::~MuseumPictures() {
@@ -33,7 +35,7 @@ MuseumPictures::~MuseumPictures() {
 
 bool MuseumPictures::hasFailed(const QString &md5) const {
     const auto failure = m_failures.constFind(md5);
-    return failure != m_failures.cend() && !failure->hasExpired(failureMemory.count());
+    return failure != m_failures.cend() && !failure->pause.hasExpired();
 }
 
 QImage MuseumPictures::picture(const MuseumSkin &skin, int height) {
@@ -47,6 +49,37 @@ QImage MuseumPictures::picture(const MuseumSkin &skin, int height) {
     m_wanted.push_back({skin, height});
     loadSoon();
     return {};
+}
+
+void MuseumPictures::takeFailure(const QString &md5) {
+    if (m_failures.size() >= mostFailures)
+        m_failures.clear();
+    Failure &failure = m_failures[md5];
+    const auto pause = firstPause * (1 << std::min(failure.times, 10));
+    failure = {QDeadlineTimer(std::min<std::chrono::milliseconds>(pause, longestPause)), failure.times + 1};
+    startPause();
+}
+
+// Who shows one of these asks for it again.
+void MuseumPictures::endPauses() {
+    QStringList over;
+    for (auto failure = m_failures.begin(); failure != m_failures.end(); ++failure) {
+        if (failure->pause.hasExpired() && !std::exchange(failure->isOver, true))
+            over.append(failure.key());
+    }
+    startPause();
+    for (const QString &md5 : over)
+        Q_EMIT changed(md5);
+}
+
+void MuseumPictures::startPause() {
+    std::optional<qint64> least;
+    for (const Failure &failure : m_failures) {
+        if (!failure.isOver)
+            least = std::min(least.value_or(longestPause.count()), failure.pause.remainingTime());
+    }
+    if (least)
+        m_pause.start(std::chrono::milliseconds(*least));
 }
 
 // Not at once: of one paint the last comes first, and nothing changes inside it.
@@ -85,9 +118,7 @@ QCoro::Task<> MuseumPictures::load(Request request) {
     const Key key{request.skin.md5, request.height};
     m_loading.remove(key);
     if (image.isNull()) {
-        if (m_failures.size() >= mostFailures)
-            m_failures.clear();
-        m_failures[request.skin.md5].start();
+        takeFailure(request.skin.md5);
     } else {
         m_failures.remove(request.skin.md5);
         m_images.insert(key, new QImage(image), image.sizeInBytes());

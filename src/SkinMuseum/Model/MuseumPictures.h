@@ -4,12 +4,13 @@
 
 #include <QCache>
 #include <QCoroTask>
-#include <QElapsedTimer>
+#include <QDeadlineTimer>
 #include <QHash>
 #include <QImage>
 #include <QObject>
 #include <QSet>
 #include <QThreadPool>
+#include <QTimer>
 
 #include <vector>
 
@@ -24,8 +25,10 @@ class MuseumPictures : public QObject {
 
   public:
     static constexpr int mostLoads = 8;
-    static constexpr qsizetype memoryLimit = qsizetype(28) << 20;     ///< bytes
-    static constexpr std::chrono::milliseconds failureMemory{30'000}; ///< in which nothing is asked again
+    static constexpr qsizetype memoryLimit = qsizetype(28) << 20; ///< bytes
+    /// In which one that could not be loaded is not asked for again: longer with every time.
+    static constexpr std::chrono::milliseconds firstPause{5'000};
+    static constexpr std::chrono::milliseconds longestPause{600'000};
 
     explicit MuseumPictures(MuseumScreenshotCache &cache, QObject *parent = nullptr);
     /// Waits for the pictures that are being decoded.
@@ -41,7 +44,7 @@ class MuseumPictures : public QObject {
     void forgetFailures() { m_failures.clear(); }
 
   Q_SIGNALS:
-    void changed(const QString &md5); ///< it has come, or failed
+    void changed(const QString &md5); ///< it has come, or failed, or may be asked for again
 
   private:
     using Key = std::pair<QString, int>; ///< MD5 and height
@@ -50,14 +53,24 @@ class MuseumPictures : public QObject {
         int height = 0;
     };
 
+    struct Failure {
+        QDeadlineTimer pause;
+        int times = 0;
+        bool isOver = false; ///< the pause, and everybody knows
+    };
+
+    void takeFailure(const QString &md5);
+    void endPauses();
+    void startPause();
     void loadSoon();
     void loadNext();
     QCoro::Task<> load(Request request);
 
     MuseumScreenshotCache &m_cache;
     QCache<Key, QImage> m_images{memoryLimit};
-    QHash<QString, QElapsedTimer> m_failures; ///< since when
-    std::vector<Request> m_wanted;            ///< the newest is the last
+    QHash<QString, Failure> m_failures;
+    QTimer m_pause;                ///< until the first of them may be asked for again
+    std::vector<Request> m_wanted; ///< the newest is the last
     QSet<Key> m_loading;
     bool m_loadsSoon = false;
     QThreadPool m_pool;

@@ -2,6 +2,7 @@
 
 #include "FolderBackendKit/FolderBackend.h"
 #include "Platform/AppPaths.h"
+#include "Vantor/Library/LibraryTexts.h"
 #include "Vantor/Model/PlayerModel.h"
 
 #include <QPointer>
@@ -124,8 +125,9 @@ void FolderSource::take(const FolderIndexStatus &status) {
 }
 
 QString FolderSource::activity() const {
-    const bool isAtRest = m_status.state == FolderIndexStatus::State::ready && m_status.note.isEmpty();
-    return isAtRest ? QString() : status();
+    if (m_status.state != FolderIndexStatus::State::ready)
+        return status();
+    return LibraryTexts::joined({unreadable(), m_status.note});
 }
 
 QString FolderSource::status() const {
@@ -144,7 +146,16 @@ QString FolderSource::status() const {
     }
     const int tracks = m_status.summary.reused + m_status.summary.loaded;
     const QString count = tracks == 1 ? tr("1 track.") : tr("%L1 tracks.").arg(tracks);
-    return m_status.note.isEmpty() ? count : m_status.note;
+    QStringList sentences{m_status.note.isEmpty() ? count : m_status.note, unreadable()};
+    sentences.removeAll(QString());
+    return sentences.join(u' ');
+}
+
+QString FolderSource::unreadable() const {
+    const int count = m_status.summary.unreadable;
+    if (count == 0)
+        return {};
+    return count == 1 ? tr("1 file can't be read.") : tr("%L1 files can't be read.").arg(count);
 }
 
 } // namespace vantor

@@ -42,6 +42,7 @@ class FolderSource : public LibrarySource {
     void leave();
     QCoro::Task<> followStatus();
     void take(const FolderIndexStatus &status);
+    [[nodiscard]] QString unreadable() const;
 
     Preferences &m_preferences;
     LibraryOutput m_output;

@@ -18,6 +18,8 @@ namespace {
 constexpr int padding = 9;
 constexpr int textGap = 7;
 constexpr int leastCell = 164;
+constexpr int largeCell = 208; // in wide windows
+constexpr int commonColumns = 9;
 constexpr int lineCell = 150;
 constexpr int badgeSide = 26;
 
@@ -180,7 +182,7 @@ void LibraryGridView::setShowsYears(bool shows) {
 
 QSize LibraryGridView::cell() const {
     const int width = viewport()->width();
-    const int columns = std::max(1, width / leastCell);
+    const int columns = std::max(1, width / std::clamp(width / commonColumns, leastCell, largeCell));
     const int across = m_shape == Shape::line ? lineCell : std::max(leastCell / 2, (width - 1) / columns);
     return {across, across + textGap + 2 * (fontMetrics().height() + 1) + 2};
 }

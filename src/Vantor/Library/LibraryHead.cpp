@@ -3,10 +3,8 @@
 #include "Vantor/Library/LibraryIcons.h"
 
 #include <QAction>
-#include <QComboBox>
 #include <QHBoxLayout>
 #include <QKeyEvent>
-#include <QLabel>
 #include <QLineEdit>
 #include <QScopedValueRollback>
 #include <QToolButton>
@@ -14,10 +12,6 @@
 namespace vantor {
 
 namespace {
-
-QString nameOf(const OutputDevice &output) {
-    return output.kind == OutputDevice::Kind::thisMac ? LibraryHead::tr("This Computer") : output.name;
-}
 
 QToolButton *makeButton(const QString &text, const QKeySequence &key) {
     auto *const button = new QToolButton;
@@ -34,18 +28,12 @@ LibraryHead::LibraryHead(LibraryBrowser &browser, QWidget *parent)
     : QWidget(parent), m_browser(browser),
       m_back(makeButton(tr("Back"), QKeySequence(Qt::ALT | Qt::Key_Left))),
       m_forward(makeButton(tr("Forward"), QKeySequence(Qt::ALT | Qt::Key_Right))), m_search(new QLineEdit),
-      m_searchIcon(m_search->addAction(QIcon(), QLineEdit::LeadingPosition)), m_outputs(new QComboBox),
-      m_output(new QLabel) {
+      m_searchIcon(m_search->addAction(QIcon(), QLineEdit::LeadingPosition)) {
     m_search->setPlaceholderText(tr("Search artists, albums and tracks"));
     m_search->setAccessibleName(tr("Search"));
     m_search->setClearButtonEnabled(true);
     m_search->setMaximumWidth(420);
     m_search->installEventFilter(this);
-    m_outputs->setAccessibleName(tr("Output"));
-    m_outputs->setToolTip(tr("Where it plays"));
-    m_outputs->setSizeAdjustPolicy(QComboBox::AdjustToContents);
-    m_output->setForegroundRole(QPalette::PlaceholderText);
-    m_output->setToolTip(tr("Where it plays"));
     auto *const layout = new QHBoxLayout(this);
     layout->setContentsMargins(8, 6, 12, 6);
     layout->setSpacing(4);
@@ -54,18 +42,13 @@ LibraryHead::LibraryHead(LibraryBrowser &browser, QWidget *parent)
     layout->addSpacing(8);
     layout->addWidget(m_search, 4);
     layout->addStretch(1);
-    layout->addWidget(m_output);
-    layout->addWidget(m_outputs);
     connect(m_back, &QToolButton::clicked, this, &LibraryHead::backAsked);
     connect(m_forward, &QToolButton::clicked, this, &LibraryHead::forwardAsked);
     connect(m_search, &QLineEdit::textChanged, this, [this](const QString &text) {
         if (!m_isShowing)
             Q_EMIT searchTyped(text);
     });
-    connect(m_outputs, &QComboBox::activated, this,
-            [this](int index) { m_browser.chooseOutput({m_outputs->itemData(index).toString()}); });
     connect(&browser, &LibraryBrowser::sourceChanged, this, &LibraryHead::takeSource);
-    connect(&browser, &LibraryBrowser::outputsChanged, this, &LibraryHead::showOutputs);
     takeColors();
     takeSource();
 }
@@ -92,28 +75,21 @@ void LibraryHead::focusSearch() {
 
 void LibraryHead::takeSource() {
     m_search->setVisible(m_browser.capabilities().testFlag(MusicBackendCapability::search));
-    showOutputs();
-}
-
-void LibraryHead::showOutputs() {
-    const QList<OutputDevice> &outputs = m_browser.outputs();
-    const std::optional<OutputDevice> chosen = m_browser.output();
-    m_outputs->clear();
-    for (const OutputDevice &output : outputs) {
-        m_outputs->addItem(nameOf(output), output.id.rawValue);
-        if (chosen && chosen->id == output.id)
-            m_outputs->setCurrentIndex(m_outputs->count() - 1);
-    }
-    m_outputs->setVisible(outputs.size() > 1);
-    m_output->setVisible(outputs.size() == 1);
-    m_output->setText(chosen ? nameOf(*chosen) : QString());
 }
 
 void LibraryHead::takeColors() {
     const QColor color = palette().color(QPalette::WindowText);
     const bool isLeftToRight = layoutDirection() == Qt::LeftToRight;
-    m_back->setIcon(isLeftToRight ? LibraryIcons::left(color) : LibraryIcons::right(color));
-    m_forward->setIcon(isLeftToRight ? LibraryIcons::right(color) : LibraryIcons::left(color));
+    const auto back = isLeftToRight ? &LibraryIcons::left : &LibraryIcons::right;
+    const auto forward = isLeftToRight ? &LibraryIcons::right : &LibraryIcons::left;
+    for (const auto &[button, icon] : {std::pair(m_back, back), {m_forward, forward}}) {
+        // Styles make what is off of what is on for light palettes only.
+        QColor faint = color;
+        faint.setAlphaF(0.3F);
+        QIcon both = icon(color);
+        both.addPixmap(icon(faint).pixmap(button->iconSize()), QIcon::Disabled);
+        button->setIcon(both);
+    }
     m_searchIcon->setIcon(LibraryIcons::search(palette().color(QPalette::PlaceholderText)));
 }
 

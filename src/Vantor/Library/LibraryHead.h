@@ -5,15 +5,13 @@
 #include <QWidget>
 
 class QAction;
-class QComboBox;
-class QLabel;
 class QLineEdit;
 class QToolButton;
 
 namespace vantor {
 
-/// The bar above the Library window's lists: the way back and forth, the search, and where it plays. Main
-/// thread; borrows the browser, whose outputs it shows and chooses.
+/// The bar above the Library window's lists: the way back and forth, and the search. Main thread; borrows the
+/// browser.
 class LibraryHead : public QWidget {
     Q_OBJECT
 
@@ -41,15 +39,12 @@ class LibraryHead : public QWidget {
   private:
     void takeColors();
     void takeSource();
-    void showOutputs();
 
     LibraryBrowser &m_browser;
     QToolButton *m_back;
     QToolButton *m_forward;
     QLineEdit *m_search;
     QAction *m_searchIcon;
-    QComboBox *m_outputs;
-    QLabel *m_output; ///< when there is only one
     bool m_isShowing = false;
 };
 

@@ -12,6 +12,7 @@
 #include "Vantor/Windows/SkinnedWindow.h"
 
 #include <QApplication>
+#include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QMouseEvent>
@@ -38,7 +39,7 @@ LibraryWindow::LibraryWindow(LibraryBrowser &browser, ArtworkCache &artwork, QSe
     : m_browser(browser), m_settings(settings), m_actions(browser, findFiles), m_history(LibraryPlace()),
       m_head(new LibraryHead(browser)), m_sidebar(new LibrarySidebar),
       m_content(new LibraryContent(m_actions, artwork, settings)), m_splitter(new QSplitter),
-      m_status(new QLabel) {
+      m_foot(new QHBoxLayout), m_status(new QLabel) {
     setWindowTitle(tr("Library"));
     m_telling.setSingleShot(true);
     m_telling.setInterval(tellingTime);
@@ -70,7 +71,9 @@ void LibraryWindow::arrange() {
     layout->setSpacing(0);
     layout->addWidget(m_head);
     layout->addWidget(m_splitter, 1);
-    layout->addWidget(m_status);
+    m_foot->setContentsMargins(0, 0, 6, 0);
+    m_foot->addWidget(m_status, 1);
+    layout->addLayout(m_foot);
     setMinimumSize(560, 360);
 }
 
@@ -259,6 +262,10 @@ void LibraryWindow::showState() {
 
 void LibraryWindow::setSourceSwitcher(QWidget *switcher) {
     m_sidebar->setHead(switcher);
+}
+
+void LibraryWindow::setOutputPicker(QWidget *picker) {
+    m_foot->addWidget(picker);
 }
 
 void LibraryWindow::setSourceStatus(const QString &status) {

@@ -6,6 +6,7 @@
 #include <QTimer>
 #include <QWidget>
 
+class QHBoxLayout;
 class QLabel;
 class QSettings;
 class QSplitter;
@@ -31,6 +32,8 @@ class LibraryWindow : public QWidget {
     void bringToFront();
     /// What stands above the sections, and chooses the source; the window owns it.
     void setSourceSwitcher(QWidget *switcher);
+    /// What stands in the foot beside the status, and chooses where it plays; the window owns it.
+    void setOutputPicker(QWidget *picker);
     /// What the source is doing, as a sentence; empty when it rests.
     void setSourceStatus(const QString &status);
 
@@ -72,6 +75,7 @@ class LibraryWindow : public QWidget {
     LibrarySidebar *m_sidebar;
     LibraryContent *m_content;
     QSplitter *m_splitter;
+    QHBoxLayout *m_foot;
     QLabel *m_status;
     QString m_sourceStatus;
     QString m_told; ///< what went wrong, for a while

@@ -4,8 +4,10 @@
 #include "Vantor/Library/LibraryWindow.h"
 #include "Vantor/Library/SourceSwitcher.h"
 #include "Vantor/Model/PlayerModel.h"
+#include "Vantor/Remote/SpeakersPanel.h"
 
 #include <QSettings>
+#include <QToolButton>
 
 namespace vantor {
 
@@ -145,6 +147,7 @@ void MusicLibrary::showWindow() {
             m_browser, m_artwork, m_settings,
             [this](const QList<MediaID> &ids, const Receiver &receive) { findFiles(ids, receive); });
         m_window->setSourceSwitcher(new SourceSwitcher(*this, m_window.get()));
+        m_window->setOutputPicker(makeOutputButton(m_model.remote(), m_window.get()));
         connect(m_window.get(), &LibraryWindow::settingsAsked, this, [this] {
             Q_EMIT settingsAsked(m_current == &m_folder ? PreferencesPage::library
                                                         : PreferencesPage::musicAssistant);

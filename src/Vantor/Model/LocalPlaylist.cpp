@@ -3,11 +3,12 @@
 #include "AudioCore/Queue/PlaylistSelection.h"
 #include "LocalPlayback/LocalPlaybackError.h"
 #include "LocalPlayback/Playlists/PlaylistFile.h"
+#include "Platform/NativePath.h"
 #include "Vantor/Model/InBackground.h"
 #include "Vantor/Model/NameOrder.h"
 #include "Vantor/Model/TrackFinder.h"
 
-#include <QFileInfo>
+#include <unistd.h>
 
 #include <numeric>
 
@@ -29,12 +30,12 @@ void LocalPlaylist::removeMissing() {
     std::vector<std::pair<QUuid, QString>> files;
     for (const Track &track : tracks()) {
         if (const QUrl *file = std::get_if<QUrl>(&track.source); file && file->isLocalFile())
-            files.emplace_back(track.id, file->toLocalFile());
+            files.emplace_back(track.id, NativePath::fromUrl(*file));
     }
     const auto findMissing = [files] {
         QSet<QUuid> missing;
         for (const auto &[id, path] : files) {
-            if (!QFileInfo::exists(path))
+            if (access(NativePath::bytes(path).constData(), F_OK) != 0)
                 missing.insert(id);
         }
         return missing;

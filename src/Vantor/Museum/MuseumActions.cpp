@@ -29,14 +29,13 @@ void MuseumTab::connectDownloads() {
     });
     connect(m_details, &MuseumDetails::wearAsked, this, &MuseumTab::wearSelected);
     connect(m_details, &MuseumDetails::downloadAsked, this, &MuseumTab::downloadSelected);
+    connect(m_details, &MuseumDetails::cancelAsked, this, &MuseumTab::cancelSelected);
     connect(m_details, &MuseumDetails::pageAsked, this, &MuseumTab::openPage);
     connect(m_details, &MuseumDetails::backAsked, this, &MuseumTab::goBack);
     connect(&m_history, &SkinHistory::changed, this, &MuseumTab::showSelected);
     connect(&m_model, &PlayerModel::skinRefused, this, [this](const QString &name, const QString &message) {
-        const MuseumSkin *const skin = selected();
-        const OwnedSkins::Skin *const owned = skin ? m_owned.find(skin->md5) : nullptr;
-        if (owned && owned->file.fileName() == name)
-            m_refusals.insert(skin->md5, message);
+        if (!m_lastMD5.isEmpty() && m_lastAsked.fileName() == name)
+            m_refusals.insert(m_lastMD5, message);
         showSelected();
     });
 }
@@ -57,14 +56,15 @@ void MuseumTab::wearSelected() {
     m_refusals.remove(skin->md5);
     m_wearNext.clear(); // whichever it was, this one is wanted now
     if (const OwnedSkins::Skin *const owned = m_owned.find(skin->md5)) {
-        wear(owned->file);
+        wear(skin->md5, owned->file);
     } else {
         m_wearNext = skin->md5;
         start(*skin);
     }
 }
 
-void MuseumTab::wear(const QUrl &file) {
+void MuseumTab::wear(const QString &md5, const QUrl &file) {
+    m_lastMD5 = md5;
     m_lastAsked = file;
     m_model.wear(file);
 }
@@ -79,6 +79,15 @@ void MuseumTab::downloadSelected() {
         start(*skin);
 }
 
+void MuseumTab::cancelSelected() {
+    const MuseumSkin *const skin = selected();
+    if (!skin)
+        return;
+    if (m_wearNext == skin->md5)
+        m_wearNext.clear();
+    m_downloads->cancel(skin->md5);
+}
+
 void MuseumTab::start(const MuseumSkin &skin) {
     m_downloads->start(skin, m_library.folder());
 }
@@ -91,7 +100,7 @@ void MuseumTab::takeDownload(const QString &md5, const MuseumDownloadResult &res
     m_owned.note(md5, result.file);
     if (m_wearNext == md5) {
         m_wearNext.clear();
-        wear(result.file);
+        wear(md5, result.file);
     }
 }
 
@@ -110,6 +119,8 @@ void MuseumTab::popUpMenu(QPoint at) {
     menu->setDefaultAction(menu->addAction(tr("Wear"), this, &MuseumTab::wearSelected));
     if (owned)
         menu->addAction(tr("Show in Folder"), this, [file = owned->file] { showInFolder(file); });
+    else if (stateOf(skin->md5).isUnderWay)
+        menu->addAction(tr("Cancel Download"), this, &MuseumTab::cancelSelected);
     else
         menu->addAction(tr("Download"), this, &MuseumTab::downloadSelected);
     menu->addAction(tr("Open Museum Page"), this, &MuseumTab::openPage);

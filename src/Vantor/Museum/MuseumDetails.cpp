@@ -25,7 +25,6 @@ class MuseumDetails::Picture : public QWidget {
     explicit Picture(MuseumPictures &pictures) : m_pictures(pictures) {
         setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
         setMinimumSize(110, 110);
-        setMaximumHeight(ownSize.height());
         connect(&pictures, &MuseumPictures::changed, this, [this](const QString &md5) {
             if (m_skin && m_skin->md5 == md5)
                 update();
@@ -38,6 +37,11 @@ class MuseumDetails::Picture : public QWidget {
     }
 
   protected:
+    // What is below stands right under it, however narrow it is.
+    void resizeEvent(QResizeEvent *) override {
+        const int high = ownSize.height() * width() / ownSize.width();
+        setMaximumHeight(std::clamp(high, minimumHeight(), ownSize.height()));
+    }
     void paintEvent(QPaintEvent *) override {
         QPainter painter(this);
         painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
@@ -101,7 +105,8 @@ MuseumDetails::MuseumDetails(MuseumPictures &pictures, QWidget *parent)
     layout->addLayout(buttons);
     layout->addStretch(0);
     connect(m_wear, &QPushButton::clicked, this, &MuseumDetails::wearAsked);
-    connect(m_download, &QPushButton::clicked, this, &MuseumDetails::downloadAsked);
+    connect(m_download, &QPushButton::clicked, this,
+            [this] { m_isUnderWay ? Q_EMIT cancelAsked() : Q_EMIT downloadAsked(); });
     connect(m_page, &QPushButton::clicked, this, &MuseumDetails::pageAsked);
     connect(m_back, &QPushButton::clicked, this, &MuseumDetails::backAsked);
     setSkin(std::nullopt, {});
@@ -117,7 +122,10 @@ void MuseumDetails::setSkin(const std::optional<MuseumSkin> &skin, const State &
     m_picture->setAccessibleName(skin ? tr("Screenshot of %1").arg(skin->title()) : QString());
     m_name->setText(skin ? skin->title() : QString());
     m_wear->setEnabled(skin && !state.isWorn);
-    m_download->setEnabled(skin && !state.isOwned && !state.isUnderWay);
+    m_isUnderWay = state.isUnderWay;
+    m_download->setText(m_isUnderWay ? tr("Cancel") : tr("Download"));
+    m_download->setAccessibleName(m_isUnderWay ? tr("Cancel the download") : QString());
+    m_download->setEnabled(skin && (m_isUnderWay || !state.isOwned));
     m_page->setEnabled(skin.has_value());
     m_progress->setVisible(skin && state.isUnderWay);
     m_progress->setRange(0, state.progress ? 1000 : 0);

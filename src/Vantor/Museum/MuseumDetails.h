@@ -38,6 +38,7 @@ class MuseumDetails : public QWidget {
   Q_SIGNALS:
     void wearAsked();
     void downloadAsked();
+    void cancelAsked(); ///< the download
     void pageAsked();
     void backAsked();
 
@@ -50,7 +51,8 @@ class MuseumDetails : public QWidget {
     QGraphicsOpacityEffect *m_lesser; ///< of the text; dark themes do not always have a colour for that
     QProgressBar *m_progress;
     QPushButton *m_wear;
-    QPushButton *m_download;
+    QPushButton *m_download; ///< or to cancel it
+    bool m_isUnderWay = false;
     QPushButton *m_page;
     QPushButton *m_back;
 };

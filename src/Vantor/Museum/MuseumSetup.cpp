@@ -26,15 +26,19 @@ MuseumSetup MuseumSetup::chosen(const QSettings &settings) {
                       .version = QStringLiteral(VANTOR_VERSION)};
     const QString address =
         chosenText("VANTOR_MUSEUM_ENDPOINT", settings, QStringLiteral("skins.museum.endpoint"));
-    if (const QUrl url(address, QUrl::StrictMode); url.scheme() == QLatin1String("https"))
+    const QUrl url(address, QUrl::StrictMode);
+    if (url.scheme() == QLatin1String("https") && !url.host().isEmpty())
         setup.endpoint = url;
     else if (!address.isEmpty())
-        qCWarning(museumLog, "The museum's address is not in https and is not used: %s",
+        qCWarning(museumLog, "The museum's address is not one in https with a host, and is not used: %s",
                   qUtf8Printable(address));
     const QString file = chosenText("VANTOR_MUSEUM_CA_FILE", settings, QStringLiteral("skins.museum.caFile"));
     if (!file.isEmpty())
         setup.authorities =
             QSslCertificate::fromPath(file, QSsl::Pem, QSslCertificate::PatternSyntax::FixedString);
+    if (!file.isEmpty() && setup.authorities.isEmpty())
+        qCWarning(museumLog, "There are no certificates in the file to trust for the museum: %s",
+                  qUtf8Printable(file));
     return setup;
 }
 

@@ -18,7 +18,7 @@ struct MuseumSetup {
 
     /// The museum, unless the environment (VANTOR_MUSEUM_ENDPOINT, VANTOR_MUSEUM_CA_FILE) or the settings
     /// (skins.museum.endpoint, skins.museum.caFile) name another one: a mirror, or one for tests. An address
-    /// that is not in https is none.
+    /// that is not in https or has no host is none; the log tells of it, and of a file without certificates.
     [[nodiscard]] static MuseumSetup chosen(const QSettings &settings);
 };
 

@@ -12,15 +12,14 @@
 #include "Vantor/Museum/MuseumSetup.h"
 #include "Vantor/Museum/MuseumTile.h"
 #include "Vantor/Museum/NoticeBar.h"
+#include "Vantor/Windows/GridSearchField.h"
 #include "Vantor/Windows/MessagePage.h"
 
-#include <QCoreApplication>
 #include <QCryptographicHash>
 #include <QGraphicsOpacityEffect>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
-#include <QLineEdit>
 #include <QSplitter>
 #include <QStackedWidget>
 
@@ -49,7 +48,7 @@ MuseumTab::MuseumTab(PlayerModel &model, SkinLibraryModel &library, SkinSwitcher
                      const MuseumSetup &setup, QWidget *parent)
     : QWidget(parent), m_model(model), m_library(library), m_switcher(switcher),
       m_transport(std::make_shared<QtMuseumTransport>(setup.authorities)), m_owned(library, switcher),
-      m_history(model), m_search(new QLineEdit), m_count(new QLabel),
+      m_history(model), m_search(new GridSearchField(tr("Search the museum"))), m_count(new QLabel),
       m_folderNotice(new NoticeBar(tr("Choose Folder…"))), m_notice(new NoticeBar(tr("Try Again"))),
       m_splitter(new QSplitter), m_pages(new QStackedWidget), m_message(new MessagePage) {
     const QByteArray agent = MuseumUserAgent::make(setup.version);
@@ -66,6 +65,7 @@ MuseumTab::MuseumTab(PlayerModel &model, SkinLibraryModel &library, SkinSwitcher
 
     m_grid = new MuseumGridView(*m_list, *m_pictures,
                                 [this](const MuseumSkin &skin, MuseumTile &tile) { mark(skin, tile); });
+    m_list->setSpokenText([this](const MuseumSkin &skin) { return spokenText(skin); });
     m_grid->setAccessibleName(tr("Skins of the museum"));
     m_details = new MuseumDetails(*m_pictures);
     m_pages->addWidget(m_grid);
@@ -76,6 +76,7 @@ MuseumTab::MuseumTab(PlayerModel &model, SkinLibraryModel &library, SkinSwitcher
     m_splitter->setStretchFactor(0, 1);
     m_splitter->setChildrenCollapsible(false);
     m_splitter->setHandleWidth(1);
+    connect(m_splitter, &QSplitter::splitterMoved, this, [this] { m_wasSplit = true; });
     auto *const layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
@@ -101,19 +102,20 @@ QWidget *MuseumTab::makeHead() {
     auto *const layout = new QHBoxLayout(head);
     layout->setContentsMargins(10, 8, 10, 8);
     layout->setSpacing(12);
-    m_search->setPlaceholderText(tr("Search the museum"));
-    m_search->setAccessibleName(tr("Search the museum"));
-    m_search->setClearButtonEnabled(true);
-    m_search->installEventFilter(this);
     // Not the colour for lesser texts, which dark themes do not always have.
     auto *const lesser = new QGraphicsOpacityEffect(m_count);
     m_count->setGraphicsEffect(lesser);
-    layout->addWidget(m_search, 1);
+    layout->addWidget(m_search, 8);
+    layout->addStretch(1);
     layout->addWidget(m_count);
     m_searchSoon.setSingleShot(true);
     m_searchSoon.setInterval(searchPause);
     connect(&m_searchSoon, &QTimer::timeout, this, &MuseumTab::search);
     connect(m_search, &QLineEdit::textChanged, this, [this] { m_searchSoon.start(); });
+    connect(m_search, &GridSearchField::entered, this, &MuseumTab::enter);
+    m_search->setGrid(*m_grid);
+    m_retrySoon.setSingleShot(true);
+    connect(&m_retrySoon, &QTimer::timeout, m_list.get(), &MuseumListModel::retry);
     return head;
 }
 
@@ -129,10 +131,6 @@ void MuseumTab::connectGrid() {
     connect(m_grid->selectionModel(), &QItemSelectionModel::currentChanged, this, &MuseumTab::showSelected);
     connect(m_grid, &MuseumGridView::chosen, this, &MuseumTab::choose);
     connect(m_grid, &MuseumGridView::backAsked, this, &MuseumTab::goBack);
-    connect(m_grid, &MuseumGridView::typed, this, [this](const QString &text) {
-        m_search->setFocus();
-        m_search->insert(text);
-    });
     m_grid->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(m_grid, &QWidget::customContextMenuRequested, this, &MuseumTab::popUpMenu);
     connect(&m_model.preferences(), &Preferences::showsNSFWMuseumSkinsChanged, this, &MuseumTab::search);
@@ -144,8 +142,7 @@ void MuseumTab::connectGrid() {
 // What is shown
 
 void MuseumTab::focusSearch() {
-    m_search->setFocus(Qt::ShortcutFocusReason);
-    m_search->selectAll();
+    m_search->begin();
 }
 
 void MuseumTab::search() {
@@ -159,10 +156,36 @@ void MuseumTab::endSearch() {
     m_grid->setFocus();
 }
 
+void MuseumTab::enter() {
+    if (m_searchSoon.isActive())
+        search();
+    else if (!m_list->isQuerying())
+        wearSelected();
+}
+
+// What there was to say goes at once, or nobody would see that something is done.
 void MuseumTab::retry() {
+    m_retrySoon.stop();
+    m_pause = firstPause;
+    m_notice->say({});
+    m_message->say({}, tr("Loading…"));
     m_pictures->forgetFailures();
     m_list->retry();
     m_grid->viewport()->update();
+}
+
+// The museum is asked again by itself as long as somebody looks.
+void MuseumTab::retryLater() {
+    if (m_list->isQuerying())
+        return;
+    if (!m_list->error()) {
+        m_retrySoon.stop();
+        if (std::exchange(m_pause, firstPause) != firstPause) // the museum is there again
+            m_pictures->forgetFailures();
+    } else if (isVisible() && !m_retrySoon.isActive()) {
+        m_retrySoon.start(m_pause);
+        m_pause = std::min(2 * m_pause, longestPause);
+    }
 }
 
 void MuseumTab::showState() {
@@ -174,7 +197,9 @@ void MuseumTab::showState() {
     else
         m_notice->say(m_list->error() && rows > 0 ? m_list->error()->description() : QString());
     const bool isCounted = !m_list->query().text() && rows > 0;
-    if (m_list->isQuerying())
+    if (m_list->isHeldUp())
+        m_count->setText(tr("The museum is busy, one moment…"));
+    else if (m_list->isQuerying())
         m_count->setText(m_list->query().text() ? tr("Searching…") : tr("Loading…"));
     else
         m_count->setText(isCounted ? tr("%L1 skins").arg(rows) : QString());
@@ -184,6 +209,7 @@ void MuseumTab::showState() {
     if (hadFocus)
         m_pages->currentWidget()->setFocus();
     showSelected();
+    retryLater();
 }
 
 bool MuseumTab::sayWhyEmpty() {
@@ -213,18 +239,36 @@ bool MuseumTab::isWorn(const QString &md5) const {
 }
 
 void MuseumTab::mark(const MuseumSkin &skin, MuseumTile &tile) const {
-    tile.isOwned = m_owned.find(skin.md5) != nullptr;
+    const OwnedSkins::Skin *const owned = m_owned.find(skin.md5);
+    tile.hasFailed = (owned && owned->isBroken) || m_refusals.contains(skin.md5);
+    tile.isOwned = owned && !tile.hasFailed;
     tile.isWorn = isWorn(skin.md5);
     if (const MuseumDownloads::State *const download = m_downloads->state(skin.md5)) {
-        tile.hasFailed = download->error.has_value();
+        tile.hasFailed = tile.hasFailed || download->error;
         if (download->isUnderWay())
             tile.progress = download->fraction.value_or(0);
     }
 }
 
+QString MuseumTab::spokenText(const MuseumSkin &skin) const {
+    MuseumTile tile;
+    mark(skin, tile);
+    const QString name = skin.title();
+    if (tile.progress)
+        return tr("%1, downloading").arg(name);
+    if (tile.hasFailed)
+        return tr("%1, %2").arg(name, stateOf(skin.md5).problem);
+    if (tile.isWorn)
+        return tr("%1, worn").arg(name);
+    return tile.isOwned ? tr("%1, in your skins folder").arg(name) : name;
+}
+
 MuseumDetails::State MuseumTab::stateOf(const QString &md5) const {
-    MuseumDetails::State state{.isOwned = m_owned.find(md5) != nullptr, .isWorn = isWorn(md5)};
+    const OwnedSkins::Skin *const owned = m_owned.find(md5);
+    MuseumDetails::State state{.isOwned = owned != nullptr, .isWorn = isWorn(md5)};
     state.problem = m_refusals.value(md5);
+    if (state.problem.isEmpty() && owned && owned->isBroken)
+        state.problem = tr("In your skins folder, but it cannot be read.");
     if (const MuseumDownloads::State *const download = m_downloads->state(md5)) {
         state.isUnderWay = download->isUnderWay();
         state.progress = download->fraction;
@@ -244,35 +288,25 @@ void MuseumTab::showSelected() {
 
 void MuseumTab::showEvent(QShowEvent *event) {
     QWidget::showEvent(event);
-    if (std::exchange(m_wasShown, true))
-        return; // from now on the user has the say
-    const int details = window()->width() < wideWindow ? narrowDetails : wideDetails;
-    m_splitter->setSizes({window()->width() - details, details});
+    retryLater();
+    fitDetails();
 }
 
-// Keys
+void MuseumTab::resizeEvent(QResizeEvent *event) {
+    QWidget::resizeEvent(event);
+    fitDetails();
+}
 
-bool MuseumTab::eventFilter(QObject *watched, QEvent *event) {
-    if (watched != m_search || event->type() != QEvent::KeyPress)
-        return QWidget::eventFilter(watched, event);
-    switch (static_cast<QKeyEvent *>(event)->key()) {
-    case Qt::Key_Up:
-    case Qt::Key_Down:
-    case Qt::Key_PageUp:
-    case Qt::Key_PageDown:
-        m_grid->setFocus();
-        QCoreApplication::sendEvent(m_grid, event);
-        return true;
-    case Qt::Key_Return:
-    case Qt::Key_Enter:
-        if (m_searchSoon.isActive())
-            search();
-        else if (!m_list->isQuerying())
-            wearSelected();
-        return true;
-    default:
-        return QWidget::eventFilter(watched, event);
-    }
+void MuseumTab::fitDetails() {
+    if (m_wasSplit)
+        return;
+    const int details = width() < wideWindow ? narrowDetails : wideDetails;
+    m_splitter->setSizes({width() - details, details});
+}
+
+void MuseumTab::hideEvent(QHideEvent *event) {
+    QWidget::hideEvent(event);
+    m_retrySoon.stop();
 }
 
 void MuseumTab::keyPressEvent(QKeyEvent *event) {

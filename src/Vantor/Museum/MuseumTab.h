@@ -13,12 +13,12 @@
 #include <memory>
 
 class QLabel;
-class QLineEdit;
 class QSplitter;
 class QStackedWidget;
 
 namespace vantor {
 
+class GridSearchField;
 class MessagePage;
 class MuseumClient;
 class MuseumGridView;
@@ -49,9 +49,10 @@ class MuseumTab : public QWidget {
     void folderWanted(); ///< the user wants to choose the skins folder
 
   protected:
-    bool eventFilter(QObject *watched, QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
     void showEvent(QShowEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
 
   private:
     [[nodiscard]] QWidget *makeHead();
@@ -61,12 +62,16 @@ class MuseumTab : public QWidget {
     // What is shown
     void search();
     void endSearch();
+    void enter();
     void retry();
+    void retryLater();
     void showState();
     [[nodiscard]] bool sayWhyEmpty();
     void showFolder();
+    void fitDetails();
     void showSelected();
     void mark(const MuseumSkin &skin, MuseumTile &tile) const;
+    [[nodiscard]] QString spokenText(const MuseumSkin &skin) const;
     [[nodiscard]] bool isWorn(const QString &md5) const;
     [[nodiscard]] MuseumDetails::State stateOf(const QString &md5) const;
 
@@ -74,9 +79,10 @@ class MuseumTab : public QWidget {
     [[nodiscard]] const MuseumSkin *selected() const;
     void choose(const QModelIndex &index);
     void wearSelected();
-    void wear(const QUrl &file);
+    void wear(const QString &md5, const QUrl &file);
     void goBack();
     void downloadSelected();
+    void cancelSelected();
     void openPage();
     void start(const MuseumSkin &skin);
     void takeDownload(const QString &md5, const MuseumDownloadResult &result);
@@ -98,15 +104,20 @@ class MuseumTab : public QWidget {
     SkinHistory m_history;
     QString m_wearNext;                 ///< once it is downloaded
     QUrl m_lastAsked;                   ///< of the skins that were to be worn at once
+    QString m_lastMD5;                  ///< the same one's
     QHash<QString, QString> m_refusals; ///< why skins could not be worn, by MD5
 
-    QLineEdit *m_search;
+    GridSearchField *m_search;
     QLabel *m_count;
     QTimer m_searchSoon;
+    static constexpr std::chrono::seconds firstPause{5};
+    static constexpr std::chrono::seconds longestPause{60};
+    std::chrono::seconds m_pause = firstPause; ///< before the museum is asked again by itself
+    QTimer m_retrySoon;
     NoticeBar *m_folderNotice;
     NoticeBar *m_notice;
     QSplitter *m_splitter;
-    bool m_wasShown = false;
+    bool m_wasSplit = false; ///< by the user, who has the say from then on
     QStackedWidget *m_pages; ///< the grid, or what there is to say instead
     MuseumGridView *m_grid;
     MessagePage *m_message;

@@ -18,7 +18,7 @@ struct MuseumTile {
     bool hasNoPicture = false;   ///< and none will come soon
     bool isOwned = false;
     bool isWorn = false;
-    bool hasFailed = false;         ///< its download
+    bool hasFailed = false;         ///< its download, or wearing it
     std::optional<double> progress; ///< of its download, 0 … 1
     TileDrawing::State state;
 

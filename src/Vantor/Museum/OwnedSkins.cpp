@@ -50,7 +50,9 @@ void OwnedSkins::ask() {
         const QHash<QString, SkinRecord> records = store.skins(md5s);
         for (auto record = records.cbegin(); record != records.cend(); ++record) {
             if (!record->primaryPath.isEmpty())
-                skins.insert(record.key(), {.id = record->id, .file = NativePath::url(record->primaryPath)});
+                skins.insert(record.key(), {.id = record->id,
+                                            .file = NativePath::url(record->primaryPath),
+                                            .isBroken = record->status == SkinStatus::failed});
         }
         return skins;
     };

@@ -22,6 +22,7 @@ class OwnedSkins : public QObject {
     struct Skin {
         std::optional<std::int64_t> id; ///< none until the index knows it
         QUrl file;
+        bool isBroken = false; ///< and cannot be worn
     };
 
     OwnedSkins(SkinLibraryModel &library, SkinSwitcher &switcher, QObject *parent = nullptr);

@@ -9,6 +9,8 @@ SkinHistory::SkinHistory(PlayerModel &model, QObject *parent)
     connect(&model, &PlayerModel::skinChanged, this, [this] {
         const QUrl before = std::exchange(m_present, m_model.skinUrl());
         const bool isBack = m_target == m_present; // and not one that was chosen since
+        if (!isBack && m_target && m_target != before)
+            m_before.append(*m_target); // which was not worn after all
         if (!isBack && before != m_present)
             m_before.append(before);
         m_target.reset();

@@ -92,12 +92,12 @@ QToolButton *makeOutputButton(RemoteOutput &selected, QWidget *parent) {
     button->setAccessibleName(SpeakersPanel::tr("Output"));
     const auto show = [&selected, button] {
         const auto output = selected.browser() ? selected.browser()->output() : std::nullopt;
-        button->setVisible(output.has_value());
-        if (!output)
+        const bool isChoice = output && (selected.browser()->outputs().size() > 1 || selected.isSelected());
+        button->setVisible(isChoice);
+        if (!isChoice)
             return;
         const QString name = OutputMenu::label(OutputMenu::nameOf(*output));
         button->setText(output->isAvailable ? name : SpeakersPanel::tr("%1 (not available)").arg(name));
-        button->setEnabled(selected.browser()->outputs().size() > 1 || selected.isSelected());
     };
     if (LibraryBrowser *const browser = selected.browser())
         QObject::connect(browser, &LibraryBrowser::outputsChanged, button, show);

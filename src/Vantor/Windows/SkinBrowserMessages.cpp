@@ -1,9 +1,9 @@
 #include "SkinBrowser/SkinLibraryModel.h"
+#include "Vantor/Windows/GridSearchField.h"
 #include "Vantor/Windows/MessagePage.h"
 #include "Vantor/Windows/SkinBrowserFoot.h"
 #include "Vantor/Windows/SkinBrowserWindow.h"
 
-#include <QLineEdit>
 #include <QStackedWidget>
 #include <QToolButton>
 

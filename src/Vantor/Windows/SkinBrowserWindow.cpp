@@ -7,13 +7,12 @@
 #include "Vantor/Museum/MuseumTab.h"
 #include "Vantor/Windows/DialogPlace.h"
 #include "Vantor/Windows/FaintText.h"
+#include "Vantor/Windows/GridSearchField.h"
 #include "Vantor/Windows/MessagePage.h"
 #include "Vantor/Windows/SkinBrowserFoot.h"
 
-#include <QCoreApplication>
 #include <QHBoxLayout>
 #include <QKeyEvent>
-#include <QLineEdit>
 #include <QLocale>
 #include <QSettings>
 #include <QShortcut>
@@ -30,6 +29,8 @@ namespace {
 const QString geometryKey = QStringLiteral("skinBrowser.geometry");
 const QString splitterKey = QStringLiteral("skinBrowser.splitter");
 const QString statusesKey = QStringLiteral("skinBrowser.statuses");
+const QString tabKey = QStringLiteral("skinBrowser.tab");
+const QString museumTab = QStringLiteral("museum");
 
 constexpr QSize commonSize{780, 480}; // which has room beside the player on most screens
 constexpr int detailsWidth = 316;     // with which pictures have their own size
@@ -63,7 +64,8 @@ QString filterHelp(SkinStatus status) {
 SkinBrowserWindow::SkinBrowserWindow(PlayerModel &model, SkinLibraryModel &library, SkinSwitcher &switcher,
                                      ThumbnailCache &thumbnails, QSettings &settings)
     : m_model(model), m_library(library), m_switcher(switcher), m_settings(settings),
-      m_skins(library.index()), m_tabs(new QTabWidget), m_search(new QLineEdit), m_splitter(new QSplitter),
+      m_skins(library.index()), m_tabs(new QTabWidget),
+      m_search(new GridSearchField(tr("Search names and read-mes"))), m_splitter(new QSplitter),
       m_pages(new QStackedWidget), m_grid(new SkinGridView(m_skins, thumbnails)), m_message(new MessagePage),
       m_details(new SkinDetails(switcher)), m_foot(new SkinBrowserFoot(model, library)) {
     setWindowTitle(tr("Skin Browser"));
@@ -116,11 +118,8 @@ QWidget *SkinBrowserWindow::makeHead() {
     auto *head = new QWidget;
     auto *layout = new QHBoxLayout(head);
     layout->setContentsMargins(10, 8, 10, 8);
-    m_search->setPlaceholderText(tr("Search names and read-mes"));
-    m_search->setAccessibleName(tr("Search"));
-    m_search->setClearButtonEnabled(true);
-    m_search->installEventFilter(this);
-    layout->addWidget(m_search, 1);
+    layout->addWidget(m_search, 8);
+    layout->addStretch(1);
     layout->addSpacing(6);
     for (const SkinStatus status : allSkinStatuses) {
         auto *button = new QToolButton;
@@ -132,6 +131,8 @@ QWidget *SkinBrowserWindow::makeHead() {
         m_filters.emplace(status, button);
     }
     connect(m_search, &QLineEdit::textChanged, this, &SkinBrowserWindow::search);
+    connect(m_search, &GridSearchField::entered, this, [this] { wear(m_grid->currentIndex()); });
+    m_search->setGrid(*m_grid);
     return head;
 }
 
@@ -140,8 +141,7 @@ void SkinBrowserWindow::makeShortcuts() {
     connect(find, &QShortcut::activated, this, [this] {
         if (m_museum && m_museum->isVisible())
             return m_museum->focusSearch();
-        m_search->setFocus(Qt::ShortcutFocusReason);
-        m_search->selectAll();
+        m_search->begin();
     });
     auto *close = new QShortcut(QKeySequence::Close, this);
     connect(close, &QShortcut::activated, this, &QWidget::close);
@@ -153,7 +153,9 @@ void SkinBrowserWindow::addMuseum(const MuseumSetup &setup) {
     layout->setContentsMargins(0, 0, 0, 0);
     m_tabs->addTab(page, tr("Museum"));
     connect(m_tabs, &QTabWidget::currentChanged, this, [this, page, layout, setup] {
-        if (m_tabs->currentWidget() != page)
+        const bool isMuseum = m_tabs->currentWidget() == page;
+        m_settings.setValue(tabKey, isMuseum ? museumTab : QString());
+        if (!isMuseum)
             return m_grid->setFocus();
         if (!m_museum) {
             m_museum = new MuseumTab(m_model, m_library, m_switcher, setup);
@@ -162,6 +164,8 @@ void SkinBrowserWindow::addMuseum(const MuseumSetup &setup) {
         }
         m_museum->setFocus();
     });
+    if (m_settings.value(tabKey) == museumTab)
+        m_tabs->setCurrentWidget(page);
 }
 
 void SkinBrowserWindow::connectGrid() {
@@ -181,10 +185,6 @@ void SkinBrowserWindow::connectGrid() {
     connect(m_grid->selectionModel(), &QItemSelectionModel::currentChanged, this,
             &SkinBrowserWindow::showSelected);
     connect(m_grid, &SkinGridView::chosen, this, &SkinBrowserWindow::wear);
-    connect(m_grid, &SkinGridView::typed, this, [this](const QString &text) {
-        m_search->setFocus();
-        m_search->insert(text);
-    });
     m_grid->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(m_grid, &QWidget::customContextMenuRequested, this, &SkinBrowserWindow::popUpMenu);
     connect(&m_switcher, &SkinSwitcher::wornChanged, this, &SkinBrowserWindow::takeWorn);
@@ -316,26 +316,6 @@ void SkinBrowserWindow::showState() {
 }
 
 // Keys
-
-bool SkinBrowserWindow::eventFilter(QObject *watched, QEvent *event) {
-    if (watched != m_search || event->type() != QEvent::KeyPress)
-        return QWidget::eventFilter(watched, event);
-    switch (static_cast<QKeyEvent *>(event)->key()) {
-    case Qt::Key_Up:
-    case Qt::Key_Down:
-    case Qt::Key_PageUp:
-    case Qt::Key_PageDown:
-        m_grid->setFocus();
-        QCoreApplication::sendEvent(m_grid, event);
-        return true;
-    case Qt::Key_Return:
-    case Qt::Key_Enter:
-        wear(m_grid->currentIndex());
-        return true;
-    default:
-        return QWidget::eventFilter(watched, event);
-    }
-}
 
 void SkinBrowserWindow::keyPressEvent(QKeyEvent *event) {
     if (event->key() == Qt::Key_Escape)

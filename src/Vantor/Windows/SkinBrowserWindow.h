@@ -9,7 +9,6 @@
 
 #include <map>
 
-class QLineEdit;
 class QSettings;
 class QSplitter;
 class QStackedWidget;
@@ -18,6 +17,7 @@ class QToolButton;
 
 namespace vantor {
 
+class GridSearchField;
 class MessagePage;
 struct MuseumSetup;
 class MuseumTab;
@@ -36,7 +36,7 @@ class SkinBrowserWindow : public QWidget {
                       ThumbnailCache &thumbnails, QSettings &settings);
     ~SkinBrowserWindow() override;
 
-    /// Adds the museum, which is asked once its tab is first seen.
+    /// Adds the museum, which is asked once its tab is chosen; it is now, when it was the last time.
     void addMuseum(const MuseumSetup &setup);
 
     /// Shows the window in front of the others; the first time where it hides none of the player's windows,
@@ -44,7 +44,6 @@ class SkinBrowserWindow : public QWidget {
     void bringToFront(const QList<QRect> &player);
 
   protected:
-    bool eventFilter(QObject *watched, QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
 
@@ -84,7 +83,7 @@ class SkinBrowserWindow : public QWidget {
 
     QTabWidget *m_tabs;
     MuseumTab *m_museum = nullptr; ///< once it was seen
-    QLineEdit *m_search;
+    GridSearchField *m_search;
     std::map<SkinStatus, QToolButton *> m_filters;
     QSplitter *m_splitter;
     QStackedWidget *m_pages; ///< the grid, or what there is to say instead

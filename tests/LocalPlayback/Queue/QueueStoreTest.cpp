@@ -29,6 +29,7 @@ TEST_F(QueueStoreTest, EveryFieldSurvivesOfWhatHasAForm) {
     snapshot.items[0].channels = 2;
     snapshot.items[0].range = TrackRange{71 / 75.0, 4000.04};
     snapshot.items[2].range = TrackRange{4000.04, {}};
+    snapshot.items[2].source = QUrl(u"file:///music/Bj%F6rk/1%2023.mp3"_qs); // whose name is no text
     snapshot.items[1].source = MediaID{MediaKind::radio, u"library://radio/7"_qs};
     snapshot.repeatMode = RepeatMode::one;
     snapshot.isShuffled = true;

@@ -1,13 +1,11 @@
 #pragma once
 
+#include "MusicAssistantKit/Backend/MADecodedAside_p.h"
 #include "MusicAssistantKit/Backend/MALibraryChanges_p.h"
 #include "MusicAssistantKit/Backend/MAOutputWatchers_p.h"
 #include "MusicAssistantKit/Backend/MAServerCommands.h"
 #include "MusicAssistantKit/Backend/MusicAssistantBackend.h"
 #include "MusicAssistantKit/Backend/MusicAssistantBackendErrors.h"
-
-#include <QCoroFuture>
-#include <QtConcurrentRun>
 
 namespace vantor {
 
@@ -62,8 +60,10 @@ class MusicAssistantBackend::Private : public QObject {
     QCoro::Task<> followStates();
     QCoro::Task<> followEvents();
     QCoro::Task<> probe();
-    QCoro::Task<> readPlayers();
-    void readPlayersSoon();
+    void readPlayers();
+    void readPlayersIn(std::chrono::milliseconds delay);
+    using Reload = QCoro::Task<> (MAOutputWatchers::*)();
+    QCoro::Task<> keepReading(Reload reload);
     void end();
     [[nodiscard]] MusicBackendCapabilities capabilities() const;
 
@@ -83,33 +83,12 @@ class MusicAssistantBackend::Private : public QObject {
     QHash<QString, std::optional<int>> volumesOnWay; ///< by player: the one that follows
 
   private:
+    int m_probe = 0; ///< the one whose answer counts
     // Of the connection under way.
     AsyncStream<MusicAssistantClient::ConnectionState> m_states;
     AsyncStream<MAServerEvent> m_events;
     std::unique_ptr<Scheduler::Pending> m_readingPlayers;
 };
-
-namespace madecoding {
-
-/// More is decoded on a thread of its own: so many take less than a millisecond.
-constexpr qsizetype mostHere = 32;
-
-template <typename Record>
-QList<Record> records(const MAJSON &list, Record (*read)(const MAReader &)) {
-    QList<Record> made;
-    const QJsonArray entries = list.value().toArray();
-    made.reserve(entries.size());
-    for (const QJsonValue entry : entries) {
-        try {
-            made.append(read(MAReader(MAJSON(entry))));
-        } catch (const MADecodingError &) {
-            // One that cannot be read must not hide the others.
-        }
-    }
-    return made;
-}
-
-} // namespace madecoding
 
 template <typename Record>
 QCoro::Task<MusicAssistantBackend::Private::Decoded<Record>>
@@ -117,10 +96,7 @@ MusicAssistantBackend::Private::decoded(MAJSON list, Read<Record> read) {
     if (list.kind() != MAJSON::Kind::array)
         throw MusicAssistantBackendErrors::unreadableAnswer();
     const qsizetype count = list.size();
-    if (count <= madecoding::mostHere)
-        co_return Decoded<Record>{madecoding::records(list, read), count};
-    const auto future = QtConcurrent::run(&madecoding::records<Record>, list, read);
-    const QList<Record> records = co_await future;
+    const QList<Record> records = co_await decodedAside(list, read);
     co_return Decoded<Record>{records, count};
 }
 

@@ -42,7 +42,7 @@ QCoro::Task<bool> isStillThere(MusicAssistantBackend::Private &d, OutputDevice::
     const QJsonObject args{
         {u"queue_id"_s, queue}, {u"limit"_s, bufferedAhead}, {u"offset"_s, current.value_or(0)}};
     const MAJSON page = co_await d.callOutput(output, u"player_queues/items"_s, args, needed);
-    const QList<MAQueueItem> next = madecoding::records(page, &MAQueueItem::decode);
+    const QList<MAQueueItem> next = readableEntries(page, &MAQueueItem::decode);
     co_return std::any_of(next.begin(), next.end(),
                           [&items](const MAQueueItem &item) { return items.contains(item.queueItemID); });
 }

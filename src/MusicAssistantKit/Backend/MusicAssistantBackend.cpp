@@ -66,6 +66,8 @@ QCoro::Task<MAJSON> MusicAssistantBackend::Private::call(QString command, QJsonO
         throw *client->state().error;
     if (commands.wasRefused(command))
         throw MusicBackendError::unsupported(needed);
+    if (MAJSON(args).encoded().size() > mostBytesAtOnce) // the server would drop the connection
+        throw MusicAssistantBackendErrors::tooLarge();
     const MARequest request{.command = command, .args = args, .timeout = {}};
     try {
         const MAJSON result = co_await client->call(request);

@@ -19,6 +19,10 @@ class MusicAssistantBackend::Private : public QObject {
     /// One command. Fails with MusicBackendError::unsupported for one that the server does not have, with
     /// `needed`, or else with what the client fails with.
     QCoro::Task<MAJSON> call(QString command, QJsonObject args, MusicBackendCapabilities needed);
+    /// Arguments, as they are sent: servers take frames of 4 MiB.
+    static constexpr qsizetype mostBytesAtOnce = (4 << 20) - (4 << 10);
+    /// URIs in as many messages as it takes. Fails with the sentence for one that fits into none.
+    [[nodiscard]] static QList<QStringList> inMessages(const QStringList &uris);
     /// As call(); of what the server carries out later and says how that stands.
     QCoro::Task<> callTask(QString command, QJsonObject args, MusicBackendCapabilities needed);
     /// Ends when the list of commands is there, or will not come.
@@ -37,6 +41,11 @@ class MusicAssistantBackend::Private : public QObject {
     /// call() about an output: that the server has not got its player means that the output is not there.
     QCoro::Task<MAJSON> callOutput(OutputDevice::ID output, QString command, QJsonObject args,
                                    MusicBackendCapabilities needed);
+
+    /// Asked for in one go.
+    static constexpr int mostQueueItems = 1'000;
+    /// A stretch of a queue. Fails when the answer is no list.
+    QCoro::Task<QList<RemoteQueueItem>> queuePage(OutputDevice::ID output, QString queue, PageRequest page);
 
     /// A list, or a stretch of one, made into records. Fails when the answer is no list; entries that cannot
     /// be read are left out, but count.

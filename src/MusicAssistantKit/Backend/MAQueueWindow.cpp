@@ -74,6 +74,7 @@ void MAOutputWatchers::publishQueue(const OutputDevice::ID &output, QueueWatch &
 
 QCoro::Task<> MAOutputWatchers::readItems(OutputDevice::ID output, QString queueID) {
     const QPointer self(this);
+    const int era = m_era;
     QueueWatch &before = m_queues[output.rawValue];
     before.isReading = true;
     before.isStale = false;
@@ -88,7 +89,7 @@ QCoro::Task<> MAOutputWatchers::readItems(OutputDevice::ID output, QString queue
     } catch (const std::exception &) {
         // What is shown stays for the moment.
     }
-    if (!self)
+    if (!self || era != m_era)
         co_return;
     const auto watch = m_queues.find(output.rawValue);
     if (watch == m_queues.end())

@@ -12,8 +12,8 @@
 #include <ctime>
 
 // How fast a large library comes from a server on this machine, which is a process of its own: the first page
-// of every list, the whole library with the memory that it takes, and what thousands of events a second cost
-// the main thread.
+// of every list, the whole library with the memory that it takes, what thousands of events a second cost the
+// main thread, and how long a server that has returned is not noticed.
 
 using namespace vantor;
 using namespace Qt::Literals::StringLiterals;
@@ -41,9 +41,10 @@ double threadSeconds() {
 /// The server, with its address.
 class Server {
   public:
-    explicit Server(const QStringList &options) {
+    explicit Server(const QStringList &options, int port = 0) {
         m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        m_process.start(QStringLiteral(FAKE_SERVER), QStringList{u"--port"_s, u"0"_s} + options);
+        m_process.start(QStringLiteral(FAKE_SERVER),
+                        QStringList{u"--port"_s, QString::number(port)} + options);
         if (m_process.waitForReadyRead())
             m_url = QUrl(QString::fromUtf8(m_process.readLine()).trimmed());
     }
@@ -132,8 +133,11 @@ QCoro::Task<> followEvents(std::shared_ptr<MusicAssistantBackend> backend) {
     frames.setTimerType(Qt::PreciseTimer);
     QElapsedTimer sinceFrame;
     qint64 longest = 0;
+    qint64 dropped = 0;
     QObject::connect(&frames, &QTimer::timeout, &frames, [&] {
+        constexpr qint64 frame = 1'000'000'000 / 60;
         longest = std::max(longest, sinceFrame.nsecsElapsed());
+        dropped += sinceFrame.nsecsElapsed() / frame;
         sinceFrame.start();
     });
     sinceFrame.start();
@@ -143,7 +147,22 @@ QCoro::Task<> followEvents(std::shared_ptr<MusicAssistantBackend> backend) {
     QTimer::singleShot(eventSeconds * 1000, [&producer] { producer.finish(); });
     [[maybe_unused]] const auto end = co_await stream.next();
     out << "events: main thread busy " << (threadSeconds() - cpu) / eventSeconds * 100
-        << " %, longest wait of a timer of 5 ms: " << static_cast<double>(longest) / 1e6 << " ms" << Qt::endl;
+        << " %, longest wait of a timer of 5 ms: " << static_cast<double>(longest) / 1e6
+        << " ms, frames of 1/60 s that it missed: " << dropped << " of " << eventSeconds * 60 << Qt::endl;
+}
+
+QCoro::Task<> measureReturn(std::shared_ptr<MusicAssistantBackend> backend, std::unique_ptr<Server> server) {
+    co_await backend->connect();
+    const int port = server->url().port();
+    server.reset();
+    server = std::make_unique<Server>(QStringList{}, port);
+    QElapsedTimer timer;
+    timer.start();
+    const auto statuses = backend->statusUpdates();
+    while (backend->status().connection < 2) [[maybe_unused]]
+        const auto status = co_await statuses.next();
+    out << "connected again " << timer.elapsed() << " ms after the server's return" << Qt::endl;
+    co_await backend->disconnect();
 }
 
 void runToEnd(QCoro::Task<> task) {
@@ -160,8 +179,14 @@ int main(int argc, char **argv) {
         const Connection connection(server.url());
         runToEnd(readAll(connection.backend));
     }
-    const Server server({u"--tracks"_s, tracks, u"--events"_s, application.arguments().value(2, u"5000"_s)});
-    const Connection connection(server.url());
-    runToEnd(followEvents(connection.backend));
+    {
+        const Server server(
+            {u"--tracks"_s, tracks, u"--events"_s, application.arguments().value(2, u"5000"_s)});
+        const Connection connection(server.url());
+        runToEnd(followEvents(connection.backend));
+    }
+    auto server = std::make_unique<Server>(QStringList{});
+    const Connection connection(server->url());
+    runToEnd(measureReturn(connection.backend, std::move(server)));
     return 0;
 }

@@ -98,6 +98,10 @@ TEST_F(MusicAssistantCommandTest, OperationsBecomeCommands) {
          R"({"player_id":"kitchen","repeat_mode":"all"})"},
         {[&] { return failureOf(b.transport(Transport::setRepeat(false), kitchen)); }, "players/cmd/repeat",
          R"({"player_id":"kitchen","repeat_mode":"off"})"},
+        {[&] { return failureOf(b.edit(QueueEdit::remove({u"q9"_s}), kitchen)); },
+         "player_queues/delete_item", R"({"queue_id":"kitchen","item_id_or_index":"q9"})"},
+        {[&] { return failureOf(b.edit(QueueEdit::move(u"q8"_s, -2), kitchen)); }, "player_queues/move_item",
+         R"({"queue_id":"kitchen","queue_item_id":"q8","pos_shift":-2})"},
         {[&] { return failureOf(b.play({id(MediaKind::album, 0)}, speaker, PlayMode::append())); },
          "player_queues/play_media",
          R"({"queue_id":"kitchen","media":["library://album/1"],"option":"add"})"},
@@ -119,6 +123,16 @@ TEST_F(MusicAssistantCommandTest, OperationsBecomeCommands) {
          R"({"queue_id":"kitchen","media":["library://track/1"],"option":"replace"})"},
         {[&] { return failureOf(b.edit(QueueEdit::play(0), kitchen)); }, "player_queues/play_index",
          R"({"queue_id":"kitchen","index":0,"item_id_or_index":0})"},
+        {[&] { return failureOf(b.queueItems(kitchen, {20, 5})); }, "player_queues/items",
+         R"({"queue_id":"kitchen","limit":5,"offset":20})"},
+        {[&] {
+             return failureOf(b.resolve(RecommendationItem::other({.name = u"x"_s,
+                                                                   .uri = u"library://album/3"_s,
+                                                                   .subtitle = {},
+                                                                   .kind = MediaKind::album,
+                                                                   .artwork = {}})));
+         },
+         "music/item_by_uri", R"({"uri":"library://album/3"})"},
         {[&] { return failureOf(b.favoriteCurrentTrack(kitchen)); },
          "players/add_currently_playing_to_favorites", R"({"player_id":"kitchen"})"},
         {[&] { return failureOf(b.saveQueueAsPlaylist(kitchen, u"Evening"_s)); },
@@ -140,6 +154,12 @@ TEST_F(MusicAssistantCommandTest, OperationsBecomeCommands) {
         EXPECT_EQ(row.operation(), QString());
         EXPECT_EQ(argsOf(row.command), object(row.args));
     }
+    // The whole item goes back, under its new name.
+    QJsonObject renamed = library->item(u"playlist"_s, 0).toObject();
+    renamed.insert("name"_L1, u"Other"_s);
+    EXPECT_EQ(failureOf(b.renamePlaylist(id(MediaKind::playlist, 0), u"Other"_s)), QString());
+    EXPECT_EQ(argsOf("music/playlists/update"),
+              (QJsonObject{{u"item_id"_s, u"1"_s}, {u"update"_s, renamed}, {u"overwrite"_s, true}}));
 }
 
 TEST_F(MusicAssistantCommandTest, FailuresHaveTheirSentences) {
@@ -173,6 +193,14 @@ TEST_F(MusicAssistantCommandTest, FailuresHaveTheirSentences) {
          u"The playlist file is empty."_s},
         {"import a head only", [&] { return failureOf(b.importPlaylist(u"#EXTM3U\n"_s)); },
          u"The playlist file is empty."_s},
+        {"import what no message holds", [&] { return failureOf(b.importPlaylist(QString(5 << 20, u'x'))); },
+         u"That is too large for Music Assistant."_s},
+        {"add what no message holds",
+         [&] {
+             return failureOf(
+                 b.add({{MediaKind::track, u"library://track/"_s + QString(5 << 20, u'x')}}, mine));
+         },
+         u"That is too large for Music Assistant."_s},
         {"save an empty queue", [&] { return failureOf(b.saveQueueAsPlaylist(kitchen, u"x"_s)); },
          u"The queue is empty: there is nothing to save."_s},
         {"unfavour what is elsewhere",
@@ -267,6 +295,9 @@ TEST_F(MusicAssistantCommandTest, OlderServersAreAskedInTheirWay) {
     ASSERT_EQ(rows.value->size(), 2);
     EXPECT_EQ(outcomeOf(backend->recommendationItems(rows.value->first())).value->size(), 7);
     EXPECT_EQ(countOf("music/recommendations/items"), 1) << "only while it was not known";
+    server.dropClients();
+    ASSERT_TRUE(waitUntil([&] { return backend->status().connection == 2; }));
+    EXPECT_EQ(outcomeOf(backend->recommendationItems(rows.value->first())).value->size(), 7);
     const auto albums = outcomeOf(backend->albums({}, {}));
     const ArtworkRef picture = *albums.value->items[0].artwork;
     EXPECT_TRUE(picture.rawValue.startsWith("/imageproxy?path=album%252F1%252F"_L1))

@@ -1,3 +1,4 @@
+#include "MusicAssistantKit/Backend/MusicAssistantBackendErrors.h"
 #include "tests/MusicAssistantKit/BackendFixture.h"
 
 #include <QJsonDocument>
@@ -151,9 +152,19 @@ TEST_F(MusicAssistantFaultTest, OneBadEntryDoesNotHideTheOthers) {
 }
 
 TEST_F(MusicAssistantFaultTest, WithoutATokenOrAServerTheSentenceIsGiven) {
-    for (const QString &sentence : {u"Enter the Music Assistant token under Settings › Music Assistant."_s}) {
-        const MusicAssistantBackend::Server chosen{
-            .id = {}, .name = u"Home"_s, .settings = MusicBackendError::notConfigured(sentence)};
+    using namespace MusicAssistantBackendErrors;
+    const std::pair<MusicBackendError, QString> rows[] = {
+        {noServer(SettingsPage::musicAssistant),
+         u"Add a Music Assistant server under Settings › Music Assistant."_s},
+        {noServer(SettingsPage::library), u"Add a Music Assistant server under Settings › Library."_s},
+        {noToken(SettingsPage::musicAssistant),
+         u"Enter the Music Assistant token under Settings › Music Assistant."_s},
+        {noToken(SettingsPage::library), u"Enter the Music Assistant token under Settings › Library."_s},
+        {unreadableToken(), u"The Music Assistant token could not be read."_s},
+        {noServerReachable(), u"No Music Assistant server reachable"_s},
+    };
+    for (const auto &[problem, sentence] : rows) {
+        const MusicAssistantBackend::Server chosen{.id = {}, .name = u"Home"_s, .settings = problem};
         const auto none = std::make_shared<MusicAssistantBackend>(
             chosen,
             MusicAssistantBackend::Collaborators{.transports = transports, .http = http, .clock = clock});
@@ -162,6 +173,37 @@ TEST_F(MusicAssistantFaultTest, WithoutATokenOrAServerTheSentenceIsGiven) {
         EXPECT_EQ(failureOf(none->artwork({u"/x"_s}, 80)), sentence);
         EXPECT_EQ(none->status().text, sentence);
     }
+}
+
+TEST_F(MusicAssistantFaultTest, PlayersAndQueuesAreReadAgainUntilTheyAreThere) {
+    make();
+    players->append(u"kitchen"_s, {FakeLibrary::uri(u"track"_s, 0)});
+    const auto queue = watch(backend->queue(kitchen));
+    setFault("players/all", {.kind = Kind::fails});
+    setFault("player_queues/all", {.kind = Kind::stalls});
+    ASSERT_EQ(failureOf(backend->connect()), QString());
+    ASSERT_TRUE(waitUntil([&] { return sawCommand("players/all") && sawCommand("player_queues/all"); }));
+    server.commandFaults.clear();
+    ASSERT_TRUE(waitUntil([&] { return queue->value.has_value(); }));
+    EXPECT_EQ(queue->value->total, 1) << "no empty queue was shown before";
+    EXPECT_EQ(outcomeOf(backend->outputs()).value->size(), 7);
+}
+
+TEST_F(MusicAssistantFaultTest, AQueueOfAnImpossibleLengthIsNotReadOverAndOver) {
+    open();
+    const auto queue = watch(backend->queue(kitchen));
+    for (const double items : {5e9, 2'147'483'647.0, -7.0, 1e300})
+        server.sendEvent(u"queue_updated"_s, u"kitchen"_s,
+                         QJsonObject{{u"queue_id"_s, u"kitchen"_s},
+                                     {u"items"_s, items},
+                                     {u"current_index"_s, -9'223'372'036'854'775'807LL}});
+    server.sendEvent(
+        u"queue_updated"_s, u"kitchen"_s,
+        QJsonObject{{u"queue_id"_s, u"kitchen"_s}, {u"items"_s, 5e9}, {u"current_index"_s, 4e7}});
+    ASSERT_TRUE(waitUntil([&] { return queue->value && queue->value->total > 0; }));
+    QTest::qWait(1'000);
+    EXPECT_LE(countOf("player_queues/items"), 2);
+    EXPECT_TRUE(queue->value->items.isEmpty());
 }
 
 TEST_F(MusicAssistantFaultTest, ARejectedTokenIsToldByEverythingAndNeverShown) {

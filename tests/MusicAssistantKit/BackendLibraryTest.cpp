@@ -26,6 +26,9 @@ TEST_F(MusicAssistantLibraryTest, ListsComeInPagesThatFollowOneAnother) {
     EXPECT_EQ(seen.size(), 234);
     EXPECT_EQ(pages, 5);
     EXPECT_EQ(countOf("music/albums/count"), 1) << "the first page asks for all";
+    library->longestPage = 100;
+    EXPECT_EQ(outcomeOf(backend->albums({}, {100, 120})).value->nextOffset, 200) << "all are not there yet";
+    library->longestPage = 500;
     setFault("music/albums/count", {.kind = FakeMusicAssistant::CommandFault::Kind::fails});
     const auto uncounted = outcomeOf(backend->albums({}, {0, 234}));
     EXPECT_EQ(uncounted.value->total, std::nullopt);
@@ -109,6 +112,16 @@ TEST_F(MusicAssistantLibraryTest, EditsOfAPlaylistAreAnnouncedWhenTheyAreDone) {
         waitUntil([&] { return changes->value == LibraryChange::playlistDeleted(created.value->id); }));
 }
 
+TEST_F(MusicAssistantLibraryTest, ALongListIsAddedToAPlaylistInSeveralMessages) {
+    open();
+    QList<MediaID> many;
+    for (int i = 0; i < 6'000; ++i) // with URIs of a kilobyte, as long file names make them
+        many.append({MediaKind::track, u"library://track/%1"_s.arg(i % 1'000 + 1) + QString(1'000, u' ')});
+    EXPECT_EQ(failureOf(backend->add(many, id(MediaKind::playlist, 0))), QString());
+    EXPECT_EQ(countOf("music/playlists/add_playlist_tracks"), 2);
+    EXPECT_EQ(library->tracksOf(0).size(), 30 + 6'000);
+}
+
 TEST_F(MusicAssistantLibraryTest, FavouritesAreCountedListedAndAnnounced) {
     open({.tracks = 700, .favoriteEvery = 10});
     EXPECT_EQ(outcomeOf(backend->favoriteCount(MediaKind::track)).value, 70);
@@ -120,6 +133,11 @@ TEST_F(MusicAssistantLibraryTest, FavouritesAreCountedListedAndAnnounced) {
     ASSERT_TRUE(waitUntil([&] { return changes->value == LibraryChange::favoriteChanged(track, true); }));
     EXPECT_EQ(failureOf(backend->setFavorite(track, false)), QString());
     ASSERT_TRUE(waitUntil([&] { return changes->value == LibraryChange::favoriteChanged(track, false); }));
+    QJsonObject silent = library->itemByURI(track.rawValue).toObject();
+    silent.remove("favorite"_L1);
+    server.sendEvent(u"media_item_updated"_s, track.rawValue, silent);
+    ASSERT_TRUE(
+        waitUntil([&] { return changes->value == LibraryChange::favoriteChanged(track, std::nullopt); }));
     // One's own only.
     const QJsonObject other{{u"user_id"_s, u"somebody"_s}, {u"favorite"_s, true}};
     const QJsonObject own{{u"user_id"_s, u"u1"_s}, {u"favorite"_s, true}};

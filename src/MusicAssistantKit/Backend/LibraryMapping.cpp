@@ -2,6 +2,8 @@
 
 #include "MusicAssistantKit/Backend/Items/MAItemURI.h"
 
+#include <QSet>
+
 #include <limits>
 
 namespace vantor::malibrary {
@@ -210,6 +212,22 @@ LibraryRadio readRadio(const MAReader &reader) {
 
 LibraryPlaylist readPlaylist(const MAReader &reader) {
     return playlist(MAPlaylist::decode(reader));
+}
+
+void shareTexts(QList<LibraryTrack> &tracks) {
+    QSet<QString> known;
+    const auto share = [&known](QString &text) { text = *known.insert(text); };
+    for (LibraryTrack &track : tracks) {
+        share(track.artistName);
+        if (track.artistID)
+            share(track.artistID->rawValue);
+        if (track.albumID)
+            share(track.albumID->rawValue);
+        if (track.albumName)
+            share(*track.albumName);
+        if (track.artwork)
+            share(track.artwork->rawValue);
+    }
 }
 
 } // namespace vantor::malibrary

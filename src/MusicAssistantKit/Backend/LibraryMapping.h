@@ -40,4 +40,7 @@ namespace vantor::malibrary {
 [[nodiscard]] LibraryRadio readRadio(const MAReader &reader);
 [[nodiscard]] LibraryPlaylist readPlaylist(const MAReader &reader);
 
+/// Lets tracks have what they have in common, such as the name of their album, in memory once.
+void shareTexts(QList<LibraryTrack> &tracks);
+
 } // namespace vantor::malibrary

@@ -41,8 +41,12 @@ void MALibraryChanges::take(const MAServerEvent &event, const std::optional<QStr
         return;
     }
     const auto user = MAReader(event.data).optionalString("user_id");
-    if (!user || !userID || user == userID)
-        add(LibraryChange::favoriteChanged(*id, favoriteOf(event.data).value_or(false)));
+    if (user && userID && user != userID)
+        return;
+    // Told, but null: neither liked nor disliked.
+    const bool isTold = event.data.hasMember("favorite"_L1);
+    const auto favorite = favoriteOf(event.data);
+    add(LibraryChange::favoriteChanged(*id, isTold ? favorite.value_or(false) : favorite));
 }
 
 void MALibraryChanges::takeItem(const QString &event, const MediaID &id, const MAJSON &item) {
@@ -55,7 +59,7 @@ void MALibraryChanges::takeItem(const QString &event, const MediaID &id, const M
     else if ((isAdded || isDeleted) && id.kind != MediaKind::track)
         announceReloadSoon(); // every list of that kind has another length now
     else
-        add(LibraryChange::favoriteChanged(id, !isDeleted && favoriteOf(item).value_or(false)));
+        add(LibraryChange::favoriteChanged(id, isDeleted ? false : favoriteOf(item)));
 }
 
 void MALibraryChanges::add(const LibraryChange &change) {

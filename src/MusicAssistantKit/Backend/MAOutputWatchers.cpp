@@ -1,7 +1,6 @@
-#include "MusicAssistantKit/Backend/Items/MADecoding_p.h"
+#include "MusicAssistantKit/Backend/MADecodedAside_p.h"
 #include "MusicAssistantKit/Backend/MAOutputWatchers_p.h"
 
-#include <QDateTime>
 #include <QPointer>
 
 namespace vantor {
@@ -15,10 +14,6 @@ namespace {
 constexpr auto workingOutDelay = 40ms;
 /// Of one look: a server that names ever new players must not fill the memory.
 constexpr qsizetype mostNews = 2'000;
-
-double now() {
-    return static_cast<double>(QDateTime::currentMSecsSinceEpoch()) / 1000;
-}
 
 template <typename Key, typename Value>
 void put(QHash<Key, Value> &news, const Key &key, const Value &value) {
@@ -34,7 +29,7 @@ void forgetUnwatched(Watches &watches) {
 } // namespace
 
 void MAOutputWatchers::setLocalClientID(const std::optional<QString> &id) {
-    m_store.localClientID = id;
+    m_store.setLocalClientID(id);
     publish();
 }
 
@@ -64,13 +59,19 @@ void MAOutputWatchers::take(const MAServerEvent &event) {
 }
 
 void MAOutputWatchers::workOutSoon() {
-    if (!m_workingOut)
-        m_workingOut = m_clock.after(workingOutDelay, [this] { workOut(); });
+    if (m_workingOut)
+        return;
+    m_workingOut = m_clock.after(workingOutDelay, [this] {
+        if (m_listsInWork == 0)
+            return workOut();
+        const auto timer = std::move(m_workingOut);
+        workOutSoon();
+    });
 }
 
 void MAOutputWatchers::workOut() {
     const auto timer = std::move(m_workingOut);
-    const double instant = now();
+    const double instant = secondsNow();
     const auto players = std::exchange(m_newPlayers, {});
     for (auto news = players.begin(); news != players.end(); ++news) {
         if (const auto player = readable(*news, &MAPlayer::decode))
@@ -91,14 +92,37 @@ void MAOutputWatchers::workOut() {
     publish();
 }
 
-QCoro::Task<> MAOutputWatchers::reload() {
+template <typename Record>
+QCoro::Task<std::optional<QList<Record>>> MAOutputWatchers::readAll(QString command,
+                                                                    Record (*decode)(const MAReader &)) {
     const QPointer self(this);
-    auto reading = m_call(u"player_queues/all"_s, {});
-    co_await reloadPlayers();
-    const MAJSON queues = co_await reading;
+    const int era = m_era;
+    const MAJSON answer = co_await m_call(command, {});
+    if (!self || era != m_era)
+        co_return std::nullopt;
+    if (m_workingOut && m_listsInWork == 0)
+        workOut(); // that is older than the list, and what comes from now on is newer
+    ++m_listsInWork;
+    const QList<Record> records = co_await decodedAside(answer, decode);
     if (!self)
+        co_return std::nullopt;
+    --m_listsInWork;
+    co_return era == m_era ? std::optional(records) : std::nullopt;
+}
+
+QCoro::Task<> MAOutputWatchers::reloadPlayers() {
+    const auto players = co_await readAll(u"players/all"_s, &MAPlayer::decode);
+    if (!players)
         co_return;
-    m_store.setQueues(readableEntries(queues, &MAPlayerQueue::decode), now());
+    m_store.setPlayers(*players, secondsNow());
+    publish();
+}
+
+QCoro::Task<> MAOutputWatchers::reloadQueues() {
+    const auto queues = co_await readAll(u"player_queues/all"_s, &MAPlayerQueue::decode);
+    if (!queues)
+        co_return;
+    m_store.setQueues(*queues, secondsNow());
     for (auto &[output, watch] : m_queues) {
         watch.isStale = true;
         watch.pause.reset();
@@ -106,16 +130,13 @@ QCoro::Task<> MAOutputWatchers::reload() {
     publish();
 }
 
-QCoro::Task<> MAOutputWatchers::reloadPlayers() {
-    const QPointer self(this);
-    const MAJSON players = co_await m_call(u"players/all"_s, {});
-    if (!self)
-        co_return;
-    m_store.setPlayers(readableEntries(players, &MAPlayer::decode), now());
+void MAOutputWatchers::readClock(double there, double from, double to) {
+    m_store.clock.read(there, from, to);
     publish();
 }
 
 void MAOutputWatchers::end() {
+    ++m_era;
     m_workingOut.reset();
     m_newPlayers.clear();
     m_newQueues.clear();
@@ -125,9 +146,10 @@ void MAOutputWatchers::end() {
     m_queues.clear();
     m_activities = {};
     m_overview = {};
-    const auto client = m_store.localClientID;
+    m_asked.clear();
+    const auto client = m_store.localClientID();
     m_store = {};
-    m_store.localClientID = client;
+    m_store.setLocalClientID(client);
 }
 
 AsyncStream<NowPlaying> MAOutputWatchers::nowPlaying(const OutputDevice::ID &output) {
@@ -163,7 +185,7 @@ void MAOutputWatchers::publish() {
 }
 
 NowPlaying MAOutputWatchers::present(const OutputDevice::ID &output) const {
-    return m_store.nowPlaying(output, now());
+    return m_store.nowPlaying(output, secondsNow());
 }
 
 void MAOutputWatchers::publishNowPlaying() {
@@ -181,7 +203,7 @@ void MAOutputWatchers::publishNowPlaying() {
 }
 
 MAOutputWatchers::Overview MAOutputWatchers::overview() const {
-    Overview made{.activities = m_store.activities(now()), .devices = m_store.devices(), .states = {}};
+    Overview made{.activities = m_store.activities(secondsNow()), .devices = m_store.devices(), .states = {}};
     for (const OutputDevice &device : made.devices)
         made.states.append(m_store.state(device.id));
     return made;
@@ -214,6 +236,7 @@ void MAOutputWatchers::askActiveQueues() {
 
 QCoro::Task<> MAOutputWatchers::askActiveQueue(QString playerID, QString group) {
     const QPointer self(this);
+    const int era = m_era;
     std::optional<MAPlayerQueue> queue;
     try {
         const MAJSON answer =
@@ -222,12 +245,12 @@ QCoro::Task<> MAOutputWatchers::askActiveQueue(QString playerID, QString group) 
     } catch (const std::exception &) {
         // The leader's queue stands in.
     }
-    if (!self)
+    if (!self || era != m_era)
         co_return;
     m_asked.remove(playerID);
     m_store.setActiveQueue(playerID, group, queue ? queue->queueID : group);
     if (queue)
-        m_store.apply(*queue, now());
+        m_store.apply(*queue, secondsNow());
     publish();
 }
 

@@ -18,10 +18,13 @@ class MAOutputWatchers : public QObject {
     void setLocalClientID(const std::optional<QString> &id);
 
     void take(const MAServerEvent &event);
-    /// Reads all players and queues, and what is watched. Fails as the command does.
-    QCoro::Task<> reload();
-    /// Of players only.
+    // Read all there are, and what is watched, anew. Fail as the command does.
     QCoro::Task<> reloadPlayers();
+    QCoro::Task<> reloadQueues();
+    /// Another server may answer from now on.
+    void forgetClock() { m_store.clock = {}; }
+    /// See MAServerClock::read().
+    void readClock(double there, double from, double to);
     /// Ends the streams and forgets what was known.
     void end();
 
@@ -39,7 +42,9 @@ class MAOutputWatchers : public QObject {
         std::optional<RemoteQueueSnapshot> last;
         QString queueID; ///< whose items these are
         QList<RemoteQueueItem> items;
-        qint64 total = 0; ///< as it was when the items were read
+        qint64 offset = 0; ///< from which the items were asked for
+        qint64 told = 0;   ///< as many the queue had then, as it said
+        qint64 total = 0;  ///< as many it has
         bool isStale = true;
         std::unique_ptr<Scheduler::Pending> pause; ///< before the items are read again
         bool isReading = false;
@@ -51,6 +56,9 @@ class MAOutputWatchers : public QObject {
         bool operator==(const Overview &) const = default;
     };
 
+    /// None when what was asked for is of interest no more.
+    template <typename Record>
+    QCoro::Task<std::optional<QList<Record>>> readAll(QString command, Record (*decode)(const MAReader &));
     void workOutSoon();
     void workOut();
     void publish();
@@ -67,12 +75,14 @@ class MAOutputWatchers : public QObject {
     Scheduler &m_clock;
     const Call m_call;
     MAPlayerStore m_store;
+    int m_era = 0; ///< grows with every end(): an answer from before tells nothing
     // What the events since the last look said, the latest of each kind.
     QHash<QString, MAJSON> m_newPlayers; ///< null: removed
     QHash<QString, MAJSON> m_newQueues;
     QHash<QString, double> m_newTimes;
     QSet<QString> m_changedItems; ///< of queues
     std::unique_ptr<Scheduler::Pending> m_workingOut;
+    int m_listsInWork = 0;                           ///< older than events that come meanwhile
     QSet<QString> m_asked;                           ///< players whose active queue is being asked for
     std::map<QString, NowPlayingWatch> m_nowPlaying; ///< by output
     std::map<QString, QueueWatch> m_queues;

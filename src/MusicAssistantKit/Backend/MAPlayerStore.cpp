@@ -1,6 +1,8 @@
 #include "MusicAssistantKit/Backend/MAPlayerStore_p.h"
 #include "MusicAssistantKit/Backend/PlayerMapping.h"
 
+#include <algorithm>
+
 namespace vantor {
 
 using namespace Qt::Literals::StringLiterals;
@@ -8,18 +10,7 @@ using namespace Qt::Literals::StringLiterals;
 namespace {
 
 /// No house has more; a server that goes mad must not fill the memory.
-constexpr std::size_t maxPlayers = 2'000;
-
-// How old, in seconds, an instant of the server's may be before its clock is taken to differ from ours. An
-// event is sent when something has happened; a list tells what may have happened a while ago.
-constexpr double oldestInEvent = 2;
-constexpr double oldestInList = 120;
-
-/// An instant of the server's clock in ours: what lies in the future, or too far back, was just now.
-double instantHere(const std::optional<double> &there, double now, double oldest) {
-    const double age = now - there.value_or(now);
-    return age >= 0 && age <= oldest ? now - age : now;
-}
+constexpr std::size_t maxPlayers = 500;
 
 bool isSameMoment(const MAPlayerQueue &a, const MAPlayerQueue &b) {
     const auto itemOf = [](const MAPlayerQueue &queue) {
@@ -30,7 +21,7 @@ bool isSameMoment(const MAPlayerQueue &a, const MAPlayerQueue &b) {
 }
 
 /// When a player was as far as it says, on the server's clock.
-std::optional<double> instantOf(const MAPlayer &player) {
+std::optional<double> thereOf(const MAPlayer &player) {
     const auto &media = player.currentMedia;
     return media && media->elapsedTimeLastUpdated ? media->elapsedTimeLastUpdated
                                                   : player.elapsedTimeLastUpdated;
@@ -38,43 +29,57 @@ std::optional<double> instantOf(const MAPlayer &player) {
 
 } // namespace
 
+void MAPlayerStore::setLocalClientID(const std::optional<QString> &id) {
+    m_localClientID = id;
+    findLocalPlayer();
+}
+
+MAPlayerStore::Moment MAPlayerStore::momentOf(const std::optional<double> &there, double now) {
+    if (there)
+        clock.hear(*there, now);
+    return {.there = there, .told = now};
+}
+
 void MAPlayerStore::setPlayers(const QList<MAPlayer> &players, double now) {
-    m_isLoaded = true;
+    m_hasPlayers = true;
     m_players.clear();
     m_playerTimes.clear();
     m_activeQueues.clear();
     for (const MAPlayer &player : players)
-        keep(player, instantHere(instantOf(player), now, oldestInList));
+        keep(player, momentOf(thereOf(player), now));
+    findLocalPlayer();
 }
 
 void MAPlayerStore::setQueues(const QList<MAPlayerQueue> &queues, double now) {
+    m_hasQueues = true;
     m_queues.clear();
     for (const MAPlayerQueue &queue : queues) {
-        const double updatedAt = instantHere(queue.elapsedTimeLastUpdated, now, oldestInList);
+        const Moment moment = momentOf(queue.elapsedTimeLastUpdated, now);
         if (m_queues.size() < maxPlayers)
-            m_queues.insert_or_assign(queue.queueID, Queue{queue, queue.elapsedTime.value_or(0), updatedAt});
+            m_queues.insert_or_assign(queue.queueID, Queue{queue, queue.elapsedTime.value_or(0), moment});
     }
 }
 
-void MAPlayerStore::keep(const MAPlayer &player, double updatedAt) {
+void MAPlayerStore::keep(const MAPlayer &player, const Moment &moment) {
     if (m_players.size() >= maxPlayers && !m_players.contains(player.playerID))
         return;
     m_players.insert_or_assign(player.playerID, player);
-    m_playerTimes.insert(player.playerID, updatedAt);
+    m_playerTimes.insert(player.playerID, moment);
 }
 
 void MAPlayerStore::apply(const MAPlayer &next, double now) {
     const MAPlayer *const known = player(next.playerID);
-    const bool isSame = known && instantOf(*known) == instantOf(next) &&
-                        known->elapsedTime == next.elapsedTime && known->playbackState == next.playbackState;
-    keep(next,
-         isSame ? m_playerTimes.value(next.playerID) : instantHere(instantOf(next), now, oldestInEvent));
+    const bool isSame = known && thereOf(*known) == thereOf(next) && known->elapsedTime == next.elapsedTime &&
+                        known->playbackState == next.playbackState;
+    keep(next, isSame ? m_playerTimes.value(next.playerID) : momentOf(thereOf(next), now));
+    findLocalPlayer();
 }
 
 void MAPlayerStore::removePlayer(const QString &id) {
     m_players.erase(id);
     m_playerTimes.remove(id);
     m_activeQueues.remove(id);
+    findLocalPlayer();
 }
 
 void MAPlayerStore::apply(const MAPlayerQueue &queue, double now) {
@@ -85,8 +90,8 @@ void MAPlayerStore::apply(const MAPlayerQueue &queue, double now) {
         known->second.record = queue;
         return;
     }
-    const double updatedAt = instantHere(queue.elapsedTimeLastUpdated, now, oldestInEvent);
-    m_queues.insert_or_assign(queue.queueID, Queue{queue, queue.elapsedTime.value_or(0), updatedAt});
+    const Moment moment = momentOf(queue.elapsedTimeLastUpdated, now);
+    m_queues.insert_or_assign(queue.queueID, Queue{queue, queue.elapsedTime.value_or(0), moment});
 }
 
 void MAPlayerStore::applyTime(const QString &queueID, double elapsed, double now) {
@@ -94,20 +99,27 @@ void MAPlayerStore::applyTime(const QString &queueID, double elapsed, double now
     if (known == m_queues.end() || !(elapsed >= 0))
         return;
     known->second.elapsed = elapsed;
-    known->second.updatedAt = now;
+    known->second.moment = {.there = {}, .told = now};
+}
+
+bool MAPlayerStore::isOurs(const MAPlayer &player) const {
+    return std::ranges::any_of(player.outputProtocols, [this](const MAOutputProtocol &protocol) {
+        return protocol.protocolDomain == "sendspin"_L1 && protocol.outputProtocolID == m_localClientID;
+    });
+}
+
+void MAPlayerStore::findLocalPlayer() {
+    m_localPlayer.clear();
+    if (!m_localClientID)
+        return;
+    const auto found =
+        std::ranges::find_if(m_players, [this](const auto &entry) { return isOurs(entry.second); });
+    if (found != m_players.end())
+        m_localPlayer = found->first;
 }
 
 const MAPlayer *MAPlayerStore::localPlayer() const {
-    if (!localClientID)
-        return nullptr;
-    const auto isOurs = [this](const MAOutputProtocol &protocol) {
-        return protocol.protocolDomain == "sendspin"_L1 && protocol.outputProtocolID == *localClientID;
-    };
-    for (const auto &[id, player] : m_players) {
-        if (std::any_of(player.outputProtocols.begin(), player.outputProtocols.end(), isOurs))
-            return &player;
-    }
-    return nullptr;
+    return m_localPlayer.isEmpty() ? nullptr : player(m_localPlayer);
 }
 
 const MAPlayer *MAPlayerStore::player(const QString &id) const {
@@ -125,8 +137,8 @@ const MAPlayer *MAPlayerStore::player(const OutputDevice::ID &output) const {
 }
 
 OutputDevice::ID MAPlayerStore::outputOf(const QString &playerID) const {
-    const MAPlayer *const local = localPlayer();
-    return local && local->playerID == playerID ? OutputDevice::thisMacID() : OutputDevice::ID{playerID};
+    const bool isLocal = !m_localPlayer.isEmpty() && playerID == m_localPlayer;
+    return isLocal ? OutputDevice::thisMacID() : OutputDevice::ID{playerID};
 }
 
 QString MAPlayerStore::groupOf(const MAPlayer &player) {
@@ -157,7 +169,7 @@ QString MAPlayerStore::queueID(const MAPlayer &player) const {
 bool MAPlayerStore::isShown(const MAPlayer &player) const {
     static const QSet<QString> silentTypes{u"protocol"_s, u"display"_s, u"visualizer"_s, u"light"_s};
     return player.enabled.value_or(true) && !player.hideInUI.value_or(false) &&
-           !silentTypes.contains(player.type.value_or(QString())) && &player != localPlayer();
+           !silentTypes.contains(player.type.value_or(QString())) && player.playerID != m_localPlayer;
 }
 
 QList<const MAPlayer *> MAPlayerStore::shownPlayers() const {
@@ -178,10 +190,9 @@ std::optional<QSet<OutputDevice::ID>> MAPlayerStore::groupable(const MAPlayer &p
         return std::nullopt;
     const QSet<QString> with(player.canGroupWith.begin(), player.canGroupWith.end());
     QSet<OutputDevice::ID> outputs;
-    const MAPlayer *const local = localPlayer();
     for (const auto &[id, other] : m_players) {
         const bool fits = with.contains(id) || with.contains(other.provider.value_or(QString()));
-        if (fits && &other != &player && (isShown(other) || &other == local))
+        if (fits && &other != &player && (isShown(other) || id == m_localPlayer))
             outputs.insert(outputOf(id));
     }
     return outputs;
@@ -206,19 +217,20 @@ QList<OutputDevice> MAPlayerStore::devices() const {
 }
 
 QList<OutputActivity> MAPlayerStore::activities(double now) const {
+    QList<const MAPlayer *> shown = shownPlayers();
+    if (const MAPlayer *const local = localPlayer())
+        shown.prepend(local);
     QList<OutputActivity> all;
-    for (const OutputDevice &output : devices()) {
-        const MAPlayer *const ofOutput = player(output.id);
-        if (!ofOutput)
-            continue; // this computer, which is no player yet
-        const NowPlaying playing = nowPlaying(output.id, now);
-        const QString group = groupOf(*ofOutput);
-        all.append(
-            {.output = output.id,
-             .name = output.name,
-             .state = playing.state,
-             .leader = group.isEmpty() ? std::nullopt : std::optional(outputOf(group)),
-             .updatedAt = queue(queueID(*ofOutput)) ? std::optional(playing.updatedAt) : std::nullopt});
+    for (const MAPlayer *const player : shown) {
+        const OutputDevice::ID output = outputOf(player->playerID);
+        const bool isLocal = output == OutputDevice::thisMacID();
+        const NowPlaying playing = nowPlaying(output, now);
+        const QString group = groupOf(*player);
+        all.append({.output = output,
+                    .name = isLocal ? OutputDevice::thisMac().name : maplayer::name(*player),
+                    .state = playing.state,
+                    .leader = group.isEmpty() ? std::nullopt : std::optional(outputOf(group)),
+                    .updatedAt = queue(queueID(*player)) ? std::optional(playing.updatedAt) : std::nullopt});
     }
     return all;
 }
@@ -245,8 +257,9 @@ NowPlaying MAPlayerStore::nowPlaying(const OutputDevice::ID &output, double now)
         return NowPlaying::idle(output, now);
     const Queue *const playing = queue(queueID(*ofOutput));
     if (playing && (playing->record.active.value_or(true) || !ofOutput->currentMedia))
-        return maplayer::nowPlaying(output, *ofOutput, playing->record, playing->elapsed, playing->updatedAt);
-    return maplayer::nowPlaying(output, *ofOutput, m_playerTimes.value(ofOutput->playerID, now));
+        return maplayer::nowPlaying(output, *ofOutput, playing->record, playing->elapsed,
+                                    instantOf(playing->moment));
+    return maplayer::nowPlaying(output, *ofOutput, instantOf(m_playerTimes.value(ofOutput->playerID)));
 }
 
 } // namespace vantor

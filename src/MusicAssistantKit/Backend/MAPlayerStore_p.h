@@ -1,6 +1,7 @@
 #pragma once
 
 #include "MusicAssistantKit/Backend/Items/MAPlayers.h"
+#include "MusicAssistantKit/Backend/MAServerClock_p.h"
 #include "MusicAssistantKit/Backend/MusicAssistantBackend.h"
 
 #include <map>
@@ -11,16 +12,25 @@ namespace vantor {
 /// otherwise. Instants are seconds since 1970 of this computer's clock.
 class MAPlayerStore {
   public:
+    /// When something was so.
+    struct Moment {
+        std::optional<double> there; ///< on the server's clock; otherwise just when it was told
+        double told = 0;
+    };
     /// A queue, and how far its item was when.
     struct Queue {
         MAPlayerQueue record;
         double elapsed = 0;
-        double updatedAt = 0;
+        Moment moment;
     };
 
-    std::optional<QString> localClientID;
+    MAServerClock clock;
 
-    [[nodiscard]] bool isLoaded() const { return m_isLoaded; }
+    void setLocalClientID(const std::optional<QString> &id);
+    [[nodiscard]] const std::optional<QString> &localClientID() const { return m_localClientID; }
+
+    [[nodiscard]] bool hasPlayers() const { return m_hasPlayers; } ///< all there are
+    [[nodiscard]] bool hasQueues() const { return m_hasQueues; }
     /// In place of all that was known.
     void setPlayers(const QList<MAPlayer> &players, double now);
     void setQueues(const QList<MAPlayerQueue> &queues, double now);
@@ -31,7 +41,7 @@ class MAPlayerStore {
     void apply(const MAPlayerQueue &queue, double now);
     void applyTime(const QString &queueID, double elapsed, double now);
 
-    /// The player that the server made of `localClientID`.
+    /// The player that the server made of localClientID().
     [[nodiscard]] const MAPlayer *localPlayer() const;
     [[nodiscard]] const MAPlayer *player(const QString &id) const;
     [[nodiscard]] const Queue *queue(const QString &id) const;
@@ -57,15 +67,24 @@ class MAPlayerStore {
         QString queueID;
     };
 
-    void keep(const MAPlayer &player, double updatedAt);
+    void keep(const MAPlayer &player, const Moment &moment);
+    void findLocalPlayer();
+    [[nodiscard]] bool isOurs(const MAPlayer &player) const;
+    [[nodiscard]] Moment momentOf(const std::optional<double> &there, double now);
+    [[nodiscard]] double instantOf(const Moment &moment) const {
+        return clock.here(moment.there, moment.told);
+    }
     [[nodiscard]] bool isShown(const MAPlayer &player) const;
     [[nodiscard]] QList<const MAPlayer *> shownPlayers() const; ///< by name
     [[nodiscard]] OutputDevice device(const MAPlayer &player) const;
     [[nodiscard]] std::optional<QSet<OutputDevice::ID>> groupable(const MAPlayer &player) const;
 
-    bool m_isLoaded = false;
+    bool m_hasPlayers = false;
+    bool m_hasQueues = false;
+    std::optional<QString> m_localClientID;
+    QString m_localPlayer;                 ///< its ID; empty without one
     std::map<QString, MAPlayer> m_players; // whose entries stay where they are
-    QHash<QString, double> m_playerTimes;  ///< when a player was as far as it says
+    QHash<QString, Moment> m_playerTimes;  ///< when a player was as far as it says
     std::map<QString, Queue> m_queues;
     QHash<QString, ActiveQueue> m_activeQueues; ///< by player
 };

@@ -32,9 +32,10 @@ qint64 windowStart(const MAPlayerQueue &queue) {
 
 bool MAOutputWatchers::needsItems(const QueueWatch &watch, const MAPlayerStore::Queue &queue) const {
     const MAPlayerQueue &record = queue.record;
-    if (watch.isStale || watch.queueID != record.queueID || watch.total != record.items)
+    if (watch.isStale || watch.queueID != record.queueID || watch.told != record.items)
         return true;
-    if (!record.currentIndex || watch.items.isEmpty())
+    // The same question would get the same answer.
+    if (!record.currentIndex || watch.items.isEmpty() || watch.offset == windowStart(record))
         return false;
     const qint64 first = watch.items.first().index;
     const qint64 end = first + watch.items.size();
@@ -62,8 +63,8 @@ void MAOutputWatchers::publishQueue(const OutputDevice::ID &output, QueueWatch &
         if (current >= 0 && current < next.total)
             next.currentIndex = static_cast<int>(current);
         next.isComplete = watch.items.size() >= next.total;
-    } else if (!m_store.isLoaded()) {
-        return;
+    } else if (!m_store.hasPlayers() || !m_store.hasQueues()) {
+        return; // it may have items
     }
     if (watch.last == next)
         return;
@@ -73,6 +74,7 @@ void MAOutputWatchers::publishQueue(const OutputDevice::ID &output, QueueWatch &
 
 QCoro::Task<> MAOutputWatchers::readItems(OutputDevice::ID output, QString queueID) {
     const QPointer self(this);
+    const int era = m_era;
     QueueWatch &before = m_queues[output.rawValue];
     before.isReading = true;
     before.isStale = false;
@@ -87,7 +89,7 @@ QCoro::Task<> MAOutputWatchers::readItems(OutputDevice::ID output, QString queue
     } catch (const std::exception &) {
         // What is shown stays for the moment.
     }
-    if (!self)
+    if (!self || era != m_era)
         co_return;
     const auto watch = m_queues.find(output.rawValue);
     if (watch == m_queues.end())
@@ -99,6 +101,8 @@ QCoro::Task<> MAOutputWatchers::readItems(OutputDevice::ID output, QString queue
         items->resize(std::min<qsizetype>(items->size(), windowSize));
         after.queueID = queueID;
         after.items = *items;
+        after.offset = offset;
+        after.told = record.items;
         const bool isLast = items->size() < windowSize;
         after.total = isLast ? record.items : std::max(record.items, offset + qint64(items->size()));
     }

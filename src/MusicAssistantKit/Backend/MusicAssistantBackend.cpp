@@ -16,6 +16,10 @@ Q_LOGGING_CATEGORY(logBackend, "co.kelvane.vantor.musicassistant.backend")
 const QString commandsPath = u"/api-docs/commands.json"_s;
 constexpr qint64 maxCommandsBytes = 8 << 20;
 constexpr auto probeTimeout = 10s;
+/// Of events that were missed, before all is read anew.
+constexpr auto gatheringTime = 1s;
+/// Before the players are asked for again.
+constexpr auto pauseAfterFailure = 2s;
 
 enum ErrorCode { unavailable = 10, invalidCommand = 12, notPermitted = 22 };
 
@@ -28,6 +32,10 @@ std::shared_ptr<MusicAssistantClient> makeClient(const MusicAssistantBackend::Se
     const MusicAssistantClient::Collaborators collaborators{.transports = with.transports,
                                                             .clock = with.clock};
     return std::make_shared<MusicAssistantClient>(settings->address.baseURL, collaborators, timing);
+}
+
+MAServerCommands commandsIn(const QByteArray &body) {
+    return MAServerCommands::decode(MAJSON::parse(body).value_or(MAJSON()));
 }
 
 /// Holds the backend until the command has ended.
@@ -58,6 +66,8 @@ QCoro::Task<MAJSON> MusicAssistantBackend::Private::call(QString command, QJsonO
         throw *client->state().error;
     if (commands.wasRefused(command))
         throw MusicBackendError::unsupported(needed);
+    if (MAJSON(args).encoded().size() > mostBytesAtOnce) // the server would drop the connection
+        throw MusicAssistantBackendErrors::tooLarge();
     const MARequest request{.command = command, .args = args, .timeout = {}};
     try {
         const MAJSON result = co_await client->call(request);
@@ -147,7 +157,7 @@ void MusicAssistantBackend::Private::takeState(const MusicAssistantClient::Conne
     const bool isReturn = status.connection > 0;
     status.connection = client->connectionCount();
     counts.clear();
-    recommended.clear();
+    watchers.forgetClock();
     probe();
     readPlayers();
     setState(State::connected, {});
@@ -182,7 +192,7 @@ QCoro::Task<> MusicAssistantBackend::Private::followEvents() {
             co_return;
         if (m_events.missed() != missed) {
             missed = m_events.missed();
-            readPlayersSoon();
+            readPlayersIn(gatheringTime);
             changes.announceReloadSoon();
         }
         if (event->event.startsWith("media_item_"_L1) || event->event == "favorite_updated"_L1) {
@@ -196,40 +206,56 @@ QCoro::Task<> MusicAssistantBackend::Private::followEvents() {
 
 QCoro::Task<> MusicAssistantBackend::Private::probe() {
     const auto self = q.shared_from_this();
-    const int connection = status.connection;
+    const int number = ++m_probe;
     isProbing = true;
     MAServerCommands found;
+    MAHTTPAnswer answer;
+    const double asked = secondsNow();
     try {
         const QUrl url = endpointURL(client->baseURL(), commandsPath);
-        const MAHTTPAnswer answer = co_await with.http.get(url, maxCommandsBytes, probeTimeout);
-        if (answer.status == 200)
-            found = MAServerCommands::decode(MAJSON::parse(answer.body).value_or(MAJSON()));
+        answer = co_await with.http.get(url, maxCommandsBytes, probeTimeout);
     } catch (const MusicAssistantError &error) {
         qCInfo(logBackend) << "no list of commands:" << error;
     }
-    if (connection != status.connection)
-        co_return; // another probe is under way
+    const double answered = secondsNow();
+    if (answer.status == 200)
+        found = co_await QtConcurrent::run(&commandsIn, answer.body);
+    if (number != m_probe)
+        co_return; // of a connection that has ended
+    if (answer.date)
+        watchers.readClock(static_cast<double>(answer.date->toSecsSinceEpoch()), asked, answered);
     commands = found;
     isProbing = false;
     whenProbed.send(true);
     tellStatus();
 }
 
-void MusicAssistantBackend::Private::readPlayersSoon() {
+void MusicAssistantBackend::Private::readPlayersIn(std::chrono::milliseconds delay) {
     if (!m_readingPlayers)
-        m_readingPlayers = with.clock.after(1s, [this] {
+        m_readingPlayers = with.clock.after(delay, [this] {
             const auto timer = std::move(m_readingPlayers);
             readPlayers();
         });
 }
 
-QCoro::Task<> MusicAssistantBackend::Private::readPlayers() {
+void MusicAssistantBackend::Private::readPlayers() {
+    m_readingPlayers.reset();
+    keepReading(&MAOutputWatchers::reloadPlayers);
+    keepReading(&MAOutputWatchers::reloadQueues);
+}
+
+QCoro::Task<> MusicAssistantBackend::Private::keepReading(Reload reload) {
     const auto self = q.shared_from_this();
+    const int connection = status.connection;
     try {
-        co_await watchers.reload();
+        co_await (watchers.*reload)();
+        co_return;
     } catch (const std::exception &error) {
-        qCInfo(logBackend) << "players could not be read:" << error.what();
+        qCInfo(logBackend) << "players or queues could not be read:" << error.what();
     }
+    const bool isConnected = status.state == MusicAssistantStatus::State::connected;
+    if (isConnected && connection == status.connection)
+        readPlayersIn(pauseAfterFailure);
 }
 
 void MusicAssistantBackend::Private::end() {
@@ -241,6 +267,8 @@ void MusicAssistantBackend::Private::end() {
     changes.end();
     watchers.end();
     commands = {};
+    recommended.clear();
+    ++m_probe;
     isProbing = false;
     whenProbed.send(false);
     setState(MusicAssistantStatus::State::offline, {});

@@ -52,6 +52,10 @@ MusicBackendError notPermitted() {
     return MusicBackendError::forbidden(u"The Music Assistant request failed."_s);
 }
 
+MusicBackendError tooLarge() {
+    return MusicBackendError::backend(u"That is too large for Music Assistant."_s);
+}
+
 MusicBackendError unreadableAnswer() {
     return MusicBackendError::backend(u"Music Assistant's answer could not be read."_s);
 }

@@ -22,6 +22,8 @@ enum class SettingsPage { musicAssistant, library };
 // Of requests.
 [[nodiscard]] MusicBackendError requestFailed();
 [[nodiscard]] MusicBackendError notPermitted();
+/// More than the server takes in one message.
+[[nodiscard]] MusicBackendError tooLarge();
 [[nodiscard]] MusicBackendError unreadableAnswer();
 [[nodiscard]] MusicBackendError noArtwork();
 [[nodiscard]] MusicBackendError artworkSizeRefused();

@@ -1,13 +1,11 @@
 #pragma once
 
+#include "MusicAssistantKit/Backend/MADecodedAside_p.h"
 #include "MusicAssistantKit/Backend/MALibraryChanges_p.h"
 #include "MusicAssistantKit/Backend/MAOutputWatchers_p.h"
 #include "MusicAssistantKit/Backend/MAServerCommands.h"
 #include "MusicAssistantKit/Backend/MusicAssistantBackend.h"
 #include "MusicAssistantKit/Backend/MusicAssistantBackendErrors.h"
-
-#include <QCoroFuture>
-#include <QtConcurrentRun>
 
 namespace vantor {
 
@@ -21,6 +19,10 @@ class MusicAssistantBackend::Private : public QObject {
     /// One command. Fails with MusicBackendError::unsupported for one that the server does not have, with
     /// `needed`, or else with what the client fails with.
     QCoro::Task<MAJSON> call(QString command, QJsonObject args, MusicBackendCapabilities needed);
+    /// Arguments, as they are sent: servers take frames of 4 MiB.
+    static constexpr qsizetype mostBytesAtOnce = (4 << 20) - (4 << 10);
+    /// URIs in as many messages as it takes. Fails with the sentence for one that fits into none.
+    [[nodiscard]] static QList<QStringList> inMessages(const QStringList &uris);
     /// As call(); of what the server carries out later and says how that stands.
     QCoro::Task<> callTask(QString command, QJsonObject args, MusicBackendCapabilities needed);
     /// Ends when the list of commands is there, or will not come.
@@ -39,6 +41,11 @@ class MusicAssistantBackend::Private : public QObject {
     /// call() about an output: that the server has not got its player means that the output is not there.
     QCoro::Task<MAJSON> callOutput(OutputDevice::ID output, QString command, QJsonObject args,
                                    MusicBackendCapabilities needed);
+
+    /// Asked for in one go.
+    static constexpr int mostQueueItems = 1'000;
+    /// A stretch of a queue. Fails when the answer is no list.
+    QCoro::Task<QList<RemoteQueueItem>> queuePage(OutputDevice::ID output, QString queue, PageRequest page);
 
     /// A list, or a stretch of one, made into records. Fails when the answer is no list; entries that cannot
     /// be read are left out, but count.
@@ -62,8 +69,10 @@ class MusicAssistantBackend::Private : public QObject {
     QCoro::Task<> followStates();
     QCoro::Task<> followEvents();
     QCoro::Task<> probe();
-    QCoro::Task<> readPlayers();
-    void readPlayersSoon();
+    void readPlayers();
+    void readPlayersIn(std::chrono::milliseconds delay);
+    using Reload = QCoro::Task<> (MAOutputWatchers::*)();
+    QCoro::Task<> keepReading(Reload reload);
     void end();
     [[nodiscard]] MusicBackendCapabilities capabilities() const;
 
@@ -83,33 +92,12 @@ class MusicAssistantBackend::Private : public QObject {
     QHash<QString, std::optional<int>> volumesOnWay; ///< by player: the one that follows
 
   private:
+    int m_probe = 0; ///< the one whose answer counts
     // Of the connection under way.
     AsyncStream<MusicAssistantClient::ConnectionState> m_states;
     AsyncStream<MAServerEvent> m_events;
     std::unique_ptr<Scheduler::Pending> m_readingPlayers;
 };
-
-namespace madecoding {
-
-/// More is decoded on a thread of its own: so many take less than a millisecond.
-constexpr qsizetype mostHere = 32;
-
-template <typename Record>
-QList<Record> records(const MAJSON &list, Record (*read)(const MAReader &)) {
-    QList<Record> made;
-    const QJsonArray entries = list.value().toArray();
-    made.reserve(entries.size());
-    for (const QJsonValue entry : entries) {
-        try {
-            made.append(read(MAReader(MAJSON(entry))));
-        } catch (const MADecodingError &) {
-            // One that cannot be read must not hide the others.
-        }
-    }
-    return made;
-}
-
-} // namespace madecoding
 
 template <typename Record>
 QCoro::Task<MusicAssistantBackend::Private::Decoded<Record>>
@@ -117,10 +105,7 @@ MusicAssistantBackend::Private::decoded(MAJSON list, Read<Record> read) {
     if (list.kind() != MAJSON::Kind::array)
         throw MusicAssistantBackendErrors::unreadableAnswer();
     const qsizetype count = list.size();
-    if (count <= madecoding::mostHere)
-        co_return Decoded<Record>{madecoding::records(list, read), count};
-    const auto future = QtConcurrent::run(&madecoding::records<Record>, list, read);
-    const QList<Record> records = co_await future;
+    const QList<Record> records = co_await decodedAside(list, read);
     co_return Decoded<Record>{records, count};
 }
 

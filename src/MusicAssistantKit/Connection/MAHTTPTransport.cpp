@@ -3,6 +3,8 @@
 #include "MusicAssistantKit/Connection/MusicAssistantError.h"
 #include "Platform/HTTPDownload.h"
 
+#include <QLocale>
+
 namespace vantor {
 
 QtHTTPTransport::QtHTTPTransport() : m_network(std::make_shared<QNetworkAccessManager>()) {
@@ -21,7 +23,12 @@ QCoro::Task<MAHTTPAnswer> QtHTTPTransport::get(QUrl url, qint64 maxBytes, std::c
     if (answer.status == 0 || answer.isBroken || answer.end != HTTPAnswer::End::finished)
         throw MusicAssistantError::transport(
             {.kind = MATransportError::Kind::network, .detail = answer.errorText});
-    co_return MAHTTPAnswer{.status = answer.status, .body = std::move(answer.body)};
+    QDateTime date = QLocale::c().toDateTime(QString::fromLatin1(answer.header("Date")),
+                                             QStringLiteral("ddd, dd MMM yyyy hh:mm:ss 'GMT'"));
+    date.setTimeSpec(Qt::UTC);
+    co_return MAHTTPAnswer{.status = answer.status,
+                           .body = std::move(answer.body),
+                           .date = date.isValid() ? std::optional(date) : std::nullopt};
 }
 
 } // namespace vantor

@@ -2,11 +2,13 @@
 
 #include <QByteArray>
 #include <QCoroTask>
+#include <QDateTime>
 #include <QNetworkAccessManager>
 #include <QUrl>
 
 #include <chrono>
 #include <memory>
+#include <optional>
 
 namespace vantor {
 
@@ -14,6 +16,7 @@ namespace vantor {
 struct MAHTTPAnswer {
     int status = 0;
     QByteArray body;
+    std::optional<QDateTime> date = {}; ///< of the server's clock when it answered, in whole seconds
 };
 
 /// Plain questions to a server, beside the WebSocket. Main thread.

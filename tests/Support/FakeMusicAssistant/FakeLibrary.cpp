@@ -264,7 +264,7 @@ QJsonArray FakeLibrary::stretch(const QString &mediaType, const Args &args) cons
     const auto playlists = m_playlists.keys();
     const int total = onlyFavorites ? static_cast<int>(chosen.size()) : count(mediaType);
     const int offset = std::max(args["offset"_L1].toInt(0), 0);
-    const int end = std::min(total, offset + args["limit"_L1].toInt(500));
+    const int end = std::min(total, offset + std::min(args["limit"_L1].toInt(500), longestPage));
     const bool isSummary = m_dialect == Dialect::today && args["summary"_L1].toBool(true);
     QJsonArray items;
     for (int i = offset; i < end; ++i) {

@@ -20,6 +20,8 @@ class FakeLibrary : public QObject {
         old, ///< no list of commands, no summaries, rows with their items, pictures by their path
     };
 
+    int longestPage = 10'000; ///< whatever is asked for
+
     FakeLibrary(FakeMusicAssistant &server, Size size, Dialect dialect = Dialect::today);
 
     [[nodiscard]] const Size &size() const { return m_size; }

@@ -183,8 +183,10 @@ void FakeLibrary::addPlaylistCommands() {
                     for (const QJsonValue position : args["positions_to_remove"_L1].toArray())
                         positions.append(position.toInt());
                     std::sort(positions.begin(), positions.end(), std::greater<>());
-                    for (const int position : positions)
-                        tracks.remove(position - 1);
+                    for (const int position : positions) {
+                        if (position >= 1 && position <= tracks.size())
+                            tracks.remove(position - 1);
+                    }
                 });
             });
 }

@@ -1,7 +1,9 @@
 #include "tests/Support/FakeMusicAssistant/FakeMusicAssistant.h"
 
+#include <QDateTime>
 #include <QHostAddress>
 #include <QJsonDocument>
+#include <QLocale>
 #include <QSslSocket>
 
 namespace vantor {
@@ -12,6 +14,7 @@ namespace {
 
 constexpr int pieceSize = 500;
 constexpr qsizetype maxHeadBytes = 16 << 10;
+constexpr qsizetype maxFrameBytes = 4 << 20;
 constexpr int pingIntervalMs = 25'000;
 
 enum ErrorCode { invalidCommand = 12, authenticationRequired = 20, invalidToken = 23 };
@@ -119,6 +122,10 @@ QUrl FakeMusicAssistant::url() const {
     return QUrl((tls ? u"https://localhost:%1"_s : u"http://127.0.0.1:%1"_s).arg(m_port));
 }
 
+double FakeMusicAssistant::time() const {
+    return static_cast<double>(QDateTime::currentMSecsSinceEpoch()) / 1000 + clockAhead;
+}
+
 void FakeMusicAssistant::stop() {
     m_listener->close();
     dropClients();
@@ -159,9 +166,12 @@ void FakeMusicAssistant::readHead(QTcpSocket *socket) {
 void FakeMusicAssistant::answerHTTP(QTcpSocket *socket, const QUrl &target) {
     ++m_httpRequests;
     const HTTPAnswer answer = pageFor(target);
-    socket->write("HTTP/1.1 " + QByteArray::number(answer.status) + " Answer\r\nContent-Type: " +
-                  answer.type + "\r\nContent-Length: " + QByteArray::number(answer.body.size()) +
-                  "\r\nConnection: close\r\n" + answer.headers + "\r\n" + answer.body);
+    const auto date = QDateTime::fromSecsSinceEpoch(static_cast<qint64>(time()), Qt::UTC);
+    socket->write(
+        "HTTP/1.1 " + QByteArray::number(answer.status) + " Answer\r\nContent-Type: " + answer.type +
+        "\r\nContent-Length: " + QByteArray::number(answer.body.size()) +
+        "\r\nDate: " + QLocale::c().toString(date, u"ddd, dd MMM yyyy hh:mm:ss 'GMT'"_s).toLatin1() +
+        "\r\nConnection: close\r\n" + answer.headers + "\r\n" + answer.body);
     socket->disconnectFromHost();
 }
 
@@ -200,6 +210,10 @@ void FakeMusicAssistant::greet(QWebSocket *client) {
 }
 
 void FakeMusicAssistant::takeFrame(QWebSocket *client, const QString &text) {
+    if (text.toUtf8().size() > maxFrameBytes) {
+        client->close(QWebSocketProtocol::CloseCodeTooMuchData);
+        return;
+    }
     m_received.append(text);
     const QJsonObject message = QJsonDocument::fromJson(text.toUtf8()).object();
     if (message.isEmpty()) {

@@ -93,11 +93,14 @@ class FakeMusicAssistant : public QObject {
     Fault fault = Fault::none;
     QHash<QString, CommandFault> commandFaults;
     QUrl redirectTarget;
+    double clockAhead = 0;                ///< of its clock, in seconds
     std::optional<QSslConfiguration> tls; ///< from the next listen() on
 
     /// On this machine only; 0 for any free port.
     bool listen(quint16 port = 0);
     [[nodiscard]] quint16 port() const { return m_port; }
+    /// Of its clock, seconds since 1970.
+    [[nodiscard]] double time() const;
     [[nodiscard]] QUrl url() const;
     /// Drops everybody and takes nobody; listen(port()) brings it back.
     void stop();

@@ -84,6 +84,8 @@ void FakePlayers::addPlayerCommands() {
                 if (members.isEmpty())
                     members.append(leader);
                 const auto set = [&](const QString &member, bool isIn) {
+                    if (!players.contains(member))
+                        return;
                     players[member].insert("synced_to"_L1, isIn ? QJsonValue(leader) : QJsonValue());
                     if (isIn)
                         members.append(member);
@@ -158,10 +160,13 @@ void FakePlayers::addQueueCommands() {
         return [this, idName](const Args &args, const FakeAnswer &answer) {
             const QString queueID = activeQueue(args[idName].toString());
             Queue &queue = queues[queueID];
-            queue.isShuffling = args["shuffle_enabled"_L1].toBool(queue.isShuffling);
+            const bool isShuffling = args["shuffle_enabled"_L1].toBool(queue.isShuffling);
+            const bool isNew = std::exchange(queue.isShuffling, isShuffling) != isShuffling;
+            if (isNew)
+                setShuffling(queue, isShuffling);
             queue.repeatMode = args["repeat_mode"_L1].toString(queue.repeatMode);
             answer.result({});
-            changed(queueID);
+            isNew ? itemsChanged(queueID) : changed(queueID);
         };
     };
     for (const QString &name : {u"shuffle"_s, u"repeat"_s}) {
@@ -189,6 +194,8 @@ void FakePlayers::playMedia(Queue &queue, const Args &args) {
             if (added[i].uri == start)
                 queue.current = i;
         }
+        if (queue.isShuffling)
+            setShuffling(queue, true);
     } else if (option == "add"_L1) {
         queue.entries += added;
     } else {
@@ -204,6 +211,15 @@ void FakePlayers::playMedia(Queue &queue, const Args &args) {
     }
     if (queue.current < 0 && !queue.entries.isEmpty())
         queue.current = 0;
+}
+
+void FakePlayers::setShuffling(Queue &queue, bool isShuffling) {
+    const auto number = [](const Entry &entry) { return QStringView(entry.id).mid(1).toUInt(); };
+    const auto key = [&](const Entry &entry) {
+        return isShuffling ? number(entry) * 2654435761U : number(entry);
+    };
+    std::sort(queue.entries.begin() + (queue.current + 1), queue.entries.end(),
+              [&](const Entry &a, const Entry &b) { return key(a) < key(b); });
 }
 
 int FakePlayers::find(const Queue &queue, const QJsonValue &itemOrIndex) {

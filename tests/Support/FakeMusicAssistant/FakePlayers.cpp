@@ -1,7 +1,5 @@
 #include "tests/Support/FakeMusicAssistant/FakePlayers.h"
 
-#include <QDateTime>
-
 namespace vantor {
 
 using namespace Qt::Literals::StringLiterals;
@@ -77,10 +75,6 @@ void FakePlayers::showSendspinClient(const QString &clientID, const QString &nam
     m_server.sendEvent(u"player_added"_s, id, playerRecord(id));
 }
 
-double FakePlayers::serverTime() const {
-    return static_cast<double>(QDateTime::currentMSecsSinceEpoch()) / 1000 + clockAhead;
-}
-
 QString FakePlayers::activeQueue(const QString &playerID) const {
     const QJsonObject &player = players.at(playerID);
     const QString leader = player["synced_to"_L1].toString(player["active_group"_L1].toString());
@@ -114,7 +108,7 @@ QJsonObject FakePlayers::queueRecord(const QString &id) const {
             {u"repeat_mode"_s, queue.repeatMode},
             {u"current_index"_s, orNull(queue.current)},
             {u"elapsed_time"_s, queue.elapsed},
-            {u"elapsed_time_last_updated"_s, serverTime()},
+            {u"elapsed_time_last_updated"_s, m_server.time() - queue.age},
             {u"state"_s, queue.state},
             {u"current_item"_s, queueItem(queue, id, queue.current)},
             {u"next_item"_s, queueItem(queue, id, queue.current < 0 ? -1 : queue.current + 1)}};
@@ -130,7 +124,7 @@ QJsonObject FakePlayers::playerRecord(const QString &id) const {
         made.insert("playback_state"_L1, state);
     if (queue != queues.end()) {
         made.insert("elapsed_time"_L1, queue->second.elapsed);
-        made.insert("elapsed_time_last_updated"_L1, serverTime());
+        made.insert("elapsed_time_last_updated"_L1, m_server.time() - queue->second.age);
     }
     return made;
 }

@@ -19,6 +19,7 @@ class FakePlayers : public QObject {
         QList<Entry> entries;
         int current = -1;
         double elapsed = 0;
+        double age = 0; ///< seconds since `elapsed` was right
         QString state = QStringLiteral("idle");
         bool isShuffling = false;
         QString repeatMode = QStringLiteral("off");
@@ -29,8 +30,6 @@ class FakePlayers : public QObject {
     // What they are; to be changed at any time, before changed().
     std::map<QString, QJsonObject> players; ///< as the server sends them
     std::map<QString, Queue> queues;
-    /// Seconds by which the server's clock is ahead.
-    double clockAhead = 0;
     /// So many items from the current one on can neither be moved nor removed.
     int buffered = 2;
     /// play_media starts a list of tracks at its start item, which servers do not do.
@@ -63,9 +62,10 @@ class FakePlayers : public QObject {
     [[nodiscard]] QJsonObject playerRecord(const QString &id) const;
     [[nodiscard]] QJsonValue queueItem(const Queue &queue, const QString &id, int index) const;
     [[nodiscard]] double durationOf(const Queue &queue) const;
-    [[nodiscard]] double serverTime() const;
     [[nodiscard]] QString activeQueue(const QString &playerID) const;
     void playMedia(Queue &queue, const Args &args);
+    /// Brings what follows the current entry into another order, always the same, or back into its own.
+    void setShuffling(Queue &queue, bool isShuffling);
     void go(const QString &id, int index);
     void itemsChanged(const QString &id);
     [[nodiscard]] static int find(const Queue &queue, const QJsonValue &itemOrIndex);

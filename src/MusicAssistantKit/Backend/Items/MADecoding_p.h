@@ -18,14 +18,11 @@ namespace vantor {
 template <typename Record>
 [[nodiscard]] QList<Record> readableEntries(const MAJSON &json, Record (*decode)(const MAReader &)) {
     QList<Record> records;
-    const MAReader reader(json);
-    if (json.kind() != MAJSON::Kind::array)
-        return records;
-    const qsizetype count = reader.size();
-    records.reserve(count);
-    for (qsizetype i = 0; i < count; ++i) {
+    const QJsonArray entries = json.value().toArray();
+    records.reserve(entries.size());
+    for (const QJsonValue entry : entries) {
         try {
-            records.append(decode(reader.entry(i)));
+            records.append(decode(MAReader(MAJSON(entry))));
         } catch (const MADecodingError &) {
             // One that cannot be read must not hide the others.
         }

@@ -14,6 +14,14 @@ MAJSON eitherMember(const MAJSON &json, QLatin1StringView name, QLatin1StringVie
     return member.isNull() ? json.member(formerName) : member;
 }
 
+/// No queue is longer; beyond it a number is nonsense, or would not fit.
+constexpr qint64 longestQueue = 100'000'000;
+
+std::optional<qint64> queueIndex(const MAReader &reader, const char *name) {
+    const auto index = reader.optionalInteger(name);
+    return index && *index >= 0 && *index < longestQueue ? index : std::nullopt;
+}
+
 } // namespace
 
 MAPlayerMedia MAPlayerMedia::decode(const MAReader &reader) {
@@ -82,10 +90,10 @@ MAPlayerQueue MAPlayerQueue::decode(const MAReader &reader) {
             .active = reader.optionalBoolean("active"),
             .displayName = reader.optionalString("display_name"),
             .available = reader.optionalBoolean("available"),
-            .items = std::max<qint64>(reader.optionalInteger("items").value_or(0), 0),
+            .items = std::clamp<qint64>(reader.optionalInteger("items").value_or(0), 0, longestQueue),
             .shuffleEnabled = reader.optionalBoolean("shuffle_enabled"),
             .repeatMode = reader.optionalString("repeat_mode"),
-            .currentIndex = reader.optionalInteger("current_index"),
+            .currentIndex = queueIndex(reader, "current_index"),
             .elapsedTime = reader.optionalNumber("elapsed_time"),
             .elapsedTimeLastUpdated = reader.optionalNumber("elapsed_time_last_updated"),
             .state = reader.optionalString("state"),

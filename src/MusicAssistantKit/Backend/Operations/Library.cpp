@@ -137,11 +137,11 @@ QCoro::Task<SearchResults> MusicAssistantBackend::search(QString text, int limit
     const MAJSON answer = co_await d->call(u"music/search"_s, args, MusicBackendCapability::search);
     if (answer.kind() != MAJSON::Kind::object)
         throw MusicAssistantBackendErrors::unreadableAnswer();
-    SearchResults found;
-    found.artists = atMost(madecoding::records(answer.member("artists"_L1), &malibrary::readArtist), limit);
-    found.albums = atMost(madecoding::records(answer.member("albums"_L1), &malibrary::readAlbum), limit);
-    found.tracks = atMost(madecoding::records(answer.member("tracks"_L1), &malibrary::readTrack), limit);
-    co_return found;
+    const auto artists = co_await decodedAside(answer.member("artists"_L1), &malibrary::readArtist);
+    const auto albums = co_await decodedAside(answer.member("albums"_L1), &malibrary::readAlbum);
+    const auto tracks = co_await decodedAside(answer.member("tracks"_L1), &malibrary::readTrack);
+    co_return SearchResults{
+        .artists = atMost(artists, limit), .albums = atMost(albums, limit), .tracks = atMost(tracks, limit)};
 }
 
 QCoro::Task<> MusicAssistantBackend::removeFromLibrary(MediaID id) {

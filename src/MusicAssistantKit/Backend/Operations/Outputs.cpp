@@ -11,7 +11,7 @@ constexpr MusicBackendCapability needed = MusicBackendCapability::remoteOutputs;
 QCoro::Task<MAPlayer> MusicAssistantBackend::Private::player(OutputDevice::ID output) {
     const bool isLocal = output == OutputDevice::thisMacID();
     const MAPlayerStore &store = watchers.store();
-    if (isLocal && !store.localClientID)
+    if (isLocal && !store.localClientID())
         throw MusicAssistantBackendErrors::localPlayerOff();
     if (!store.player(output)) // the server may have made it just now
         co_await watchers.reloadPlayers();
@@ -46,7 +46,7 @@ std::optional<QString> MusicAssistantBackend::localPlayerID() const {
 
 QCoro::Task<QList<OutputDevice>> MusicAssistantBackend::outputs() {
     const auto self = shared_from_this();
-    if (!d->watchers.store().isLoaded())
+    if (!d->watchers.store().hasPlayers())
         co_await d->watchers.reloadPlayers();
     co_return d->watchers.store().devices();
 }

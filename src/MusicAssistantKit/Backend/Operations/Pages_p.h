@@ -50,7 +50,9 @@ QCoro::Task<Page<Record>> pageOf(MusicAssistantBackend::Private &d, MALibraryLis
     Page<Record> page{.items = decoded.records, .offset = request.offset, .total = {}, .nextOffset = {}};
     if (known != d.counts.constEnd())
         page.total = std::max(*known, end);
-    if (decoded.count >= request.limit && page.total.value_or(end + 1) > end)
+    // A page that is not full is the last only when one does not know better.
+    const bool hasMore = page.total ? *page.total > end : decoded.count >= request.limit;
+    if (decoded.count > 0 && hasMore)
         page.nextOffset = end;
     co_return page;
 }

@@ -111,10 +111,11 @@ QCoro::Task<> MusicAssistantBackend::add(QList<MediaID> ids, MediaID playlist) {
     const auto self = shared_from_this();
     const QString library = co_await editableID(*d, playlist);
     const QStringList uris = co_await urisOf(*d, ids);
-    if (uris.isEmpty())
-        co_return;
-    const QJsonObject args{{u"db_playlist_id"_s, library}, {u"uris"_s, QJsonArray::fromStringList(uris)}};
-    co_await d->callTask(u"music/playlists/add_playlist_tracks"_s, args, playlistEditing);
+    const QList<QStringList> messages = Private::inMessages(uris);
+    for (const QStringList &part : messages) {
+        const QJsonObject args{{u"db_playlist_id"_s, library}, {u"uris"_s, QJsonArray::fromStringList(part)}};
+        co_await d->callTask(u"music/playlists/add_playlist_tracks"_s, args, playlistEditing);
+    }
 }
 
 QCoro::Task<> MusicAssistantBackend::remove(QList<int> positions, MediaID playlist) {

@@ -1,6 +1,8 @@
 #include "MusicAssistantKit/Backend/MusicAssistantBackend_p.h"
 #include "MusicAssistantKit/Backend/PlayerMapping.h"
 
+#include <algorithm>
+
 namespace vantor {
 
 using namespace Qt::Literals::StringLiterals;
@@ -11,10 +13,8 @@ constexpr MusicBackendCapability needed = MusicBackendCapability::queueEditing;
 enum ErrorCode { invalidData = 3, queueIsEmpty = 8, unexpected = 999 };
 /// Deletions under way at the same time.
 constexpr qsizetype mostAtOnce = 20;
-/// Asked for in one go.
-constexpr int mostItems = 1'000;
-/// The player's buffer ends within so many items behind the current one.
-constexpr int bufferedAhead = 10;
+/// Of a queue that is looked through.
+constexpr int mostLookedAt = 100'000;
 
 qint64 codeOf(const MusicAssistantError &error) {
     return error.errorCase() == MusicAssistantError::Case::server ? error.code() : -1;
@@ -33,18 +33,40 @@ QCoro::Task<> removeItems(MusicAssistantBackend::Private &d, OutputDevice::ID ou
     }
 }
 
-/// The server keeps without a word what the player has buffered already.
-QCoro::Task<bool> isStillThere(MusicAssistantBackend::Private &d, OutputDevice::ID output, QString queue,
-                               QStringList items) {
-    const QJsonObject queueArgs{{u"queue_id"_s, queue}};
-    const MAJSON answer = co_await d.callOutput(output, u"player_queues/get"_s, queueArgs, needed);
-    const auto current = MAReader(answer).optionalInteger("current_index");
-    const QJsonObject args{
-        {u"queue_id"_s, queue}, {u"limit"_s, bufferedAhead}, {u"offset"_s, current.value_or(0)}};
-    const MAJSON page = co_await d.callOutput(output, u"player_queues/items"_s, args, needed);
-    const QList<MAQueueItem> next = madecoding::records(page, &MAQueueItem::decode);
-    co_return std::any_of(next.begin(), next.end(),
-                          [&items](const MAQueueItem &item) { return items.contains(item.queueItemID); });
+QCoro::Task<MAPlayerQueue> presentQueue(MusicAssistantBackend::Private &d, OutputDevice::ID output,
+                                        QString queue) {
+    const MAJSON answer =
+        co_await d.callOutput(output, u"player_queues/get"_s, {{u"queue_id"_s, queue}}, needed);
+    co_return d.decodedOne(answer, &MAPlayerQueue::decode);
+}
+
+QCoro::Task<bool> hasAnyOf(MusicAssistantBackend::Private &d, OutputDevice::ID output, QString queue,
+                           QStringList items) {
+    const QSet<QString> wanted(items.begin(), items.end());
+    PageRequest request{0, MusicAssistantBackend::Private::mostQueueItems};
+    while (request.offset < mostLookedAt) {
+        const auto page = co_await d.queuePage(output, queue, request);
+        const bool has = std::ranges::any_of(
+            page, [&wanted](const RemoteQueueItem &item) { return wanted.contains(item.id); });
+        if (has || page.isEmpty())
+            co_return has;
+        request.offset += static_cast<int>(page.size());
+    }
+    co_return false;
+}
+
+/// The server keeps without a word what was played and what the player has buffered.
+QCoro::Task<> removeAll(MusicAssistantBackend::Private &d, OutputDevice::ID output, QString queue,
+                        QStringList items) {
+    const MAPlayerQueue before = co_await presentQueue(d, output, queue);
+    co_await removeItems(d, output, queue, items);
+    const MAPlayerQueue after = co_await presentQueue(d, output, queue);
+    if (after.items + items.size() <= before.items)
+        co_return;
+    // Some have stayed, or others have come meanwhile.
+    const bool hasStayed = co_await hasAnyOf(d, output, queue, items);
+    if (hasStayed)
+        throw QueueEditError::buffered();
 }
 
 QCoro::Task<> moveItem(MusicAssistantBackend::Private &d, OutputDevice::ID output, QString queue,
@@ -63,17 +85,24 @@ QCoro::Task<> moveItem(MusicAssistantBackend::Private &d, OutputDevice::ID outpu
 
 } // namespace
 
-QCoro::Task<QList<RemoteQueueItem>> MusicAssistantBackend::queueItems(OutputDevice::ID on, PageRequest page) {
-    const auto self = shared_from_this();
-    const QString queue = co_await d->queueID(on);
+QCoro::Task<QList<RemoteQueueItem>>
+MusicAssistantBackend::Private::queuePage(OutputDevice::ID output, QString queue, PageRequest page) {
     const int offset = std::max(page.offset, 0);
-    const QJsonObject args{
-        {u"queue_id"_s, queue}, {u"limit"_s, std::clamp(page.limit, 1, mostItems)}, {u"offset"_s, offset}};
-    const MAJSON answer = co_await d->callOutput(on, u"player_queues/items"_s, args, needed);
+    const QJsonObject args{{u"queue_id"_s, queue},
+                           {u"limit"_s, std::clamp(page.limit, 1, mostQueueItems)},
+                           {u"offset"_s, offset}};
+    const MAJSON answer = co_await callOutput(output, u"player_queues/items"_s, args, needed);
     if (answer.kind() != MAJSON::Kind::array)
         throw MusicAssistantBackendErrors::unreadableAnswer();
     const auto future = QtConcurrent::run(&maplayer::queueItems, answer, offset);
     const QList<RemoteQueueItem> items = co_await future;
+    co_return items;
+}
+
+QCoro::Task<QList<RemoteQueueItem>> MusicAssistantBackend::queueItems(OutputDevice::ID on, PageRequest page) {
+    const auto self = shared_from_this();
+    const QString queue = co_await d->queueID(on);
+    const auto items = co_await d->queuePage(on, queue, page);
     co_return items;
 }
 
@@ -91,10 +120,7 @@ QCoro::Task<> MusicAssistantBackend::edit(QueueEdit edit, OutputDevice::ID on) {
     case QueueEdit::Kind::remove: {
         if (edit.items.isEmpty())
             co_return;
-        co_await removeItems(*d, on, queue, edit.items);
-        const bool isBuffered = co_await isStillThere(*d, on, queue, edit.items);
-        if (isBuffered)
-            throw QueueEditError::buffered();
+        co_await removeAll(*d, on, queue, edit.items);
         break;
     }
     case QueueEdit::Kind::move:

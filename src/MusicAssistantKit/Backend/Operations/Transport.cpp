@@ -52,7 +52,8 @@ QCoro::Task<> setVolume(MusicAssistantBackend::Private &d, OutputDevice::ID outp
     }
     d.volumesOnWay.insert(player.playerID, std::nullopt);
     std::exception_ptr failure;
-    while (level && !failure) {
+    while (level) { // also after a failure: what was asked for last may still do
+        failure = nullptr;
         try {
             const QJsonObject args{{u"player_id"_s, player.playerID}, {u"volume_level"_s, *level}};
             co_await d.callOutput(output, u"players/cmd/volume_set"_s, args, needed);
@@ -89,6 +90,8 @@ QCoro::Task<> tellPlayer(MusicAssistantBackend::Private &d, OutputDevice::ID out
 QCoro::Task<> MusicAssistantBackend::transport(TransportCommand command, OutputDevice::ID on) {
     using Kind = TransportCommand::Kind;
     const auto self = shared_from_this();
+    if (std::isnan(command.value))
+        co_return; // no place and no volume
     switch (command.kind) {
     case Kind::seek:
         co_await seek(*d, on, command.value);

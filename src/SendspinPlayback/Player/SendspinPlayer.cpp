@@ -91,6 +91,15 @@ void SendspinPlayer::setAvailable(bool available) {
     });
 }
 
+void SendspinPlayer::setClicking(bool on) {
+    QMetaObject::invokeMethod(this, [this, on] {
+        m_isClicking = on;
+        m_source.setClicking(on);
+        if (on && !m_work)
+            workLater(); // for the clock, which is followed while it matters
+    });
+}
+
 void SendspinPlayer::change(const std::function<void(SendspinPlayerState &)> &edit) {
     SendspinPlayerState state = m_state;
     edit(state);
@@ -145,7 +154,7 @@ void SendspinPlayer::updateTiming() {
 void SendspinPlayer::work() {
     updateTiming();
     m_buffer.advance(m_timing, m_clock.now());
-    if (m_isStreaming || m_buffer.bytes() > 0)
+    if (m_isStreaming || m_isClicking || m_buffer.bytes() > 0)
         workLater();
 }
 

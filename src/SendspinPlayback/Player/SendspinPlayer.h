@@ -46,6 +46,8 @@ class SendspinPlayer : public QObject {
     void setMuted(bool muted);
     void setStaticDelay(int milliseconds);
     void setAvailable(bool available);
+    /// Ticks through the source; see SendspinClick.
+    void setClicking(bool on);
 
     /// Any thread.
     [[nodiscard]] SendspinFigures figures() const;
@@ -76,6 +78,7 @@ class SendspinPlayer : public QObject {
     SendspinTiming m_timing;
     bool m_isSynchronized = false;
     bool m_isStreaming = false;
+    bool m_isClicking = false;
     std::unique_ptr<Scheduler::Pending> m_work;
 };
 

@@ -2,6 +2,7 @@
 
 #include "AudioCore/Graph/Ramp.h"
 #include "SendspinPlayback/Source/LatestValue.h"
+#include "SendspinPlayback/Source/SendspinClick.h"
 #include "SendspinPlayback/Source/SendspinFrameQueue.h"
 #include "SendspinPlayback/Source/SendspinInterpolator.h"
 #include "SendspinPlayback/Source/SendspinRateControl.h"
@@ -39,6 +40,7 @@ class SendspinSource {
     // Any thread; they take effect in some milliseconds.
     void setVolume(int volume); ///< 0…100, as loud as it is perceived
     void setMuted(bool muted) { m_wantedMute.store(muted ? 0.0F : 1.0F, std::memory_order_relaxed); }
+    void setClicking(bool on) { m_click.setOn(on); } ///< over whatever it plays; see SendspinClick
     [[nodiscard]] Figures figures() const;
 
     /// Where its sound comes from.
@@ -72,6 +74,7 @@ class SendspinSource {
     const int m_fadeFrames;
     SendspinFrameQueue m_queue;
     const SendspinInterpolator m_interpolator;
+    SendspinClick m_click;
     LatestValue<SendspinTiming> m_timing;
     std::atomic<float> m_wantedVolume{1};
     std::atomic<float> m_wantedMute{1};

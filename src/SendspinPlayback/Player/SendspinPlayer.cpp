@@ -24,11 +24,21 @@ SendspinPlayer::SendspinPlayer(SendspinSession &session, Scheduler &scheduler, c
     : m_session(session), m_scheduler(scheduler), m_clock(clock), m_source(source),
       m_settings(settings.release()), m_buffer(source.queue(), capacity) {
     m_settings->setParent(this);
-    apply(inRange({.available = true,
-                   .volume = m_settings->value(volumeKey, 100).toInt(),
-                   .muted = m_settings->value(mutedKey, false).toBool(),
-                   .staticDelayMs = m_settings->value(staticDelayKey, 0).toInt()}));
+    apply(storedState(*m_settings));
     m_session.report(m_state);
+}
+
+SendspinPlayerState SendspinPlayer::storedState(const QSettings &settings) {
+    return inRange({.available = true,
+                    .volume = settings.value(volumeKey, 100).toInt(),
+                    .muted = settings.value(mutedKey, false).toBool(),
+                    .staticDelayMs = settings.value(staticDelayKey, 0).toInt()});
+}
+
+void SendspinPlayer::store(const SendspinPlayerState &state, QSettings &settings) {
+    settings.setValue(volumeKey, state.volume);
+    settings.setValue(mutedKey, state.muted);
+    settings.setValue(staticDelayKey, state.staticDelayMs);
 }
 
 SendspinPlayer::~SendspinPlayer() {
@@ -107,9 +117,7 @@ void SendspinPlayer::change(const std::function<void(SendspinPlayerState &)> &ed
     if (state == m_state)
         return;
     apply(state);
-    m_settings->setValue(volumeKey, state.volume);
-    m_settings->setValue(mutedKey, state.muted);
-    m_settings->setValue(staticDelayKey, state.staticDelayMs);
+    store(state, *m_settings);
     m_session.report(state);
     Q_EMIT stateChanged(state);
 }

@@ -38,6 +38,10 @@ class SendspinPlayer : public QObject {
                    SendspinSource &source, std::unique_ptr<QSettings> settings, std::int64_t capacity);
     ~SendspinPlayer() override;
 
+    /// What the settings keep of the state: volume, mute and static delay.
+    [[nodiscard]] static SendspinPlayerState storedState(const QSettings &settings);
+    static void store(const SendspinPlayerState &state, QSettings &settings);
+
     /// What the session tells. In the player's thread.
     void take(const vantor::SendspinEvent &event);
 

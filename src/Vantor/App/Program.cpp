@@ -18,6 +18,7 @@
 #include "Vantor/Model/ResumePoint.h"
 #include "Vantor/Mpris/MprisService.h"
 #include "Vantor/Mpris/SessionBus.h"
+#include "Vantor/Speaker/NetworkSpeaker.h"
 #include "Vantor/Windows/DialogPlace.h"
 #include "Vantor/Windows/SkinnedWindows.h"
 #include "Vantor/Windows/WelcomeDialog.h"
@@ -200,6 +201,7 @@ int runProgram(int argc, char **argv) {
     ThisComputer computer;
     MusicAssistantServers servers(settings, computer.asked());
     MusicLibrary library(model, settings, servers);
+    NetworkSpeaker speaker(servers, settings);
     windows.commands().setLibrary(&library);
     std::optional<TimedRun> timedRun;
     if (options.seconds) {
@@ -220,6 +222,7 @@ int runProgram(int argc, char **argv) {
         new AfterFirstPaint(windows.mainWindow(), [&] {
             indexedSkins.emplace(model, windows.commands(), settings);
             library.resume();
+            speaker.begin();
         });
     bool hasBegun = false;
     // What was asked for, else on from where the last run ended, else the demo.

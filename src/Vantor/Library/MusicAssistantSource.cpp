@@ -8,17 +8,6 @@ namespace vantor {
 
 using namespace MusicAssistantBackendErrors;
 
-namespace {
-
-/// Whether a backend for the one is a backend for the other. On which networks it is preferred does not
-/// count.
-bool isSameServer(const MusicAssistantServerConfiguration &one,
-                  const MusicAssistantServerConfiguration &other) {
-    return one.id == other.id && one.address == other.address && one.name == other.name;
-}
-
-} // namespace
-
 MusicAssistantSource::MusicAssistantSource(MusicAssistantServers &servers) : m_servers(servers) {
     connect(&servers, &MusicAssistantServers::selectionChanged, this, &MusicAssistantSource::choose);
     connect(&servers.settings(), &MusicAssistantSettingsModel::tokenChanged, this, [this](const QUuid &id) {
@@ -48,8 +37,8 @@ void MusicAssistantSource::open() {
 }
 
 void MusicAssistantSource::close() {
-    m_isOpen = false;
-    m_servers.endSelection();
+    if (std::exchange(m_isOpen, false))
+        m_servers.endSelection();
     leave();
     setBackend(nullptr);
 }
@@ -67,7 +56,7 @@ void MusicAssistantSource::choose() {
     const MusicAssistantSelectionController *const selection = m_servers.selection();
     const bool isBack = m_later && selection && !selection->isFinding();
     if (selection && selection->current()) {
-        if (isBack || !m_server || !isSameServer(*m_server, *selection->current()))
+        if (isBack || !m_server || !MusicAssistantServers::isReachedAlike(*m_server, *selection->current()))
             use(*selection->current());
         return;
     }
@@ -90,7 +79,7 @@ void MusicAssistantSource::choose() {
 
 bool MusicAssistantSource::isAsItWas() const {
     const auto now = m_server ? m_servers.list().server(m_server->id) : std::nullopt;
-    return now && isSameServer(*m_server, *now);
+    return now && MusicAssistantServers::isReachedAlike(*m_server, *now);
 }
 
 void MusicAssistantSource::leave() {

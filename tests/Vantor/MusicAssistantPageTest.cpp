@@ -18,7 +18,7 @@ class MusicAssistantPageTest : public ServersFixture {
   protected:
     void TearDown() override { delete m_page; }
     void open() {
-        m_page = new PreferencesDialog(m_model, m_library.get(), nullptr);
+        m_page = new PreferencesDialog(m_model, m_library.get(), nullptr, nullptr);
         m_page->showPage(PreferencesPage::musicAssistant);
         m_page->show();
         ASSERT_TRUE(QTest::qWaitForWindowActive(m_page));

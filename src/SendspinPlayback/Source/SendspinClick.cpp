@@ -8,9 +8,9 @@ namespace vantor {
 
 // In microseconds.
 static constexpr std::int64_t second = 1'000'000;
-static constexpr double smoothing = 250'000;       // as for what is played
-static constexpr double jump = 20'000;             // what is no error of measurement
-static constexpr std::int64_t justMissed = 1'000;  // more than evening out moves a call
+static constexpr double smoothing = 250'000;      // as for what is played
+static constexpr double jump = 20'000;            // what is no error of measurement
+static constexpr std::int64_t justMissed = 1'000; // more than evening out moves a call
 
 static constexpr double tickSeconds = 0.012;
 static constexpr double tickFrequency = 2'000; // Hz: where ears tell instants apart best
@@ -55,7 +55,8 @@ int SendspinClick::beginOfTick(int frames, const SendspinTiming &timing) {
     return static_cast<int>(std::max(0.0, frame));
 }
 
-void SendspinClick::mix(float *interleaved, int frames, std::int64_t whenHeard, const SendspinTiming &timing) {
+void SendspinClick::mix(float *interleaved, int frames, std::int64_t whenHeard,
+                        const SendspinTiming &timing) {
     evenOut(frames, whenHeard);
     int frame = 0;
     if (m_at == m_tick.size()) {

@@ -30,9 +30,9 @@ class SendspinClick {
     std::atomic<bool> m_isOn{false};
 
     // The audio thread's.
-    double m_now = 0;         ///< when the first frame of the call is heard, as far as one can tell
-    double m_next = 0;        ///< likewise, of the next call
-    std::size_t m_at;         ///< the tick's frame that comes next; its end: none is under way
+    double m_now = 0;           ///< when the first frame of the call is heard, as far as one can tell
+    double m_next = 0;          ///< likewise, of the next call
+    std::size_t m_at;           ///< the tick's frame that comes next; its end: none is under way
     std::int64_t m_ticked = -1; ///< the second of the last tick
 };
 

@@ -203,6 +203,7 @@ int runProgram(int argc, char **argv) {
     MusicLibrary library(model, settings, servers);
     NetworkSpeaker speaker(servers, settings);
     windows.commands().setLibrary(&library);
+    windows.commands().setSpeaker(&speaker);
     std::optional<TimedRun> timedRun;
     if (options.seconds) {
         timedRun.emplace(model, windows.mainWindow(), *options.seconds,

@@ -350,7 +350,7 @@ void Commands::setLibrary(MusicLibrary *library) {
 
 void Commands::showPreferences(std::optional<PreferencesPage> page) {
     if (!m_preferences) {
-        m_preferences = new PreferencesDialog(m_model, m_library, activeWindow());
+        m_preferences = new PreferencesDialog(m_model, m_library, m_speaker, activeWindow());
         DialogPlace::beside(*m_preferences, shownFrames());
     }
     if (page)

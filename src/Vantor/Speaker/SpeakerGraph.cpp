@@ -12,7 +12,7 @@ namespace vantor {
 namespace {
 
 constexpr int padding = 8;
-constexpr int graphHeight = 30;
+constexpr int graphHeight = 34;
 constexpr int textGap = 3;         // between the texts and the graph
 constexpr double readable = 0.5;   // seconds that a text stays, so that it can be read
 constexpr double longestBreak = 1; // seconds between two values: a longer one is a gap

@@ -24,7 +24,7 @@ static constexpr int nudge = 5; ///< milliseconds: about what an ear notices in 
 SpeakerPage::SpeakerPage(NetworkSpeaker &speaker, const MusicAssistantServerList &servers)
     : m_speaker(speaker), m_servers(servers), m_switch(new QCheckBox(tr("&Play on this Mac"))),
       m_sign(new QLabel), m_status(new QLabel), m_setUp(new QPushButton(tr("&Set Up a Server…"))),
-      m_name(new QLineEdit), m_delay(new QSpinBox), m_click(new QPushButton(tr("&Click Test"))),
+      m_name(new QLineEdit), m_delay(new QSpinBox), m_click(new QPushButton(tr("Click &Test"))),
       m_disclosure(new QToolButton), m_figures(new SpeakerFigures(speaker)) {
     m_setUp->setAutoDefault(false);
     m_disclosure->setText(tr("&Details"));
@@ -39,16 +39,16 @@ SpeakerPage::SpeakerPage(NetworkSpeaker &speaker, const MusicAssistantServerList
     form->setContentsMargins(0, 6, 0, 0);
     form->addRow(tr("&Name"), m_name);
     form->addRow(tr("Static d&elay"), makeDelay());
-    form->addRow(QString(),
-                 SettingsPage::makeNote(
-                     tr("Has this computer heard later, for when it is ahead of the other speakers. The "
-                        "test clicks on every whole second of the server: with two computers clicking, "
-                        "change the delay until you hear one click.")));
     auto *const layout = new QVBoxLayout(this);
     layout->setContentsMargins(12, 0, 0, 0);
     layout->addWidget(m_switch);
     layout->addWidget(makeStatus());
     layout->addLayout(form);
+    layout->addWidget(SettingsPage::makeNote(tr("The delay has this computer heard later, for when it is "
+                                                "ahead of the other speakers. The test clicks on "
+                                                "every whole second of the server: with two computers "
+                                                "clicking, change it until you hear one click.")));
+    layout->addSpacing(6);
     layout->addWidget(m_disclosure);
     layout->addWidget(m_figures);
     layout->addStretch(1);

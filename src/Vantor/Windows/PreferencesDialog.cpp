@@ -5,6 +5,7 @@
 #include "Vantor/Preferences/MusicAssistantPage.h"
 #include "Vantor/Preferences/SettingsPage.h"
 #include "Vantor/Speaker/SpeakerPage.h"
+#include "Vantor/Windows/DialogPlace.h"
 #include "Vantor/Windows/FaintText.h"
 #include "Vantor/Windows/FolderField.h"
 
@@ -62,6 +63,12 @@ PreferencesDialog::PreferencesDialog(PlayerModel &model, MusicLibrary *library, 
 void PreferencesDialog::addPage(PreferencesPage page, const QString &title, QWidget *widget) {
     (new QListWidgetItem(title, m_titles))->setData(Qt::UserRole, static_cast<int>(page));
     m_pages->addWidget(widget);
+}
+
+// Details that open may need more room than there is below.
+void PreferencesDialog::resizeEvent(QResizeEvent *event) {
+    QDialog::resizeEvent(event);
+    DialogPlace::keepOnScreen(*this);
 }
 
 void PreferencesDialog::showPage(PreferencesPage page) {

@@ -26,6 +26,9 @@ class PreferencesDialog : public QDialog {
 
     void showPage(PreferencesPage page);
 
+  protected:
+    void resizeEvent(QResizeEvent *event) override;
+
   private:
     void addPage(PreferencesPage page, const QString &title, QWidget *widget);
     [[nodiscard]] QWidget *generalPage();

@@ -12,11 +12,16 @@ using Scale = SpeakerGraph::Scale;
 
 SpeakerGraph::Look look(Scale scale) {
     const auto text = [](double value) { return QString::number(value); };
-    return {.title = QStringLiteral("Figure"), .hint = {}, .scale = scale, .least = 1, .text = text, .rangeText = text};
+    return {.title = QStringLiteral("Figure"),
+            .hint = {},
+            .scale = scale,
+            .least = 1,
+            .text = text,
+            .rangeText = text};
 }
 
-/// Where a graph's line or bars are, seen as a grid over it: how high the colour reaches at a share of its width, as a share
-/// of its height; none where there is none.
+/// Where a graph's line or bars are, seen as a grid over it: how high the colour reaches at a share of its
+/// width, as a share of its height; none where there is none.
 class Drawn {
   public:
     Drawn(SpeakerGraph &graph, bool isDark) {
@@ -33,7 +38,8 @@ class Drawn {
     }
     /// In pixels from the top; none: −1.
     [[nodiscard]] int topAt(double age) const {
-        const int x = m_image.width() - 2 * 8 - static_cast<int>(age / SpeakerGraph::seconds * 2 * (200 - 2 * 8));
+        const int x =
+            m_image.width() - 2 * 8 - static_cast<int>(age / SpeakerGraph::seconds * 2 * (200 - 2 * 8));
         for (int y = 0; y < m_image.height(); ++y) {
             if (const QColor color = m_image.pixelColor(x, y); color.red() > color.blue() + 60)
                 return y;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "AudioCore/Graph/LiveSource.h"
 #include "AudioCore/Graph/Ramp.h"
 #include "SendspinPlayback/Source/LatestValue.h"
 #include "SendspinPlayback/Source/SendspinClick.h"
@@ -14,9 +15,8 @@ namespace vantor {
 /// a percent faster or slower; it jumps, with short fades, at the start of a sound, when sound was missing
 /// and when the error lasts above 20 ms.
 ///
-/// Whoever renders has to know when a frame will be heard: for an AudioOutput the time at the beginning of
-/// the callback plus latency(), both of std::chrono::steady_clock. Errors of single callbacks are evened out.
-class SendspinSource {
+/// Whoever renders has to know when a frame will be heard. Errors of single callbacks are evened out.
+class SendspinSource final : public LiveSource {
   public:
     /// What it says about itself.
     struct Figures {
@@ -33,7 +33,7 @@ class SendspinSource {
     /// Fills `frames` interleaved stereo frames, of which the first is heard at `whenHeard`, microseconds of
     /// the local clock; silence where there is nothing to play. Audio thread: no locks, no allocation, no
     /// system call.
-    void render(float *interleaved, int frames, std::int64_t whenHeard);
+    void render(float *interleaved, int frames, std::int64_t whenHeard) override;
 
     /// One thread, that of the decoding.
     void setTiming(const SendspinTiming &timing) { m_timing.write(timing); }

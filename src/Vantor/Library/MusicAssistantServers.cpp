@@ -17,6 +17,11 @@ bool MusicAssistantServers::isReachedAlike(const MusicAssistantServerConfigurati
     return one.id == other.id && one.address == other.address && one.name == other.name;
 }
 
+void MusicAssistantServers::setLocalClientID(const std::optional<QString> &id) {
+    if (std::exchange(m_localClientID, id) != id)
+        Q_EMIT localClientChanged();
+}
+
 void MusicAssistantServers::beginSelection() {
     if (m_selecting++ > 0)
         return;

@@ -10,6 +10,10 @@ using namespace MusicAssistantBackendErrors;
 
 MusicAssistantSource::MusicAssistantSource(MusicAssistantServers &servers) : m_servers(servers) {
     connect(&servers, &MusicAssistantServers::selectionChanged, this, &MusicAssistantSource::choose);
+    connect(&servers, &MusicAssistantServers::localClientChanged, this, [this] {
+        if (m_backendOfServer)
+            m_backendOfServer->setLocalClientID(m_servers.localClientID());
+    });
     connect(&servers.settings(), &MusicAssistantSettingsModel::tokenChanged, this, [this](const QUuid &id) {
         if (!m_server || m_server->id != id)
             return;
@@ -87,6 +91,7 @@ void MusicAssistantSource::leave() {
     m_updates = {};
     m_status = {};
     m_later.reset();
+    m_backendOfServer.reset();
     if (std::exchange(m_server, std::nullopt))
         Q_EMIT nameChanged();
 }
@@ -117,6 +122,8 @@ QCoro::Task<> MusicAssistantSource::use(MusicAssistantServerConfiguration server
     const MusicAssistantBackend::Collaborators with{m_servers.transports(), m_servers.http(),
                                                     m_servers.clock()};
     const auto backend = std::make_shared<MusicAssistantBackend>(description, with);
+    backend->setLocalClientID(m_servers.localClientID());
+    m_backendOfServer = backend;
     m_updates = backend->statusUpdates();
     followStatus();
     setBackend(backend);

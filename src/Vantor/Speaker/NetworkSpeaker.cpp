@@ -29,11 +29,13 @@ constexpr int fallbackRate = 48'000; // Hz
 constexpr int leadTimeMs = 300;
 constexpr int minBufferMs = 500;
 constexpr std::chrono::milliseconds lookInterval{10'000};
+// A seek ends one stream and begins another.
+constexpr std::chrono::milliseconds endPatience{1'500};
 
 } // namespace
 
-NetworkSpeaker::NetworkSpeaker(MusicAssistantServers &servers, QSettings &settings)
-    : m_servers(servers), m_settings(settings),
+NetworkSpeaker::NetworkSpeaker(Player &player, MusicAssistantServers &servers, QSettings &settings)
+    : m_player(player), m_servers(servers), m_settings(settings),
       m_identity(SendspinIdentity::load(settings, QSysInfo::machineHostName())),
       m_playerState(SendspinPlayer::storedState(settings)) {
     connect(&servers, &MusicAssistantServers::selectionChanged, this, &NetworkSpeaker::choose);
@@ -41,9 +43,14 @@ NetworkSpeaker::NetworkSpeaker(MusicAssistantServers &servers, QSettings &settin
         if (m_server && m_server->id == id)
             use(*m_server);
     });
+    m_observer = player.addEventObserver([this](const PlayerEvent &event) { takePlayerEvent(event); });
+    connect(&player, &Player::stateChanged, this, &NetworkSpeaker::becomeAvailable);
 }
 
-NetworkSpeaker::~NetworkSpeaker() = default;
+NetworkSpeaker::~NetworkSpeaker() {
+    m_player.removeEventObserver(m_observer);
+    m_player.endStream();
+}
 
 void NetworkSpeaker::begin() {
     m_hasBegun = true;
@@ -109,8 +116,14 @@ void NetworkSpeaker::setVolume(double volume) {
 }
 
 void NetworkSpeaker::setClicking(bool on) {
-    if (std::exchange(m_isClicking, on) != on)
-        Q_EMIT changed();
+    if (!m_threads || std::exchange(m_isClicking, on) == on)
+        return;
+    m_threads->player().setClicking(on);
+    if (on)
+        takeOutput();
+    else if (!m_isStreaming)
+        m_player.endStream();
+    Q_EMIT changed();
 }
 
 // The server
@@ -120,29 +133,39 @@ void NetworkSpeaker::apply() {
         return;
     if (!isEnabled()) {
         m_servers.endSelection();
-        m_isStreaming = false;
+        setClicking(false);
+        endStream();
+        m_servers.setLocalClientID(std::nullopt);
         leaveServer(State::Off, {});
         m_threads.reset();
         return;
     }
-    m_threads = std::make_unique<SpeakerThreads>(m_settings, std::make_shared<SendspinSource>(fallbackRate));
+    startThreads();
+    m_servers.beginSelection();
+    choose();
+}
+
+void NetworkSpeaker::startThreads() {
+    m_threads = std::make_unique<SpeakerThreads>(m_settings, sourceForRate(fallbackRate));
     connect(m_threads.get(), &SpeakerThreads::told, this, &NetworkSpeaker::take);
     connect(m_threads.get(), &SpeakerThreads::stateChanged, this, [this](const SendspinPlayerState &state) {
         m_playerState = state;
         Q_EMIT changed();
     });
-    connect(m_threads.get(), &SpeakerThreads::streamingChanged, this, [this](bool isStreaming) {
-        m_isStreaming = isStreaming;
-        Q_EMIT changed();
+    connect(m_threads.get(), &SpeakerThreads::streamingChanged, this, &NetworkSpeaker::takeStreaming);
+    connect(m_threads.get(), &SpeakerThreads::streamRefused, this, [this] {
+        endStream();
+        m_player.failStream(AudioCoreError::unsupportedStreamFormat());
     });
-    m_servers.beginSelection();
-    choose();
 }
 
 void NetworkSpeaker::choose() {
     if (!m_threads)
         return;
-    if (const QUrl direct(m_settings.value(serverKey).toString()); isServerURL(direct)) {
+    const QUrl direct(m_settings.value(serverKey).toString());
+    const bool isDirect = isServerURL(direct);
+    m_servers.setLocalClientID(isDirect ? std::nullopt : std::optional(m_identity.clientID));
+    if (isDirect) {
         SendspinConnectionConfiguration wanted = configuration();
         wanted.baseURL = direct;
         if (!m_connection || *m_connection != wanted)
@@ -234,23 +257,130 @@ void NetworkSpeaker::setState(State state, const QString &text) {
 // What the server says
 
 void NetworkSpeaker::take(const SendspinEvent &event) {
-    if (std::holds_alternative<SendspinEvent::Connected>(event.content))
+    const auto &content = event.content;
+    if (const auto *connected = std::get_if<SendspinEvent::Connected>(&content)) {
+        m_serverName = connected->server.name;
+        m_group = {};
         setState(State::Connected, {});
-    else if (const auto *end = std::get_if<SendspinEvent::Disconnected>(&event.content); end && end->reason)
+    } else if (const auto *end = std::get_if<SendspinEvent::Disconnected>(&content); end && end->reason) {
         takeFailure(*end->reason);
+    } else if (const auto *group = std::get_if<SendspinEvent::GroupUpdated>(&content)) {
+        takeGroup(group->update);
+    } else if (const auto *start = std::get_if<SendspinEvent::StreamStarted>(&content)) {
+        m_format = start->format;
+        Q_EMIT changed();
+    }
+}
+
+void NetworkSpeaker::takeGroup(const SendspinGroupUpdate &update) {
+    const auto take = [](std::optional<QString> &known, const std::optional<QString> &told) {
+        if (told)
+            known = told;
+    };
+    take(m_group.playbackState, update.playbackState);
+    take(m_group.groupID, update.groupID);
+    take(m_group.groupName, update.groupName);
+    Q_EMIT changed();
 }
 
 // The session tries again by itself, whatever it was; meanwhile another server may be the better choice.
 void NetworkSpeaker::takeFailure(const SendspinError &error) {
     using Case = SendspinError::Case;
-    const bool isRefused =
-        error.errorCase() == Case::unauthorized || error.errorCase() == Case::roleRejected;
+    const bool isRefused = error.errorCase() == Case::unauthorized || error.errorCase() == Case::roleRejected;
     setState(isRefused ? State::Refused : State::Retrying, error.description());
     if (m_server && !isRefused && !m_look)
         m_look = m_servers.clock().after(lookInterval, [this] {
             m_look.reset();
             m_servers.select();
         });
+}
+
+// The stream
+
+void NetworkSpeaker::takeStreaming(bool isStreaming) {
+    m_serverStreams = isStreaming;
+    m_end.reset();
+    if (isStreaming)
+        startStream();
+    else if (m_isStreaming)
+        m_end = m_servers.clock().after(endPatience, [this] { endStream(); });
+    becomeAvailable();
+}
+
+void NetworkSpeaker::startStream() {
+    m_isTakenBack = false;
+    if (!std::exchange(m_isStreaming, true))
+        m_streamedSince.start();
+    takeOutput();
+    Q_EMIT changed();
+}
+
+void NetworkSpeaker::takeOutput() {
+    m_player.startStream([this](int sampleRate) { return sourceForRate(sampleRate); });
+}
+
+void NetworkSpeaker::endStream() {
+    m_end.reset();
+    if (!std::exchange(m_isStreaming, false))
+        return;
+    if (!m_isClicking)
+        m_player.endStream();
+    Q_EMIT changed();
+}
+
+// What ends the stream here without being asked to is a command of the user, or the output is gone.
+void NetworkSpeaker::takePlayerEvent(const PlayerEvent &event) {
+    const bool isOver = std::holds_alternative<PlayerEvents::StreamPreempted>(event) ||
+                        std::holds_alternative<PlayerEvents::StreamEnded>(event);
+    if (!isOver)
+        return;
+    setClicking(false);
+    if (!std::exchange(m_isStreaming, false))
+        return;
+    m_end.reset();
+    if (m_threads) {
+        m_isTakenBack = true;
+        m_threads->player().setAvailable(false);
+        if (!m_serverStreams)
+            becomeAvailable();
+    }
+    Q_EMIT changed();
+}
+
+void NetworkSpeaker::becomeAvailable() {
+    if (!m_threads || m_serverStreams || m_player.wantsToPlay() || !std::exchange(m_isTakenBack, false))
+        return;
+    m_threads->player().setAvailable(true);
+}
+
+void NetworkSpeaker::makeWay() {
+    if (m_isTakenBack)
+        m_player.pause();
+}
+
+// One at a time: the output that it is for replaces the one before.
+std::shared_ptr<SendspinSource> NetworkSpeaker::sourceForRate(int sampleRate) {
+    if (!m_source || m_source->queue().sampleRate != sampleRate) {
+        m_source = std::make_shared<SendspinSource>(sampleRate);
+        if (m_threads)
+            m_threads->player().setSource(m_source);
+    }
+    return m_source;
+}
+
+QString NetworkSpeaker::streamName() const {
+    if (!m_isStreaming)
+        return {};
+    const QString group = m_group.groupName.value_or(QString());
+    return group.isEmpty() ? m_serverName : group;
+}
+
+std::optional<SendspinStreamFormat> NetworkSpeaker::streamFormat() const {
+    return m_isStreaming ? m_format : std::nullopt;
+}
+
+double NetworkSpeaker::streamedFor() const {
+    return m_isStreaming ? static_cast<double>(m_streamedSince.elapsed()) / 1000 : 0;
 }
 
 QString NetworkSpeaker::statusText() const {

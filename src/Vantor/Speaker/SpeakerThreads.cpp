@@ -3,8 +3,8 @@
 namespace vantor {
 
 SpeakerThreads::SpeakerThreads(const QSettings &settings, std::shared_ptr<SendspinSource> source)
-    : m_source(std::move(source)), m_session(new SendspinSession(m_transports, m_scheduler, m_clock)),
-      m_player(new SendspinPlayer(*m_session, m_scheduler, m_clock, *m_source,
+    : m_session(new SendspinSession(m_transports, m_scheduler, m_clock)),
+      m_player(new SendspinPlayer(*m_session, m_scheduler, m_clock, std::move(source),
                                   std::make_unique<QSettings>(settings.fileName(), settings.format()),
                                   bufferCapacity)) {
     m_sessionThread.setObjectName(QStringLiteral("sendspin"));
@@ -22,6 +22,7 @@ SpeakerThreads::SpeakerThreads(const QSettings &settings, std::shared_ptr<Sendsp
     });
     connect(m_player, &SendspinPlayer::stateChanged, this, &SpeakerThreads::stateChanged);
     connect(m_player, &SendspinPlayer::streamingChanged, this, &SpeakerThreads::streamingChanged);
+    connect(m_player, &SendspinPlayer::streamRefused, this, &SpeakerThreads::streamRefused);
     m_sessionThread.start(QThread::HighPriority);
     m_decodingThread.start();
 }

@@ -33,6 +33,7 @@ class SpeakerThreads : public QObject {
     void told(const vantor::SendspinEvent &event);
     void stateChanged(const vantor::SendspinPlayerState &state);
     void streamingChanged(bool isStreaming);
+    void streamRefused();
     /// From the session's thread.
     void eventCame(const vantor::SendspinEvent &event, QPrivateSignal);
 
@@ -42,7 +43,6 @@ class SpeakerThreads : public QObject {
     QtWebSocketTransports m_transports{SendspinSession::longestFrame};
     SystemScheduler m_scheduler;
     SendspinSteadyClock m_clock;
-    std::shared_ptr<SendspinSource> m_source;
     QThread m_sessionThread;
     QThread m_decodingThread;
     SendspinSession *m_session; ///< goes with its thread

@@ -18,12 +18,12 @@ build_packages=(
     # A font for dialogs and menus; the window system's plugin comes with Qt's library.
     fonts-dejavu-core
 )
-# The sanitizer run-times, the formatter, an encoder for test files, a display, its window manager, mouse and keyboard, a sound server and a message bus.
+# The sanitizer run-times, the formatter, an encoder for test files, a display, its window manager, mouse and keyboard, a sound server, a message bus, and what runs the scripts.
 test_packages=(
     clang-format-19 libclang-rt-19-dev llvm-19
     libgtest-dev libgmock-dev libbenchmark-dev
     xvfb xauth xdotool x11-utils x11-xserver-utils openbox
-    pulseaudio pulseaudio-utils dbus ffmpeg
+    pulseaudio pulseaudio-utils dbus ffmpeg python3
 )
 
 name_libraries() {
@@ -38,7 +38,7 @@ apt-get was not found, so nothing is installed. Vantor needs, by whatever names 
   tags and covers         TagLib
   skin index              SQLite 3 with FTS5, and OpenSSL (libcrypto)
   sound output            the PulseAudio client library (libpulse)
-  tests, benchmarks       GoogleTest with GoogleMock, Google Benchmark, Xvfb, xprop, xrandr, xdotool, openbox, PulseAudio, D-Bus, ffmpeg
+  tests, benchmarks       GoogleTest with GoogleMock, Google Benchmark, Xvfb, xprop, xrandr, xdotool, openbox, PulseAudio, D-Bus, ffmpeg, Python 3
 Going on; CMake tells what it cannot find.
 TEXT
 }

@@ -200,7 +200,9 @@ void LibraryBrowser::chooseOutput(const OutputDevice::ID &id, const QString &nam
 
 void LibraryBrowser::play(const PlayRequest &request) {
     // A source that has not told its outputs yet knows its own when it is asked.
-    m_plays.push_back({m_backend, output().value_or(OutputDevice::thisMac()), request});
+    const OutputDevice on = output().value_or(OutputDevice::thisMac());
+    Q_EMIT aboutToPlay(on);
+    m_plays.push_back({m_backend, on, request});
     if (m_plays.size() == 1)
         playInTurn();
 }

@@ -69,6 +69,7 @@ class LibraryBrowser : public QObject {
     void sourceAsked();    ///< look for it again
     void outputsChanged(); ///< or which one is chosen
     void outputChosen(const vantor::OutputDevice &output);
+    void aboutToPlay(const vantor::OutputDevice &on); ///< it was asked to
     void activitiesChanged();
     void changed(const vantor::LibraryChange &change);
     void refreshed();

@@ -26,7 +26,7 @@ class PlaybackRig {
     };
 
     explicit PlaybackRig(int rate = 48'000, const ModelOutput &model = {}, bool hasTimeCode = false)
-        : output(model), m_rate(rate), source(rate) {
+        : output(model), m_rate(rate), shared(std::make_shared<SendspinSource>(rate)) {
         simulation.server.network.base = std::chrono::milliseconds(1);
         QObject::connect(&simulation.session, &SendspinSession::occurred, &player,
                          [this, hasTimeCode](const SendspinEvent &event) {
@@ -129,11 +129,12 @@ class PlaybackRig {
 
   public:
     const QString settingsPath = m_folder.filePath(QStringLiteral("settings.ini"));
-    SendspinSource source;
+    std::shared_ptr<SendspinSource> shared;
+    SendspinSource &source = *shared;
     SendspinPlayer player{simulation.session,
                           simulation.time.scheduler,
                           simulation.time,
-                          source,
+                          shared,
                           std::make_unique<QSettings>(settingsPath, QSettings::IniFormat),
                           simulation.configuration.bufferCapacity};
 };

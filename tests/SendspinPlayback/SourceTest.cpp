@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 
@@ -145,4 +146,50 @@ TEST_F(SendspinSourceTest, RendersWithoutAllocation) {
     play(200, 70'000);
     EXPECT_TRUE(source.figures().isPlaying);
     EXPECT_EQ(allocations, 0);
+}
+
+// Two computers whose clocks differ, whose callbacks have other lengths and whose latencies are measured
+// badly.
+TEST(SendspinClickTest, ComputersThatAreInStepTickAsOne) {
+    struct Row {
+        std::int64_t offset; ///< of the server's clock, microseconds
+        int frames;
+        int jitter; ///< of the times that are told, microseconds
+        int delayMs;
+    };
+    for (const Row &row :
+         {Row{0, 480, 0, 0}, Row{1'763'000'000'123'457, 441, 900, 0}, Row{-7'300'001, 1024, 900, 250}}) {
+        SCOPED_TRACE(row.offset);
+        SendspinTiming timing;
+        timing.staticDelayMs = row.delayMs;
+        timing.filter.update(static_cast<double>(row.offset), 100, 1);
+        SendspinClick click(rate);
+        click.setOn(true);
+        std::vector<double> ticks; // when they begin, microseconds of the server's clock
+        std::vector<float> out;
+        const double begin = 5'000'000;
+        for (int call = 0; call * row.frames < 11 * rate; ++call) {
+            timing.isKnown = call > 0;
+            out.assign(static_cast<std::size_t>(2 * row.frames), 0);
+            const double now = begin + 1e6 * call * row.frames / rate;
+            const int wrong = row.jitter * (call * 7 % 11 - 5) / 5;
+            click.mix(out.data(), row.frames, static_cast<std::int64_t>(now) + wrong, timing);
+            for (std::size_t i = 0; i < out.size(); i += 2) {
+                const double server =
+                    now + 1e6 * static_cast<double>(i / 2) / rate + static_cast<double>(row.offset);
+                if (out[i] > 0.3F && (ticks.empty() || server - ticks.back() > 50'000))
+                    ticks.push_back(server);
+                ASSERT_EQ(out[i], out[i + 1]);
+            }
+        }
+        ASSERT_GE(ticks.size(), 10U);
+        ASSERT_LE(ticks.size(), 11U);
+        for (const double tick : ticks)
+            EXPECT_NEAR(std::remainder(tick - row.delayMs * 1000, 1e6), 0, 300);
+        click.setOn(false);
+        out.assign(static_cast<std::size_t>(2 * rate), 0);
+        click.mix(out.data(), rate, 30'000'000, timing);
+        click.mix(out.data(), rate, 31'000'000, timing);
+        EXPECT_EQ(*std::ranges::max_element(out), 0);
+    }
 }

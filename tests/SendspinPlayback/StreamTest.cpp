@@ -132,9 +132,8 @@ TEST(SendspinStreamTest, ObeysVolumeAndMuteAndKeepsThem) {
     EXPECT_EQ(told[u"muted"_s].toBool(), true);
     EXPECT_EQ(told[u"static_delay_ms"_s].toInt(), 5000);
     QSettings(rig.settingsPath, QSettings::IniFormat).sync();
-    SendspinSource source(48'000);
     const SendspinPlayer later(rig.simulation.session, rig.simulation.time.scheduler, rig.simulation.time,
-                               source, std::make_unique<QSettings>(rig.settingsPath, QSettings::IniFormat),
-                               1);
+                               rig.shared,
+                               std::make_unique<QSettings>(rig.settingsPath, QSettings::IniFormat), 1);
     EXPECT_EQ(later.state(), (SendspinPlayerState{true, 100, true, 5000}));
 }

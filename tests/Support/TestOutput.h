@@ -77,8 +77,13 @@ class TestOutput final : public AudioOutput {
     }
     void stop() override { m_render = nullptr; }
     void setSuspended(bool suspended) override { m_suspended = suspended; }
+    void setTimed(bool) override {}
     [[nodiscard]] int sampleRate() const override { return m_sampleRate; }
     [[nodiscard]] double latency() const override { return m_shared.latency; }
+    [[nodiscard]] std::optional<std::chrono::steady_clock::time_point> heardAt() const override {
+        return std::chrono::steady_clock::time_point(
+            std::chrono::microseconds(1'000'000 + m_rendered * 1'000'000 / m_sampleRate));
+    }
     [[nodiscard]] std::optional<quint32> device() const override { return m_device; }
     [[nodiscard]] QString name() const override { return QStringLiteral("test"); }
 
@@ -88,6 +93,7 @@ class TestOutput final : public AudioOutput {
         const std::size_t before = m_shared.heard.size();
         m_shared.heard.resize(before + static_cast<std::size_t>(frames));
         m_render(&m_shared.heard[before].left, frames);
+        m_rendered += frames;
     }
     void lose() { m_reports.lost(true, QStringLiteral("pulled out")); }
     void move(quint32 device) {
@@ -102,6 +108,7 @@ class TestOutput final : public AudioOutput {
     Reports m_reports;
     std::optional<quint32> m_device;
     bool m_suspended = true;
+    std::int64_t m_rendered = 0; ///< frames
 };
 
 /// The devices that the test has set up; it emits changed() itself.

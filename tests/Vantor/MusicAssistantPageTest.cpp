@@ -1,64 +1,17 @@
-#include "ServersFixture.h"
-#include "Vantor/Windows/PreferencesDialog.h"
+#include "tests/Vantor/PageFixture.h"
 
 #include <QFile>
-#include <QLabel>
-#include <QLineEdit>
 #include <QListWidget>
 #include <QMessageBox>
-#include <QPushButton>
-#include <QTest>
 #include <QToolButton>
 
 using namespace vantor;
 
 namespace {
 
-class MusicAssistantPageTest : public ServersFixture {
+class MusicAssistantPageTest : public PageFixture {
   protected:
-    void TearDown() override { delete m_page; }
-    void open() {
-        m_page = new PreferencesDialog(m_model, m_library.get(), nullptr);
-        m_page->showPage(PreferencesPage::musicAssistant);
-        m_page->show();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(m_page));
-    }
-    template <class Widget>
-    [[nodiscard]] Widget *shown(const QString &name) const {
-        for (auto *const widget : m_page->findChildren<Widget *>()) {
-            const QString title = widget->property("text").toString().remove(u'&');
-            if (widget->isVisible() && (widget->accessibleName() == name || title == name))
-                return widget;
-        }
-        return nullptr;
-    }
-    void press(const QString &button) const {
-        auto *const found = shown<QAbstractButton>(button);
-        ASSERT_TRUE(found && found->isEnabled()) << button.toStdString();
-        QTest::mouseClick(found, Qt::LeftButton);
-    }
-    /// The field that belongs to a title.
-    [[nodiscard]] QLineEdit *field(const QString &title) const {
-        for (const auto *const label : m_page->findChildren<QLabel *>()) {
-            if (label->isVisible() && label->text().remove(u'&') == title)
-                return qobject_cast<QLineEdit *>(label->buddy());
-        }
-        return nullptr;
-    }
-    static void type(QLineEdit *into, const QString &text) {
-        ASSERT_TRUE(into);
-        into->setFocus();
-        into->selectAll();
-        QTest::keyClick(into, Qt::Key_Delete);
-        QTest::keyClicks(into, text);
-    }
-    [[nodiscard]] bool says(const QString &text) const {
-        return waitFor([&] {
-            return std::ranges::any_of(m_page->findChildren<QLabel *>(), [&](const QLabel *label) {
-                return label->isVisible() && label->text() == text;
-            });
-        });
-    }
+    void open() { PageFixture::open(PreferencesPage::musicAssistant); }
     [[nodiscard]] QStringList names() {
         QStringList names;
         for (const auto &server : m_servers.list().servers())
@@ -70,8 +23,6 @@ class MusicAssistantPageTest : public ServersFixture {
         return servers.empty() ? std::nullopt : std::optional(servers.front());
     }
     [[nodiscard]] MusicAssistantServerList &list() { return m_servers.list(); }
-
-    QPointer<PreferencesDialog> m_page;
 };
 
 } // namespace

@@ -17,7 +17,7 @@
 using namespace vantor;
 
 TEST_F(PlayerFixture, APreferenceHoldsAtOnceAndFollowsWhatElseChangesIt) {
-    QPointer<PreferencesDialog> dialog(new PreferencesDialog(m_model, nullptr, nullptr));
+    QPointer<PreferencesDialog> dialog(new PreferencesDialog(m_model, nullptr, nullptr, nullptr));
     dialog->show();
     const auto boxes = dialog->findChildren<QCheckBox *>();
     const auto doubled = std::ranges::find(boxes, u"&Double size"_qs, &QCheckBox::text);
@@ -54,8 +54,9 @@ TEST_F(PlayerFixture, AFolderIsTakenOnlyIfItIsThere) {
 }
 
 TEST_F(PlayerFixture, ADialogStaysOpenOverAFolderThatIsNone) {
-    for (QDialog *const made : {static_cast<QDialog *>(new WelcomeDialog(m_model, nullptr)),
-                                static_cast<QDialog *>(new PreferencesDialog(m_model, nullptr, nullptr))}) {
+    for (QDialog *const made :
+         {static_cast<QDialog *>(new WelcomeDialog(m_model, nullptr)),
+          static_cast<QDialog *>(new PreferencesDialog(m_model, nullptr, nullptr, nullptr))}) {
         QPointer<QDialog> dialog(made);
         SCOPED_TRACE(dialog->windowTitle().toStdString());
         dialog->show();

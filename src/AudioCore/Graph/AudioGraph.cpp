@@ -13,29 +13,58 @@ static constexpr int blockFrames = 512;
 
 AudioGraph::AudioGraph(int sampleRate, AnalyzerTap *tap)
     : m_sampleRate(sampleRate), m_rampFrames(static_cast<int>(sampleRate * rampSeconds)),
-      m_node(std::make_shared<PlayerNode>(sampleRate)), m_limiter(sampleRate), m_tap(tap) {
+      m_node(std::make_shared<PlayerNode>(sampleRate)), m_limiter(sampleRate), m_tap(tap),
+      m_liveFrames(blockFrames) {
     m_equalizer.prepare(sampleRate);
 }
 
-void AudioGraph::render(float *interleaved, int frames) {
+// The audio thread may still be with one that is not wanted any more.
+void AudioGraph::playLive(const std::shared_ptr<LiveSource> &source) {
+    if (source && std::ranges::find(m_liveSources, source) == m_liveSources.end())
+        m_liveSources.push_back(source);
+    m_wantedLive.store(source.get(), std::memory_order_release);
+}
+
+void AudioGraph::render(float *interleaved, int frames, std::optional<std::int64_t> whenHeard) {
+    if (whenHeard)
+        *whenHeard += std::int64_t{m_limiter.lookAhead()} * 1'000'000 / m_sampleRate;
     // A StereoFrame is two floats, left and right, which is how an interleaved buffer is laid out.
     static_assert(sizeof(StereoFrame) == 2 * sizeof(float) && alignof(StereoFrame) == alignof(float));
     std::span<StereoFrame> rest(reinterpret_cast<StereoFrame *>(interleaved),
                                 static_cast<std::size_t>(frames));
     while (!rest.empty()) {
         const std::size_t count = std::min<std::size_t>(rest.size(), blockFrames);
-        renderBlock(rest.first(count));
+        const std::int64_t passed =
+            (frames - static_cast<std::int64_t>(rest.size())) * 1'000'000 / m_sampleRate;
+        renderBlock(rest.first(count), whenHeard ? std::optional(*whenHeard + passed) : std::nullopt);
         rest = rest.subspan(count);
     }
 }
 
-void AudioGraph::renderBlock(std::span<StereoFrame> frames) {
+void AudioGraph::addLive(std::span<StereoFrame> frames, std::optional<std::int64_t> whenHeard) {
+    LiveSource *const wanted = m_wantedLive.load(std::memory_order_acquire);
+    if (wanted)
+        m_live = wanted;
+    m_liveGain.moveTo(wanted ? 1.0F : 0.0F, m_rampFrames);
+    if (!m_live || !whenHeard || (!wanted && !m_liveGain.isMoving()))
+        return;
+    m_live->render(&m_liveFrames.front().left, static_cast<int>(frames.size()), *whenHeard);
+    for (std::size_t i = 0; i < frames.size(); ++i) {
+        const float gain = m_liveGain.next();
+        frames[i].left += m_liveFrames[i].left * gain;
+        frames[i].right += m_liveFrames[i].right * gain;
+    }
+}
+
+void AudioGraph::renderBlock(std::span<StereoFrame> frames, std::optional<std::int64_t> whenHeard) {
     m_node->render(frames);
+    addLive(frames, whenHeard);
     m_equalizer.process(&frames.front().left, static_cast<int>(frames.size()));
     if (m_tap)
         m_tap->write(&frames.front().left, static_cast<int>(frames.size()));
 
-    const float volume = m_volume.load(std::memory_order_relaxed);
+    const bool isLive = m_wantedLive.load(std::memory_order_relaxed) != nullptr;
+    const float volume = isLive ? 1.0F : m_volume.load(std::memory_order_relaxed);
     const float balance = m_balance.load(std::memory_order_relaxed);
     const float left = volume * std::min(1.0F, 1.0F - balance);
     const float right = volume * std::min(1.0F, 1.0F + balance);

@@ -23,6 +23,10 @@ class Limiter {
 
     /// Any thread.
     void setEnabled(bool enabled) { m_isEnabled.store(enabled, std::memory_order_relaxed); }
+    /// By how many frames the sound is late while it is switched on.
+    [[nodiscard]] int lookAhead() const {
+        return m_isEnabled.load(std::memory_order_relaxed) ? static_cast<int>(m_lookAhead) : 0;
+    }
     /// Audio thread: no allocation, lock or system call.
     void process(std::span<StereoFrame> frames);
 

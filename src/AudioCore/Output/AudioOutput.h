@@ -2,6 +2,7 @@
 
 #include <QString>
 
+#include <chrono>
 #include <functional>
 #include <optional>
 
@@ -34,10 +35,17 @@ class AudioOutput {
     /// heard at once, or as soon as the output is ready.
     virtual void setSuspended(bool suspended) = 0;
 
+    /// While on, what is rendered is heard when heardAt() said so. Else sound may overtake the silence that
+    /// was rendered before it.
+    virtual void setTimed(bool timed) = 0;
+
     /// Hz; fixed for the object's life.
     [[nodiscard]] virtual int sampleRate() const = 0;
     /// Between a frame's rendering and its sound, in seconds. Any thread.
     [[nodiscard]] virtual double latency() const = 0;
+    /// When the first of the frames that are being rendered will be heard; none while that is not known. In
+    /// `render` only.
+    [[nodiscard]] virtual std::optional<std::chrono::steady_clock::time_point> heardAt() const = 0;
     /// The device that plays, by its OutputDeviceDescription::id; none before it is ready and where there is
     /// none.
     [[nodiscard]] virtual std::optional<quint32> device() const = 0;

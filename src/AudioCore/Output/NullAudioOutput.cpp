@@ -65,6 +65,7 @@ void NullAudioOutput::run(const Render &render) {
             start = Clock::now();
             frames = 0;
         }
+        m_due = due;
         render(block.data(), blockFrames);
         frames += blockFrames;
         due = start + std::chrono::nanoseconds(frames * 1'000'000'000 / m_sampleRate);

@@ -18,9 +18,13 @@ class NullAudioOutput final : public AudioOutput {
     void start(Render render, Reports reports) override;
     void stop() override;
     void setSuspended(bool suspended) override;
+    void setTimed(bool) override {}
 
     [[nodiscard]] int sampleRate() const override { return m_sampleRate; }
     [[nodiscard]] double latency() const override { return 0; }
+    [[nodiscard]] std::optional<std::chrono::steady_clock::time_point> heardAt() const override {
+        return m_due;
+    }
     [[nodiscard]] std::optional<quint32> device() const override { return std::nullopt; }
     [[nodiscard]] QString name() const override { return QStringLiteral("no sound server"); }
 
@@ -32,6 +36,7 @@ class NullAudioOutput final : public AudioOutput {
 
     const int m_sampleRate;
     std::thread m_thread;
+    Clock::time_point m_due; ///< of the block that is rendered; its thread's
     Mutex m_mutex;
     std::condition_variable m_changed;
     bool m_stopping VANTOR_GUARDED_BY(m_mutex) = false;

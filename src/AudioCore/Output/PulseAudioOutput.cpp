@@ -50,6 +50,7 @@ void PulseAudioOutput::start(Render render, Reports reports) {
     m_render = std::move(render);
     m_isReady = false;
     m_isSuspended = true;
+    m_isTimed = m_knowsLatency = false;
     m_lossReason.clear();
     if (!m_server->context() || !connectStream())
         streamLost();
@@ -153,7 +154,13 @@ void PulseAudioOutput::setSuspended(bool suspended) {
         cork(suspended);
 }
 
+void PulseAudioOutput::setTimed(bool timed) {
+    const PulseServer::Lock lock(*m_server);
+    m_isTimed = timed;
+}
+
 void PulseAudioOutput::cork(bool corked) {
+    m_knowsLatency = false;
     // The silence that waited since the rest began would only delay the new sound.
     if (!corked)
         forget(pa_stream_flush(m_stream, nullptr, nullptr));
@@ -171,7 +178,7 @@ void PulseAudioOutput::fillBuffer(std::size_t bytes) {
         float *const samples = static_cast<float *>(data);
         m_render(samples, static_cast<int>(size / frameBytes));
         // Silence that waits to be played would only delay the first sound, which takes its place.
-        const bool isFirstSound = endsLongSilence({samples, size / sizeof(float)});
+        const bool isFirstSound = endsLongSilence({samples, size / sizeof(float)}) && !m_isTimed;
         if (isFirstSound)
             bytes = std::max(size, m_targetBytes);
         if (isFirstSound || afterSilence > 0)
@@ -179,7 +186,13 @@ void PulseAudioOutput::fillBuffer(std::size_t bytes) {
         pa_stream_write(m_stream, data, size, nullptr, 0,
                         isFirstSound ? PA_SEEK_RELATIVE_ON_READ : PA_SEEK_RELATIVE);
         bytes -= size;
+        m_heardAt.fetch_add(static_cast<std::int64_t>(size / frameBytes) * 1'000'000'000 / m_sampleRate,
+                            std::memory_order_relaxed); // until it is measured
     }
+    noteLatency(afterSilence);
+}
+
+void PulseAudioOutput::noteLatency(std::size_t afterSilence) {
     pa_usec_t latency = 0;
     int isNegative = 0;
     bool isKnown = pa_stream_get_latency(m_stream, &latency, &isNegative) == 0 && !isNegative;
@@ -187,6 +200,7 @@ void PulseAudioOutput::fillBuffer(std::size_t bytes) {
         latency = pa_bytes_to_usec(afterSilence, pa_stream_get_sample_spec(m_stream));
         isKnown = true;
     }
+    m_knowsLatency = isKnown;
     if (isKnown)
         m_heardAt.store(monotonicNanoseconds() + static_cast<std::int64_t>(latency) * 1000,
                         std::memory_order_relaxed);
@@ -205,6 +219,13 @@ bool PulseAudioOutput::endsLongSilence(std::span<const float> samples) {
 double PulseAudioOutput::latency() const {
     const std::int64_t left = m_heardAt.load(std::memory_order_relaxed) - monotonicNanoseconds();
     return static_cast<double>(std::max<std::int64_t>(left, 0)) * 1e-9;
+}
+
+std::optional<std::chrono::steady_clock::time_point> PulseAudioOutput::heardAt() const {
+    if (!m_knowsLatency)
+        return std::nullopt;
+    return std::chrono::steady_clock::time_point(
+        std::chrono::nanoseconds(m_heardAt.load(std::memory_order_relaxed)));
 }
 
 void PulseAudioOutput::reportDevice() {

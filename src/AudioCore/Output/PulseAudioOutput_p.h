@@ -26,9 +26,11 @@ class PulseAudioOutput final : public AudioOutput {
     void start(Render render, Reports reports) override;
     void stop() override;
     void setSuspended(bool suspended) override;
+    void setTimed(bool timed) override;
 
     [[nodiscard]] int sampleRate() const override { return m_sampleRate; }
     [[nodiscard]] double latency() const override;
+    [[nodiscard]] std::optional<std::chrono::steady_clock::time_point> heardAt() const override;
     [[nodiscard]] std::optional<quint32> device() const override { return m_device; }
     [[nodiscard]] QString name() const override { return QStringLiteral("PulseAudio"); }
 
@@ -42,6 +44,7 @@ class PulseAudioOutput final : public AudioOutput {
     void stopWaiting();
     void cork(bool corked);
     void fillBuffer(std::size_t bytes);
+    void noteLatency(std::size_t afterSilence);
     [[nodiscard]] bool endsLongSilence(std::span<const float> samples);
     void reportDevice();
     void reportLoss();
@@ -58,6 +61,8 @@ class PulseAudioOutput final : public AudioOutput {
     Render m_render;
     bool m_isReady = false;
     bool m_isSuspended = true;
+    bool m_isTimed = false;
+    bool m_knowsLatency = false; ///< m_heardAt is true
     QString m_lossReason;
     std::size_t m_targetBytes = 0; ///< kept rendered ahead of what is heard
     std::size_t m_silentBytes = 0; ///< rendered since the last sound

@@ -97,6 +97,7 @@ QString Player::outputName() const {
 }
 
 void Player::play() {
+    d->preemptStream();
     if (d->state == PlaybackState::paused && d->graph && !d->isStale()) {
         d->resume();
         return;
@@ -115,6 +116,7 @@ void Player::play(int index) {
 }
 
 void Player::pause() {
+    d->preemptStream();
     if (d->state == PlaybackState::playing) {
         d->pause();
     } else if (d->state == PlaybackState::loading) {
@@ -140,6 +142,7 @@ void Player::togglePlayPause() {
 }
 
 void Player::stop() {
+    d->endStream();
     d->stop();
 }
 
@@ -150,6 +153,7 @@ void Player::next() {
 }
 
 void Player::previous() {
+    d->preemptStream();
     const std::optional<int> before = d->queue.currentIndex();
     d->queue.previous();
     if (d->queue.currentIndex() == before) {
@@ -161,6 +165,7 @@ void Player::previous() {
 }
 
 void Player::seek(double seconds) {
+    d->preemptStream();
     const bool hasPlaces = !d->isRemote() || duration() > 0;
     if (d->state != PlaybackState::stopped && hasPlaces)
         d->seekTo(PlayerRules::seekTarget(seconds, duration()));

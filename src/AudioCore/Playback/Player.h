@@ -3,6 +3,7 @@
 #include "AudioCore/Analysis/AnalyzerTap.h"
 #include "AudioCore/AudioCoreError.h"
 #include "AudioCore/Equalizer/EQState.h"
+#include "AudioCore/Graph/LiveSource.h"
 #include "AudioCore/NowPlaying/NowPlayingCommandTarget.h"
 #include "AudioCore/Output/OutputDeviceProvider.h"
 #include "AudioCore/Playback/PlaybackState.h"
@@ -126,6 +127,19 @@ class Player : public QObject, public NowPlayingCommandTarget {
     /// Chooses one of the devices that there are now; an unknown id is reported as a failure.
     void outputDeviceChanged(quint32 deviceID);
 
+    /// Gives the output to a stream, which shares the equalizer, the balance and the analyzer; how loud it
+    /// is, the stream knows itself. What plays is paused and keeps its place. `sourceForRate` is asked now
+    /// and whenever the sound goes on through another output; it never returns null.
+    ///
+    /// A command that starts, pauses or moves local playback takes the output back: the stream is over, as
+    /// StreamPreempted tells. stop() ends it, too, as StreamEnded tells like endStream().
+    void startStream(const LiveSourceForRate &sourceForRate);
+    /// Without effect when there is none.
+    void endStream();
+    [[nodiscard]] bool isStreaming() const;
+    /// The stream, if there is one, is over for this reason, which is reported as a failure.
+    void failStream(const AudioCoreError &error);
+
     PlayerEventToken addEventObserver(std::function<void(const PlayerEvent &)> callback);
     void removeEventObserver(PlayerEventToken token);
 
@@ -139,6 +153,7 @@ class Player : public QObject, public NowPlayingCommandTarget {
     void balanceChanged();
     void eqChanged();
     void loudnessChanged(); ///< replay gain or limiter
+    void streamingChanged();
     /// The devices, the chosen one or the one that plays.
     void outputDevicesChanged();
 

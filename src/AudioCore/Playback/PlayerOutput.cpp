@@ -9,6 +9,14 @@ Q_DECLARE_LOGGING_CATEGORY(lcPlayer)
 
 static constexpr double longestFarewell = 0.3; // seconds
 
+static std::optional<std::int64_t>
+inMicroseconds(const std::optional<std::chrono::steady_clock::time_point> &instant) {
+    using std::chrono::microseconds;
+    return instant ? std::optional<std::int64_t>(
+                         std::chrono::duration_cast<microseconds>(instant->time_since_epoch()).count())
+                   : std::nullopt;
+}
+
 std::vector<OutputDeviceDescription> Player::outputDevices() const {
     return d->devices->devices();
 }
@@ -34,7 +42,7 @@ void Player::outputDeviceChanged(quint32 deviceID) {
     if (const std::optional<OutputDeviceDescription> device = d->deviceWith(deviceID))
         chooseOutputDevice(device->key);
     else
-        d->reportOutputFailure(tr("There is no such device."));
+        d->reportFailure(AudioCoreError::outputDevice(tr("There is no such device.")), d->queue.current());
 }
 
 void Player::Private::watchDevices() {
@@ -82,12 +90,15 @@ void Player::Private::ensureOutput() {
         };
         QMetaObject::invokeMethod(&q, followIfItPlays, Qt::QueuedConnection);
     };
-    output->start([rendered](float *interleaved, int frames) { rendered->render(interleaved, frames); },
-                  {.lost =
-                       [this, whileItPlays](bool wasReady, const QString &reason) {
-                           whileItPlays([this, wasReady, reason] { outputLost(wasReady, reason); });
-                       },
-                   .moved = [this, whileItPlays] { whileItPlays([this] { outputMoved(); }); }});
+    output->start(
+        [rendered, played = output.get()](float *interleaved, int frames) {
+            rendered->render(interleaved, frames, inMicroseconds(played->heardAt()));
+        },
+        {.lost =
+             [this, whileItPlays](bool wasReady, const QString &reason) {
+                 whileItPlays([this, wasReady, reason] { outputLost(wasReady, reason); });
+             },
+         .moved = [this, whileItPlays] { whileItPlays([this] { outputMoved(); }); }});
 }
 
 void Player::Private::wakeOutput() {
@@ -104,12 +115,13 @@ void Player::Private::followDevices() {
             outputMadeFor = target; // else it is lost, and hears so itself
         return;
     }
-    if (state != PlaybackState::playing || !output->device()) {
+    if ((state != PlaybackState::playing && !isStreaming()) || !output->device()) {
         replaceOutput(false);
         return;
     }
     // The sound fades out before it breaks off, and what is on its way is heard.
     graph->node()->pause();
+    graph->playLive(nullptr);
     const double seconds = std::min(output->latency(), longestFarewell) + 2 * PlayerNode::fadeSeconds;
     switchTimer.start(std::chrono::ceil<std::chrono::milliseconds>(std::chrono::duration<double>(seconds)));
 }
@@ -128,13 +140,19 @@ void Player::Private::outputLost(bool wasReady, const QString &reason) {
     } else if (target.chosen) {
         refusedDevice = target.chosen;
         replaceOutput(false);
-        reportOutputFailure(reason);
+        reportFailure(AudioCoreError::outputDevice(reason), queue.current());
     } else {
         const bool wasSwitch = std::exchange(outputIsReplacement, false);
         output.reset();
         graph.reset();
-        if (state != PlaybackState::stopped)
-            fail(wasSwitch ? AudioCoreError::outputDevice(reason) : AudioCoreError::engineStart(reason));
+        const AudioCoreError error =
+            wasSwitch ? AudioCoreError::outputDevice(reason) : AudioCoreError::engineStart(reason);
+        if (state != PlaybackState::stopped) {
+            endStream();
+            fail(error);
+        } else if (isStreaming()) {
+            q.failStream(error);
+        }
     }
 }
 
@@ -154,10 +172,12 @@ void Player::Private::replaceOutput(bool wasAllHeard) {
         setCurrentTime(heardNow(wasAllHeard));
     output.reset();
     graph.reset();
-    outputIsReplacement = state != PlaybackState::stopped;
+    outputIsReplacement = state != PlaybackState::stopped || isStreaming();
     if (!outputIsReplacement)
         return;
     ensureOutput();
+    if (isStreaming())
+        playStream();
     if (url.isEmpty())
         return; // there is no track in it
     requestFrom(currentTime);
@@ -167,13 +187,6 @@ void Player::Private::replaceOutput(bool wasAllHeard) {
         streamer.wake();
         wakeOutput();
     }
-}
-
-void Player::Private::reportOutputFailure(const QString &reason) {
-    const AudioCoreError error = AudioCoreError::outputDevice(reason);
-    qCWarning(lcPlayer, "%s", error.what());
-    errorMessage = error.description();
-    emitEvent(PlayerEvents::Failed{{queue.current(), error.description(), 1, false}});
 }
 
 } // namespace vantor

@@ -33,7 +33,7 @@ Player::Private::Private(Player &player, std::unique_ptr<TrackResolver> trackRes
     idleTimer.setSingleShot(true);
     idleTimer.setInterval(idleBeforeSuspend);
     QObject::connect(&idleTimer, &QTimer::timeout, &q, [this] {
-        if (output)
+        if (output && !isStreaming())
             output->setSuspended(true);
     });
     watchDevices();
@@ -41,9 +41,10 @@ Player::Private::Private(Player &player, std::unique_ptr<TrackResolver> trackRes
 
 // The sound fades out instead of breaking off, which takes as long as it is on its way to the ear.
 Player::Private::~Private() {
-    if (state != PlaybackState::playing || !output)
+    if (!output || (state != PlaybackState::playing && !isStreaming()))
         return;
     graph->node()->pause();
+    graph->playLive(nullptr);
     const auto onItsWay = std::chrono::duration<double>(std::min(output->latency(), longestFarewell));
     std::this_thread::sleep_for(onItsWay + std::chrono::duration<double>(2 * PlayerNode::fadeSeconds));
 }
@@ -73,6 +74,8 @@ void Player::Private::startCurrentTrack(bool autoplay) {
     const std::optional<Track> track = queue.current();
     if (!track)
         return;
+    if (autoplay)
+        preemptStream();
     ++startsAndStops;
     generation = newGeneration();
     forgetFollowers();

@@ -61,6 +61,16 @@ class Player::Private {
     /// How many seconds of the rendered sound are still on their way to the ear.
     [[nodiscard]] double unheard() const;
 
+    // The stream from elsewhere.
+    [[nodiscard]] bool isStreaming() const { return liveSourceForRate != nullptr; }
+    void playStream();
+    /// False when there is none.
+    bool leaveStream();
+    /// A local command takes the output back.
+    void preemptStream();
+    void endStream();
+    void reportFailure(const AudioCoreError &error, const std::optional<Track> &track);
+
     // What downloads.
     [[nodiscard]] bool isRemote() const { return !url.isEmpty() && !url.isLocalFile(); }
     /// Radio that has been paused for so long that what is at hand is old.
@@ -81,7 +91,6 @@ class Player::Private {
     void outputLost(bool wasReady, const QString &reason);
     [[nodiscard]] double heardNow(bool wasAllHeard) const;
     void replaceOutput(bool wasAllHeard);
-    void reportOutputFailure(const QString &reason);
     void requestFrom(double seconds);
 
     struct Follower {
@@ -150,6 +159,8 @@ class Player::Private {
     QTimer timeUpdates;
     QTimer idleTimer;
     QTimer downloadTimer;
+
+    LiveSourceForRate liveSourceForRate; ///< of the stream; none without one
 
     std::optional<QString> chosenDevice;  ///< by its key, also while it is away
     std::optional<quint32> refusedDevice; ///< does not play although it is there

@@ -25,7 +25,14 @@ static bool isNear(std::int64_t a, std::int64_t b, std::int64_t reach) {
 }
 
 SendspinBuffer::SendspinBuffer(SendspinFrameQueue &queue, std::int64_t capacity)
-    : m_queue(queue), m_capacity(capacity), m_decoder(queue.sampleRate) {}
+    : m_queue(&queue), m_capacity(capacity), m_decoder(queue.sampleRate) {}
+
+void SendspinBuffer::setQueue(SendspinFrameQueue &queue) {
+    m_queue = &queue;
+    m_decoder = SendspinDecoder(queue.sampleRate);
+    m_decoded.reset();
+    m_isSounding = false;
+}
 
 bool SendspinBuffer::setFormat(const SendspinStreamFormat &format) {
     if (m_format && *m_format == format)
@@ -37,7 +44,7 @@ bool SendspinBuffer::setFormat(const SendspinStreamFormat &format) {
         return false;
     }
     QString reason;
-    if (SendspinDecoder attempt(m_queue.sampleRate); !attempt.open(format, reason)) {
+    if (SendspinDecoder attempt(m_queue->sampleRate); !attempt.open(format, reason)) {
         qCWarning(logBuffer, "Sendspin stream could not start: %s", qUtf8Printable(reason));
         return false;
     }
@@ -71,7 +78,7 @@ void SendspinBuffer::clear() {
 void SendspinBuffer::dropDecoded() {
     m_decoder.restart();
     m_isSounding = false;
-    m_queue.drop();
+    m_queue->drop();
 }
 
 void SendspinBuffer::dropUnplayable(const SendspinTiming &timing, std::int64_t now) {
@@ -89,11 +96,11 @@ void SendspinBuffer::dropUnplayable(const SendspinTiming &timing, std::int64_t n
 void SendspinBuffer::advance(const SendspinTiming &timing, std::int64_t now) {
     if (!timing.isKnown)
         return;
-    const std::int64_t heard = std::max(now, m_queue.heardUpTo.load(std::memory_order_relaxed));
+    const std::int64_t heard = std::max(now, m_queue->heardUpTo.load(std::memory_order_relaxed));
     dropUnplayable(timing, heard);
     // The end of the last sound may come before it.
-    const auto room = static_cast<std::size_t>(SendspinDecoder::longestChunk * m_queue.sampleRate) + 4096;
-    while (!m_entries.empty() && m_queue.hasRoom(room) &&
+    const auto room = static_cast<std::size_t>(SendspinDecoder::longestChunk * m_queue->sampleRate) + 4096;
+    while (!m_entries.empty() && m_queue->hasRoom(room) &&
            timing.playoutTime(m_entries.begin()->first) < heard + decodeAhead) {
         const auto entry = m_entries.begin();
         decode(entry->first, entry->second);
@@ -107,10 +114,10 @@ void SendspinBuffer::advance(const SendspinTiming &timing, std::int64_t now) {
 /// What the resampler still holds belongs to the sound that is over.
 void SendspinBuffer::endSound() {
     m_frames.clear();
-    const std::int64_t due = m_decoder.framesDue() * 1'000'000 / m_queue.sampleRate;
+    const std::int64_t due = m_decoder.framesDue() * 1'000'000 / m_queue->sampleRate;
     m_decoder.finish(m_frames);
     if (!m_frames.empty())
-        m_queue.append(saturatedSum(m_soundEnd, -due), true, m_frames);
+        m_queue->append(saturatedSum(m_soundEnd, -due), true, m_frames);
     m_isSounding = false;
 }
 
@@ -133,17 +140,12 @@ void SendspinBuffer::decode(std::int64_t timestamp, const Entry &entry) {
         ++m_dropped;
         return;
     }
-    const auto duration = [this](std::int64_t frames) { return frames * 1'000'000 / m_queue.sampleRate; };
+    const auto duration = [this](std::int64_t frames) { return frames * 1'000'000 / m_queue->sampleRate; };
     const std::int64_t begin = saturatedSum(timestamp, -duration(due));
-    m_queue.append(begin, m_isSounding, m_frames);
+    m_queue->append(begin, m_isSounding, m_frames);
     m_isSounding = true;
     m_soundEnd =
         saturatedSum(begin, duration(static_cast<std::int64_t>(m_frames.size()) + m_decoder.framesDue()));
-}
-
-std::int64_t SendspinBuffer::duration() const {
-    return m_span.load(std::memory_order_relaxed) +
-           static_cast<std::int64_t>(m_queue.buffered()) * 1'000'000 / m_queue.sampleRate;
 }
 
 } // namespace vantor

@@ -19,6 +19,9 @@ class SendspinBuffer {
     /// `queue`: where the sound goes; outlives this. `capacity`: bytes of coded sound that are held at most.
     SendspinBuffer(SendspinFrameQueue &queue, std::int64_t capacity);
 
+    /// Goes on into another queue; what is decoded already stays behind in the one before.
+    void setQueue(SendspinFrameQueue &queue);
+
     /// How the next chunks are coded; false, with a line in the log, when there is no decoder. Then they are
     /// dropped.
     bool setFormat(const SendspinStreamFormat &format);
@@ -37,8 +40,8 @@ class SendspinBuffer {
     [[nodiscard]] std::int64_t dropped() const { return m_dropped.load(std::memory_order_relaxed); }
     /// Chunks that came too late to be decoded.
     [[nodiscard]] std::int64_t late() const { return m_late.load(std::memory_order_relaxed); }
-    /// How long what is held lasts, decoded or not; microseconds.
-    [[nodiscard]] std::int64_t duration() const;
+    /// How long what is not decoded yet lasts; microseconds.
+    [[nodiscard]] std::int64_t duration() const { return m_span.load(std::memory_order_relaxed); }
 
   private:
     struct Entry {
@@ -51,7 +54,7 @@ class SendspinBuffer {
     void decode(std::int64_t timestamp, const Entry &entry);
     void endSound();
 
-    SendspinFrameQueue &m_queue;
+    SendspinFrameQueue *m_queue;
     const std::int64_t m_capacity;
     SendspinDecoder m_decoder;
     std::shared_ptr<const SendspinStreamFormat> m_format;  ///< of what comes; none: not to be decoded

@@ -100,6 +100,7 @@ class SendspinDecoder::Private {
 SendspinDecoder::SendspinDecoder(int outputRate) : d(std::make_unique<Private>(outputRate)) {}
 
 SendspinDecoder::~SendspinDecoder() = default;
+SendspinDecoder &SendspinDecoder::operator=(SendspinDecoder &&other) noexcept = default;
 
 bool SendspinDecoder::isSupported(const SendspinStreamFormat &format) {
     return codecOf(format) != AV_CODEC_ID_NONE && format.channels <= mostChannels &&

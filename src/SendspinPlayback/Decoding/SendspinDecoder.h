@@ -18,6 +18,7 @@ class SendspinDecoder {
     /// `outputRate`: in Hz.
     explicit SendspinDecoder(int outputRate);
     ~SendspinDecoder();
+    SendspinDecoder &operator=(SendspinDecoder &&other) noexcept;
 
     /// Whether there is a decoder for such chunks: pcm of 16, 24 and 32 bits, flac of 16 and 24, each of up
     /// to eight channels and 8 to 384 kHz, and opus.

@@ -5,8 +5,9 @@ namespace vantor {
 using namespace Qt::Literals::StringLiterals;
 using namespace std::chrono_literals;
 
-static constexpr std::int64_t largeJump = 1'000'000; // microseconds
-static constexpr auto workInterval = 20ms;           // a part of what is decoded ahead
+static constexpr std::int64_t largeJump = 1'000'000;   // microseconds
+static constexpr std::int64_t bitrateSpan = 1'000'000; // microseconds
+static constexpr auto workInterval = 20ms;             // a part of what is decoded ahead
 
 static constexpr auto volumeKey = "sendspin.volume"_L1;
 static constexpr auto mutedKey = "sendspin.muted"_L1;
@@ -19,16 +20,26 @@ static SendspinPlayerState inRange(SendspinPlayerState state) {
 }
 
 SendspinPlayer::SendspinPlayer(SendspinSession &session, Scheduler &scheduler, const SendspinClock &clock,
-                               SendspinSource &source, std::unique_ptr<QSettings> settings,
+                               std::shared_ptr<SendspinSource> source, std::unique_ptr<QSettings> settings,
                                std::int64_t capacity)
-    : m_session(session), m_scheduler(scheduler), m_clock(clock), m_source(source),
-      m_settings(settings.release()), m_buffer(source.queue(), capacity) {
+    : m_session(session), m_scheduler(scheduler), m_clock(clock), m_settings(settings.release()),
+      m_buffer(source->queue(), capacity), m_source(std::move(source)) {
     m_settings->setParent(this);
-    apply(inRange({.available = true,
-                   .volume = m_settings->value(volumeKey, 100).toInt(),
-                   .muted = m_settings->value(mutedKey, false).toBool(),
-                   .staticDelayMs = m_settings->value(staticDelayKey, 0).toInt()}));
+    apply(storedState(*m_settings));
     m_session.report(m_state);
+}
+
+SendspinPlayerState SendspinPlayer::storedState(const QSettings &settings) {
+    return inRange({.available = true,
+                    .volume = settings.value(volumeKey, 100).toInt(),
+                    .muted = settings.value(mutedKey, false).toBool(),
+                    .staticDelayMs = settings.value(staticDelayKey, 0).toInt()});
+}
+
+void SendspinPlayer::store(const SendspinPlayerState &state, QSettings &settings) {
+    settings.setValue(volumeKey, state.volume);
+    settings.setValue(mutedKey, state.muted);
+    settings.setValue(staticDelayKey, state.staticDelayMs);
 }
 
 SendspinPlayer::~SendspinPlayer() {
@@ -39,8 +50,13 @@ void SendspinPlayer::take(const SendspinEvent &event) {
     const auto &content = event.content;
     if (const auto *audio = std::get_if<SendspinEvent::Audio>(&content)) {
         m_buffer.add(audio->chunk);
+        measure(audio->chunk);
     } else if (const auto *start = std::get_if<SendspinEvent::StreamStarted>(&content)) {
-        setStreaming(m_buffer.setFormat(start->format));
+        const bool isPlayable = m_buffer.setFormat(start->format);
+        m_measuredBytes = 0;
+        setStreaming(isPlayable);
+        if (!isPlayable)
+            Q_EMIT streamRefused();
     } else if (std::holds_alternative<SendspinEvent::StreamCleared>(content)) {
         m_buffer.clear();
     } else if (std::holds_alternative<SendspinEvent::StreamEnded>(content)) {
@@ -51,7 +67,7 @@ void SendspinPlayer::take(const SendspinEvent &event) {
         m_buffer.clear();
         setStreaming(false);
         m_isSynchronized = m_timing.isKnown = false;
-        m_source.setTiming(m_timing);
+        m_source->setTiming(m_timing);
     } else if (std::holds_alternative<SendspinEvent::Synchronized>(content)) {
         synchronize();
     } else if (const auto *end = std::get_if<SendspinEvent::Disconnected>(&content)) {
@@ -91,6 +107,15 @@ void SendspinPlayer::setAvailable(bool available) {
     });
 }
 
+void SendspinPlayer::setClicking(bool on) {
+    QMetaObject::invokeMethod(this, [this, on] {
+        m_isClicking = on;
+        m_source->setClicking(on);
+        if (on && !m_work)
+            workLater(); // for the clock, which is followed while it matters
+    });
+}
+
 void SendspinPlayer::change(const std::function<void(SendspinPlayerState &)> &edit) {
     SendspinPlayerState state = m_state;
     edit(state);
@@ -98,19 +123,17 @@ void SendspinPlayer::change(const std::function<void(SendspinPlayerState &)> &ed
     if (state == m_state)
         return;
     apply(state);
-    m_settings->setValue(volumeKey, state.volume);
-    m_settings->setValue(mutedKey, state.muted);
-    m_settings->setValue(staticDelayKey, state.staticDelayMs);
+    store(state, *m_settings);
     m_session.report(state);
     Q_EMIT stateChanged(state);
 }
 
 void SendspinPlayer::apply(const SendspinPlayerState &state) {
     m_state = state;
-    m_source.setVolume(state.volume);
-    m_source.setMuted(state.muted);
+    m_source->setVolume(state.volume);
+    m_source->setMuted(state.muted);
     m_timing.staticDelayMs = state.staticDelayMs;
-    m_source.setTiming(m_timing);
+    m_source->setTiming(m_timing);
 }
 
 void SendspinPlayer::setStreaming(bool isStreaming) {
@@ -139,13 +162,13 @@ void SendspinPlayer::updateTiming() {
         return; // a new connection has begun, and its clock is not known yet
     m_timing.filter = clock.filter;
     m_timing.isKnown = true;
-    m_source.setTiming(m_timing);
+    m_source->setTiming(m_timing);
 }
 
 void SendspinPlayer::work() {
     updateTiming();
     m_buffer.advance(m_timing, m_clock.now());
-    if (m_isStreaming || m_buffer.bytes() > 0)
+    if (m_isStreaming || m_isClicking || m_buffer.bytes() > 0)
         workLater();
 }
 
@@ -156,19 +179,57 @@ void SendspinPlayer::workLater() {
     });
 }
 
+void SendspinPlayer::setSource(const std::shared_ptr<SendspinSource> &source) {
+    QMetaObject::invokeMethod(this, [this, source] { takeSource(source); });
+}
+
+void SendspinPlayer::takeSource(const std::shared_ptr<SendspinSource> &source) {
+    if (source == m_source)
+        return;
+    m_source->queue().drop();
+    {
+        const MutexLock lock(m_sourceMutex);
+        const SendspinSource::Figures figures = m_source->figures();
+        m_lateBefore += figures.late;
+        m_resyncsBefore += figures.resyncs;
+        m_source = source;
+    }
+    m_buffer.setQueue(source->queue());
+    m_source->setClicking(m_isClicking);
+    apply(m_state);
+}
+
+// By their timestamps: they come as fast as the network likes.
+void SendspinPlayer::measure(const SendspinAudioChunk &chunk) {
+    std::int64_t elapsed = 0;
+    if (__builtin_sub_overflow(chunk.timestamp, m_measuredFrom, &elapsed))
+        elapsed = -1;
+    if (m_measuredBytes > 0 && elapsed >= bitrateSpan && elapsed < 4 * bitrateSpan)
+        m_bitrate = static_cast<int>(m_measuredBytes * 8000 / elapsed);
+    if (m_measuredBytes == 0 || elapsed < 0 || elapsed >= bitrateSpan) {
+        m_measuredFrom = chunk.timestamp;
+        m_measuredBytes = 0;
+    }
+    m_measuredBytes += chunk.data.size();
+}
+
 SendspinFigures SendspinPlayer::figures() const {
     const SendspinTimeFilter filter = m_session.clock().filter;
-    const SendspinSource::Figures source = m_source.figures();
+    const MutexLock lock(m_sourceMutex);
+    const SendspinSource::Figures source = m_source->figures();
+    const SendspinFrameQueue &queue = m_source->queue();
+    const double decodedMs = static_cast<double>(queue.buffered()) * 1000 / queue.sampleRate;
     return {.offset = filter.offset(),
             .drift = filter.drift(),
             .clockError = filter.error(),
             .error = source.error,
             .ratio = source.ratio,
-            .bufferedMs = static_cast<double>(m_buffer.duration()) / 1000,
+            .bufferedMs = static_cast<double>(m_buffer.duration()) / 1000 + decodedMs,
             .bufferedBytes = m_buffer.bytes(),
-            .late = source.late + m_buffer.late(),
+            .bitrate = m_bitrate,
+            .late = m_lateBefore + source.late + m_buffer.late(),
             .dropped = m_buffer.dropped(),
-            .resyncs = source.resyncs,
+            .resyncs = m_resyncsBefore + source.resyncs,
             .isPlaying = source.isPlaying};
 }
 

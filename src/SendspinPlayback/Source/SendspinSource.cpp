@@ -14,7 +14,7 @@ static constexpr double microseconds = 1'000'000;
 
 SendspinSource::SendspinSource(int sampleRate)
     : m_rate(sampleRate), m_fadeFrames(std::max(1, static_cast<int>(fadeSeconds * sampleRate))),
-      m_queue(sampleRate, queueFrames(sampleRate)) {}
+      m_queue(sampleRate, queueFrames(sampleRate)), m_click(sampleRate) {}
 
 void SendspinSource::setVolume(int volume) {
     const float part = static_cast<float>(std::clamp(volume, 0, 100)) / 100;
@@ -39,6 +39,7 @@ void SendspinSource::render(float *interleaved, int frames, std::int64_t whenHea
         renderBlock(interleaved + std::ptrdiff_t{2} * done, std::min(blockFrames, frames - done),
                     timeOf(done));
     applyVolume(interleaved, frames);
+    m_click.mix(interleaved, frames, whenHeard, m_now);
 
     constexpr auto relaxed = std::memory_order_relaxed;
     m_queue.heardUpTo.store(timeOf(frames), relaxed);

@@ -1,7 +1,9 @@
 #pragma once
 
+#include "AudioCore/Graph/LiveSource.h"
 #include "AudioCore/Graph/Ramp.h"
 #include "SendspinPlayback/Source/LatestValue.h"
+#include "SendspinPlayback/Source/SendspinClick.h"
 #include "SendspinPlayback/Source/SendspinFrameQueue.h"
 #include "SendspinPlayback/Source/SendspinInterpolator.h"
 #include "SendspinPlayback/Source/SendspinRateControl.h"
@@ -13,9 +15,8 @@ namespace vantor {
 /// a percent faster or slower; it jumps, with short fades, at the start of a sound, when sound was missing
 /// and when the error lasts above 20 ms.
 ///
-/// Whoever renders has to know when a frame will be heard: for an AudioOutput the time at the beginning of
-/// the callback plus latency(), both of std::chrono::steady_clock. Errors of single callbacks are evened out.
-class SendspinSource {
+/// Whoever renders has to know when a frame will be heard. Errors of single callbacks are evened out.
+class SendspinSource final : public LiveSource {
   public:
     /// What it says about itself.
     struct Figures {
@@ -32,13 +33,14 @@ class SendspinSource {
     /// Fills `frames` interleaved stereo frames, of which the first is heard at `whenHeard`, microseconds of
     /// the local clock; silence where there is nothing to play. Audio thread: no locks, no allocation, no
     /// system call.
-    void render(float *interleaved, int frames, std::int64_t whenHeard);
+    void render(float *interleaved, int frames, std::int64_t whenHeard) override;
 
     /// One thread, that of the decoding.
     void setTiming(const SendspinTiming &timing) { m_timing.write(timing); }
     // Any thread; they take effect in some milliseconds.
     void setVolume(int volume); ///< 0…100, as loud as it is perceived
     void setMuted(bool muted) { m_wantedMute.store(muted ? 0.0F : 1.0F, std::memory_order_relaxed); }
+    void setClicking(bool on) { m_click.setOn(on); } ///< over whatever it plays; see SendspinClick
     [[nodiscard]] Figures figures() const;
 
     /// Where its sound comes from.
@@ -72,6 +74,7 @@ class SendspinSource {
     const int m_fadeFrames;
     SendspinFrameQueue m_queue;
     const SendspinInterpolator m_interpolator;
+    SendspinClick m_click;
     LatestValue<SendspinTiming> m_timing;
     std::atomic<float> m_wantedVolume{1};
     std::atomic<float> m_wantedMute{1};

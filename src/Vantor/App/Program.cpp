@@ -16,8 +16,10 @@
 #include "Vantor/Library/MusicLibrary.h"
 #include "Vantor/Model/PlayerModel.h"
 #include "Vantor/Model/ResumePoint.h"
+#include "Vantor/Model/StoredValue.h"
 #include "Vantor/Mpris/MprisService.h"
 #include "Vantor/Mpris/SessionBus.h"
+#include "Vantor/Speaker/NetworkSpeaker.h"
 #include "Vantor/Windows/DialogPlace.h"
 #include "Vantor/Windows/SkinnedWindows.h"
 #include "Vantor/Windows/WelcomeDialog.h"
@@ -155,6 +157,18 @@ void playDemo(PlayerModel &model) {
         model.open({demoTrack()});
 }
 
+// So that nothing plays on in the house when its user goes, if that is wanted.
+void stopSpeaker(PlayerModel &model, const QSettings &settings) {
+    constexpr std::chrono::milliseconds farewell{300}; // for the command to be on its way
+    const bool isWanted = StoredValue::boolean(settings, QStringLiteral("musicAssistant.stopOnQuit"), false);
+    if (!isWanted || !model.remote().isSelected() || !model.remote().view().wantsToPlay)
+        return;
+    model.remote().transport(TransportCommand::stop());
+    QEventLoop loop;
+    QTimer::singleShot(farewell, &loop, &QEventLoop::quit);
+    loop.exec();
+}
+
 int print(const LaunchOptions::Message &message) {
     std::fprintf(message.exitStatus == 0 ? stdout : stderr, "%s\n", qUtf8Printable(message.text));
     return message.exitStatus;
@@ -200,7 +214,14 @@ int runProgram(int argc, char **argv) {
     ThisComputer computer;
     MusicAssistantServers servers(settings, computer.asked());
     MusicLibrary library(model, settings, servers);
+    NetworkSpeaker speaker(player, servers, settings);
+    model.setSpeaker(&speaker);
+    QObject::connect(&library.browser(), &LibraryBrowser::aboutToPlay, &speaker, [&](const OutputDevice &on) {
+        if (on.kind == OutputDevice::Kind::thisMac && !library.playsHere())
+            speaker.makeWay();
+    });
     windows.commands().setLibrary(&library);
+    windows.commands().setSpeaker(&speaker);
     std::optional<TimedRun> timedRun;
     if (options.seconds) {
         timedRun.emplace(model, windows.mainWindow(), *options.seconds,
@@ -220,6 +241,7 @@ int runProgram(int argc, char **argv) {
         new AfterFirstPaint(windows.mainWindow(), [&] {
             indexedSkins.emplace(model, windows.commands(), settings);
             library.resume();
+            speaker.begin();
         });
     bool hasBegun = false;
     // What was asked for, else on from where the last run ended, else the demo.
@@ -250,6 +272,7 @@ int runProgram(int argc, char **argv) {
         },
         Qt::QueuedConnection);
     const int status = QApplication::exec();
+    stopSpeaker(model, settings);
     if (savedQueue && hasBegun)
         ResumePoint::save(settings, player);
     if (!timedRun && options.screenshot && !windows.mainWindow().savePicture(*options.screenshot))

@@ -12,8 +12,18 @@ void MusicAssistantServers::wakeUp() {
         wake();
 }
 
+bool MusicAssistantServers::isReachedAlike(const MusicAssistantServerConfiguration &one,
+                                           const MusicAssistantServerConfiguration &other) {
+    return one.id == other.id && one.address == other.address && one.name == other.name;
+}
+
+void MusicAssistantServers::setLocalClientID(const std::optional<QString> &id) {
+    if (std::exchange(m_localClientID, id) != id)
+        Q_EMIT localClientChanged();
+}
+
 void MusicAssistantServers::beginSelection() {
-    if (m_selection || m_waiting)
+    if (m_selecting++ > 0)
         return;
     wakeUp();
     if (m_computer.wifi.authorization() != WiFiAuthorization::notDetermined) {
@@ -27,6 +37,8 @@ void MusicAssistantServers::beginSelection() {
 }
 
 void MusicAssistantServers::endSelection() {
+    if (--m_selecting > 0)
+        return;
     m_waiting.reset();
     m_patience.reset();
     m_selection.reset();

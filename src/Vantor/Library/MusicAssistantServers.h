@@ -40,7 +40,18 @@ class MusicAssistantServers : public QObject {
     /// Has the computer tell which network this is and what is in it.
     void wakeUp();
 
-    /// Begins to choose a server, again and again as things change, until endSelection().
+    /// Whether a connection to the one is a connection to the other. On which networks it is preferred does
+    /// not count.
+    [[nodiscard]] static bool isReachedAlike(const MusicAssistantServerConfiguration &one,
+                                             const MusicAssistantServerConfiguration &other);
+
+    /// The Sendspin client of this computer, which the chosen server knows as a player; none while it does
+    /// not take part.
+    [[nodiscard]] const std::optional<QString> &localClientID() const { return m_localClientID; }
+    void setLocalClientID(const std::optional<QString> &id);
+
+    /// Begins to choose a server, again and again as things change, until everybody who has asked for it has
+    /// ended it.
     void beginSelection();
     void endSelection();
     /// Chooses anew now.
@@ -52,6 +63,7 @@ class MusicAssistantServers : public QObject {
 
   Q_SIGNALS:
     void selectionChanged();
+    void localClientChanged();
 
   private:
     Computer m_computer;
@@ -63,6 +75,8 @@ class MusicAssistantServers : public QObject {
     MusicAssistantDiscovery m_discovery;
     MusicAssistantServerSelector m_selector;
     std::optional<MusicAssistantSelectionController> m_selection;
+    std::optional<QString> m_localClientID;
+    int m_selecting = 0;                ///< how many want a choice
     std::unique_ptr<QObject> m_waiting; ///< for the network, before the first choice
     std::unique_ptr<Scheduler::Pending> m_patience;
 };

@@ -8,19 +8,12 @@ namespace vantor {
 
 using namespace MusicAssistantBackendErrors;
 
-namespace {
-
-/// Whether a backend for the one is a backend for the other. On which networks it is preferred does not
-/// count.
-bool isSameServer(const MusicAssistantServerConfiguration &one,
-                  const MusicAssistantServerConfiguration &other) {
-    return one.id == other.id && one.address == other.address && one.name == other.name;
-}
-
-} // namespace
-
 MusicAssistantSource::MusicAssistantSource(MusicAssistantServers &servers) : m_servers(servers) {
     connect(&servers, &MusicAssistantServers::selectionChanged, this, &MusicAssistantSource::choose);
+    connect(&servers, &MusicAssistantServers::localClientChanged, this, [this] {
+        if (m_backendOfServer)
+            m_backendOfServer->setLocalClientID(m_servers.localClientID());
+    });
     connect(&servers.settings(), &MusicAssistantSettingsModel::tokenChanged, this, [this](const QUuid &id) {
         if (!m_server || m_server->id != id)
             return;
@@ -48,8 +41,8 @@ void MusicAssistantSource::open() {
 }
 
 void MusicAssistantSource::close() {
-    m_isOpen = false;
-    m_servers.endSelection();
+    if (std::exchange(m_isOpen, false))
+        m_servers.endSelection();
     leave();
     setBackend(nullptr);
 }
@@ -67,7 +60,7 @@ void MusicAssistantSource::choose() {
     const MusicAssistantSelectionController *const selection = m_servers.selection();
     const bool isBack = m_later && selection && !selection->isFinding();
     if (selection && selection->current()) {
-        if (isBack || !m_server || !isSameServer(*m_server, *selection->current()))
+        if (isBack || !m_server || !MusicAssistantServers::isReachedAlike(*m_server, *selection->current()))
             use(*selection->current());
         return;
     }
@@ -90,7 +83,7 @@ void MusicAssistantSource::choose() {
 
 bool MusicAssistantSource::isAsItWas() const {
     const auto now = m_server ? m_servers.list().server(m_server->id) : std::nullopt;
-    return now && isSameServer(*m_server, *now);
+    return now && MusicAssistantServers::isReachedAlike(*m_server, *now);
 }
 
 void MusicAssistantSource::leave() {
@@ -98,6 +91,7 @@ void MusicAssistantSource::leave() {
     m_updates = {};
     m_status = {};
     m_later.reset();
+    m_backendOfServer.reset();
     if (std::exchange(m_server, std::nullopt))
         Q_EMIT nameChanged();
 }
@@ -128,6 +122,8 @@ QCoro::Task<> MusicAssistantSource::use(MusicAssistantServerConfiguration server
     const MusicAssistantBackend::Collaborators with{m_servers.transports(), m_servers.http(),
                                                     m_servers.clock()};
     const auto backend = std::make_shared<MusicAssistantBackend>(description, with);
+    backend->setLocalClientID(m_servers.localClientID());
+    m_backendOfServer = backend;
     m_updates = backend->statusUpdates();
     followStatus();
     setBackend(backend);

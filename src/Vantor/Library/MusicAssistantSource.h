@@ -44,6 +44,7 @@ class MusicAssistantSource : public LibrarySource {
     MusicAssistantServers &m_servers;
     bool m_isOpen = false;
     std::optional<MusicAssistantServerConfiguration> m_server;
+    std::shared_ptr<MusicAssistantBackend> m_backendOfServer; ///< as long as it is followed
     AsyncStream<MusicAssistantStatus> m_updates;
     MusicAssistantStatus m_status;
     std::unique_ptr<Scheduler::Pending> m_later; ///< another look for a server that could not be connected

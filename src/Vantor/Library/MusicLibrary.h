@@ -30,6 +30,8 @@ class MusicLibrary : public QObject {
     /// Those that there are, one at least.
     [[nodiscard]] QList<LibrarySource *> sources();
     [[nodiscard]] LibrarySource &current();
+    /// Whether this program plays what is current, and not the source itself.
+    [[nodiscard]] bool playsHere() const { return m_current == &m_folder; }
     void choose(LibrarySource &source);
 
     /// Connects the source, as far as it has not been.

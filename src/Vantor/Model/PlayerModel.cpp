@@ -3,6 +3,7 @@
 #include "MusicBackendKit/MarqueeText.h"
 #include "SkinKit/Layout/MainSliders.h"
 #include "Vantor/Model/StoredValue.h"
+#include "Vantor/Speaker/NetworkSpeaker.h"
 
 #include <QLoggingCategory>
 #include <QPointer>
@@ -40,8 +41,9 @@ MainWindowStatus::Transport transportOf(PlaybackState state) {
 
 PlayerModel::PlayerModel(Player &player, QSettings &settings, QObject *parent)
     : QObject(parent), m_player(player), m_settings(settings), m_local(player, settings), m_remote(settings),
-      m_skin(SkinLoader::defaultSkin()), m_preferences(settings), m_output(player, settings),
-      m_skins(settings), m_windows(settings), m_visualizer(player.analyzer(), settings) {
+      m_stream(m_local), m_skin(SkinLoader::defaultSkin()), m_preferences(settings),
+      m_output(player, settings), m_skins(settings), m_windows(settings),
+      m_visualizer(player.analyzer(), settings) {
     restoreSettings();
     updateTitle();
     connect(&m_visualizer, &Visualizer::changed, this, &PlayerModel::sceneChanged);
@@ -99,6 +101,27 @@ PlayerModel::~PlayerModel() {
     m_player.removeEventObserver(m_observer);
 }
 
+PlaybackTarget &PlayerModel::target() {
+    if (m_remote.isSelected())
+        return m_remote;
+    return m_stream.isStreaming() ? static_cast<PlaybackTarget &>(m_stream) : m_local;
+}
+
+const PlaybackTarget &PlayerModel::target() const {
+    if (m_remote.isSelected())
+        return m_remote;
+    return m_stream.isStreaming() ? static_cast<const PlaybackTarget &>(m_stream) : m_local;
+}
+
+void PlayerModel::setSpeaker(NetworkSpeaker *speaker) {
+    m_stream.setSpeaker(speaker);
+    connect(speaker, &NetworkSpeaker::changed, this, [this] {
+        updateTitle();
+        Q_EMIT streamChanged();
+        Q_EMIT sceneChanged();
+    });
+}
+
 MainWindowScene PlayerModel::scene() const {
     const auto now = StatusNotice::Clock::now();
     const PlaybackView view = target().view();
@@ -109,7 +132,9 @@ MainWindowScene PlayerModel::scene() const {
     scene.status.timeMode = view.duration > 0 ? m_timeMode : TimeMode::elapsed;
     scene.status.elapsed = view.elapsed;
     scene.status.duration = view.duration;
-    if (!m_remote.isSelected())
+    if (hearsStream())
+        m_stream.showFormat(scene.status);
+    else if (!m_remote.isSelected())
         showFormat(scene.status);
     scene.timeLit = std::fmod(m_blinkTime, 2 * blinkHalfPeriod) < blinkHalfPeriod;
     scene.shaded = m_windows.isShaded(WindowKind::main);
@@ -141,8 +166,15 @@ void PlayerModel::showFormat(MainWindowStatus &status) const {
     }
 }
 
+/// Whether what the windows are about is a stream to this computer.
+bool PlayerModel::hearsStream() const {
+    return m_stream.isStreaming() && (!m_remote.isSelected() || m_remote.isHere());
+}
+
 /// Of what this computer plays, as long as that is what the windows are about.
 PlaybackState PlayerModel::visualizedState() const {
+    if (hearsStream())
+        return PlaybackState::playing;
     return m_remote.isSelected() ? PlaybackState::stopped : m_player.state();
 }
 
@@ -154,7 +186,7 @@ std::optional<std::chrono::milliseconds> PlayerModel::frameInterval() const {
         interval = std::min(interval.value_or(marqueeInterval), marqueeInterval);
     if (interval)
         return interval;
-    if (target().view().state == PlaybackState::paused)
+    if (target().view().state == PlaybackState::paused || showsStream()) // whose seconds nobody else tells
         return blinkInterval;
     return std::nullopt;
 }
@@ -325,7 +357,11 @@ void PlayerModel::handle(const PlayerEvent &event) {
         updateTitle();
         if (m_draggedPosition && !m_remote.isSelected())
             cancelSlider(); // it was a place in the track before
+    } else if (std::holds_alternative<PlayerEvents::StreamStarted>(event)) {
+        m_remote.followHere(true);
     } else if (const auto *changed = std::get_if<PlayerEvents::StateChanged>(&event)) {
+        if (m_player.wantsToPlay())
+            m_remote.followHere(false);
         if (changed->state == PlaybackState::stopped && m_draggedPosition && !m_remote.isSelected())
             cancelSlider();
     }
@@ -355,6 +391,10 @@ void PlayerModel::watchOutput() {
 void PlayerModel::updateTitle() {
     if (m_remote.isSelected()) {
         m_marquee.setTitle(m_remote.title());
+        return;
+    }
+    if (m_stream.isStreaming()) {
+        m_marquee.setTitle(tr("Streaming: %1").arg(m_stream.name()));
         return;
     }
     const std::optional<Track> track = m_player.queue().current();

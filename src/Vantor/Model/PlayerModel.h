@@ -14,6 +14,7 @@
 #include "Vantor/Model/Visualizer.h"
 #include "Vantor/Model/WindowState.h"
 #include "Vantor/Remote/RemoteOutput.h"
+#include "Vantor/Speaker/StreamTarget.h"
 
 #include <QObject>
 
@@ -39,13 +40,16 @@ class PlayerModel : public QObject {
     [[nodiscard]] LocalTarget &local() { return m_local; }
     /// The speaker of the music source that the user has selected, if one is.
     [[nodiscard]] RemoteOutput &remote() { return m_remote; }
-    /// What the windows show and command: the player, or the selected speaker.
-    [[nodiscard]] PlaybackTarget &target() {
-        return m_remote.isSelected() ? static_cast<PlaybackTarget &>(m_remote) : m_local;
-    }
-    [[nodiscard]] const PlaybackTarget &target() const {
-        return m_remote.isSelected() ? static_cast<const PlaybackTarget &>(m_remote) : m_local;
-    }
+    /// What the windows show and command: the selected speaker, what a server streams to this computer, or
+    /// the player.
+    [[nodiscard]] PlaybackTarget &target();
+    [[nodiscard]] const PlaybackTarget &target() const;
+    /// Whether that is a stream that this computer cannot command at its server.
+    [[nodiscard]] bool showsStream() const { return !m_remote.isSelected() && m_stream.isStreaming(); }
+    /// As what it shows: the group or the server that streams.
+    [[nodiscard]] QString streamName() const { return m_stream.name(); }
+    /// This computer as a speaker; none at first.
+    void setSpeaker(NetworkSpeaker *speaker);
     [[nodiscard]] const Skin &skin() const { return m_skin; }
     /// Where the skin came from; empty for the default one.
     [[nodiscard]] QUrl skinUrl() const { return m_skinUrl; }
@@ -124,6 +128,7 @@ class PlayerModel : public QObject {
   Q_SIGNALS:
     void sceneChanged();
     void skinChanged();
+    void streamChanged(); ///< what showsStream() and streamName() say, or how loud it is
     /// A track that was not played or not even taken in: its name and the sentence that says why.
     void trackRefused(const QString &name, const QString &message);
     /// A list of which a part was not taken in.
@@ -143,6 +148,7 @@ class PlayerModel : public QObject {
         ImportPlan plan;
     };
 
+    [[nodiscard]] bool hearsStream() const;
     [[nodiscard]] PlaybackState visualizedState() const;
     void showFormat(MainWindowStatus &status) const;
     void handle(const PlayerEvent &event);
@@ -167,6 +173,7 @@ class PlayerModel : public QObject {
     QSettings &m_settings;
     LocalTarget m_local;
     RemoteOutput m_remote;
+    StreamTarget m_stream;
     SkinLoader m_skinLoader;
     TrackImporter m_importer;
     Skin m_skin;

@@ -36,6 +36,7 @@ MprisPlayer::MprisPlayer(QObject *service, PlayerModel &model, Commands &command
     Player &player = model.player();
     for (const auto signal : {&Player::queueChanged, &Player::stateChanged, &Player::volumeChanged})
         connect(&player, signal, &m_telling, qOverload<>(&QTimer::start));
+    connect(&model, &PlayerModel::streamChanged, this, &MprisPlayer::showArtwork);
     connect(&model.remote(), &RemoteOutput::selectionChanged, this, &MprisPlayer::showArtwork);
     connect(&model.remote(), &RemoteOutput::changed, this, &MprisPlayer::showArtwork);
     connect(&model.remote(), &RemoteOutput::seeked, this,
@@ -70,7 +71,8 @@ void MprisPlayer::setEnabled(NowPlayingCommand command, bool enabled) {
 
 void MprisPlayer::showArtwork() {
     const RemoteOutput &remote = m_model.remote();
-    takeArtwork(remote.isSelected() ? remote.artwork() : m_info ? m_info->artwork : QImage());
+    const bool isLocal = m_info && !m_model.showsStream();
+    takeArtwork(remote.isSelected() ? remote.artwork() : isLocal ? m_info->artwork : QImage());
     m_telling.start();
 }
 
@@ -162,6 +164,9 @@ void MprisPlayer::setShuffled(bool on) {
 }
 
 QVariantMap MprisPlayer::metadata() const {
+    if (m_model.showsStream())
+        return {{QStringLiteral("mpris:trackid"), QVariant::fromValue(trackPath())},
+                {QStringLiteral("xesam:title"), m_model.streamName()}};
     QVariantMap map = m_model.remote().isSelected() ? remoteMetadata() : localMetadata();
     if (!map.isEmpty() && !m_artworkPath.isEmpty())
         map[QStringLiteral("mpris:artUrl")] = QUrl::fromLocalFile(m_artworkPath).toString(QUrl::FullyEncoded);
@@ -170,6 +175,8 @@ QVariantMap MprisPlayer::metadata() const {
 
 /// What plays now; an empty one while nothing does.
 QDBusObjectPath MprisPlayer::trackPath() const {
+    if (m_model.showsStream())
+        return QDBusObjectPath(QStringLiteral("/co/kelvane/vantor/stream"));
     if (!m_model.remote().isSelected()) {
         const std::optional<Track> track = m_model.player().queue().current();
         return track ? pathOf(*track) : QDBusObjectPath();

@@ -3,6 +3,6 @@
 namespace vantor {
 
 /// The pages of the preferences, in their order.
-enum class PreferencesPage { general, skins, library, musicAssistant, output, playback };
+enum class PreferencesPage { general, skins, library, musicAssistant, speaker, output, playback };
 
 } // namespace vantor

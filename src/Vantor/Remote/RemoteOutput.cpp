@@ -69,6 +69,7 @@ void RemoteOutput::setBrowser(LibraryBrowser *browser) {
         connect(browser, &LibraryBrowser::outputChosen, this, &RemoteOutput::remember);
         connect(browser, &LibraryBrowser::stateChanged, this, &RemoteOutput::takeOutput);
         connect(browser, &LibraryBrowser::outputsChanged, this, &RemoteOutput::takeOutput);
+        connect(browser, &LibraryBrowser::activitiesChanged, this, &RemoteOutput::takeOutput);
         recall();
     }
     takeOutput();
@@ -87,6 +88,7 @@ void RemoteOutput::remember(const OutputDevice &output) {
 }
 
 void RemoteOutput::select(const OutputDevice &output) {
+    m_followsHere = false;
     if (m_browser)
         m_browser->chooseOutput(output.id, output.name);
 }
@@ -98,8 +100,12 @@ void RemoteOutput::deselect() {
 
 void RemoteOutput::takeOutput() {
     std::optional<OutputDevice> device = m_browser ? m_browser->output() : std::nullopt;
-    if (device && device->kind != OutputDevice::Kind::remote)
-        device.reset();
+    if (device && device->kind != OutputDevice::Kind::remote) {
+        if (playsHere())
+            device->name = tr("This Computer");
+        else
+            device.reset();
+    }
     const auto backend = device && device->isAvailable ? m_browser->connected() : nullptr;
     if (device == m_device && backend == m_backend)
         return;
@@ -112,6 +118,19 @@ void RemoteOutput::takeOutput() {
     Q_EMIT changed();
     if (hasGone)
         Q_EMIT failed(tr("%1 is not available").arg(m_device->name));
+}
+
+void RemoteOutput::followHere(bool follow) {
+    if (std::exchange(m_followsHere, follow) != follow)
+        takeOutput();
+}
+
+/// Whether the source knows this computer as a speaker, too.
+bool RemoteOutput::playsHere() const {
+    const bool hasSpeakers = capabilities().testFlag(MusicBackendCapability::remoteOutputs);
+    return m_followsHere && hasSpeakers &&
+           std::ranges::find(m_browser->activities(), OutputDevice::thisMacID(), &OutputActivity::output) !=
+               m_browser->activities().end();
 }
 
 void RemoteOutput::watch(const std::shared_ptr<MusicBackend> &backend) {

@@ -15,6 +15,8 @@ namespace vantor {
 /// what it plays, and the commands over it. The selection is remembered for each source. To select an output
 /// moves no music and stops none.
 ///
+/// This computer is a speaker like the others while what it plays comes from the source (followHere()).
+///
 /// What is commanded shows at once and is put right when the server says otherwise; what fails is told by
 /// failed(). A speaker that goes away stays selected, unavailable, until it comes back or another output is
 /// chosen. Main thread; borrows the settings and the browser.
@@ -33,7 +35,12 @@ class RemoteOutput : public QObject, public PlaybackTarget {
     [[nodiscard]] bool isAvailable() const { return m_backend != nullptr; }
     /// The speaker; only while one is selected.
     [[nodiscard]] const OutputDevice &device() const { return *m_device; }
+    /// Whether that speaker is this computer.
+    [[nodiscard]] bool isHere() const { return m_device && m_device->kind == OutputDevice::Kind::thisMac; }
     void select(const OutputDevice &output);
+    /// Whether what was heard here last is what the source plays on this computer, which it can pause and go
+    /// on with; else it is what the program plays by itself.
+    void followHere(bool follow);
     /// This computer instead.
     void deselect();
 
@@ -70,6 +77,7 @@ class RemoteOutput : public QObject, public PlaybackTarget {
     void recall();
     void remember(const OutputDevice &output);
     void takeOutput();
+    [[nodiscard]] bool playsHere() const;
     void watch(const std::shared_ptr<MusicBackend> &backend);
     QCoro::Task<> followPlaying();
     QCoro::Task<> followQueue();
@@ -92,6 +100,7 @@ class RemoteOutput : public QObject, public PlaybackTarget {
     OutputMemory m_memory;
     LibraryBrowser *m_browser = nullptr;
     std::optional<OutputDevice> m_device;
+    bool m_followsHere = false;
     std::shared_ptr<MusicBackend> m_backend;
     std::shared_ptr<char> m_watch = std::make_shared<char>(); ///< whose streams and answers count
     AsyncStream<NowPlaying> m_playingStream;

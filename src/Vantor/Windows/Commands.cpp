@@ -126,9 +126,9 @@ void Commands::addPlayback() {
     send(Id::previous, tr("Previous"), {Qt::Key_Z, Qt::Key_MediaPrevious}, TransportCommand::previous());
     add(Id::play, tr("Play"), {Qt::Key_X}, [this] {
         const PlaybackView view = m_model.target().view();
-        if (view.isEmpty && !m_model.remote().isSelected())
+        if (m_model.player().queue().count() == 0 && !m_model.remote().isSelected())
             OpenDialogs::openFiles(m_model, activeWindow());
-        else if (view.state == PlaybackState::playing)
+        else if (view.state == PlaybackState::playing && !m_model.showsStream())
             m_model.transport(TransportCommand::seek(0));
         else
             m_model.transport(TransportCommand::play());
@@ -350,7 +350,7 @@ void Commands::setLibrary(MusicLibrary *library) {
 
 void Commands::showPreferences(std::optional<PreferencesPage> page) {
     if (!m_preferences) {
-        m_preferences = new PreferencesDialog(m_model, m_library, activeWindow());
+        m_preferences = new PreferencesDialog(m_model, m_library, m_speaker, activeWindow());
         DialogPlace::beside(*m_preferences, shownFrames());
     }
     if (page)

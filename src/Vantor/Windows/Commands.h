@@ -17,6 +17,7 @@ class QMenu;
 namespace vantor {
 
 class MusicLibrary;
+class NetworkSpeaker;
 class PreferencesDialog;
 class SkinSwitcher;
 class SkinnedWindow;
@@ -98,6 +99,8 @@ class Commands : public QObject, public NowPlayingCommandTarget {
 
     /// Whose window the library command opens; borrowed, none for no such command.
     void setLibrary(MusicLibrary *library);
+    /// This computer as a speaker, which the preferences show.
+    void setSpeaker(NetworkSpeaker *speaker) { m_speaker = speaker; }
 
     /// Ticked and enabled as it is now.
     [[nodiscard]] QAction &action(Id id);
@@ -158,6 +161,7 @@ class Commands : public QObject, public NowPlayingCommandTarget {
 
     PlayerModel &m_model;
     MusicLibrary *m_library = nullptr;
+    NetworkSpeaker *m_speaker = nullptr;
     SkinSwitcher *m_skins = nullptr;
     std::function<void()> m_browseSkins;
     std::vector<QPointer<SkinnedWindow>> m_windows;

@@ -30,4 +30,11 @@ void DialogPlace::beside(QWidget &dialog, const QList<QRect> &windows) {
     }
 }
 
+void DialogPlace::keepOnScreen(QWidget &dialog) {
+    const QRect room = dialog.screen()->availableGeometry();
+    const QRect frame = dialog.frameGeometry();
+    if (dialog.isVisible() && frame.bottom() > room.bottom())
+        dialog.move(frame.left(), std::max(room.top(), room.bottom() + 1 - frame.height()));
+}
+
 } // namespace vantor

@@ -13,4 +13,7 @@ namespace vantor::DialogPlace {
 /// their frames in screen coordinates.
 void beside(QWidget &dialog, const QList<QRect> &windows);
 
+/// Moves a dialog up that has grown beyond the end of the screen.
+void keepOnScreen(QWidget &dialog);
+
 } // namespace vantor::DialogPlace

@@ -4,6 +4,8 @@
 #include "Vantor/Model/PlayerModel.h"
 #include "Vantor/Preferences/MusicAssistantPage.h"
 #include "Vantor/Preferences/SettingsPage.h"
+#include "Vantor/Speaker/SpeakerPage.h"
+#include "Vantor/Windows/DialogPlace.h"
 #include "Vantor/Windows/FaintText.h"
 #include "Vantor/Windows/FolderField.h"
 
@@ -18,7 +20,8 @@
 
 namespace vantor {
 
-PreferencesDialog::PreferencesDialog(PlayerModel &model, MusicLibrary *library, QWidget *parent)
+PreferencesDialog::PreferencesDialog(PlayerModel &model, MusicLibrary *library, NetworkSpeaker *speaker,
+                                     QWidget *parent)
     : QDialog(parent), m_model(model), m_library(library), m_titles(new QListWidget),
       m_pages(new QStackedWidget) {
     setAttribute(Qt::WA_DeleteOnClose);
@@ -31,6 +34,12 @@ PreferencesDialog::PreferencesDialog(PlayerModel &model, MusicLibrary *library, 
     if (m_library) {
         m_servers = new MusicAssistantPage(m_library->servers());
         addPage(PreferencesPage::musicAssistant, tr("Music Assistant"), m_servers);
+    }
+    if (m_library && speaker) {
+        auto *const page = new SpeakerPage(*speaker, m_library->servers().list());
+        addPage(PreferencesPage::speaker, tr("Speaker"), page);
+        connect(page, &SpeakerPage::serverWanted, this,
+                [this] { showPage(PreferencesPage::musicAssistant); });
     }
     addPage(PreferencesPage::output, tr("Output"), outputPage());
     addPage(PreferencesPage::playback, tr("Playback"), playbackPage());
@@ -54,6 +63,12 @@ PreferencesDialog::PreferencesDialog(PlayerModel &model, MusicLibrary *library, 
 void PreferencesDialog::addPage(PreferencesPage page, const QString &title, QWidget *widget) {
     (new QListWidgetItem(title, m_titles))->setData(Qt::UserRole, static_cast<int>(page));
     m_pages->addWidget(widget);
+}
+
+// Details that open may need more room than there is below.
+void PreferencesDialog::resizeEvent(QResizeEvent *event) {
+    QDialog::resizeEvent(event);
+    DialogPlace::keepOnScreen(*this);
 }
 
 void PreferencesDialog::showPage(PreferencesPage page) {

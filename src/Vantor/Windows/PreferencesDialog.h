@@ -11,19 +11,23 @@ namespace vantor {
 
 class MusicAssistantPage;
 class MusicLibrary;
+class NetworkSpeaker;
 class PlayerModel;
 
 /// Everything that the user can set, a page a subject. What is changed holds at once. Its button does not
 /// close it over a folder or an address that is none; Escape does. Deletes itself when closed. Main thread;
-/// borrows the model and the library.
+/// borrows what it is given.
 class PreferencesDialog : public QDialog {
     Q_OBJECT
 
   public:
-    /// `library`: none where there is none to be looked through, and no servers.
-    PreferencesDialog(PlayerModel &model, MusicLibrary *library, QWidget *parent);
+    /// `library`: none where there is none to be looked through, and no servers. `speaker`: none likewise.
+    PreferencesDialog(PlayerModel &model, MusicLibrary *library, NetworkSpeaker *speaker, QWidget *parent);
 
     void showPage(PreferencesPage page);
+
+  protected:
+    void resizeEvent(QResizeEvent *event) override;
 
   private:
     void addPage(PreferencesPage page, const QString &title, QWidget *widget);

@@ -154,7 +154,11 @@ void FakeMusicAssistant::readHead(QTcpSocket *socket) {
     const QList<QByteArray> requestLine = head.left(head.indexOf("\r\n")).split(' ');
     const QUrl target(QString::fromLatin1(requestLine.value(1)));
     disconnect(socket, nullptr, this, nullptr);
-    if (target.path() == "/ws"_L1 && head.toLower().contains("upgrade: websocket")) {
+    const bool isSendspin = m_takeSendspin && target.path() == "/sendspin"_L1;
+    // An answer about the time must not wait until the sound before it has been acknowledged.
+    if (isSendspin)
+        socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
+    if ((isSendspin || target.path() == "/ws"_L1) && head.toLower().contains("upgrade: websocket")) {
         disconnect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
         m_upgrades.handleConnection(socket);
     } else {
@@ -189,6 +193,10 @@ FakeMusicAssistant::HTTPAnswer FakeMusicAssistant::pageFor(const QUrl &target) c
 void FakeMusicAssistant::greet(QWebSocket *client) {
     if (!client)
         return;
+    if (client->requestUrl().path() == "/sendspin"_L1) {
+        m_takeSendspin(client);
+        return;
+    }
     m_clients.insert(client, {});
     connect(client, &QWebSocket::textMessageReceived, this,
             [this, client](const QString &text) { takeFrame(client, text); });

@@ -113,6 +113,8 @@ class FakeMusicAssistant : public QObject {
     }
     /// A path that ends with a slash stands for all below it.
     void onHTTP(const QString &path, HTTPHandler handler) { m_pages.insert(path, std::move(handler)); }
+    /// Who takes the WebSockets of "/sendspin"; without one that is not there.
+    void onSendspin(std::function<void(QWebSocket *)> take) { m_takeSendspin = std::move(take); }
     /// To everybody who has signed in.
     void sendEvent(const QString &name, const QJsonValue &objectID, const QJsonValue &data);
     /// The text as it is.
@@ -149,6 +151,7 @@ class FakeMusicAssistant : public QObject {
     QHash<QWebSocket *, Client> m_clients;
     QHash<QString, CommandHandler> m_commands;
     QHash<QString, HTTPHandler> m_pages;
+    std::function<void(QWebSocket *)> m_takeSendspin;
     QStringList m_received;
     QList<ReceivedCommand> m_receivedCommands;
     int m_httpRequests = 0;

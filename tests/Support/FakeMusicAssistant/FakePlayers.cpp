@@ -64,7 +64,7 @@ void FakePlayers::addSendspinClient(const QString &clientID, const QString &name
 }
 
 void FakePlayers::showSendspinClient(const QString &clientID, const QString &name) {
-    const QString id = u"up-"_s + clientID;
+    const QString id = shownID(clientID);
     addPlayer(id, name, u"player"_s, true);
     players[id].insert("output_protocols"_L1, QJsonArray{QJsonObject{{u"output_protocol_id"_s, clientID},
                                                                      {u"name"_s, u"Sendspin"_s},

@@ -45,6 +45,8 @@ class FakePlayers : public QObject {
     /// protocol, later one that is shown.
     void addSendspinClient(const QString &clientID, const QString &name);
     void showSendspinClient(const QString &clientID, const QString &name);
+    /// Of the player that is shown.
+    [[nodiscard]] static QString shownID(const QString &clientID) { return QStringLiteral("up-") + clientID; }
     [[nodiscard]] QJsonObject queueRecord(const QString &id) const;
     /// At the end of a queue.
     void append(const QString &id, const QStringList &uris);

@@ -1,4 +1,4 @@
-#include "tests/Support/FakeMusicAssistant/FakePlayers.h"
+#include "tests/Support/FakeMusicAssistant/FakeHouse.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -119,6 +119,7 @@ int main(int argc, char **argv) {
                         isOld ? FakeLibrary::Dialect::old : FakeLibrary::Dialect::today);
     FakePlayers players(server, library);
     players.run();
+    FakeHouse house(server, players);
     QTimer storm;
     startStorm(storm, parser.value(u"events"_s).toInt(), library, players);
     bool isPort = false;

@@ -57,6 +57,10 @@ void FakeSendspin::greet(QWebSocket *socket) {
         socket->deleteLater();
         return;
     }
+    take(socket);
+}
+
+void FakeSendspin::take(QWebSocket *socket) {
     const auto ifThere = [guarded = QPointer(socket)](auto action) {
         return [guarded, action](const auto &...arguments) {
             if (guarded)

@@ -51,6 +51,8 @@ class FakeSendspin : public QObject {
     /// On this machine only; 0 for any free port.
     bool listen(quint16 port = 0);
     [[nodiscard]] QUrl url() const;
+    /// A client that connected elsewhere.
+    void take(QWebSocket *socket);
     /// Drops the clients without a word.
     void dropClients();
     FakeSendspinPeer *attach(FakeLink link);

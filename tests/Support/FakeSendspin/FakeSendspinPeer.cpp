@@ -79,6 +79,8 @@ void FakeSendspinPeer::handle(const QString &text) {
         answerTime(payload, receivedAt);
     } else if (type == "client/state"_L1) {
         m_state = payload;
+        // As with a real one, whoever leaves does not come back by itself.
+        m_hasLeft = m_hasLeft || (m_announced && !takesStream());
         if (!takesStream())
             endStream();
         pump();
@@ -118,7 +120,7 @@ void FakeSendspinPeer::answerTime(const QJsonObject &payload, std::int64_t recei
 }
 
 bool FakeSendspinPeer::takesStream() const {
-    return m_state.value("available"_L1).toBool();
+    return m_state.value("available"_L1).toBool() && !m_hasLeft;
 }
 
 void FakeSendspinPeer::announce(int formatNumber) {
@@ -172,6 +174,7 @@ void FakeSendspinPeer::restart(std::optional<int> formatThatStays) {
     m_buffer.clear();
     m_bufferedBytes = 0;
     m_nextChunk = -1;
+    m_hasLeft = false;
     const bool isKnown = m_announced && m_announced == formatThatStays;
     m_announced = isKnown ? std::optional(0) : std::nullopt;
     pump();

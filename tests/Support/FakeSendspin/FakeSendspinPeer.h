@@ -74,6 +74,7 @@ class FakeSendspinPeer : public QObject {
     std::int64_t m_chunksSent = 0;
     std::int64_t m_nextChunk = -1;  ///< −1: to be found
     std::optional<int> m_announced; ///< the number of the format
+    bool m_hasLeft = false;         ///< the stream that plays, because it was not available
 };
 
 } // namespace vantor

@@ -150,7 +150,7 @@ void dress(PlayerModel &model, const std::optional<QUrl> &asked) {
 
 void playDemo(PlayerModel &model) {
     const bool hasSomething =
-        model.isImporting() || model.player().queue().count() > 0 || model.remote().isSelected();
+        model.imports().isImporting() || model.player().queue().count() > 0 || model.remote().isSelected();
     if (!hasSomething && demoTrack().isValid())
         model.open({demoTrack()});
 }

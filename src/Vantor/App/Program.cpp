@@ -10,6 +10,7 @@
 #include "Vantor/App/CarryOut.h"
 #include "Vantor/App/IndexedSkins.h"
 #include "Vantor/App/LaunchOptions.h"
+#include "Vantor/App/QuitSignals.h"
 #include "Vantor/App/SavedQueue.h"
 #include "Vantor/App/SingleInstance.h"
 #include "Vantor/App/TimedRun.h"
@@ -180,6 +181,7 @@ int runProgram(int argc, char **argv) {
     int qtArgc = 1; // the arguments are ours alone
     QApplication application(qtArgc, argv);
     setUpApplication();
+    const QuitSignals quitSignals;
 
     SingleInstance instance(SingleInstance::defaultPath());
     if (!options.isOnItsOwn()) {

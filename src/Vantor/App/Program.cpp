@@ -110,11 +110,14 @@ class ThisComputer {
 };
 
 // Once, and where somebody can see it.
-void welcome(PlayerModel &model, MainWindow &window) {
+void welcome(PlayerModel &model, SkinnedWindows &windows) {
     if (model.preferences().wasWelcomed() || QGuiApplication::platformName() == QLatin1String("offscreen"))
         return;
     model.preferences().setWelcomed();
+    MainWindow &window = windows.mainWindow();
     auto *const dialog = new WelcomeDialog(model, &window);
+    QObject::connect(dialog, &WelcomeDialog::serverAsked, &windows.commands(),
+                     [&windows] { windows.commands().showPreferences(PreferencesPage::musicAssistant); });
     dialog->adjustSize();
     DialogPlace::beside(*dialog, {window.frameGeometry()});
     dialog->show();
@@ -242,7 +245,7 @@ int runProgram(int argc, char **argv) {
         [&] {
             dress(model, std::exchange(options.skin, std::nullopt));
             if (!options.isOnItsOwn())
-                welcome(model, windows.mainWindow());
+                welcome(model, windows);
             if (timedRun) {
                 begin(false);
                 timedRun->begin();

@@ -44,6 +44,11 @@ void LibraryBrowser::takeLeave(const std::shared_ptr<MusicBackend> &next) {
     m_chosenOutput.reset();
 }
 
+void LibraryBrowser::setInterrupted(bool isInterrupted) {
+    if (std::exchange(m_isInterrupted, isInterrupted) != isInterrupted && m_state == State::connected)
+        Q_EMIT interruptionChanged();
+}
+
 std::shared_ptr<MusicBackend> LibraryBrowser::connected() const {
     return m_state == State::connected ? m_backend : nullptr;
 }

@@ -33,6 +33,10 @@ class LibraryBrowser : public QObject {
     void setUnavailable(const std::optional<LibraryFailure> &why);
     /// None, too, while it is not connected.
     [[nodiscard]] std::shared_ptr<MusicBackend> connected() const;
+    /// Whether the source that was connected has lost what it comes from, and is on its way back: what is
+    /// shown stays, and nothing can be done meanwhile.
+    [[nodiscard]] bool isInterrupted() const { return m_isInterrupted && m_state == State::connected; }
+    void setInterrupted(bool isInterrupted);
     [[nodiscard]] const std::shared_ptr<MusicBackend> &backend() const { return m_backend; }
     [[nodiscard]] MusicBackendCapabilities capabilities() const;
 
@@ -65,6 +69,7 @@ class LibraryBrowser : public QObject {
     /// Another source, or none; lists are empty until it is connected.
     void sourceChanged();
     void stateChanged();
+    void interruptionChanged(); ///< whether it is interrupted
     void capabilitiesChanged();
     void sourceAsked();    ///< look for it again
     void outputsChanged(); ///< or which one is chosen
@@ -95,6 +100,7 @@ class LibraryBrowser : public QObject {
 
     std::shared_ptr<MusicBackend> m_backend;
     State m_state = State::noSource;
+    bool m_isInterrupted = false;
     std::optional<LibraryFailure> m_failure;
     QList<OutputDevice> m_outputs;
     std::deque<Play> m_plays;                   ///< the first one is being carried out

@@ -127,6 +127,14 @@ AsyncStream<LibraryChange> MusicBackend::libraryChanges() {
     return {};
 }
 
+std::optional<OutputControls> MusicBackend::controls(const OutputDevice::ID &) const {
+    return std::nullopt;
+}
+
+QCoro::Task<> MusicBackend::setMuted(OutputDevice::ID, bool) {
+    return unsupported<void>(MusicBackendCapability::remoteOutputs);
+}
+
 AsyncStream<QList<OutputActivity>> MusicBackend::activities() {
     return {};
 }

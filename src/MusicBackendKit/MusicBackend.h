@@ -88,6 +88,10 @@ class MusicBackend : public std::enable_shared_from_this<MusicBackend> {
     /// What plays where: a row for each output, all of them at first and again whenever one changes, comes or
     /// goes, so that outputs() is worth asking again. Only the latest waits. By default it ends at once.
     virtual AsyncStream<QList<OutputActivity>> activities();
+    /// As they are now; activities() tells when they are worth another look. None, and by default so, when
+    /// the output is not there or the source does not tell.
+    [[nodiscard]] virtual std::optional<OutputControls> controls(const OutputDevice::ID &on) const;
+    virtual QCoro::Task<> setMuted(OutputDevice::ID on, bool isMuted);
     virtual QCoro::Task<> play(QList<MediaID> items, OutputDevice on, PlayMode mode) = 0;
     virtual QCoro::Task<> transport(TransportCommand command, OutputDevice::ID on) = 0;
     /// The present state first, then every change; only the latest waits for a slow consumer.

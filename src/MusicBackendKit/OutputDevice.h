@@ -30,6 +30,14 @@ struct OutputDevice {
     bool operator==(const OutputDevice &) const = default;
 };
 
+/// What can be done to the sound of an output.
+struct OutputControls {
+    bool canSetVolume = false;
+    std::optional<bool> isMuted; ///< none when it cannot be muted
+
+    bool operator==(const OutputControls &) const = default;
+};
+
 [[nodiscard]] size_t qHash(const OutputDevice::ID &id, size_t seed = 0) noexcept;
 [[nodiscard]] size_t qHash(const OutputDevice &device, size_t seed = 0) noexcept;
 

@@ -44,6 +44,14 @@ std::optional<PlayRequest> PlayRequest::play(const std::optional<QSet<MediaID>> 
     return PlayRequest{idsAt(places, tracks), PlayMode::replace(0)};
 }
 
+PlayRequest PlayRequest::playFrom(qsizetype place, const QList<LibraryTrack> &tracks) {
+    const bool isLong = tracks.size() > longestList;
+    PlayRequest request{{}, PlayMode::replace(isLong ? 0 : static_cast<int>(place))};
+    for (const LibraryTrack &track : isLong ? tracks.mid(place, longestList) : tracks)
+        request.items.append(track.id);
+    return request;
+}
+
 std::optional<PlayRequest> PlayRequest::append(const std::optional<QSet<MediaID>> &selection,
                                                const QList<LibraryTrack> &tracks) {
     const QList<qsizetype> places = taken(selection, tracks);

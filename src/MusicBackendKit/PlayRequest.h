@@ -32,6 +32,10 @@ struct PlayRequest {
     [[nodiscard]] static std::optional<PlayRequest> play(const std::optional<QSet<MediaID>> &selection,
                                                          const QList<LibraryTrack> &tracks,
                                                          const std::optional<MediaID> &album);
+    /// A whole list, from one of its tracks on; of a very long one what follows the track.
+    [[nodiscard]] static PlayRequest playFrom(qsizetype place, const QList<LibraryTrack> &tracks);
+    /// The longest list that playFrom() takes as a whole.
+    static constexpr qsizetype longestList = 2'000;
     [[nodiscard]] static std::optional<PlayRequest> append(const std::optional<QSet<MediaID>> &selection,
                                                            const QList<LibraryTrack> &tracks);
 

@@ -62,8 +62,16 @@ TEST_F(MusicAssistantSettingsModelTest, FromTheAddressToTheVerifiedServer) {
     EXPECT_EQ(test(), u"Music Assistant rejected this token."_s);
     EXPECT_FALSE(list.server(id)->address.isVerified());
 
-    model.setToken(id, token);
-    EXPECT_EQ(test(), u"Connected to Fake Home."_s);
+    tokens.failure = MusicAssistantTokenStoreError::keychain(4); // whom a typed token needs only to be kept
+    model.test(id, token);
+    waitUntil([&] { return model.status(id).kind != Kind::testing; });
+    EXPECT_EQ(model.status(id).text, u"The Keychain refused the request (4)"_s);
+    EXPECT_FALSE(model.asksKeychain(id));
+    tokens.failure.reset();
+    EXPECT_EQ(test(), u"Music Assistant rejected this token."_s); // the one that is kept still
+    model.test(id, token);
+    waitUntil([&] { return model.status(id).kind != Kind::testing; });
+    EXPECT_EQ(model.status(id).text, u"Connected to Fake Home."_s);
     EXPECT_EQ(list.server(id)->address.serverID, u"fake-server"_s);
     EXPECT_TRUE(waitUntil([&] { return server.clientCount() == 0; }))
         << "the test leaves its connection behind";
@@ -79,8 +87,12 @@ TEST_F(MusicAssistantSettingsModelTest, FromTheAddressToTheVerifiedServer) {
 }
 
 TEST_F(MusicAssistantSettingsModelTest, ATokenGoesOnlyToItsServer) {
+    auto nameless = *list.server(id);
+    nameless.name = server.url().host();
+    list.update(nameless);
     model.setToken(id, token);
     ASSERT_EQ(test(), u"Connected to Fake Home."_s);
+    EXPECT_EQ(list.server(id)->name, u"Fake Home"_s);
     FakeMusicAssistant stranger;
     ASSERT_TRUE(stranger.listen());
     stranger.info.insert("server_id"_L1, u"stranger"_s);
@@ -102,7 +114,7 @@ TEST_F(MusicAssistantSettingsModelTest, ATokenGoesOnlyToItsServer) {
     EXPECT_EQ(test(), u"A different server answered. Its token was not sent."_s);
     EXPECT_FALSE(tokenWasSent(stranger));
     stranger.info.insert("server_id"_L1, u"stranger"_s);
-    EXPECT_EQ(test(), u"Connected to Home."_s);
+    EXPECT_EQ(test(), u"Connected to Fake Home."_s);
     EXPECT_EQ(list.server(id)->address.serverID, u"stranger"_s);
 }
 

@@ -190,6 +190,7 @@ void MadeSpeakers::carryOut(Speaker &speaker, const TransportCommand &command) {
 }
 
 QCoro::Task<> MadeSpeakers::transport(TransportCommand command, OutputDevice::ID on) {
+    const auto self = shared_from_this();
     commands.append({command, on.rawValue});
     peakCommands = std::max(peakCommands, ++m_underWay);
     std::exception_ptr error;
@@ -206,10 +207,24 @@ QCoro::Task<> MadeSpeakers::transport(TransportCommand command, OutputDevice::ID
         std::rethrow_exception(error);
 }
 
+std::optional<OutputControls> MadeSpeakers::controls(const OutputDevice::ID &on) const {
+    const auto found = m_speakers.find(on.rawValue);
+    if (found == m_speakers.end())
+        return std::nullopt;
+    return OutputControls{found->second.playing.volume.has_value(), found->second.isMuted};
+}
+
+QCoro::Task<> MadeSpeakers::setMuted(OutputDevice::ID on, bool isMuted) {
+    const auto self = shared_from_this();
+    co_await answer(QStringLiteral("mute"), delay);
+    find(on).isMuted = isMuted;
+    tellActivities();
+}
+
 QCoro::Task<> MadeSpeakers::play(QList<MediaID> items, OutputDevice on, PlayMode mode) {
     co_await answer(QStringLiteral("play"), delay);
-    Speaker &speaker = find(on.id);
     played.append({{items, mode}, on.id});
+    Speaker &speaker = find(on.id);
     const bool replaces = mode.kind == PlayMode::Kind::replace;
     if (replaces)
         speaker.items.clear();
@@ -289,6 +304,7 @@ QCoro::Task<> MadeSpeakers::transfer(OutputDevice::ID from, OutputDevice::ID to,
 
 QCoro::Task<> MadeSpeakers::setGroupMembers(OutputDevice::ID leader, QList<OutputDevice::ID> adding,
                                             QList<OutputDevice::ID> removing) {
+    const auto self = shared_from_this();
     co_await answer(QStringLiteral("group"), delay);
     for (const OutputDevice::ID &id : adding)
         find(id).leader = leader;

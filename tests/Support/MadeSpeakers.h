@@ -15,6 +15,7 @@ class MadeSpeakers : public MadeBackend {
         bool isShuffled = false;
         bool repeats = false;
         std::optional<OutputDevice::ID> leader{};
+        std::optional<bool> isMuted = false; ///< none: it cannot be muted
         std::vector<AsyncStreamProducer<NowPlaying>> playings{};
         std::vector<AsyncStreamProducer<RemoteQueueSnapshot>> queues{};
     };
@@ -40,6 +41,8 @@ class MadeSpeakers : public MadeBackend {
     QStringList favoriteTracks;
     int peakCommands = 0; ///< under way at the same time
 
+    [[nodiscard]] std::optional<OutputControls> controls(const OutputDevice::ID &on) const override;
+    QCoro::Task<> setMuted(OutputDevice::ID on, bool isMuted) override;
     QCoro::Task<> play(QList<MediaID> items, OutputDevice on, PlayMode mode) override;
     QCoro::Task<> transport(TransportCommand command, OutputDevice::ID on) override;
     AsyncStream<NowPlaying> nowPlaying(OutputDevice::ID on) override;

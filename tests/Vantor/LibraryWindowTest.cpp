@@ -392,9 +392,9 @@ TEST_F(PlayerFixture, ItemsOfTheLibraryGoInFrontOfTheRowTheyWereDroppedOn) {
     m_player.enqueue({Track::file(writeTone("a.wav", 30)), Track::file(writeTone("b.wav", 30))});
     const Track found = Track::file(writeTone("c.wav", 30));
     std::function<void(const std::vector<Track> &)> answer;
-    m_model.insertItems({{MediaKind::track, u"c"_qs}}, 1); // nobody to ask
-    m_model.setLibrary([&](const QList<MediaID> &, const auto &take) { answer = take; });
-    m_model.insertItems({{MediaKind::track, u"c"_qs}}, 1);
+    m_model.imports().insertItems({{MediaKind::track, u"c"_qs}}, 1); // nobody to ask
+    m_model.imports().setLibrary([&](const QList<MediaID> &, const auto &take) { answer = take; });
+    m_model.imports().insertItems({{MediaKind::track, u"c"_qs}}, 1);
     ASSERT_TRUE(answer);
     m_player.enqueue({Track::file(file("a.wav"))}); // the queue changes meanwhile
     answer({found});

@@ -121,7 +121,7 @@ TEST_F(MainWindowTest, DroppedMusicPlaysAndShiftOnlyAddsIt) {
     EXPECT_EQ(m_player.queue().current()->title, QStringLiteral("b"));
     m_player.stop();
     drop(file("a.wav"), Qt::ShiftModifier);
-    ASSERT_TRUE(waitFor([&] { return m_player.queue().count() == 2 && !m_model.isImporting(); }));
+    ASSERT_TRUE(waitFor([&] { return m_player.queue().count() == 2 && !m_model.imports().isImporting(); }));
     EXPECT_EQ(m_player.state(), PlaybackState::stopped);
 }
 

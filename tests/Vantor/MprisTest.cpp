@@ -1,4 +1,5 @@
 #include "AudioCore/NowPlaying/NowPlayingBridge.h"
+#include "MusicLibraryKit/ArtworkCache.h"
 #include "PlayerFixture.h"
 #include "Vantor/Mpris/MprisService.h"
 #include "Vantor/Mpris/SessionBus.h"
@@ -221,7 +222,9 @@ TEST_F(MprisTest, TheSelectedSpeakerIsToldAndCommanded) {
     kitchen.playing.artist = u"Cook"_qs;
     kitchen.playing.artwork = ArtworkRef{u"cover"_qs};
     LibraryBrowser browser;
-    m_model.remote().setBrowser(&browser);
+    ArtworkCache pictures(m_folder.path("artwork"), {});
+    pictures.setBackend(made);
+    m_model.remote().setBrowser(&browser, &pictures);
     browser.setBackend(made);
     connectToBus();
     playTwoTones();

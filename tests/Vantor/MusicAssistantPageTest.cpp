@@ -38,7 +38,12 @@ TEST_F(MusicAssistantPageTest, AServerIsAddedAndTestedByTheKeyboardAlone) {
     ASSERT_TRUE(token && token->hasFocus());
     EXPECT_EQ(token->placeholderText(), u"Long-lived token from Music Assistant › Profile"_qs);
     EXPECT_EQ(token->echoMode(), QLineEdit::Password);
-    QTest::keyClicks(token, u"secret-token"_qs);
+    QTest::keyClicks(token, u"mistyped"_qs);
+    press(u"Test Connection"_qs);
+    EXPECT_TRUE(says(u"Music Assistant rejected this token."_qs));
+    EXPECT_EQ(token->text(), u"mistyped"_qs);
+    EXPECT_TRUE(m_tokens.saved.isEmpty());
+    type(token, u"secret-token"_qs);
     QTest::keyClick(m_page, Qt::Key_T, Qt::AltModifier);
     EXPECT_TRUE(says(u"Connected to Fake Home."_qs));
     EXPECT_TRUE(says(u"Saved in Keychain"_qs));

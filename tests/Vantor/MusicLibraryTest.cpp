@@ -148,7 +148,7 @@ TEST_F(MusicLibraryTest, WhatAServerHoldsItPlaysItself) {
     m_library->open();
     ASSERT_TRUE(isConnectedTo(u"Home"_qs));
     const QSignalSpy failed(&browser(), &LibraryBrowser::failed);
-    m_model.enqueueItems({{MediaKind::track, u"library://track/1"_qs}});
+    m_model.imports().enqueueItems({{MediaKind::track, u"library://track/1"_qs}});
     ASSERT_TRUE(waitFor([&] { return !failed.isEmpty(); }));
     EXPECT_TRUE(failed.first().first().toString().contains(u"This Mac isn't connected to Music Assistant"));
     EXPECT_EQ(m_player.queue().count(), 0);

@@ -28,10 +28,10 @@ TEST_F(PlayerModelTest, OpeningRubbishKeepsWhatPlays) {
     EXPECT_EQ(m_player.queue().current(), playing);
     EXPECT_EQ(m_model.scene().marquee, QStringLiteral("Skipped 1 file (see Console)"));
     EXPECT_EQ(
-        m_model.skippedFiles(),
+        m_model.imports().skippedFiles(),
         (std::vector<SkippedFile>{{file("rubbish.mp3"), u"This file is not a supported audio file."_qs}}));
     m_model.enqueue({file("good.wav")});
-    EXPECT_TRUE(waitFor([&] { return m_model.skippedFiles().empty(); }));
+    EXPECT_TRUE(waitFor([&] { return m_model.imports().skippedFiles().empty(); }));
 }
 
 TEST_F(PlayerModelTest, AListThatBreaksOffIsNotCalledUnplayable) {
@@ -51,8 +51,8 @@ TEST_F(PlayerModelTest, AFolderPlaysInNameOrderAndSkipsWhatIsNoAudio) {
     writeTone("a.wav", 5);
     writeFile("cover.txt", "no sound");
     m_model.open({QUrl::fromLocalFile(m_folder.path())});
-    ASSERT_TRUE(
-        waitFor([&] { return !m_model.isImporting() && m_player.state() == PlaybackState::playing; }));
+    ASSERT_TRUE(waitFor(
+        [&] { return !m_model.imports().isImporting() && m_player.state() == PlaybackState::playing; }));
     ASSERT_EQ(m_player.queue().count(), 2);
     EXPECT_EQ(m_player.queue().current()->title, QStringLiteral("a"));
     EXPECT_EQ(m_model.scene().marquee, QStringLiteral("1. a (0:05)"));

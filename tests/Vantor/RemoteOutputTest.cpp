@@ -54,7 +54,7 @@ TEST_F(RemoteOutputTest, TheWindowsShowTheSpeakerWhileThePlayerGoesOn) {
     EXPECT_EQ(scene.status.elapsed, 50);
     EXPECT_EQ(scene.position, 0.25);
     EXPECT_EQ(scene.volume, 0.5);
-    EXPECT_EQ(scene.status.sampleRate, std::nullopt);
+    EXPECT_FALSE(scene.showsRates);
     EXPECT_EQ(scene.status.channels, std::nullopt);
     EXPECT_FALSE(scene.repeat);
     EXPECT_EQ(m_player.state(), State::playing);
@@ -63,6 +63,8 @@ TEST_F(RemoteOutputTest, TheWindowsShowTheSpeakerWhileThePlayerGoesOn) {
                                          u"✓ Kitchen"_qs,
                                          u"Bath"_qs,
                                          {},
+                                         u"Plays Along"_qs,
+                                         u"Mute"_qs,
                                          u"Speakers…"_qs,
                                          u"Add to Favourites"_qs}));
 
@@ -207,9 +209,14 @@ TEST_F(RemoteOutputTest, ASpeakerThatGoesStaysSelectedUntilItComesBack) {
 }
 
 TEST_F(RemoteOutputTest, FilesPlayHereAndItemsWhereTheMusicIs) {
+    m_model.imports().openItems({{MediaKind::album, u"c"_qs}}); // a server's, where it plays
+    ASSERT_TRUE(waitFor([&] { return m_made->played.size() == 1; }));
+    EXPECT_EQ(m_made->played.last().first.mode, PlayMode::replace(0));
+    EXPECT_EQ(m_made->played.last().second, OutputDevice::thisMacID());
+    m_made->played.clear();
     select(u"bath"_qs);
-    m_model.openItems({{MediaKind::album, u"a"_qs}});
-    m_model.insertItems({{MediaKind::album, u"b"_qs}}, 0);
+    m_model.imports().openItems({{MediaKind::album, u"a"_qs}});
+    m_model.imports().insertItems({{MediaKind::album, u"b"_qs}}, 0);
     ASSERT_TRUE(waitFor([&] { return m_made->played.size() == 2; }));
     const QList<MediaID> second{{MediaKind::album, u"b"_qs}};
     EXPECT_EQ(m_made->played.last(),
@@ -218,7 +225,7 @@ TEST_F(RemoteOutputTest, FilesPlayHereAndItemsWhereTheMusicIs) {
 
     m_model.insert({writeTone("a.wav", 1)}, 0);
     EXPECT_EQ(m_model.scene().marquee, u"Files play on this computer only"_qs);
-    EXPECT_FALSE(m_model.isImporting());
+    EXPECT_FALSE(m_model.imports().isImporting());
     m_model.open({writeTone("a.wav", 60)});
     EXPECT_FALSE(m_remote.isSelected());
     EXPECT_TRUE(waitFor([&] { return m_player.state() == State::playing; }));

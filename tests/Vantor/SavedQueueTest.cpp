@@ -34,7 +34,7 @@ TEST_F(SavedQueueTest, WhatIsEnqueuedMeanwhileComesBehindAndBothAreKept) {
     {
         SavedQueue queue(m_model, m_demo);
         m_model.enqueue({writeTone("new.wav", 5)});
-        EXPECT_TRUE(m_model.isImporting());
+        EXPECT_TRUE(m_model.imports().isImporting());
         ASSERT_TRUE(waitFor([&] { return m_player.queue().count() == 4; }));
     }
     const QueueSnapshot kept = inFile().value_or(QueueSnapshot());

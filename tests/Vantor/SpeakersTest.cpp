@@ -41,14 +41,14 @@ TEST_F(SpeakersTest, TellsWhatPlaysWhereAndWhoPlaysAlong) {
     ASSERT_TRUE(waitFor(
         [&] { return Speakers::statusOf(row(speakers, u"kitchen"_qs)) == u"Playing Cook - Kitchen 1"_qs; }));
     EXPECT_EQ(Speakers::statusOf(row(speakers, u"bath"_qs)), u"Silent"_qs);
-    EXPECT_EQ(names(row(speakers, u"kitchen"_qs).joinable), QStringList({u"Bath"_qs, u"Hall"_qs}));
+    EXPECT_EQ(names(row(speakers, u"kitchen"_qs).group.joinable), QStringList({u"Bath"_qs, u"Hall"_qs}));
 
-    speakers.setMember({u"kitchen"_qs}, {u"bath"_qs}, true);
-    ASSERT_TRUE(waitFor([&] { return row(speakers, u"bath"_qs).leader.has_value(); }));
+    m_remote.setMember({u"kitchen"_qs}, {u"bath"_qs}, true);
+    ASSERT_TRUE(waitFor([&] { return row(speakers, u"bath"_qs).group.leader.has_value(); }));
     EXPECT_EQ(Speakers::statusOf(row(speakers, u"bath"_qs)), u"Plays along with Kitchen"_qs);
-    EXPECT_EQ(names(row(speakers, u"kitchen"_qs).members), QStringList(u"Bath"_qs));
-    speakers.setMember({u"kitchen"_qs}, {u"bath"_qs}, false);
-    EXPECT_TRUE(waitFor([&] { return !row(speakers, u"bath"_qs).leader; }));
+    EXPECT_EQ(names(row(speakers, u"kitchen"_qs).group.members), QStringList(u"Bath"_qs));
+    m_remote.setMember({u"kitchen"_qs}, {u"bath"_qs}, false);
+    EXPECT_TRUE(waitFor([&] { return !row(speakers, u"bath"_qs).group.leader; }));
     m_made->removeSpeaker(u"hall"_qs);
     EXPECT_TRUE(waitFor([&] { return speakers.rows().size() == 3; }));
 }
@@ -72,6 +72,46 @@ TEST_F(SpeakersTest, EachHasAVolumeAndTheMusicMovesAlong) {
     speakers.takeMusic(output(u"bath"_qs));
     ASSERT_TRUE(waitFor([&] { return m_remote.device().name == u"Bath"_qs && m_remote.queue().total == 5; }));
     EXPECT_TRUE(waitFor([&] { return m_remote.view().state == PlaybackState::playing; }));
+}
+
+TEST_F(SpeakersTest, ASpeakerIsMutedUntilItIsTurnedUp) {
+    Speakers speakers(m_remote);
+    const auto isMuted = [&](const QString &id) { return row(speakers, id).controls.isMuted; };
+    select(u"kitchen"_qs);
+    m_made->delay = std::chrono::milliseconds(20);
+    for (const QString &id : {u"kitchen"_qs, u"bath"_qs}) { // the selected one, and another
+        SCOPED_TRACE(id.toStdString());
+        speakers.setMuted({id}, true);
+        EXPECT_EQ(isMuted(id), true);
+        ASSERT_TRUE(waitFor([&] { return m_made->speaker(id).isMuted == true; }));
+        speakers.setVolume({id}, 0.3);
+        EXPECT_EQ(isMuted(id), false);
+        ASSERT_TRUE(waitFor([&] { return m_made->speaker(id).isMuted == false; }));
+        m_made->failure = u"It is stuck."_qs;
+        speakers.setMuted({id}, true);
+        EXPECT_TRUE(waitFor([&] { return isMuted(id) == false; }));
+        m_made->failure.reset();
+    }
+    EXPECT_EQ(m_told, QStringList({u"It is stuck."_qs, u"It is stuck."_qs}));
+    m_made->speaker(u"bath"_qs).isMuted.reset();
+    EXPECT_EQ(isMuted(u"bath"_qs), std::nullopt);
+}
+
+TEST_F(SpeakersTest, WhatIsNotThereComesLastAndWaitsForItsServer) {
+    select(u"bath"_qs);
+    letPlay(u"bath"_qs);
+    m_made->speakers[1].isAvailable = false; // the kitchen
+    m_made->tellActivities();
+    Speakers speakers(m_remote);
+    ASSERT_TRUE(waitFor([&] { return speakers.rows().last().device.name == u"Kitchen"_qs; }));
+    const double before = m_remote.view().elapsed;
+    m_browser.setInterrupted(true);
+    EXPECT_EQ(Speakers::statusOf(row(speakers, u"bath"_qs)), u"Reconnecting…"_qs);
+    EXPECT_EQ(m_remote.title(), u"Reconnecting to Bath…"_qs);
+    EXPECT_EQ(m_remote.view().state, PlaybackState::loading);
+    EXPECT_NEAR(m_remote.view().elapsed, before, 1);
+    m_browser.setInterrupted(false);
+    EXPECT_EQ(m_remote.view().state, PlaybackState::playing);
 }
 
 TEST_F(SpeakersTest, ThePanelSelectsAndTurnsDown) {

@@ -240,8 +240,9 @@ std::optional<MusicAssistantOutputState> MAPlayerStore::state(const OutputDevice
     if (!ofOutput)
         return std::nullopt;
     MusicAssistantOutputState state;
-    state.canSetVolume = ofOutput->supportedFeatures.contains("volume_set"_L1);
-    state.isMuted = ofOutput->volumeMuted.value_or(false);
+    state.controls.canSetVolume = ofOutput->supportedFeatures.contains("volume_set"_L1);
+    if (ofOutput->supportedFeatures.contains("volume_mute"_L1))
+        state.controls.isMuted = ofOutput->volumeMuted.value_or(false);
     if (const Queue *const playing = queue(queueID(*ofOutput))) {
         state.isShuffling = playing->record.shuffleEnabled.value_or(false);
         state.isRepeating = maplayer::repeats(playing->record).value_or(false);

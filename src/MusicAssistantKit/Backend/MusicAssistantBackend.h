@@ -24,8 +24,7 @@ struct MusicAssistantStatus {
 
 /// What the controls for an output show, beside what plays there. A value.
 struct MusicAssistantOutputState {
-    bool canSetVolume = false;
-    bool isMuted = false;
+    OutputControls controls;
     bool isShuffling = false;
     bool isRepeating = false;
     QList<OutputDevice::ID> members; ///< of the group that it leads, itself first; empty without one
@@ -128,7 +127,8 @@ class MusicAssistantBackend final : public MusicBackend {
     AsyncStream<QList<OutputActivity>> activities() override;
     /// None for an output that is not there.
     [[nodiscard]] std::optional<MusicAssistantOutputState> outputState(const OutputDevice::ID &output) const;
-    QCoro::Task<> setMuted(OutputDevice::ID output, bool isMuted);
+    [[nodiscard]] std::optional<OutputControls> controls(const OutputDevice::ID &on) const override;
+    QCoro::Task<> setMuted(OutputDevice::ID on, bool isMuted) override;
 
     QCoro::Task<> play(QList<MediaID> items, OutputDevice on, PlayMode mode) override;
     /// While a volume is on its way to an output, only the latest of further ones follows.

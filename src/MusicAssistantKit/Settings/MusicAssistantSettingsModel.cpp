@@ -51,6 +51,27 @@ QString MusicAssistantSettingsModel::replacingText() {
     return u"Replacing forgets this server's token. Enter the token of the server that answers now."_s;
 }
 
+class MusicAssistantSettingsModel::KeychainQuestion {
+  public:
+    KeychainQuestion(MusicAssistantSettingsModel &model, const QUuid &id) : m_model(&model), m_id(id) {
+        count(1);
+    }
+    ~KeychainQuestion() {
+        if (m_model)
+            count(-1);
+    }
+    Q_DISABLE_COPY_MOVE(KeychainQuestion)
+
+  private:
+    void count(int step) {
+        m_model->m_keychainQuestions[m_id] += step;
+        Q_EMIT m_model->statusChanged(m_id);
+    }
+
+    QPointer<MusicAssistantSettingsModel> m_model;
+    QUuid m_id;
+};
+
 MusicAssistantSettingsModel::MusicAssistantSettingsModel(const Collaborators &collaborators, QObject *parent)
     : QObject(parent), m_with(collaborators) {}
 
@@ -108,26 +129,34 @@ QCoro::Task<> MusicAssistantSettingsModel::remove(QUuid id) {
 QCoro::Task<> MusicAssistantSettingsModel::setToken(QUuid id, MusicAssistantToken token) {
     const QPointer self(this);
     const int round = beginRound(id);
-    Status status;
     try {
-        if (token.isEmpty()) {
-            co_await m_with.tokens.remove(accountOf(id));
-            if (self)
-                m_kept.remove(id);
-        } else {
-            const auto kept = co_await m_with.tokens.save(accountOf(id), token);
-            status.text = MusicAssistantTokenStore::message(kept);
-            if (self)
-                m_kept.insert(id, kept);
-        }
-        if (self && m_rounds.value(id) == round)
-            setStatus(id, status);
-        if (self)
-            Q_EMIT tokenChanged(id);
+        co_await keep(id, token);
+        if (!self || m_rounds.value(id) != round)
+            co_return;
+        const auto kept = keptToken(id);
+        setStatus(id, {.kind = Status::Kind::none,
+                       .text = kept ? MusicAssistantTokenStore::message(*kept) : QString(),
+                       .failure = {}});
     } catch (const MusicAssistantTokenStoreError &error) {
         if (self && m_rounds.value(id) == round)
             setKeychainFailure(id, error);
     }
+}
+
+QCoro::Task<> MusicAssistantSettingsModel::keep(QUuid id, MusicAssistantToken token) {
+    const QPointer self(this);
+    const KeychainQuestion question(*this, id);
+    if (token.isEmpty()) {
+        co_await m_with.tokens.remove(accountOf(id));
+        if (self)
+            m_kept.remove(id);
+    } else {
+        const auto kept = co_await m_with.tokens.save(accountOf(id), token);
+        if (self)
+            m_kept.insert(id, kept);
+    }
+    if (self)
+        Q_EMIT tokenChanged(id);
 }
 
 QCoro::Task<> MusicAssistantSettingsModel::checkToken(QUuid id) {
@@ -135,6 +164,7 @@ QCoro::Task<> MusicAssistantSettingsModel::checkToken(QUuid id) {
     const int round = beginRound(id);
     Status found;
     try {
+        const KeychainQuestion question(*this, id);
         const auto kept = co_await m_with.tokens.kept(accountOf(id));
         found.text = kept ? MusicAssistantTokenStore::message(*kept) : QString();
         if (self)
@@ -147,7 +177,16 @@ QCoro::Task<> MusicAssistantSettingsModel::checkToken(QUuid id) {
     }
 }
 
-QCoro::Task<> MusicAssistantSettingsModel::test(QUuid id) {
+QCoro::Task<MusicAssistantToken> MusicAssistantSettingsModel::keptTokenOf(QUuid id) {
+    const QPointer self(this);
+    const KeychainQuestion question(*this, id);
+    const auto token = co_await m_with.tokens.token(accountOf(id));
+    if (self && !token)
+        m_kept.insert(id, std::nullopt);
+    co_return token.value_or(MusicAssistantToken(QString()));
+}
+
+QCoro::Task<> MusicAssistantSettingsModel::test(QUuid id, MusicAssistantToken typed) {
     const auto server = m_with.list.server(id);
     if (!server)
         co_return;
@@ -168,14 +207,20 @@ QCoro::Task<> MusicAssistantSettingsModel::test(QUuid id) {
             co_return;
         }
         m_found.insert(id, {.baseURL = url, .info = found});
-        const auto token = co_await m_with.tokens.token(accountOf(id));
+        MusicAssistantToken token = typed;
+        if (token.isEmpty())
+            token = co_await keptTokenOf(id);
         if (!isCurrent())
             co_return;
-        if (!token || token->isEmpty()) {
+        if (token.isEmpty()) {
             setFailure(id, failureWithName(Failure::Case::needsToken, found));
             co_return;
         }
-        const MAServerInfo info = co_await signIn(*server, *token, expected);
+        const MAServerInfo info = co_await signIn(*server, token, expected);
+        if (!isCurrent())
+            co_return;
+        if (!typed.isEmpty())
+            co_await keep(id, typed);
         if (isCurrent())
             verify(*server, info);
     } catch (const MusicAssistantError &error) {
@@ -212,6 +257,9 @@ void MusicAssistantSettingsModel::verify(const MusicAssistantServerConfiguration
     if (!server)
         return;
     server->address.serverID = info.serverID;
+    // Who gave it no name calls it as it calls itself.
+    if (server->name == server->address.baseURL.host() && !info.name.value_or(QString()).isEmpty())
+        server->name = *info.name;
     m_found.remove(tested.id);
     m_with.list.update(*server);
     const QString name = info.name.value_or(server->name);

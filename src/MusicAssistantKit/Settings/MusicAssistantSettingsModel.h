@@ -55,20 +55,23 @@ class MusicAssistantSettingsModel : public QObject {
     QCoro::Task<> setToken(QUuid id, MusicAssistantToken token);
     /// Whether there is a token becomes the status.
     QCoro::Task<> checkToken(QUuid id);
-    /// Test Connection: who is there, then whether the token signs in. The outcome is the status.
-    QCoro::Task<> test(QUuid id);
+    /// Test Connection: who is there, then whether the token signs in. The outcome is the status. A token
+    /// that was typed is tried instead of the one that is kept, and takes its place once it has signed in.
+    QCoro::Task<> test(QUuid id, MusicAssistantToken typed = MusicAssistantToken(QString()));
 
     [[nodiscard]] Status status(const QUuid &id) const { return m_statuses.value(id); }
     /// Where the server's token is, as far as it was looked for; none without one.
     [[nodiscard]] std::optional<MusicAssistantTokenStore::Kept> keptToken(const QUuid &id) const {
         return m_kept.value(id);
     }
+    /// Whether the keychain has been asked for the server's token, and may ask the user in turn.
+    [[nodiscard]] bool asksKeychain(const QUuid &id) const { return m_keychainQuestions.value(id) > 0; }
     /// What one connection to a server needs; none without a token. Throws MusicAssistantTokenStoreError.
     [[nodiscard]] static QCoro::Task<std::optional<MusicAssistantServerSettings>>
     settings(MusicAssistantServerConfiguration server, MusicAssistantTokenStore &tokens);
 
   Q_SIGNALS:
-    void statusChanged(const QUuid &id);
+    void statusChanged(const QUuid &id); ///< or whether the keychain is asked
     /// Another token is kept, or none any more.
     void tokenChanged(const QUuid &id);
 
@@ -78,6 +81,11 @@ class MusicAssistantSettingsModel : public QObject {
         MAServerInfo info;
     };
 
+    /// From its beginning to its end the keychain is asked.
+    class KeychainQuestion;
+
+    [[nodiscard]] QCoro::Task<MusicAssistantToken> keptTokenOf(QUuid id);
+    QCoro::Task<> keep(QUuid id, MusicAssistantToken token);
     QCoro::Task<MAServerInfo> signIn(MusicAssistantServerConfiguration server, MusicAssistantToken token,
                                      QString serverID);
     [[nodiscard]] QString expectedServerID(const MusicAssistantServerConfiguration &server,
@@ -94,6 +102,7 @@ class MusicAssistantSettingsModel : public QObject {
     QHash<QUuid, std::optional<MusicAssistantTokenStore::Kept>> m_kept;
     QHash<QUuid, Found> m_found; ///< by tests that had no token yet
     QHash<QUuid, int> m_rounds;
+    QHash<QUuid, int> m_keychainQuestions; ///< how many are open
 };
 
 } // namespace vantor

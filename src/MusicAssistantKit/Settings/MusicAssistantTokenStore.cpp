@@ -1,6 +1,6 @@
 #include "MusicAssistantKit/Settings/MusicAssistantTokenStore.h"
 
-#include "Platform/AsyncStream.h"
+#include "MusicAssistantKit/Settings/KeychainState_p.h"
 
 #include <QLoggingCategory>
 #include <qt6keychain/keychain.h>
@@ -42,11 +42,26 @@ QKeychain::Error errorOf(Job &job) {
     return job.error();
 }
 
-/// Whether there is nobody who could keep a secret, in contrast to somebody who refuses. A missing service on
-/// the bus shows as `OtherError`.
-bool isAbsent(QKeychain::Error error) {
-    return error == QKeychain::NoBackendAvailable || error == QKeychain::NotImplemented ||
-           error == QKeychain::OtherError;
+/// Whether there is nobody who could keep a secret, in contrast to somebody who refuses. Both may show as
+/// `OtherError`.
+QCoro::Task<bool> isAbsent(QKeychain::Error error) {
+    if (error == QKeychain::NoBackendAvailable || error == QKeychain::NotImplemented)
+        co_return true;
+    if (error != QKeychain::OtherError)
+        co_return false;
+    const KeychainState state = co_await keychainState();
+    co_return state == KeychainState::absent;
+}
+
+/// Whether what was asked for is kept from us. A keychain that stays locked says that there is no such entry.
+QCoro::Task<bool> isRefused(QKeychain::Error error) {
+    if (error == QKeychain::NoError)
+        co_return false;
+    const KeychainState state = co_await keychainState();
+    if (error == QKeychain::EntryNotFound)
+        co_return state == KeychainState::locked;
+    const bool absent = co_await isAbsent(error);
+    co_return !absent;
 }
 
 } // namespace
@@ -78,9 +93,10 @@ QString KeychainMusicAssistantTokenStore::standardService() {
 }
 
 QCoro::Task<std::optional<MusicAssistantToken>> KeychainMusicAssistantTokenStore::token(QString account) {
-    const auto kept = m_session.constFind(account);
-    if (kept != m_session.constEnd())
-        co_return *kept;
+    if (const auto found = m_session.constFind(account); found != m_session.constEnd())
+        co_return *found;
+    if (const auto found = m_known.constFind(account); found != m_known.constEnd())
+        co_return *found;
     co_return co_await read(account, MusicAssistantTokenStoreError::notReadable());
 }
 
@@ -88,23 +104,46 @@ QCoro::Task<std::optional<MusicAssistantTokenStore::Kept>>
 KeychainMusicAssistantTokenStore::kept(QString account) {
     if (m_session.contains(account))
         co_return Kept::untilQuit;
+    if (m_known.contains(account))
+        co_return Kept::permanently;
     const auto found = co_await read(account, MusicAssistantTokenStoreError::notCheckable());
     co_return found ? std::optional(Kept::permanently) : std::nullopt;
 }
 
 QCoro::Task<std::optional<MusicAssistantToken>>
 KeychainMusicAssistantTokenStore::read(QString account, MusicAssistantTokenStoreError failure) {
+    auto [producer, stream] = AsyncStream<Reading>::make(latestValueOnly);
+    auto &readers = m_readers[account];
+    readers.push_back(std::make_shared<AsyncStreamProducer<Reading>>(std::move(producer)));
+    if (readers.size() == 1)
+        readOnce(account);
+    const AsyncStream<Reading> answer = std::move(stream);
+    const auto reading = co_await answer.next();
+    if (!reading)
+        throw MusicAssistantTokenStoreError::notUsable();
+    if (reading->isRefused)
+        throw failure;
+    co_return reading->token;
+}
+
+QCoro::Task<> KeychainMusicAssistantTokenStore::readOnce(QString account) {
     auto *job = new QKeychain::ReadPasswordJob(m_service);
     job->setKey(account);
     const auto stream = started(job, &readResult);
     const auto result = co_await stream.next();
-    if (!result)
-        throw MusicAssistantTokenStoreError::notUsable();
-    if (result->error == QKeychain::EntryNotFound || isAbsent(result->error))
-        co_return std::nullopt;
-    if (result->error != QKeychain::NoError)
-        throw failure;
-    co_return MusicAssistantToken(result->secret);
+    Reading reading;
+    if (result) {
+        reading.isRefused = co_await isRefused(result->error);
+        if (result->error == QKeychain::NoError) {
+            reading.token = MusicAssistantToken(result->secret);
+            m_known.insert(account, *reading.token);
+        }
+    }
+    for (const auto &reader : m_readers.take(account)) {
+        if (result)
+            reader->yield(reading);
+        reader->finish();
+    }
 }
 
 QCoro::Task<MusicAssistantTokenStore::Kept>
@@ -116,7 +155,8 @@ KeychainMusicAssistantTokenStore::save(QString account, MusicAssistantToken toke
     const auto error = co_await stream.next();
     if (!error)
         throw MusicAssistantTokenStoreError::notUsable();
-    if (isAbsent(*error)) {
+    const bool absent = co_await isAbsent(*error);
+    if (absent) {
         qCInfo(logTokens) << "no keychain: token kept for the session";
         m_session.insert(account, token);
         co_return Kept::untilQuit;
@@ -126,19 +166,22 @@ KeychainMusicAssistantTokenStore::save(QString account, MusicAssistantToken toke
         throw MusicAssistantTokenStoreError::keychain(*error);
     }
     m_session.remove(account);
+    m_known.insert(account, token);
     qCInfo(logTokens, "token saved");
     co_return Kept::permanently;
 }
 
 QCoro::Task<> KeychainMusicAssistantTokenStore::remove(QString account) {
     m_session.remove(account);
+    m_known.remove(account);
     auto *job = new QKeychain::DeletePasswordJob(m_service);
     job->setKey(account);
     const auto stream = started(job, &errorOf<QKeychain::DeletePasswordJob>);
     const auto error = co_await stream.next();
     if (!error)
         throw MusicAssistantTokenStoreError::notUsable();
-    if (*error != QKeychain::NoError && *error != QKeychain::EntryNotFound && !isAbsent(*error)) {
+    const bool refused = co_await isRefused(*error);
+    if (refused) {
         qCWarning(logTokens, "token delete failed %d", static_cast<int>(*error));
         throw MusicAssistantTokenStoreError::keychain(*error);
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "MusicAssistantKit/Wire/MusicAssistantToken.h"
+#include "Platform/AsyncStream.h"
 
 #include <QCoroTask>
 #include <QHash>
@@ -59,6 +60,8 @@ class MusicAssistantTokenStore {
 };
 
 /// The keychain of the desktop: the Secret Service or KWallet. Where none is at work, tokens stay in memory.
+/// It asks the user at most once for each token: what was read is remembered, and who asks for what is being
+/// read gets the same answer.
 class KeychainMusicAssistantTokenStore : public MusicAssistantTokenStore {
   public:
     [[nodiscard]] static QString standardService();
@@ -72,12 +75,20 @@ class KeychainMusicAssistantTokenStore : public MusicAssistantTokenStore {
     [[nodiscard]] QCoro::Task<> remove(QString account) override;
 
   private:
+    using Token = std::optional<MusicAssistantToken>;
+    struct Reading {
+        bool isRefused = false;
+        Token token;
+    };
+
     /// Throws `failure` when somebody refuses; none when there is no token or nobody who could have it.
-    [[nodiscard]] QCoro::Task<std::optional<MusicAssistantToken>> read(QString account,
-                                                                       MusicAssistantTokenStoreError failure);
+    [[nodiscard]] QCoro::Task<Token> read(QString account, MusicAssistantTokenStoreError failure);
+    QCoro::Task<> readOnce(QString account);
 
     QString m_service;
     QHash<QString, MusicAssistantToken> m_session; ///< what no keychain took
+    QHash<QString, MusicAssistantToken> m_known;   ///< what the keychain has
+    QHash<QString, std::vector<std::shared_ptr<AsyncStreamProducer<Reading>>>> m_readers; ///< that wait
 };
 
 } // namespace vantor

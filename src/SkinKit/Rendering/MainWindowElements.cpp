@@ -101,22 +101,26 @@ void drawClock(const SkinCanvas &canvas, const Scene &scene) {
 }
 
 auto ratesState(const Scene &scene) {
-    return std::tuple(scene.status.kbps(), scene.status.khz());
+    using Text = std::optional<QString>;
+    return scene.showsRates ? std::tuple(scene.status.kbps(), scene.status.khz())
+                            : std::tuple(Text(), Text());
 }
 
 // The texts are only made when they may differ, since this is asked for every frame.
 bool ratesDiffer(const Scene &before, const Scene &after) {
     const auto source = [](const Scene &scene) {
-        return std::tuple(scene.status.transport, scene.status.bitrateKbps, scene.status.sampleRate);
+        return std::tuple(scene.showsRates, scene.status.transport, scene.status.bitrateKbps,
+                          scene.status.sampleRate);
     };
     return source(before) != source(after) && ratesState(before) != ratesState(after);
 }
 
 void drawRates(const SkinCanvas &canvas, const Scene &scene) {
     const int right = MainWindowLayout::size.width();
-    if (const auto kbps = scene.status.kbps())
+    const auto [kbps, khz] = ratesState(scene);
+    if (kbps)
         SkinTextFont::draw(canvas.sprites, *kbps, MainWindowLayout::kbps, 0, right);
-    if (const auto khz = scene.status.khz())
+    if (khz)
         SkinTextFont::draw(canvas.sprites, *khz, MainWindowLayout::khz, 0, right);
 }
 

@@ -39,7 +39,8 @@ struct MainWindowScene {
     MainWindowStatus status;
     bool shaded = false;
     bool focused = true;
-    bool timeLit = true; ///< false in the dark half of the blink while paused
+    bool showsRates = true; ///< false when nobody knows the rates of what plays: their places stay empty
+    bool timeLit = true;    ///< false in the dark half of the blink while paused
 
     MainWindowControl pressed = MainWindowControl::none; ///< drawn down or, for sliders, with a lit thumb
 

@@ -10,6 +10,7 @@
 #include "Vantor/App/CarryOut.h"
 #include "Vantor/App/IndexedSkins.h"
 #include "Vantor/App/LaunchOptions.h"
+#include "Vantor/App/QuitSignals.h"
 #include "Vantor/App/SavedQueue.h"
 #include "Vantor/App/SingleInstance.h"
 #include "Vantor/App/TimedRun.h"
@@ -111,11 +112,14 @@ class ThisComputer {
 };
 
 // Once, and where somebody can see it.
-void welcome(PlayerModel &model, MainWindow &window) {
+void welcome(PlayerModel &model, SkinnedWindows &windows) {
     if (model.preferences().wasWelcomed() || QGuiApplication::platformName() == QLatin1String("offscreen"))
         return;
     model.preferences().setWelcomed();
+    MainWindow &window = windows.mainWindow();
     auto *const dialog = new WelcomeDialog(model, &window);
+    QObject::connect(dialog, &WelcomeDialog::serverAsked, &windows.commands(),
+                     [&windows] { windows.commands().showPreferences(PreferencesPage::musicAssistant); });
     dialog->adjustSize();
     DialogPlace::beside(*dialog, {window.frameGeometry()});
     dialog->show();
@@ -152,7 +156,7 @@ void dress(PlayerModel &model, const std::optional<QUrl> &asked) {
 
 void playDemo(PlayerModel &model) {
     const bool hasSomething =
-        model.isImporting() || model.player().queue().count() > 0 || model.remote().isSelected();
+        model.imports().isImporting() || model.player().queue().count() > 0 || model.remote().isSelected();
     if (!hasSomething && demoTrack().isValid())
         model.open({demoTrack()});
 }
@@ -194,6 +198,7 @@ int runProgram(int argc, char **argv) {
     int qtArgc = 1; // the arguments are ours alone
     QApplication application(qtArgc, argv);
     setUpApplication();
+    const QuitSignals quitSignals;
 
     SingleInstance instance(SingleInstance::defaultPath());
     if (!options.isOnItsOwn()) {
@@ -262,7 +267,7 @@ int runProgram(int argc, char **argv) {
         [&] {
             dress(model, std::exchange(options.skin, std::nullopt));
             if (!options.isOnItsOwn())
-                welcome(model, windows.mainWindow());
+                welcome(model, windows);
             if (timedRun) {
                 begin(false);
                 timedRun->begin();

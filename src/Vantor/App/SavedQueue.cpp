@@ -10,7 +10,7 @@ SavedQueue::SavedQueue(PlayerModel &model, const QUrl &demo)
     : m_model(model), m_demo(demo), m_store(QueueStore::defaultURL()),
       m_autosaver(model.player(), m_store, autosaveDelay), m_repeatAtStart(model.player().repeatMode()),
       m_shuffledAtStart(model.player().isShuffled()) {
-    model.holdImports();
+    model.imports().hold();
     m_pool.start([this] {
         auto saved = std::make_shared<std::optional<QueueSnapshot>>(m_store.load());
         QMetaObject::invokeMethod(this, [this, saved] { take(std::move(*saved)); }, Qt::QueuedConnection);
@@ -36,7 +36,7 @@ void SavedQueue::take(std::optional<QueueSnapshot> saved) {
                             shuffleSwitched ? player.isShuffled() : saved->isShuffled);
     }
     m_autosaver.start();
-    m_model.releaseImports();
+    m_model.imports().release();
     Q_EMIT restored(hasTracks);
 }
 

@@ -51,7 +51,7 @@ TimedRun::TimedRun(PlayerModel &model, MainWindow &window, double seconds, QStri
     connect(&model, &PlayerModel::skinRefused, this, [this](const QString &name, const QString &message) {
         refuse(tr("Could not load %1: %2").arg(name, message));
     });
-    connect(&model, &PlayerModel::importsFinished, this, &TimedRun::finishIfNothingPlays);
+    connect(&model.imports(), &QueueImports::allFinished, this, &TimedRun::finishIfNothingPlays);
     m_observer = model.player().addEventObserver([this](const PlayerEvent &event) { handle(event); });
 }
 
@@ -111,7 +111,7 @@ void TimedRun::refuse(const QString &sentence) {
 }
 
 void TimedRun::finishIfNothingPlays() {
-    if (m_model.player().state() == PlaybackState::stopped && !m_model.isImporting())
+    if (m_model.player().state() == PlaybackState::stopped && !m_model.imports().isImporting())
         finish();
 }
 

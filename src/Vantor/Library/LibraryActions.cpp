@@ -22,6 +22,15 @@ QSet<MediaID> idsOf(const QList<LibraryTrack> &tracks) {
     return ids;
 }
 
+/// A single track begins its list there.
+std::optional<PlayRequest> playRequest(const TrackListModel &list, const QList<LibraryTrack> &selected) {
+    const QList<LibraryTrack> tracks = list.tracks();
+    const qsizetype place = selected.size() == 1 ? tracks.indexOf(selected.first()) : -1;
+    if (place >= 0)
+        return PlayRequest::playFrom(place, tracks);
+    return PlayRequest::play(idsOf(selected), tracks, list.album());
+}
+
 } // namespace
 
 LibraryActions::LibraryActions(LibraryBrowser &browser, FindFiles findFiles, QObject *parent)
@@ -43,7 +52,7 @@ void LibraryActions::play(const QList<LibraryItem> &items, PlayMode::Kind how) {
 }
 
 void LibraryActions::playTracks(const TrackListModel &list, const QList<LibraryTrack> &selected) {
-    if (const auto request = PlayRequest::play(idsOf(selected), list.tracks(), list.album()))
+    if (const auto request = playRequest(list, selected))
         m_browser.play(*request);
 }
 
@@ -90,7 +99,7 @@ void LibraryActions::fillMenu(QMenu &menu, const TrackListModel &list, const QLi
     if (selected.isEmpty())
         return;
     // The list may have changed by the time that an entry is chosen; the tracks are those of now.
-    const auto request = PlayRequest::play(idsOf(selected), list.tracks(), list.album());
+    const auto request = playRequest(list, selected);
     const auto appending = PlayRequest::append(idsOf(selected), list.tracks());
     menu.addAction(tr("Play"), this, [this, request] {
         if (request)

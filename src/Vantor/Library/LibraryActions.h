@@ -28,7 +28,7 @@ class LibraryActions : public QObject {
     [[nodiscard]] bool offersFavorites() const;
 
     void play(const QList<LibraryItem> &items, PlayMode::Kind how);
-    /// The tracks of a list that are selected; a single one of an album plays the album from there on.
+    /// The tracks of a list that are selected; a single one plays the list from there on.
     void playTracks(const TrackListModel &list, const QList<LibraryTrack> &selected);
     void appendTracks(const TrackListModel &list, const QList<LibraryTrack> &selected);
 

@@ -31,6 +31,8 @@ class LibrarySource : public QObject {
     [[nodiscard]] const std::optional<LibraryFailure> &failure() const { return m_failure; }
     /// What it does now, as a sentence; empty when it rests.
     [[nodiscard]] virtual QString activity() const = 0;
+    /// Whether the backend has lost what it comes from and is on its way back; told by activityChanged().
+    [[nodiscard]] virtual bool isInterrupted() const { return false; }
 
   Q_SIGNALS:
     void backendChanged(); ///< or the failure

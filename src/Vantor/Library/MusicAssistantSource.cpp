@@ -41,6 +41,7 @@ void MusicAssistantSource::open() {
 }
 
 void MusicAssistantSource::close() {
+    m_isLookingAgain = false;
     if (std::exchange(m_isOpen, false))
         m_servers.endSelection();
     leave();
@@ -50,6 +51,7 @@ void MusicAssistantSource::close() {
 void MusicAssistantSource::retry() {
     if (!m_isOpen)
         return;
+    m_isLookingAgain = false;
     leave();
     m_servers.select();
 }
@@ -69,7 +71,10 @@ void MusicAssistantSource::choose() {
             lookSoon();
         return;
     }
+    if (m_isLookingAgain && selection && selection->isFinding())
+        return; // what is told of it holds until it is there
     leave();
+    const bool hasFailedBefore = std::exchange(m_isLookingAgain, false);
     const auto &servers = m_servers.list().servers();
     if (servers.empty())
         fail(noServer(SettingsPage::musicAssistant));
@@ -78,7 +83,15 @@ void MusicAssistantSource::choose() {
     else if (std::ranges::none_of(servers, [](const auto &server) { return server.address.isVerified(); }))
         fail(MusicBackendError::notConfigured(selection->reason()));
     else
+        lookAgain(hasFailedBefore);
+}
+
+// A server may start later than this computer. Meanwhile nothing flickers.
+void MusicAssistantSource::lookAgain(bool hasFailedBefore) {
+    m_isLookingAgain = true;
+    if (!hasFailedBefore)
         fail(noServerReachable());
+    lookSoon();
 }
 
 bool MusicAssistantSource::isAsItWas() const {
@@ -99,6 +112,7 @@ void MusicAssistantSource::leave() {
 QCoro::Task<> MusicAssistantSource::use(MusicAssistantServerConfiguration server) {
     const QPointer<MusicAssistantSource> self(this);
     leave();
+    m_isLookingAgain = false;
     const int round = m_round;
     m_server = server;
     setBackend(nullptr);
@@ -170,6 +184,10 @@ void MusicAssistantSource::lookSoon() {
 
 void MusicAssistantSource::fail(const MusicBackendError &error) {
     setBackend(nullptr, LibraryFailure::of(std::make_exception_ptr(error)));
+}
+
+bool MusicAssistantSource::isInterrupted() const {
+    return backend() && m_status.connection > 0 && m_status.state != MusicAssistantStatus::State::connected;
 }
 
 QString MusicAssistantSource::activity() const {

@@ -24,6 +24,7 @@ class MusicAssistantSource : public LibrarySource {
     void close() override;
     void retry() override;
     [[nodiscard]] QString activity() const override;
+    [[nodiscard]] bool isInterrupted() const override;
 
     /// Whether any server is set up.
     [[nodiscard]] bool isSetUp() const { return !m_servers.list().servers().empty(); }
@@ -39,10 +40,12 @@ class MusicAssistantSource : public LibrarySource {
     void take(const MusicAssistantStatus &status);
     void takeFailure();
     void lookSoon();
+    void lookAgain(bool hasFailedBefore);
     void fail(const MusicBackendError &error);
 
     MusicAssistantServers &m_servers;
     bool m_isOpen = false;
+    bool m_isLookingAgain = false; ///< for servers of which none could be reached
     std::optional<MusicAssistantServerConfiguration> m_server;
     std::shared_ptr<MusicAssistantBackend> m_backendOfServer; ///< as long as it is followed
     AsyncStream<MusicAssistantStatus> m_updates;

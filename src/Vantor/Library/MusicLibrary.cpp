@@ -26,12 +26,13 @@ MusicLibrary::MusicLibrary(PlayerModel &model, QSettings &settings, MusicAssista
     connect(&m_browser, &LibraryBrowser::sourceAsked, this, [this] { m_current->retry(); });
     connect(&servers.list(), &MusicAssistantServerList::changed, this, &MusicLibrary::settle);
     connect(&model.preferences(), &Preferences::libraryFolderChanged, this, &MusicLibrary::settle);
-    model.remote().setBrowser(&m_browser);
-    model.setLibrary([this](const QList<MediaID> &ids, const Receiver &take) { findFiles(ids, take); });
+    model.remote().setBrowser(&m_browser, &m_artwork);
+    model.imports().setLibrary(
+        [this](const QList<MediaID> &ids, const Receiver &take) { findFiles(ids, take); });
 }
 
 MusicLibrary::~MusicLibrary() {
-    m_model.setLibrary({});
+    m_model.imports().setLibrary({});
     m_model.remote().setBrowser(nullptr);
     m_window.reset();
     m_folder.disconnect(this);
@@ -134,6 +135,7 @@ void MusicLibrary::takeCapabilities() {
 }
 
 void MusicLibrary::takeActivity() {
+    m_browser.setInterrupted(m_current->isInterrupted());
     if (m_window)
         m_window->setSourceStatus(m_current->activity());
 }

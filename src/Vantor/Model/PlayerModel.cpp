@@ -41,7 +41,8 @@ MainWindowStatus::Transport transportOf(PlaybackState state) {
 
 PlayerModel::PlayerModel(Player &player, QSettings &settings, QObject *parent)
     : QObject(parent), m_player(player), m_settings(settings), m_local(player, settings), m_remote(settings),
-      m_stream(m_local), m_skin(SkinLoader::defaultSkin()), m_preferences(settings),
+      m_stream(m_local), m_imports(player, m_remote), m_skin(SkinLoader::defaultSkin()),
+      m_preferences(settings),
       m_output(player, settings), m_skins(settings), m_windows(settings),
       m_visualizer(player.analyzer(), settings) {
     restoreSettings();
@@ -93,8 +94,7 @@ PlayerModel::PlayerModel(Player &player, QSettings &settings, QObject *parent)
         notify(StatusNotice::skinFailed(name, StatusNotice::Clock::now()));
         Q_EMIT skinRefused(name, message);
     });
-    connect(&m_importer, &TrackImporter::imported, this, &PlayerModel::takeTracks);
-    connect(&m_importer, &TrackImporter::finished, this, &PlayerModel::finishImport);
+    connect(&m_imports, &QueueImports::finished, this, &PlayerModel::tellOf);
 }
 
 PlayerModel::~PlayerModel() {
@@ -132,6 +132,7 @@ MainWindowScene PlayerModel::scene() const {
     scene.status.timeMode = view.duration > 0 ? m_timeMode : TimeMode::elapsed;
     scene.status.elapsed = view.elapsed;
     scene.status.duration = view.duration;
+    scene.showsRates = hearsStream() || !m_remote.isSelected();
     if (hearsStream())
         m_stream.showFormat(scene.status);
     else if (!m_remote.isSelected())
@@ -221,53 +222,7 @@ void PlayerModel::setSkin(const QUrl &url, const Skin &skin) {
 
 // Music
 
-void PlayerModel::open(const QList<QUrl> &urls) {
-    startImport(urls, {.replaces = true});
-}
-
-void PlayerModel::enqueue(const QList<QUrl> &urls) {
-    startImport(urls, {});
-}
-
-void PlayerModel::insert(const QList<QUrl> &urls, int row) {
-    if (m_remote.isSelected() && !std::ranges::all_of(urls, isSkin))
-        showNotice(tr("Files play on this computer only"));
-    else
-        startImport(urls, planInFrontOf(row));
-}
-
-void PlayerModel::openItems(const QList<MediaID> &ids) {
-    if (m_remote.isSelected())
-        m_remote.play(ids, PlayMode::replace(0));
-    else
-        startImport(ids, {.replaces = true});
-}
-
-void PlayerModel::insertItems(const QList<MediaID> &ids, int row) {
-    if (m_remote.isSelected())
-        m_remote.play(ids, PlayMode::append());
-    else
-        startImport(ids, planInFrontOf(row));
-}
-
-PlayerModel::ImportPlan PlayerModel::planInFrontOf(int row) const {
-    ImportPlan plan;
-    if (row >= 0 && row < m_player.queue().count())
-        plan.before = m_player.queue().tracks()[static_cast<std::size_t>(row)].id;
-    return plan;
-}
-
-void PlayerModel::startImport(const QList<MediaID> &ids, const ImportPlan &plan) {
-    if (!m_library || ids.isEmpty())
-        return;
-    m_library(ids,
-              [self = QPointer(this), plan = ImportPlan(plan)](const std::vector<Track> &tracks) mutable {
-                  if (self)
-                      self->addTracks(tracks, plan);
-              });
-}
-
-void PlayerModel::startImport(const QList<QUrl> &urls, const ImportPlan &plan) {
+QList<QUrl> PlayerModel::withoutSkins(const QList<QUrl> &urls) {
     QList<QUrl> music;
     for (const QUrl &url : urls) {
         if (isSkin(url))
@@ -275,62 +230,20 @@ void PlayerModel::startImport(const QList<QUrl> &urls, const ImportPlan &plan) {
         else
             music.append(url);
     }
-    if (music.isEmpty())
-        return;
-    if (plan.replaces)
-        m_remote.deselect(); // files play here, and the windows show it
-    if (m_holdsImports)
-        m_heldImports.push_back({music, plan});
+    return music;
+}
+
+void PlayerModel::insert(const QList<QUrl> &urls, int row) {
+    const QList<QUrl> music = withoutSkins(urls);
+    if (m_remote.isSelected() && !music.isEmpty())
+        showNotice(tr("Files play on this computer only"));
     else
-        importMusic(music, plan);
-}
-
-void PlayerModel::releaseImports() {
-    m_holdsImports = false;
-    for (const HeldImport &held : std::exchange(m_heldImports, {}))
-        importMusic(held.music, held.plan);
-}
-
-void PlayerModel::importMusic(const QList<QUrl> &music, const ImportPlan &plan) {
-    if (plan.replaces) {
-        m_importer.cancel();
-        for (auto &[number, older] : m_imports)
-            older.replaces = false;
-    }
-    m_imports.emplace(m_importer.import(music), plan);
+        m_imports.insert(music, row);
 }
 
 void PlayerModel::clearQueue() {
-    m_importer.cancel();
-    m_imports.clear();
-    m_heldImports.clear();
+    m_imports.cancel();
     m_player.clearQueue();
-}
-
-void PlayerModel::takeTracks(quint64 import, const std::vector<Track> &tracks) {
-    if (const auto plan = m_imports.find(import); plan != m_imports.end())
-        addTracks(tracks, plan->second);
-}
-
-void PlayerModel::addTracks(const std::vector<Track> &tracks, ImportPlan &plan) {
-    const bool replaces = std::exchange(plan.replaces, false);
-    if (replaces)
-        m_player.clearQueue();
-    const std::vector<Track> &queued = m_player.queue().tracks();
-    auto place = queued.end();
-    if (plan.before)
-        place = std::ranges::find(queued, *plan.before, &Track::id);
-    const auto first = static_cast<int>(place - queued.begin());
-    m_player.insertTracks(tracks, first);
-    if (replaces)
-        m_player.play(first);
-}
-
-void PlayerModel::finishImport(quint64 import, int added, const std::vector<SkippedFile> &skipped) {
-    if (m_imports.erase(import) > 0)
-        tellOf(added, skipped);
-    if (m_imports.empty())
-        Q_EMIT importsFinished();
 }
 
 void PlayerModel::tellOf(int added, const std::vector<SkippedFile> &skipped) {
@@ -342,7 +255,6 @@ void PlayerModel::tellOf(int added, const std::vector<SkippedFile> &skipped) {
         else
             Q_EMIT trackRefused(file.name(), file.reason);
     }
-    m_skippedFiles = skipped;
     if (const auto notice =
             StatusNotice::skipped(static_cast<int>(skipped.size()), added, StatusNotice::Clock::now()))
         notify(*notice);

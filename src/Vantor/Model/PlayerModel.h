@@ -8,9 +8,9 @@
 #include "Vantor/Model/MarqueeLine.h"
 #include "Vantor/Model/OutputChoice.h"
 #include "Vantor/Model/Preferences.h"
+#include "Vantor/Model/QueueImports.h"
 #include "Vantor/Model/SkinLoader.h"
 #include "Vantor/Model/SkinShelf.h"
-#include "Vantor/Model/TrackImporter.h"
 #include "Vantor/Model/Visualizer.h"
 #include "Vantor/Model/WindowState.h"
 #include "Vantor/Remote/RemoteOutput.h"
@@ -19,7 +19,6 @@
 #include <QObject>
 
 #include <chrono>
-#include <map>
 #include <optional>
 
 class QSettings;
@@ -58,6 +57,8 @@ class PlayerModel : public QObject {
 
     [[nodiscard]] Preferences &preferences() { return m_preferences; }
     [[nodiscard]] OutputChoice &output() { return m_output; }
+    /// What is on its way into the player's queue.
+    [[nodiscard]] QueueImports &imports() { return m_imports; }
     [[nodiscard]] SkinShelf &skins() { return m_skins; }
     [[nodiscard]] WindowState &windows() { return m_windows; }
     [[nodiscard]] const WindowState &windows() const { return m_windows; }
@@ -76,32 +77,13 @@ class PlayerModel : public QObject {
     void wear(const QUrl &skin);
     void wearDefaultSkin();
 
-    // Music. open() replaces the queue once its first track is known to be playable and plays it; enqueue()
-    // only adds to the end. Skins among the addresses are worn. Files play on this computer only: open()
-    // selects it, and insert() refuses them while a speaker is selected.
-    void open(const QList<QUrl> &urls);
-    void enqueue(const QList<QUrl> &urls);
-    /// Adds in front of a row, or at the end for a row that there is not, and plays nothing by itself. What
-    /// comes in while the queue changes goes in front of the same track.
+    // Music, as QueueImports has it. Skins among the addresses are worn. insert() refuses files while a
+    // speaker is selected.
+    void open(const QList<QUrl> &urls) { m_imports.open(withoutSkins(urls)); }
+    void enqueue(const QList<QUrl> &urls) { m_imports.enqueue(withoutSkins(urls)); }
     void insert(const QList<QUrl> &urls, int row);
-    /// Finds the local files of library items and hands them over; not called when it cannot.
-    using TrackSource =
-        std::function<void(const QList<MediaID> &, const std::function<void(const std::vector<Track> &)> &)>;
-    /// Until one is set, library items cannot be played.
-    void setLibrary(const TrackSource &library) { m_library = library; }
-    [[nodiscard]] bool hasLibrary() const { return static_cast<bool>(m_library); }
-    // The same with items of the library, which the selected speaker plays; its queue takes them at the end.
-    void openItems(const QList<MediaID> &ids);
-    void enqueueItems(const QList<MediaID> &ids) { insertItems(ids, -1); }
-    void insertItems(const QList<MediaID> &ids, int row);
     /// Empties the queue, of what is still being added as well.
     void clearQueue();
-    [[nodiscard]] bool isImporting() const { return !m_imports.empty() || !m_heldImports.empty(); }
-    /// What the import that ended last left out, and why.
-    [[nodiscard]] const std::vector<SkippedFile> &skippedFiles() const { return m_skippedFiles; }
-    /// From here to releaseImports() what is opened and enqueued waits, in its order.
-    void holdImports() { m_holdsImports = true; }
-    void releaseImports();
 
     void setTimeMode(TimeMode mode);
 
@@ -134,32 +116,16 @@ class PlayerModel : public QObject {
     /// A list of which a part was not taken in.
     void partRefused(const QString &name, const QString &message);
     void skinRefused(const QString &name, const QString &message);
-    void importsFinished(); ///< nothing is left to import
     void sliderCancelled(); ///< what was dragged does not follow the pointer any more
 
   private:
-    /// What is done with the tracks of an import.
-    struct ImportPlan {
-        bool replaces = false;         ///< the queue, once the first track is there, which is played
-        std::optional<QUuid> before{}; ///< the track in front of which they go, else at the end
-    };
-    struct HeldImport {
-        QList<QUrl> music;
-        ImportPlan plan;
-    };
-
     [[nodiscard]] bool hearsStream() const;
     [[nodiscard]] PlaybackState visualizedState() const;
     void showFormat(MainWindowStatus &status) const;
     void handle(const PlayerEvent &event);
     void handleFailure(const PlaybackFailure &failure);
-    [[nodiscard]] ImportPlan planInFrontOf(int row) const;
-    void startImport(const QList<QUrl> &urls, const ImportPlan &plan);
-    void startImport(const QList<MediaID> &ids, const ImportPlan &plan);
-    void addTracks(const std::vector<Track> &tracks, ImportPlan &plan);
-    void importMusic(const QList<QUrl> &music, const ImportPlan &plan);
-    void takeTracks(quint64 import, const std::vector<Track> &tracks);
-    void finishImport(quint64 import, int added, const std::vector<SkippedFile> &skipped);
+    /// The skins are worn.
+    [[nodiscard]] QList<QUrl> withoutSkins(const QList<QUrl> &urls);
     void tellOf(int added, const std::vector<SkippedFile> &skipped);
     void watchOutput();
     void notify(const StatusNotice &notice);
@@ -175,7 +141,7 @@ class PlayerModel : public QObject {
     RemoteOutput m_remote;
     StreamTarget m_stream;
     SkinLoader m_skinLoader;
-    TrackImporter m_importer;
+    QueueImports m_imports;
     Skin m_skin;
     QUrl m_skinUrl;
     MarqueeLine m_marquee;
@@ -191,11 +157,6 @@ class PlayerModel : public QObject {
     std::optional<double> m_draggedPosition;
 
     double m_blinkTime = 0;
-    TrackSource m_library;
-    bool m_holdsImports = false;
-    std::vector<HeldImport> m_heldImports;
-    std::map<quint64, ImportPlan> m_imports; ///< under way, by number
-    std::vector<SkippedFile> m_skippedFiles;
 };
 
 } // namespace vantor

@@ -14,6 +14,20 @@ namespace vantor {
 
 using Status = MusicAssistantSettingsModel::Status;
 
+namespace {
+
+constexpr std::chrono::milliseconds keychainPatience{700};
+
+/// Room for so many lines, whatever there is to say: nothing moves under the pointer.
+void giveRoom(QLabel &label, int lines) {
+    label.setWordWrap(true);
+    label.setTextFormat(Qt::PlainText);
+    label.setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    label.setMinimumHeight(lines * label.fontMetrics().lineSpacing());
+}
+
+} // namespace
+
 ServerEditor::ServerEditor(MusicAssistantServers &servers, QWidget *parent)
     : QWidget(parent), m_servers(servers), m_model(servers.settings()), m_name(new QLineEdit),
       m_address(new QLineEdit), m_problem(new QLabel), m_token(new QLineEdit),
@@ -23,6 +37,13 @@ ServerEditor::ServerEditor(MusicAssistantServers &servers, QWidget *parent)
     m_problem->setWordWrap(true);
     m_problem->hide();
     m_token->setEchoMode(QLineEdit::Password);
+    giveRoom(*m_kept, 3);
+    m_patience.setSingleShot(true);
+    m_patience.setInterval(keychainPatience);
+    connect(&m_patience, &QTimer::timeout, this, [this] {
+        m_isPatient = false;
+        showStatus();
+    });
     m_token->setPlaceholderText(MusicAssistantSettingsModel::tokenPlaceholder());
     m_networks->setToolTip(tr("The Wi-Fi networks on which this server is preferred"));
     auto *const layout = new QFormLayout;
@@ -41,7 +62,7 @@ ServerEditor::ServerEditor(MusicAssistantServers &servers, QWidget *parent)
 
     connect(m_name, &QLineEdit::editingFinished, this, &ServerEditor::takeName);
     connect(m_address, &QLineEdit::editingFinished, this, [this] { (void)takeAddress(); });
-    connect(m_token, &QLineEdit::editingFinished, this, &ServerEditor::takeToken);
+    connect(m_token, &QLineEdit::returnPressed, m_test, &QPushButton::click);
     connect(m_networks, &NetworkNames::edited, this, [this](const QStringList &names) {
         if (auto server = m_servers.list().server(m_id)) {
             server->networks = names;
@@ -50,7 +71,7 @@ ServerEditor::ServerEditor(MusicAssistantServers &servers, QWidget *parent)
     });
     connect(m_test, &QPushButton::clicked, this, [this] {
         if (takeAddress())
-            test(m_id);
+            test(m_id, m_token->text());
     });
     connect(m_replace, &QPushButton::clicked, this, [this] {
         m_model.replace(m_id);
@@ -67,10 +88,8 @@ QWidget *ServerEditor::makeTest() {
     m_replace->setToolTip(MusicAssistantSettingsModel::replacingText());
     for (QPushButton *const button : {m_test, m_replace})
         button->setAutoDefault(false);
-    m_status->setWordWrap(true);
-    m_status->setTextFormat(Qt::PlainText);
-    // Room for two lines, whatever there is to say: nothing moves under the pointer.
-    m_status->setMinimumHeight(2 * m_status->fontMetrics().lineSpacing());
+    giveRoom(*m_status, 2);
+    m_status->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     auto *const row = new QWidget;
     auto *const layout = new QHBoxLayout(row);
     layout->setContentsMargins(0, 4, 0, 0);
@@ -84,8 +103,9 @@ QWidget *ServerEditor::makeTest() {
 void ServerEditor::edit(const QUuid &id) {
     if (m_id == id)
         return;
+    if (!m_id.isNull())
+        takeToken();
     m_id = id;
-    m_token->clear();
     m_problem->hide();
     m_name->setModified(false);
     m_address->setModified(false);
@@ -133,7 +153,7 @@ bool ServerEditor::takeAddress() {
 void ServerEditor::takeToken() {
     const MusicAssistantToken token(m_token->text());
     m_token->clear();
-    if (!token.isEmpty())
+    if (!token.isEmpty() && m_servers.list().server(m_id))
         m_model.setToken(m_id, token);
 }
 
@@ -150,38 +170,55 @@ void ServerEditor::askForToken() {
     m_token->setFocus();
 }
 
-// With a token that has just been typed, and only once that is kept.
-QCoro::Task<> ServerEditor::test(QUuid id) {
+// A token that has signed in is out of the field; one that has not can be corrected there.
+QCoro::Task<> ServerEditor::test(QUuid id, QString typed) {
     const QPointer<ServerEditor> self(this);
     MusicAssistantSettingsModel &model = m_model;
-    const MusicAssistantToken token(m_token->text());
-    m_token->clear();
-    if (!token.isEmpty()) {
-        co_await model.setToken(id, token);
-        if (!self || model.status(id).kind == Status::Kind::failed)
-            co_return;
+    co_await model.test(id, MusicAssistantToken(typed));
+    if (self && m_id == id && m_token->text() == typed && model.status(id).kind == Status::Kind::passed) {
+        m_token->clear();
+        showStatus();
     }
-    co_await model.test(id);
+}
+
+/// Where the token is, or how one comes by it.
+QString ServerEditor::tokenNote() const {
+    if (const auto kept = m_model.keptToken(m_id))
+        return MusicAssistantTokenStore::message(*kept);
+    const auto server = m_servers.list().server(m_id);
+    const bool isDone = server && server->address.isVerified();
+    return isDone ? QString() : MusicAssistantSettingsModel::afterAddingText();
 }
 
 void ServerEditor::showStatus() {
     const Status status = m_model.status(m_id);
-    const auto kept = m_model.keptToken(m_id);
-    const QString keptText = kept ? MusicAssistantTokenStore::message(*kept) : QString();
-    m_kept->setText(keptText.isEmpty() ? MusicAssistantSettingsModel::afterAddingText() : keptText);
-    m_token->setPlaceholderText(kept ? QString(12, QChar(0x2022))
-                                     : MusicAssistantSettingsModel::tokenPlaceholder());
     const bool isTesting = status.kind == Status::Kind::testing;
+    m_kept->setText(tokenNote());
+    m_token->setPlaceholderText(m_model.keptToken(m_id) ? QString(12, QChar(0x2022))
+                                                        : MusicAssistantSettingsModel::tokenPlaceholder());
     m_test->setEnabled(!isTesting);
     m_replace->setVisible(status.failure && status.failure->failureCase ==
                                                 MusicAssistantConnectionFailure::Case::serverMismatch);
-    m_status->setText(isTesting ? tr("Testing…") : status.text == keptText ? QString() : status.text);
+    m_status->setText(isTesting ? tr("Testing…") : status.text == m_kept->text() ? QString() : status.text);
     const bool isToldOf = status.kind == Status::Kind::passed || status.kind == Status::Kind::failed;
     const auto sign =
         status.kind == Status::Kind::passed ? QStyle::SP_DialogApplyButton : QStyle::SP_MessageBoxWarning;
     m_sign->setVisible(isToldOf);
     if (isToldOf)
         m_sign->setPixmap(style()->standardIcon(sign).pixmap(16));
+    showKeychain();
+}
+
+// It may ask the user, in a window of its own, which may be behind this one.
+void ServerEditor::showKeychain() {
+    if (!m_model.asksKeychain(m_id)) {
+        m_patience.stop();
+        m_isPatient = true;
+    } else if (m_isPatient && !m_patience.isActive()) {
+        m_patience.start();
+    }
+    if (!m_isPatient)
+        m_status->setText(tr("Waiting for the keychain, which may be asking you in a window of its own."));
 }
 
 } // namespace vantor

@@ -2,6 +2,7 @@
 
 #include "Vantor/Library/MusicAssistantServers.h"
 
+#include <QTimer>
 #include <QWidget>
 
 class QLabel;
@@ -12,8 +13,9 @@ namespace vantor {
 
 class NetworkNames;
 
-/// Everything about one Music Assistant server; what is changed holds at once. A token that was typed is
-/// taken out of its field. Main thread; borrows the servers.
+/// Everything about one Music Assistant server; what is changed holds at once. Only a token stays in its
+/// field until it has signed in, or until one goes elsewhere, which keeps it untested. Main thread; borrows
+/// the servers.
 class ServerEditor : public QWidget {
     Q_OBJECT
 
@@ -32,8 +34,10 @@ class ServerEditor : public QWidget {
     void takeName();
     [[nodiscard]] bool takeAddress();
     void takeToken();
-    QCoro::Task<> test(QUuid id);
+    QCoro::Task<> test(QUuid id, QString typed);
     void showStatus();
+    void showKeychain();
+    [[nodiscard]] QString tokenNote() const;
 
     MusicAssistantServers &m_servers;
     MusicAssistantSettingsModel &m_model;
@@ -48,6 +52,8 @@ class ServerEditor : public QWidget {
     QPushButton *m_replace;
     QLabel *m_sign;
     QLabel *m_status;
+    QTimer m_patience; ///< before the page speaks of the keychain, which mostly answers at once
+    bool m_isPatient = true;
 };
 
 } // namespace vantor

@@ -2,46 +2,20 @@
 
 #include "MusicBackendKit/MarqueeText.h"
 #include "MusicBackendKit/MusicBackendError.h"
-#include "Platform/PictureDecoder.h"
+#include "MusicLibraryKit/ArtworkCache.h"
 
-#include <QDateTime>
 #include <QPointer>
 
+#include <algorithm>
 #include <cmath>
 
 namespace vantor {
 
 namespace {
 
-using State = NowPlaying::State;
 using Kind = TransportCommand::Kind;
 
-constexpr double sameTime = 2;      // seconds by which two clocks of one place may differ
-constexpr double sameVolume = 0.01; // speakers count in hundredths
-constexpr int artworkSide = 640;
-constexpr qint64 artworkPixels = 36'000'000;
-
-double now() {
-    return static_cast<double>(QDateTime::currentMSecsSinceEpoch()) / 1000;
-}
-
-PlaybackState stateOf(State state) {
-    switch (state) {
-    case State::stopped:
-        return PlaybackState::stopped;
-    case State::loading:
-        return PlaybackState::loading;
-    case State::playing:
-        return PlaybackState::playing;
-    case State::paused:
-        break;
-    }
-    return PlaybackState::paused;
-}
-
-bool isSameItem(const NowPlaying &one, const NowPlaying &other) {
-    return one.item == other.item && one.title == other.title && one.artist == other.artist;
-}
+constexpr int artworkSide = 640; // as desktops show it
 
 } // namespace
 
@@ -60,16 +34,28 @@ RemoteOutput::RemoteOutput(QSettings &settings, QObject *parent)
 
 // The selection
 
-void RemoteOutput::setBrowser(LibraryBrowser *browser) {
+void RemoteOutput::setBrowser(LibraryBrowser *browser, ArtworkCache *pictures) {
     if (m_browser)
         m_browser->disconnect(this);
+    if (m_pictures)
+        m_pictures->disconnect(this);
     m_browser = browser;
+    m_pictures = pictures;
+    if (pictures)
+        connect(pictures, &ArtworkCache::imageChanged, this, [this](const ArtworkRef &ref, int pixels) {
+            if (pixels != artworkSide || ref != nowPlaying().artwork)
+                return;
+            askForArtwork();
+            Q_EMIT changed();
+        });
     if (browser) {
         connect(browser, &LibraryBrowser::sourceChanged, this, &RemoteOutput::recall);
         connect(browser, &LibraryBrowser::outputChosen, this, &RemoteOutput::remember);
-        connect(browser, &LibraryBrowser::stateChanged, this, &RemoteOutput::takeOutput);
+        for (const auto signal : {&LibraryBrowser::stateChanged, &LibraryBrowser::interruptionChanged})
+            connect(browser, signal, this, &RemoteOutput::takeOutput);
         connect(browser, &LibraryBrowser::outputsChanged, this, &RemoteOutput::takeOutput);
         connect(browser, &LibraryBrowser::activitiesChanged, this, &RemoteOutput::takeOutput);
+        connect(browser, &LibraryBrowser::activitiesChanged, this, &RemoteOutput::takeControls);
         recall();
     }
     takeOutput();
@@ -87,6 +73,20 @@ void RemoteOutput::remember(const OutputDevice &output) {
         m_memory.remember(m_browser->backend()->sourceID(), {output.id, output.name});
 }
 
+QList<OutputDevice> RemoteOutput::outputs() const {
+    if (!m_browser)
+        return {};
+    QList<OutputDevice> known = m_browser->outputs();
+    const auto chosen = m_browser->output();
+    if (chosen && std::ranges::find(known, chosen->id, &OutputDevice::id) == known.end())
+        known.append(*chosen);
+    QList<OutputDevice> sorted;
+    for (const bool isThere : {true, false})
+        std::ranges::copy_if(known, std::back_inserter(sorted),
+                             [&](const OutputDevice &output) { return output.isAvailable == isThere; });
+    return sorted;
+}
+
 void RemoteOutput::select(const OutputDevice &output) {
     m_followsHere = false;
     if (m_browser)
@@ -100,6 +100,11 @@ void RemoteOutput::deselect() {
 
 void RemoteOutput::takeOutput() {
     std::optional<OutputDevice> device = m_browser ? m_browser->output() : std::nullopt;
+    // While the source looks for its server again, the speaker stays the one.
+    if (!device && m_device && m_browser && m_browser->state() == LibraryBrowser::State::connecting) {
+        device = m_device;
+        device->isAvailable = false;
+    }
     if (device && device->kind != OutputDevice::Kind::remote) {
         if (playsHere())
             device->name = tr("This Computer");
@@ -107,13 +112,17 @@ void RemoteOutput::takeOutput() {
             device.reset();
     }
     const auto backend = device && device->isAvailable ? m_browser->connected() : nullptr;
-    if (device == m_device && backend == m_backend)
+    if (device == m_device && backend == m_backend) {
+        takeInterruption();
+        Q_EMIT changed(); // how the source stands is in the title
         return;
+    }
     const bool isSame = device && m_device && device->id == m_device->id;
-    const bool hasGone = isSame && m_backend && !backend;
+    const bool hasGone = isSame && m_backend && !backend && m_browser->connected();
     m_device = device;
     if (!isSame || backend != m_backend)
         watch(backend);
+    takeInterruption();
     Q_EMIT selectionChanged();
     Q_EMIT changed();
     if (hasGone)
@@ -133,19 +142,26 @@ bool RemoteOutput::playsHere() const {
                m_browser->activities().end();
 }
 
+// The clock stands where the server was lost: nobody knows how it goes on.
+void RemoteOutput::takeInterruption() {
+    if (!m_backend || !m_browser->isInterrupted())
+        m_stoodAt.reset();
+    else if (!m_stoodAt)
+        m_stoodAt = m_playback.view().elapsed;
+}
+
 void RemoteOutput::watch(const std::shared_ptr<MusicBackend> &backend) {
     m_watch = std::make_shared<char>();
     m_backend = backend;
     m_playingStream = {};
     m_queueStream = {};
-    m_playing = {};
     m_artwork = {};
     forgetExpectations();
-    m_queue = {};
+    m_playback = backend ? RemotePlayback(m_device->id) : RemotePlayback();
+    m_controls = backend ? backend->controls(m_device->id) : std::nullopt;
     Q_EMIT queueChanged();
     if (!backend)
         return;
-    m_playing = NowPlaying::idle(m_device->id, now());
     m_playingStream = backend->nowPlaying(m_device->id);
     m_queueStream = backend->queue(m_device->id);
     followPlaying();
@@ -165,7 +181,7 @@ QCoro::Task<> RemoteOutput::followPlaying() {
         if (watch.expired())
             co_return;
         if (!told) { // the source has let go of the speaker
-            take(NowPlaying::idle(m_device->id, now()));
+            take(NowPlaying::idle(m_device->id, RemotePlayback::now()));
             co_return;
         }
         take(*told);
@@ -178,11 +194,7 @@ QCoro::Task<> RemoteOutput::followQueue() {
         const std::optional<RemoteQueueSnapshot> queue = co_await m_queueStream.next();
         if (watch.expired() || !queue)
             co_return;
-        m_queue = *queue;
-        if (m_shuffle.value() == m_queue.isShuffled)
-            m_shuffle.forget();
-        if (m_repeat.value() == m_queue.repeats)
-            m_repeat.forget();
+        m_playback.take(*queue);
         Q_EMIT queueChanged();
         if (!watch.expired())
             Q_EMIT changed(); // the number in the title
@@ -191,64 +203,41 @@ QCoro::Task<> RemoteOutput::followQueue() {
 
 void RemoteOutput::take(const NowPlaying &told) {
     const std::weak_ptr<char> watch = m_watch;
-    const NowPlaying before = nowPlaying();
-    const double instant = now();
-    confirm(told);
-    m_playing = told;
-    const NowPlaying after = nowPlaying();
-    const bool isSame = isSameItem(before, after);
-    if (before.artwork != after.artwork) {
-        m_artwork = {};
-        loadArtwork();
-    }
+    const RemotePlayback::Step step = m_playback.take(told);
+    if (step.hasOtherArtwork)
+        askForArtwork();
     Q_EMIT changed();
-    if (!isSame && !watch.expired())
+    if (step.hasOtherItem && !watch.expired())
         Q_EMIT itemChanged();
-    if (isSame && !watch.expired() &&
-        std::abs(before.elapsedAt(instant) - after.elapsedAt(instant)) > sameTime)
-        Q_EMIT seeked(after.elapsedAt(instant));
-}
-
-/// What was expected and has come, or cannot come any more.
-void RemoteOutput::confirm(const NowPlaying &told) {
-    if (m_state.value() == told.state)
-        m_state.forget();
-    if (const auto volume = m_volume.value();
-        volume && told.volume && std::abs(*volume - *told.volume) < sameVolume)
-        m_volume.forget();
-    const std::optional<Place> place = m_place.value();
-    const bool isThere = place && std::abs(nowPlaying().elapsedAt(now()) - told.elapsedAt(now())) < sameTime;
-    if (isThere || !isSameItem(m_playing, told))
-        m_place.forget();
-}
-
-NowPlaying RemoteOutput::nowPlaying() const {
-    NowPlaying playing = m_playing;
-    playing.state = m_state.value().value_or(playing.state);
-    playing.volume =
-        playing.volume ? std::optional(m_volume.value().value_or(*playing.volume)) : std::nullopt;
-    if (const std::optional<Place> place = m_place.value()) {
-        playing.elapsed = place->elapsed;
-        playing.updatedAt = place->at;
-    }
-    return playing;
+    if (step.jumpedTo && !watch.expired())
+        Q_EMIT seeked(*step.jumpedTo);
 }
 
 PlaybackView RemoteOutput::view() const {
-    const NowPlaying playing = nowPlaying();
-    PlaybackView view;
-    view.state = stateOf(playing.state);
-    view.wantsToPlay = playing.state == State::playing || playing.state == State::loading;
-    view.duration = std::isfinite(playing.duration.value_or(0)) ? playing.duration.value_or(0) : 0;
-    view.elapsed = playing.elapsedAt(now());
-    view.volume = playing.volume;
-    view.isShuffled = m_shuffle.value().value_or(m_queue.isShuffled.value_or(false));
-    const bool repeats = m_repeat.value().value_or(m_queue.repeats.value_or(false));
-    view.repeat = repeats ? RepeatMode::all : RepeatMode::off;
-    view.isEmpty = m_queue.total == 0 && !playing.title;
-    view.hasNext = m_queue.total > 0 &&
-                   (repeats || view.isShuffled || m_queue.currentIndex.value_or(-1) + 1 < m_queue.total);
+    PlaybackView view = m_playback.view();
+    if (!controls().canSetVolume)
+        view.volume.reset();
+    if (m_stoodAt && view.state == PlaybackState::playing) { // who knows
+        view.state = PlaybackState::loading;
+        view.elapsed = *m_stoodAt;
+    }
     return view;
+}
+
+OutputControls RemoteOutput::controls() const {
+    OutputControls controls = m_controls.value_or(OutputControls{nowPlaying().volume.has_value(), {}});
+    if (controls.isMuted)
+        controls.isMuted = m_muted.value().value_or(*controls.isMuted);
+    return controls;
+}
+
+void RemoteOutput::takeControls() {
+    if (!m_backend)
+        return;
+    m_controls = m_backend->controls(m_device->id);
+    if (m_controls && m_muted.value() == m_controls->isMuted)
+        m_muted.forget();
+    Q_EMIT changed();
 }
 
 QString RemoteOutput::title() const {
@@ -258,32 +247,23 @@ QString RemoteOutput::title() const {
         const bool isConnecting = m_browser && m_browser->state() == LibraryBrowser::State::connecting;
         return (isConnecting ? tr("Connecting to %1…") : tr("%1 is not available")).arg(m_device->name);
     }
-    const std::optional<int> number =
-        m_queue.currentIndex ? std::optional(*m_queue.currentIndex + 1) : std::nullopt;
+    if (m_stoodAt)
+        return tr("Reconnecting to %1…").arg(m_device->name);
+    const std::optional<int> current = queue().currentIndex;
+    const std::optional<int> number = current ? std::optional(*current + 1) : std::nullopt;
     return MarqueeText::display(nowPlaying(), number);
 }
 
-QCoro::Task<> RemoteOutput::loadArtwork() {
-    const std::weak_ptr<char> watch = m_watch;
-    const std::optional<ArtworkRef> ref = m_playing.artwork;
-    const std::shared_ptr<MusicBackend> backend = m_backend;
-    if (!ref || !backend)
-        co_return;
-    QByteArray bytes;
-    try {
-        bytes = co_await backend->artwork(*ref, artworkSide);
-    } catch (...) { // it plays without a picture
-    }
-    if (watch.expired() || m_playing.artwork != ref)
-        co_return;
-    m_artwork = decodePicture(bytes, artworkSide, artworkPixels);
-    Q_EMIT changed();
+// Null until it has come, which the pictures tell.
+void RemoteOutput::askForArtwork() {
+    const std::optional<ArtworkRef> ref = nowPlaying().artwork;
+    m_artwork = ref && m_pictures ? m_pictures->image(*ref, artworkSide) : QImage();
 }
 
 // So that the seconds change when the speaker's do.
 void RemoteOutput::startClock() {
     const std::optional<double> anchor = nowPlaying().remoteClockAnchor(false);
-    const double since = anchor ? now() - *anchor : 0;
+    const double since = anchor ? RemotePlayback::now() - *anchor : 0;
     if (!anchor || !std::isfinite(since)) {
         m_clock.stop();
         return;
@@ -303,47 +283,23 @@ bool RemoteOutput::isReady() {
 void RemoteOutput::transport(const TransportCommand &command) {
     if (!isReady())
         return;
+    if (command.kind == Kind::togglePlayPause) // as what it is now, so that twice is twice
+        return transport(view().wantsToPlay ? TransportCommand::pause() : TransportCommand::play());
+    if (command.kind == Kind::setVolume && !controls().canSetVolume)
+        return fail(
+            std::make_exception_ptr(MusicBackendError::unsupported(MusicBackendCapability::remoteOutputs)));
+    m_playback.expect(command);
     switch (command.kind) {
     case Kind::setVolume:
-        if (!m_playing.volume)
-            return fail(std::make_exception_ptr(
-                MusicBackendError::unsupported(MusicBackendCapability::remoteOutputs)));
-        m_volume.expect(command.value);
         m_volumeSender.set(command.value);
+        if (controls().isMuted.value_or(false)) // who turns it up or down wants to hear it
+            setMuted(false);
         break;
-    case Kind::seek: {
-        const double last = m_playing.duration.value_or(std::max(0.0, command.value));
-        const double seconds = std::clamp(command.value, 0.0, std::max(0.0, last));
-        m_place.expect({seconds, now()});
-        m_seekSender.set(seconds);
-        Q_EMIT seeked(seconds);
+    case Kind::seek:
+        m_seekSender.set(m_playback.reachable(command.value));
+        Q_EMIT seeked(m_playback.reachable(command.value));
         break;
-    }
-    case Kind::togglePlayPause: // as what it is now, so that twice is twice
-        return transport(view().wantsToPlay ? TransportCommand::pause() : TransportCommand::play());
-    case Kind::play:
-        expectState(State::playing);
-        send(command);
-        break;
-    case Kind::pause:
-        expectState(State::paused);
-        send(command);
-        break;
-    case Kind::stop:
-        expectState(State::stopped);
-        send(command);
-        break;
-    case Kind::setShuffle:
-        m_shuffle.expect(command.isOn);
-        send(command);
-        break;
-    case Kind::setRepeat:
-        m_repeat.expect(command.isOn);
-        send(command);
-        break;
-    case Kind::setBalance:
-    case Kind::next:
-    case Kind::previous:
+    default:
         send(command);
         break;
     }
@@ -351,32 +307,35 @@ void RemoteOutput::transport(const TransportCommand &command) {
     Q_EMIT changed();
 }
 
-// The clock goes on, or stands, from where it shows.
-void RemoteOutput::expectState(State state) {
-    if (nowPlaying().state == State::stopped && state == State::paused)
+void RemoteOutput::setMuted(bool isMuted) {
+    if (!isReady())
         return;
-    m_place.expect({nowPlaying().elapsedAt(now()), now()});
-    m_state.expect(state);
+    m_muted.expect(isMuted);
+    m_expiry.start();
+    carryOut(m_backend->setMuted(m_device->id, isMuted));
+    Q_EMIT changed();
 }
 
 void RemoteOutput::forgetExpectations() {
-    m_state.forget();
-    m_volume.forget();
-    m_place.forget();
-    m_shuffle.forget();
-    m_repeat.forget();
+    m_playback.forgetExpectations();
+    m_muted.forget();
     m_volumeSender.cancel();
     m_seekSender.cancel();
 }
 
 QCoro::Task<> RemoteOutput::send(TransportCommand command) {
+    if (!m_backend)
+        co_return;
+    auto operation = m_backend->transport(command, m_device->id);
+    co_await carryOut(std::move(operation));
+}
+
+// What was expected of others counts no more either: nothing shows that the server may not do.
+QCoro::Task<> RemoteOutput::carryOut(QCoro::Task<> operation) {
     const std::weak_ptr<char> watch = m_watch;
-    const std::shared_ptr<MusicBackend> backend = m_backend;
-    const OutputDevice::ID output = m_device ? m_device->id : OutputDevice::ID();
     std::exception_ptr error;
     try {
-        if (backend)
-            co_await backend->transport(command, output);
+        co_await operation;
     } catch (...) {
         error = std::current_exception();
     }
@@ -403,9 +362,26 @@ QCoro::Task<> RemoteOutput::report(QCoro::Task<> operation) {
         fail(error);
 }
 
+bool RemoteOutput::playsItems() const {
+    return isSelected() || capabilities().testFlag(MusicBackendCapability::remoteOutputs);
+}
+
 void RemoteOutput::play(const QList<MediaID> &items, const PlayMode &mode) {
-    if (isReady() && !items.isEmpty())
+    if (items.isEmpty())
+        return;
+    if (!isSelected())
+        m_browser->play({items, mode});
+    else if (isReady())
         report(m_backend->play(items, *m_device, mode));
+}
+
+void RemoteOutput::setMember(const OutputDevice::ID &leader, const OutputDevice::ID &member, bool isMember) {
+    const std::shared_ptr<MusicBackend> backend = m_browser ? m_browser->connected() : nullptr;
+    if (!backend)
+        return;
+    const QList<OutputDevice::ID> change{member};
+    report(backend->setGroupMembers(leader, isMember ? change : QList<OutputDevice::ID>(),
+                                    isMember ? QList<OutputDevice::ID>() : change));
 }
 
 void RemoteOutput::saveQueue(const QString &name) {

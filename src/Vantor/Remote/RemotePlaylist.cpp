@@ -12,6 +12,8 @@ namespace {
 
 constexpr std::chrono::milliseconds movePause{300};
 constexpr std::chrono::milliseconds settleTime{2000};
+constexpr std::chrono::milliseconds firstRetry{2000};
+constexpr std::chrono::milliseconds longestRetry{60'000};
 const QChar unknownMark(0); // begins no ID of a server
 
 QString unknownID(int row) {
@@ -41,13 +43,18 @@ Track unknownTrack(int row) {
 } // namespace
 
 RemotePlaylist::RemotePlaylist(RemoteOutput &output, QObject *parent)
-    : PlaylistQueue(parent), m_output(output) {
+    : PlaylistQueue(parent), m_output(output), m_retryPause(firstRetry) {
     m_committing.setSingleShot(true);
     m_committing.setInterval(movePause);
     connect(&m_committing, &QTimer::timeout, this, &RemotePlaylist::commitMoves);
     m_settling.setSingleShot(true);
     m_settling.setInterval(settleTime);
     connect(&m_settling, &QTimer::timeout, this, &RemotePlaylist::takeQueue);
+    m_tryingAgain.setSingleShot(true);
+    connect(&m_tryingAgain, &QTimer::timeout, this, [this] {
+        m_pages -= std::exchange(m_failedPages, {});
+        Q_EMIT changed(); // so that those that are seen are wanted
+    });
     connect(&output, &RemoteOutput::queueChanged, this, &RemotePlaylist::takeQueue);
     takeQueue();
 }
@@ -61,6 +68,9 @@ void RemotePlaylist::forget() {
     m_ids.clear();
     m_current.reset();
     m_pages.clear();
+    m_failedPages.clear();
+    m_tryingAgain.stop();
+    m_retryPause = firstRetry;
     m_moved.clear();
     m_edits.clear();
     m_isEditing = false;
@@ -82,6 +92,7 @@ void RemotePlaylist::takeQueue() {
     if (isBusy())
         return;
     m_settling.stop();
+    tryAgainSoon();
     const auto told = static_cast<int>(std::min<qsizetype>(queue.items.size(), mostRows));
     const int count = queue.isComplete ? told : std::clamp(queue.total, told, mostRows);
     // What was loaded of a long queue holds as long as what is told of it fits.
@@ -90,7 +101,7 @@ void RemotePlaylist::takeQueue() {
                           return !knows(item.index) || m_ids[item.index] == item.id;
                       });
     if (!fits) {
-        m_pages.clear();
+        ++m_edition;
         m_tracks.resize(static_cast<std::size_t>(count));
         m_ids.resize(count);
         for (int row = queue.isComplete ? count : 0; row < count; ++row) {
@@ -132,16 +143,50 @@ QCoro::Task<> RemotePlaylist::loadPage(int page) {
     m_pages.insert(page);
     const PageRequest request{page * pageSize, pageSize};
     const OutputDevice::ID output = m_output.device().id;
-    const QStringList before = m_ids;
+    const int edition = m_edition;
     QList<RemoteQueueItem> items;
     try {
         items = co_await backend->queueItems(output, request);
-    } catch (...) { // what it is called stays unknown; it can be played all the same
+    } catch (...) { // what it is called stays unknown for now; it can be played all the same
     }
-    if (turn.expired() || !m_pages.contains(page) || m_ids.size() != before.size() || isBusy())
+    if (turn.expired())
         co_return;
-    takeItems(items.mid(0, pageSize), request.offset);
-    Q_EMIT changed();
+    const bool isInPlace = edition == m_edition && !isBusy();
+    if (isInPlace)
+        takeItems(items.mid(0, pageSize), request.offset);
+    if (knowsPage(page)) {
+        m_pages.remove(page);
+        m_retryPause = firstRetry;
+    } else {
+        tryAgainLater(page);
+    }
+    if (isInPlace && !items.isEmpty())
+        Q_EMIT changed();
+}
+
+bool RemotePlaylist::knowsPage(int page) const {
+    const int end = std::min<int>((page + 1) * pageSize, static_cast<int>(m_ids.size()));
+    for (int row = page * pageSize; row < end; ++row) {
+        if (!knows(row))
+            return false;
+    }
+    return true;
+}
+
+// What has failed, came too late, or did not tell everything. A server that goes on failing is asked ever
+// more rarely, until it tells something by itself.
+void RemotePlaylist::tryAgainLater(int page) {
+    m_failedPages.insert(page);
+    if (m_tryingAgain.isActive())
+        return;
+    m_tryingAgain.start(m_retryPause);
+    m_retryPause = std::min(2 * m_retryPause, longestRetry);
+}
+
+void RemotePlaylist::tryAgainSoon() {
+    m_retryPause = firstRetry;
+    if (m_tryingAgain.remainingTimeAsDuration() > firstRetry)
+        m_tryingAgain.start(firstRetry);
 }
 
 // Edits
@@ -176,6 +221,7 @@ void RemotePlaylist::remove(const IndexSet &rows) {
                 ? std::nullopt
                 : std::optional(*m_current -
                                 static_cast<int>(std::distance(rows.begin(), rows.lower_bound(*m_current))));
+    ++m_edition;
     for (auto row = rows.rbegin(); row != rows.rend(); ++row) {
         m_tracks.erase(m_tracks.begin() + *row);
         m_ids.removeAt(*row);
@@ -198,6 +244,7 @@ void RemotePlaylist::move(const IndexSet &rows, int step) {
     if (rows.empty() || step == 0 || *rows.begin() + step < 0 ||
         *rows.rbegin() + step >= static_cast<int>(m_tracks.size()))
         return;
+    ++m_edition;
     if (m_moved.isEmpty())
         m_idsBefore = m_ids;
     const QString current = m_current ? m_ids[*m_current] : QString();

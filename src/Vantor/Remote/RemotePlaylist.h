@@ -33,6 +33,9 @@ class RemotePlaylist : public PlaylistQueue {
     void forget();
     void takeQueue();
     void takeItems(const QList<RemoteQueueItem> &items, int offset);
+    [[nodiscard]] bool knowsPage(int page) const;
+    void tryAgainLater(int page);
+    void tryAgainSoon();
     [[nodiscard]] bool knows(int row) const;
     [[nodiscard]] bool isBusy() const { return m_isEditing || m_committing.isActive(); }
     void commitMoves();
@@ -44,7 +47,11 @@ class RemotePlaylist : public PlaylistQueue {
     std::vector<Track> m_tracks;
     QStringList m_ids; ///< the server's, of the tracks; made up for those that are not loaded
     std::optional<int> m_current;
-    QSet<int> m_pages;                                       ///< asked for
+    QSet<int> m_pages;       ///< asked for, or to be asked for again later
+    QSet<int> m_failedPages; ///< the latter
+    QTimer m_tryingAgain;
+    std::chrono::milliseconds m_retryPause; ///< before the next attempt but one
+    int m_edition = 0; ///< grows as rows shift: what was asked for before has other places
     std::shared_ptr<char> m_turn = std::make_shared<char>(); ///< whose answers count
 
     QStringList m_idsBefore; ///< the moves that are not sent yet

@@ -16,6 +16,7 @@ struct Speakers::Watch {
     AsyncStream<NowPlaying> stream;
     NowPlaying playing;
     Expected<double> volume;
+    Expected<bool> muted;
     LatestSender sender;
 };
 
@@ -25,7 +26,8 @@ Speakers::Speakers(RemoteOutput &selected, QObject *parent) : QObject(parent), m
     if (LibraryBrowser *const browser = selected.browser()) {
         for (const auto signal : {&LibraryBrowser::stateChanged, &LibraryBrowser::outputsChanged})
             connect(browser, signal, this, &Speakers::watchAll);
-        connect(browser, &LibraryBrowser::activitiesChanged, this, &Speakers::changed);
+        connect(browser, &LibraryBrowser::interruptionChanged, this, &Speakers::changed);
+        connect(browser, &LibraryBrowser::activitiesChanged, this, &Speakers::takeControls);
     }
     watchAll();
 }
@@ -70,51 +72,62 @@ QCoro::Task<> Speakers::follow(std::weak_ptr<Watch> alive) {
     }
 }
 
+void Speakers::takeControls() {
+    for (const auto &[id, watch] : m_watches) {
+        const auto controls = m_backend->controls({id});
+        if (controls && watch->muted.value() == controls->isMuted)
+            watch->muted.forget();
+    }
+    Q_EMIT changed();
+}
+
+bool Speakers::isSelected(const OutputDevice::ID &output) const {
+    return m_selected.isSelected() && m_selected.device().id == output;
+}
+
 QList<Speakers::Row> Speakers::rows() const {
     const LibraryBrowser *const browser = m_selected.browser();
     if (!browser)
         return {};
-    QList<OutputDevice> outputs = browser->outputs();
     const std::optional<OutputDevice> chosen = browser->output();
-    const auto find = [&](const OutputDevice::ID &id) -> std::optional<OutputDevice> {
-        const auto found = std::ranges::find(outputs, id, &OutputDevice::id);
-        return found != outputs.end() ? std::optional(*found) : std::nullopt;
-    };
-    if (chosen && !find(chosen->id))
-        outputs.append(*chosen);
     QList<Row> rows;
-    for (const OutputDevice &output : outputs) {
-        Row &row = rows.emplace_back();
-        row.device = output;
-        row.isSelected = chosen && chosen->id == output.id;
-        if (const auto watch = m_watches.find(output.id.rawValue); watch != m_watches.end()) {
-            row.playing = watch->second->playing;
-            if (const auto volume = watch->second->volume.value())
-                row.playing.volume = volume;
-        }
-        if (row.isSelected && m_selected.isAvailable())
-            row.playing = m_selected.nowPlaying();
-        for (const OutputActivity &activity : browser->activities()) {
-            const std::optional<OutputDevice> other = find(activity.output);
-            if (activity.output == output.id && activity.leader && *activity.leader != output.id)
-                row.leader = find(*activity.leader);
-            else if (activity.leader == output.id && activity.output != output.id && other)
-                row.members.append(*other);
-        }
-        for (const OutputDevice &other : outputs) {
-            const bool mayJoin = output.groupableWith && output.groupableWith->contains(other.id);
-            if (other.id != output.id && other.isAvailable && (mayJoin || row.members.contains(other)))
-                row.joinable.append(other);
-        }
+    for (const OutputDevice &output : m_selected.outputs()) {
+        rows.append(rowOf(output));
+        rows.last().isSelected = chosen && chosen->id == output.id;
     }
     return rows;
+}
+
+Speakers::Row Speakers::rowOf(const OutputDevice &output) const {
+    Row row;
+    row.device = output;
+    row.isInterrupted = m_selected.browser()->isInterrupted();
+    row.group = SpeakerGroup::of(output, *m_selected.browser());
+    if (isSelected(output.id) && m_selected.isAvailable()) {
+        row.playing = m_selected.nowPlaying();
+        row.controls = m_selected.controls();
+        return row;
+    }
+    const auto watch = m_watches.find(output.id.rawValue);
+    if (watch == m_watches.end())
+        return row;
+    row.playing = watch->second->playing;
+    if (const auto volume = watch->second->volume.value())
+        row.playing.volume = volume;
+    const auto told = m_backend->controls(output.id);
+    row.controls = told.value_or(OutputControls{row.playing.volume.has_value(), {}});
+    if (row.controls.isMuted)
+        row.controls.isMuted = watch->second->muted.value().value_or(*row.controls.isMuted);
+    return row;
 }
 
 QString Speakers::statusOf(const Row &row) {
     if (!row.device.isAvailable)
         return tr("Not available");
-    if (row.leader)
-        return tr("Plays along with %1").arg(row.leader->name);
+    if (row.isInterrupted && row.device.kind == OutputDevice::Kind::remote)
+        return tr("Reconnecting…");
+    if (row.group.leader)
+        return tr("Plays along with %1").arg(row.group.leader->name);
     const QString name =
         MarqueeText::name(row.playing.artist.value_or(QString()), row.playing.title.value_or(QString()));
     switch (row.playing.state) {
@@ -134,7 +147,7 @@ QString Speakers::statusOf(const Row &row) {
 // What is done
 
 void Speakers::setVolume(const OutputDevice::ID &output, double volume) {
-    if (m_selected.isSelected() && m_selected.device().id == output) {
+    if (isSelected(output)) {
         m_selected.transport(TransportCommand::setVolume(volume));
         return;
     }
@@ -143,46 +156,46 @@ void Speakers::setVolume(const OutputDevice::ID &output, double volume) {
         return;
     watch->second->volume.expect(volume);
     watch->second->sender.set(volume);
+    const auto controls = m_backend->controls(output);
+    if (controls && watch->second->muted.value().value_or(controls->isMuted.value_or(false)))
+        setMuted(output, false);
+    Q_EMIT changed();
+}
+
+void Speakers::setMuted(const OutputDevice::ID &output, bool isMuted) {
+    if (isSelected(output)) {
+        m_selected.setMuted(isMuted);
+        return;
+    }
+    const auto watch = m_watches.find(output.rawValue);
+    if (watch == m_watches.end())
+        return;
+    watch->second->muted.expect(isMuted);
+    carryOut(m_backend->setMuted(output, isMuted), output);
     Q_EMIT changed();
 }
 
 QCoro::Task<> Speakers::sendVolume(OutputDevice::ID output, double volume) {
+    auto operation = m_backend->transport(TransportCommand::setVolume(volume), output);
+    co_await carryOut(std::move(operation), output);
+}
+
+QCoro::Task<> Speakers::carryOut(QCoro::Task<> operation, OutputDevice::ID output) {
     const QPointer<Speakers> self(this);
-    const std::shared_ptr<MusicBackend> backend = m_backend;
     std::exception_ptr error;
     try {
-        if (backend)
-            co_await backend->transport(TransportCommand::setVolume(volume), output);
+        co_await operation;
     } catch (...) {
         error = std::current_exception();
     }
     if (!self || !error)
         co_return;
-    if (const auto watch = m_watches.find(output.rawValue); watch != m_watches.end())
+    if (const auto watch = m_watches.find(output.rawValue); watch != m_watches.end()) {
         watch->second->volume.forget();
+        watch->second->muted.forget();
+    }
     m_selected.fail(error);
     Q_EMIT changed();
-}
-
-void Speakers::setMember(const OutputDevice::ID &leader, const OutputDevice::ID &member, bool isMember) {
-    changeGroup(leader, member, isMember);
-}
-
-QCoro::Task<> Speakers::changeGroup(OutputDevice::ID leader, OutputDevice::ID member, bool isMember) {
-    const QPointer<RemoteOutput> selected(&m_selected);
-    const std::shared_ptr<MusicBackend> backend = m_backend;
-    QList<OutputDevice::ID> adding;
-    QList<OutputDevice::ID> removing;
-    (isMember ? adding : removing).append(member);
-    std::exception_ptr error;
-    try {
-        if (backend)
-            co_await backend->setGroupMembers(leader, adding, removing);
-    } catch (...) {
-        error = std::current_exception();
-    }
-    if (selected && error)
-        selected->fail(error);
 }
 
 bool Speakers::canTakeMusic(const OutputDevice &output) const {

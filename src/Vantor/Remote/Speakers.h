@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Vantor/Remote/RemoteOutput.h"
+#include "Vantor/Remote/SpeakerGroup.h"
 
 #include <map>
 
@@ -17,22 +18,23 @@ class Speakers : public QObject {
 
     struct Row {
         OutputDevice device;
+        SpeakerGroup group;
         bool isSelected = false;
-        NowPlaying playing;                 ///< stopped before anything is known
-        std::optional<OutputDevice> leader; ///< of the group in which it plays as a member
-        QList<OutputDevice> members;        ///< of the group that it leads
-        QList<OutputDevice> joinable;       ///< what may play along with it, or does
+        bool isInterrupted = false; ///< nothing can be done until the source has its server again
+        NowPlaying playing;         ///< stopped before anything is known
+        OutputControls controls;
 
         bool operator==(const Row &) const = default;
     };
-    /// In the order of the source; a selected speaker that is not there comes last.
+    /// In the order of the source; those that are not there come last.
     [[nodiscard]] QList<Row> rows() const;
     /// What it does, as people say it.
     [[nodiscard]] static QString statusOf(const Row &row);
 
-    void select(const OutputDevice &output) { m_selected.select(output); }
+    [[nodiscard]] RemoteOutput &selected() const { return m_selected; }
+    /// One that is muted is heard again.
     void setVolume(const OutputDevice::ID &output, double volume);
-    void setMember(const OutputDevice::ID &leader, const OutputDevice::ID &member, bool isMember);
+    void setMuted(const OutputDevice::ID &output, bool isMuted);
     /// Whether the selected speaker's music could be moved there.
     [[nodiscard]] bool canTakeMusic(const OutputDevice &output) const;
     /// Moves the music there, and the selection when that has worked.
@@ -45,9 +47,12 @@ class Speakers : public QObject {
     struct Watch;
 
     void watchAll();
+    void takeControls();
     QCoro::Task<> follow(std::weak_ptr<Watch> alive);
     QCoro::Task<> sendVolume(OutputDevice::ID output, double volume);
-    QCoro::Task<> changeGroup(OutputDevice::ID leader, OutputDevice::ID member, bool isMember);
+    QCoro::Task<> carryOut(QCoro::Task<> operation, OutputDevice::ID output);
+    [[nodiscard]] bool isSelected(const OutputDevice::ID &output) const;
+    [[nodiscard]] Row rowOf(const OutputDevice &output) const;
     QCoro::Task<> transfer(OutputDevice output);
     [[nodiscard]] std::shared_ptr<MusicBackend> backend() const;
 

@@ -1,8 +1,11 @@
 #include "Vantor/Remote/SpeakersPanel.h"
 
+#include "Vantor/Preferences/SettingsPage.h"
 #include "Vantor/Remote/OutputMenu.h"
 #include "Vantor/Remote/SpeakerRow.h"
+#include "Vantor/Windows/FaintText.h"
 
+#include <QLabel>
 #include <QScreen>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -20,6 +23,7 @@ void popUpPanel(RemoteOutput &selected, QToolButton &button) {
     auto *const popUp = new QFrame(&button, Qt::Popup);
     popUp->setAttribute(Qt::WA_DeleteOnClose);
     popUp->setFrameShape(QFrame::StyledPanel);
+    giveFaintText(*popUp);
     auto *const layout = new QVBoxLayout(popUp);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(new SpeakersPanel(selected));
@@ -34,11 +38,14 @@ void popUpPanel(RemoteOutput &selected, QToolButton &button) {
 } // namespace
 
 SpeakersPanel::SpeakersPanel(RemoteOutput &selected, QWidget *parent)
-    : QScrollArea(parent), m_speakers(selected) {
+    : QScrollArea(parent), m_speakers(selected), m_empty(SettingsPage::makeNote()) {
     auto *const list = new QWidget;
     m_layout = new QVBoxLayout(list);
     m_layout->setContentsMargins(0, 4, 0, 4);
     m_layout->setSpacing(0);
+    m_empty->setAlignment(Qt::AlignCenter);
+    m_empty->setContentsMargins(24, 24, 24, 24);
+    m_layout->addWidget(m_empty);
     m_layout->addStretch();
     setWidget(list);
     setWidgetResizable(true);
@@ -62,6 +69,8 @@ void SpeakersPanel::takeRows() {
             known.second->deleteLater();
         return !stays;
     });
+    m_empty->setVisible(rows.isEmpty());
+    m_empty->setText(emptyText());
     int place = 0;
     for (const Speakers::Row &row : rows) {
         SpeakerRow *&known = m_rows[row.device.id.rawValue];
@@ -76,9 +85,17 @@ void SpeakersPanel::takeRows() {
     updateGeometry();
 }
 
+QString SpeakersPanel::emptyText() const {
+    const LibraryBrowser *const browser = m_speakers.selected().browser();
+    if (browser && browser->state() == LibraryBrowser::State::connecting)
+        return tr("Connecting…");
+    return browser && browser->failure() ? browser->failure()->sentence : tr("There are no speakers here.");
+}
+
 SpeakersDialog::SpeakersDialog(RemoteOutput &selected, QWidget *parent) : QDialog(parent) {
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowTitle(tr("Speakers"));
+    giveFaintText(*this);
     auto *const layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(new SpeakersPanel(selected));

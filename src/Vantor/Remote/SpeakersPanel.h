@@ -5,6 +5,7 @@
 #include <QDialog>
 #include <QScrollArea>
 
+class QLabel;
 class QToolButton;
 class QVBoxLayout;
 
@@ -24,9 +25,11 @@ class SpeakersPanel : public QScrollArea {
 
   private:
     void takeRows();
+    [[nodiscard]] QString emptyText() const;
 
     Speakers m_speakers;
     QVBoxLayout *m_layout;
+    QLabel *m_empty;                        ///< in place of rows
     std::map<QString, SpeakerRow *> m_rows; ///< by output
 };
 

@@ -35,7 +35,8 @@ Commands::Commands(PlayerModel &model) : m_model(model) {
     addSkins();
     addVisualisation();
     addWindows();
-    connect(&model.remote(), &RemoteOutput::selectionChanged, this, &Commands::takeSelection);
+    for (const auto signal : {&RemoteOutput::selectionChanged, &RemoteOutput::changed})
+        connect(&model.remote(), signal, this, &Commands::takeSelection);
     takeSelection();
 }
 
@@ -46,6 +47,7 @@ void Commands::takeSelection() {
     const bool hasFavorites = m_model.remote().isAvailable() &&
                               m_model.remote().capabilities().testFlag(MusicBackendCapability::favorites);
     action(Id::favoriteTrack).setEnabled(hasFavorites);
+    action(Id::mute).setEnabled(m_model.remote().controls().isMuted.has_value());
 }
 
 void Commands::addTo(SkinnedWindow &window) {
@@ -89,7 +91,7 @@ QAction &Commands::action(Id id) {
     if (const auto isOn = m_checks.find(id); isOn != m_checks.end())
         action.setChecked(isOn->second());
     if (id == Id::skippedFiles)
-        action.setEnabled(!m_model.skippedFiles().empty());
+        action.setEnabled(!m_model.imports().skippedFiles().empty());
     return action;
 }
 
@@ -153,6 +155,10 @@ void Commands::addPlayback() {
         [this] { return m_model.target().view().repeat != RepeatMode::off; },
         [this] { m_model.toggleRepeat(); });
     add(Id::speakers, tr("Speakers…"), {Qt::ALT | Qt::Key_O}, [this] { showSpeakers(); });
+    addCheck(
+        Id::mute, tr("Mute"), {Qt::Key_VolumeMute},
+        [this] { return m_model.remote().controls().isMuted.value_or(false); },
+        [this] { m_model.remote().setMuted(!m_model.remote().controls().isMuted.value_or(false)); });
     add(Id::favoriteTrack, tr("Add to Favourites"), {}, [this] { m_model.remote().favoriteCurrent(); });
 }
 
@@ -193,7 +199,7 @@ void Commands::addOpening() {
         [this] { (new JumpToFileDialog(m_model, activeWindow()))->open(); });
     add(Id::fileInfo, tr("File Info…"), {Qt::ALT | Qt::Key_3}, [this] { showFileInfo(); });
     add(Id::skippedFiles, tr("Skipped Files…"), {},
-        [this] { (new SkippedFilesDialog(m_model.skippedFiles(), activeWindow()))->show(); });
+        [this] { (new SkippedFilesDialog(m_model.imports().skippedFiles(), activeWindow()))->show(); });
 }
 
 void Commands::addSkins() {

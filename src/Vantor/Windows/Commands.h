@@ -50,6 +50,7 @@ class Commands : public QObject, public NowPlayingCommandTarget {
         shuffle,
         repeat,
         speakers,
+        mute,
         favoriteTrack,
         loadSkin,
         defaultSkin,
@@ -127,6 +128,8 @@ class Commands : public QObject, public NowPlayingCommandTarget {
     /// Fills a menu with those submenus, in the order of their windows.
     void fillSubmenus(QMenu &menu) const;
 
+    /// Without a page, as it was left.
+    void showPreferences(std::optional<PreferencesPage> page = {});
     /// Opens at a point of the screen and returns at once.
     void popUpMainMenu(QPoint at);
     void popUpVisualizerMenu(QPoint at);
@@ -147,8 +150,6 @@ class Commands : public QObject, public NowPlayingCommandTarget {
     /// None before it is added.
     [[nodiscard]] SkinnedWindow *mainWindow() const;
     void showFileInfo();
-    /// Without a page, as it was left.
-    void showPreferences(std::optional<PreferencesPage> page = {});
     void showSpeakers();
     void showAbout();
     void takeSelection();

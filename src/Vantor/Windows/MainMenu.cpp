@@ -89,6 +89,9 @@ void fillSpeakers(QMenu &menu, Commands &commands, RemoteOutput &remote) {
     const LibraryBrowser *const browser = remote.browser();
     OutputMenu::fill(menu, remote);
     menu.addSeparator();
+    if (remote.isAvailable() && remote.device().groupableWith)
+        OutputMenu::fillGroup(*menu.addMenu(tr("Plays Along")), remote, remote.device());
+    menu.addAction(&commands.action(Id::mute));
     commands.action(Id::speakers)
         .setEnabled(browser && (browser->outputs().size() > 1 || remote.isSelected()));
     menu.addAction(&commands.action(Id::speakers));

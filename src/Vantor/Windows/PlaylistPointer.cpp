@@ -292,7 +292,7 @@ void PlaylistWindow::drop(const QList<QUrl> &urls, QPoint, Qt::KeyboardModifiers
 }
 
 void PlaylistWindow::drop(const QList<MediaID> &ids, QPoint, Qt::KeyboardModifiers) {
-    model().insertItems(ids, takeInsertion());
+    model().imports().insertItems(ids, takeInsertion());
 }
 
 int PlaylistWindow::takeInsertion() {

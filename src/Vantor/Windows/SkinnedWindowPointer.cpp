@@ -135,8 +135,8 @@ void SkinnedWindow::contextMenuEvent(QContextMenuEvent *event) {
 }
 
 void SkinnedWindow::dragEnterEvent(QDragEnterEvent *event) {
-    const bool isOfLibrary =
-        m_model.hasLibrary() && event->mimeData()->hasFormat(QLatin1String(MediaIDTransfer::contentType));
+    const bool isOfLibrary = m_model.imports().hasLibrary() &&
+                             event->mimeData()->hasFormat(QLatin1String(MediaIDTransfer::contentType));
     if (!isOfLibrary && !event->mimeData()->hasUrls())
         return;
     event->setDropAction(Qt::CopyAction); // whatever the keys propose: nothing is moved away from its owner
@@ -154,9 +154,9 @@ void SkinnedWindow::dropEvent(QDropEvent *event) {
 
 void SkinnedWindow::drop(const QList<MediaID> &ids, QPoint, Qt::KeyboardModifiers modifiers) {
     if (modifiers.testFlag(Qt::ShiftModifier))
-        m_model.enqueueItems(ids);
+        m_model.imports().enqueueItems(ids);
     else
-        m_model.openItems(ids);
+        m_model.imports().openItems(ids);
 }
 
 void SkinnedWindow::drop(const QList<QUrl> &urls, QPoint, Qt::KeyboardModifiers modifiers) {

@@ -28,6 +28,15 @@ WelcomeDialog::WelcomeDialog(PlayerModel &model, QWidget *parent)
     connect(m_music, &FolderField::chosen, this,
             [&model](const QString &path) { model.preferences().setLibraryFolder(path); });
 
+    auto *const server = new QPushButton(tr("&Connect to a Server…"));
+    server->setAutoDefault(false);
+    server->setToolTip(tr("A Music Assistant server in your home has the music and the speakers"));
+    connect(server, &QPushButton::clicked, this, [this] {
+        accept();
+        if (!isVisible())
+            Q_EMIT serverAsked();
+    });
+
     auto *buttons = new QDialogButtonBox;
     QPushButton *const done = buttons->addButton(tr("Done"), QDialogButtonBox::AcceptRole);
     QPushButton *const skip = buttons->addButton(tr("Skip"), QDialogButtonBox::RejectRole);
@@ -41,6 +50,7 @@ WelcomeDialog::WelcomeDialog(PlayerModel &model, QWidget *parent)
     layout->addRow(intro);
     layout->addRow(tr("&Skins:"), m_skins);
     layout->addRow(tr("&Music:"), m_music);
+    layout->addRow(tr("or"), server);
     layout->addRow(buttons);
 }
 

@@ -7,8 +7,9 @@ namespace vantor {
 class FolderField;
 class PlayerModel;
 
-/// Greets a new user and asks where skins and music are, neither of which has to be answered. Does not hold
-/// up the player. Deletes itself when closed. Main thread; borrows the model.
+/// Greets a new user and asks where skins and music are, neither of which has to be answered; the music may
+/// be on a server, too. Does not hold up the player. Deletes itself when closed. Main thread; borrows the
+/// model.
 class WelcomeDialog : public QDialog {
     Q_OBJECT
 
@@ -17,6 +18,10 @@ class WelcomeDialog : public QDialog {
 
     /// Stays open at a folder that is none.
     void accept() override;
+
+  Q_SIGNALS:
+    /// The dialog is done, and a music server is to be set up.
+    void serverAsked();
 
   private:
     FolderField *m_skins;

@@ -60,6 +60,11 @@ MusicAssistantBackend::outputState(const OutputDevice::ID &output) const {
     return d->watchers.store().state(output);
 }
 
+std::optional<OutputControls> MusicAssistantBackend::controls(const OutputDevice::ID &on) const {
+    const auto state = outputState(on);
+    return state ? std::optional(state->controls) : std::nullopt;
+}
+
 AsyncStream<NowPlaying> MusicAssistantBackend::nowPlaying(OutputDevice::ID on) {
     return d->watchers.nowPlaying(on);
 }

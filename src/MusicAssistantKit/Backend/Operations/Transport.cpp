@@ -122,11 +122,11 @@ QCoro::Task<> MusicAssistantBackend::transport(TransportCommand command, OutputD
     }
 }
 
-QCoro::Task<> MusicAssistantBackend::setMuted(OutputDevice::ID output, bool isMuted) {
+QCoro::Task<> MusicAssistantBackend::setMuted(OutputDevice::ID on, bool isMuted) {
     const auto self = shared_from_this();
-    const MAPlayer player = co_await d->player(output);
+    const MAPlayer player = co_await d->player(on);
     const QJsonObject args{{u"player_id"_s, player.playerID}, {u"muted"_s, isMuted}};
-    co_await d->callOutput(output, u"players/cmd/volume_mute"_s, args, needed);
+    co_await d->callOutput(on, u"players/cmd/volume_mute"_s, args, needed);
 }
 
 } // namespace vantor

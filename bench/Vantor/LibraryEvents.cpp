@@ -85,6 +85,12 @@ int main(int argc, char **argv) {
     const auto made = std::make_shared<MadeBackend>();
     if (parser.isSet(QStringLiteral("look"))) {
         made->setOneOfEverything();
+        for (const char *const name : {"Kitchen", "A Terrace with a Very Long Name"}) {
+            OutputDevice speaker;
+            speaker.id.rawValue = speaker.name = QLatin1String(name);
+            speaker.isAvailable = made->speakers.size() == 1;
+            made->speakers.append(speaker);
+        }
     } else {
         made->setSize({.artists = parser.value(QStringLiteral("albums")).toInt() / 5, .albumsPerArtist = 5});
         made->delay = -1ms; // at once, as a folder answers

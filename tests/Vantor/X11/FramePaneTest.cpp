@@ -14,7 +14,8 @@ namespace {
 
 QImage screenPart(const QWidget &window, QRect part) {
     const QPoint at = window.mapToGlobal(part.topLeft());
-    const QPixmap shot = QGuiApplication::primaryScreen()->grabWindow(0, at.x(), at.y(), part.width(), part.height());
+    const QPixmap shot =
+        QGuiApplication::primaryScreen()->grabWindow(0, at.x(), at.y(), part.width(), part.height());
     return shot.toImage().convertToFormat(QImage::Format_RGB32);
 }
 
@@ -118,7 +119,8 @@ TEST_F(AheadTest, TheScreenShowsWhatTheWindowShowsWhenTheVisualizerRests) {
         m_player.play();
         ASSERT_TRUE(waitFor([&] {
             const auto *const bars = std::get_if<VisualizerBars>(&m_model.visualizer().picture());
-            return m_model.clock().period() > FrameClock::everyFrame && bars && std::ranges::max(bars->heights) > 3;
+            return m_model.clock().period() > FrameClock::everyFrame && bars &&
+                   std::ranges::max(bars->heights) > 3;
         }));
         if (stops)
             m_player.stop();

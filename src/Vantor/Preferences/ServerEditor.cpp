@@ -111,8 +111,19 @@ void ServerEditor::edit(const QUuid &id) {
     m_address->setModified(false);
     fill();
     showStatus();
-    if (m_model.status(id) == Status() && !m_model.keptToken(id))
-        m_model.checkToken(id);
+    if (isVisible())
+        lookForToken();
+}
+
+// The keychain may ask the user, who should see why.
+void ServerEditor::showEvent(QShowEvent *event) {
+    QWidget::showEvent(event);
+    lookForToken();
+}
+
+void ServerEditor::lookForToken() {
+    if (!m_id.isNull() && m_model.status(m_id) == Status() && !m_model.keptToken(m_id))
+        m_model.checkToken(m_id);
 }
 
 // What is being typed stays.

@@ -28,9 +28,13 @@ class ServerEditor : public QWidget {
     /// The server was just added: its token comes next.
     void askForToken();
 
+  protected:
+    void showEvent(QShowEvent *event) override;
+
   private:
     [[nodiscard]] QWidget *makeTest();
     void fill();
+    void lookForToken();
     void takeName();
     [[nodiscard]] bool takeAddress();
     void takeToken();

@@ -6,6 +6,7 @@
 
 #include <QDialogButtonBox>
 #include <QFormLayout>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
 
@@ -50,7 +51,10 @@ WelcomeDialog::WelcomeDialog(PlayerModel &model, QWidget *parent)
     layout->addRow(intro);
     layout->addRow(tr("&Skins:"), m_skins);
     layout->addRow(tr("&Music:"), m_music);
-    layout->addRow(tr("or"), server);
+    auto *const serverRow = new QHBoxLayout; // as wide as its text
+    serverRow->addWidget(server);
+    serverRow->addStretch(1);
+    layout->addRow(tr("Server:"), serverRow);
     layout->addRow(buttons);
 }
 

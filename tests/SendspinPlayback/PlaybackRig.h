@@ -26,7 +26,7 @@ class PlaybackRig {
     };
 
     explicit PlaybackRig(int rate = 48'000, const ModelOutput &model = {}, bool hasTimeCode = false)
-        : output(model), m_rate(rate), shared(std::make_shared<SendspinSource>(rate)) {
+        : output(model), m_rate(rate), source(std::make_shared<SendspinSource>(rate)) {
         simulation.server.network.base = std::chrono::milliseconds(1);
         QObject::connect(&simulation.session, &SendspinSession::occurred, &player,
                          [this, hasTimeCode](const SendspinEvent &event) {
@@ -44,6 +44,13 @@ class PlaybackRig {
 
     void start() { simulation.session.start(simulation.configuration); }
 
+    /// As when another output takes the place of the one before.
+    void switchOutput(int rate) {
+        m_rate = rate;
+        source = std::make_shared<SendspinSource>(rate);
+        player.setSource(source);
+    }
+
     /// Lets the output play; what it plays is in `heard` of the last call.
     void listen(std::chrono::microseconds length) {
         heard.clear();
@@ -57,7 +64,7 @@ class PlaybackRig {
             std::uniform_int_distribution<std::int64_t> wrong(-output.jitter.count(), output.jitter.count());
             const double truth =
                 static_cast<double>(m_begin) + m_next + static_cast<double>(output.latency.count());
-            source.render(block.data(), output.callbackFrames, std::llround(truth) + wrong(m_chance));
+            source->render(block.data(), output.callbackFrames, std::llround(truth) + wrong(m_chance));
             for (int i = 0; i < output.callbackFrames; ++i)
                 heard.push_back({truth + i * frame, block[static_cast<std::size_t>(2 * i)]});
             m_next += output.callbackFrames * frame;
@@ -121,7 +128,7 @@ class PlaybackRig {
         return event;
     }
 
-    const int m_rate;
+    int m_rate;
     const std::int64_t m_begin = simulation.time.now();
     double m_next = 0; ///< when the output asks next, since the beginning
     std::mt19937 m_chance{7};
@@ -129,12 +136,11 @@ class PlaybackRig {
 
   public:
     const QString settingsPath = m_folder.filePath(QStringLiteral("settings.ini"));
-    std::shared_ptr<SendspinSource> shared;
-    SendspinSource &source = *shared;
+    std::shared_ptr<SendspinSource> source;
     SendspinPlayer player{simulation.session,
                           simulation.time.scheduler,
                           simulation.time,
-                          shared,
+                          source,
                           std::make_unique<QSettings>(settingsPath, QSettings::IniFormat),
                           simulation.configuration.bufferCapacity};
 };

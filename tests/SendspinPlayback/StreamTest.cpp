@@ -44,6 +44,24 @@ TEST(SendspinStreamTest, PlaysEveryCodec) {
     }
 }
 
+TEST(SendspinStreamTest, GoesOnInStepThroughAnOutputOfAnotherRate) {
+    PlaybackRig rig;
+    rig.start();
+    rig.simulation.server.play({.codec = u"flac"_s});
+    rig.listen(2s);
+    for (const int rate : {44'100, 96'000}) {
+        SCOPED_TRACE(rate);
+        rig.switchOutput(rate);
+        rig.listen(700ms); // what was decoded for the output before is lost
+        rig.listen(100ms);
+        ASSERT_FALSE(rig.isSilent());
+        EXPECT_LT(rig.leastDifference(), 0.03);
+        EXPECT_GT(rig.difference(500), 0.06);
+    }
+    EXPECT_EQ(rig.player.figures().resyncs, 0);
+    EXPECT_EQ(rig.player.figures().dropped, 0);
+}
+
 TEST(SendspinStreamTest, ChangesTheFormatWithoutAGap) {
     PlaybackRig rig;
     rig.simulation.configuration.bufferCapacity = 200'000; // so that changes are heard soon
@@ -133,7 +151,7 @@ TEST(SendspinStreamTest, ObeysVolumeAndMuteAndKeepsThem) {
     EXPECT_EQ(told[u"static_delay_ms"_s].toInt(), 5000);
     QSettings(rig.settingsPath, QSettings::IniFormat).sync();
     const SendspinPlayer later(rig.simulation.session, rig.simulation.time.scheduler, rig.simulation.time,
-                               rig.shared,
+                               rig.source,
                                std::make_unique<QSettings>(rig.settingsPath, QSettings::IniFormat), 1);
     EXPECT_EQ(later.state(), (SendspinPlayerState{true, 100, true, 5000}));
 }

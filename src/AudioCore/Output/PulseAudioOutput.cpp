@@ -21,12 +21,20 @@ static void forget(pa_operation *operation) {
         pa_operation_unref(operation);
 }
 
+/// The answer does not come any more.
+static void giveUp(pa_operation *&operation) {
+    if (operation)
+        pa_operation_cancel(operation);
+    forget(std::exchange(operation, nullptr));
+}
+
 // What the library calls back, on its own thread and with the server's lock.
 struct PulseAudioOutput::Callbacks {
     static PulseAudioOutput &self(void *data) { return *static_cast<PulseAudioOutput *>(data); }
 
     static void streamChanged(pa_stream *, void *data) { self(data).streamChanged(); }
     static void streamMoved(pa_stream *, void *data) { self(data).reportDevice(); }
+    static void timingCame(pa_stream *, int success, void *data) { self(data).m_hasWoken = success != 0; }
     static void wantsSound(pa_stream *, std::size_t bytes, void *data) { self(data).fillBuffer(bytes); }
     static void outOfPatience(pa_mainloop_api *, pa_time_event *, const timeval *, void *data) {
         self(data).m_lossReason = QString::fromUtf8(pa_strerror(PA_ERR_TIMEOUT));
@@ -132,11 +140,10 @@ void PulseAudioOutput::stop() {
     m_mainThread.reset();
     m_device.reset();
     stopWaiting();
-    if (m_lastQuestion) {
+    giveUp(m_timingQuestion);
+    if (m_lastQuestion)
         pa_operation_set_state_callback(m_lastQuestion, nullptr, nullptr);
-        pa_operation_cancel(m_lastQuestion);
-        pa_operation_unref(std::exchange(m_lastQuestion, nullptr));
-    }
+    giveUp(m_lastQuestion);
     if (m_stream) {
         pa_stream_set_state_callback(m_stream, nullptr, nullptr);
         pa_stream_set_moved_callback(m_stream, nullptr, nullptr);
@@ -165,6 +172,10 @@ void PulseAudioOutput::cork(bool corked) {
     if (!corked)
         forget(pa_stream_flush(m_stream, nullptr, nullptr));
     forget(pa_stream_cork(m_stream, corked ? 1 : 0, nullptr, nullptr));
+    m_hasWoken = false;
+    giveUp(m_timingQuestion);
+    if (!corked)
+        m_timingQuestion = pa_stream_update_timing_info(m_stream, Callbacks::timingCame, this);
 }
 
 void PulseAudioOutput::fillBuffer(std::size_t bytes) {
@@ -200,7 +211,9 @@ void PulseAudioOutput::noteLatency(std::size_t afterSilence) {
         latency = pa_bytes_to_usec(afterSilence, pa_stream_get_sample_spec(m_stream));
         isKnown = true;
     }
-    m_knowsLatency = isKnown;
+    // While it wakes, the server tells of the time before.
+    const pa_timing_info *const timing = pa_stream_get_timing_info(m_stream);
+    m_knowsLatency = isKnown && m_hasWoken && timing && timing->playing;
     if (isKnown)
         m_heardAt.store(monotonicNanoseconds() + static_cast<std::int64_t>(latency) * 1000,
                         std::memory_order_relaxed);

@@ -58,10 +58,12 @@ class PulseAudioOutput final : public AudioOutput {
     pa_stream *m_stream = nullptr;
     pa_time_event *m_patience = nullptr; ///< until the stream is ready
     pa_operation *m_lastQuestion = nullptr;
+    pa_operation *m_timingQuestion = nullptr;
     Render m_render;
     bool m_isReady = false;
     bool m_isSuspended = true;
     bool m_isTimed = false;
+    bool m_hasWoken = false;     ///< it has told its timing since it was suspended last
     bool m_knowsLatency = false; ///< m_heardAt is true
     QString m_lossReason;
     std::size_t m_targetBytes = 0; ///< kept rendered ahead of what is heard

@@ -132,6 +132,7 @@ void Player::togglePause() {
 }
 
 void Player::togglePlayPause() {
+    d->preemptStream();
     const bool isLoading = d->state == PlaybackState::loading;
     if (d->state == PlaybackState::playing || (isLoading && d->autoplayAfterLoad))
         pause();

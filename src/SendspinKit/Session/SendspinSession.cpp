@@ -26,8 +26,7 @@ SendspinSession::SendspinSession(MAWebSocketTransports &transports, Scheduler &s
     : m_transports(transports), m_scheduler(scheduler), m_clock(clock), m_reconnect(std::move(reconnect)) {}
 
 SendspinSession::~SendspinSession() {
-    if (m_connection)
-        m_connection->leave(SendspinGoodbyeReason::shutdown);
+    part(SendspinGoodbyeReason::shutdown);
 }
 
 void SendspinSession::start(const SendspinConnectionConfiguration &configuration) {
@@ -96,16 +95,23 @@ void SendspinSession::retryAfter(const SendspinError &error) {
     Q_EMIT occurred({SendspinEvent::Disconnected{error}});
 }
 
+// That the server cannot be told goodbye any more is no failure.
+std::unique_ptr<SendspinConnection> SendspinSession::part(SendspinGoodbyeReason reason) {
+    if (m_connection) {
+        m_connection->disconnect(this);
+        m_connection->leave(reason);
+    }
+    return std::move(m_connection);
+}
+
 void SendspinSession::leave(SendspinGoodbyeReason reason) {
     if (!m_configuration)
         return;
     qCInfo(logSession, "Sendspin stopping");
     m_configuration.reset();
     m_retry.reset();
-    if (m_connection) {
-        m_connection->leave(reason);
-        m_connection.release()->deleteLater(); // it may have just told something
-    }
+    if (auto connection = part(reason))
+        connection.release()->deleteLater(); // it may have just told something
     Q_EMIT occurred({SendspinEvent::Disconnected{}});
 }
 

@@ -65,6 +65,7 @@ class SendspinSession : public QObject {
     void publish(const SendspinClockState &clock) VANTOR_EXCLUDES(m_publishing);
     void retryAfter(const SendspinError &error);
     void leave(SendspinGoodbyeReason reason);
+    std::unique_ptr<SendspinConnection> part(SendspinGoodbyeReason reason);
 
     MAWebSocketTransports &m_transports;
     Scheduler &m_scheduler;

@@ -215,12 +215,12 @@ int runProgram(int argc, char **argv) {
     std::optional<SavedQueue> savedQueue;
     if (!options.seconds)
         savedQueue.emplace(model, demoTrack());
-    SkinnedWindows windows(model, settings);
     ThisComputer computer;
     MusicAssistantServers servers(settings, computer.asked());
-    MusicLibrary library(model, settings, servers);
     NetworkSpeaker speaker(player, servers, settings);
     model.setSpeaker(&speaker);
+    SkinnedWindows windows(model, settings);
+    MusicLibrary library(model, settings, servers);
     QObject::connect(&library.browser(), &LibraryBrowser::aboutToPlay, &speaker, [&](const OutputDevice &on) {
         if (on.kind == OutputDevice::Kind::thisMac && !library.playsHere())
             speaker.makeWay();

@@ -140,7 +140,7 @@ MainWindowScene PlayerModel::scene() const {
     scene.timeLit = std::fmod(m_blinkTime, 2 * blinkHalfPeriod) < blinkHalfPeriod;
     scene.shaded = m_windows.isShaded(WindowKind::main);
     scene.volume = view.volume.value_or(1);
-    scene.balance = view.balance;
+    scene.balance = m_remote.isHere() ? m_local.view().balance : view.balance;
     if (view.isSeekable())
         scene.position = m_draggedPosition.value_or(std::clamp(view.elapsed / view.duration, 0.0, 1.0));
     scene.shuffle = view.isShuffled;
@@ -270,7 +270,7 @@ void PlayerModel::handle(const PlayerEvent &event) {
         if (m_draggedPosition && !m_remote.isSelected())
             cancelSlider(); // it was a place in the track before
     } else if (std::holds_alternative<PlayerEvents::StreamStarted>(event)) {
-        m_remote.followHere(true);
+        m_remote.followHere(m_stream.isStreaming()); // and not only ticks
     } else if (const auto *changed = std::get_if<PlayerEvents::StateChanged>(&event)) {
         if (m_player.wantsToPlay())
             m_remote.followHere(false);
@@ -377,9 +377,10 @@ void PlayerModel::setVolume(double volume) {
 }
 
 void PlayerModel::setBalance(double balance) {
-    transport(TransportCommand::setBalance(balance));
-    if (!m_remote.isSelected())
-        showNotice(MarqueeText::balance(target().view().balance));
+    if (m_remote.isSelected() && !m_remote.isHere())
+        return transport(TransportCommand::setBalance(balance)); // which it refuses
+    m_local.transport(TransportCommand::setBalance(balance));
+    showNotice(MarqueeText::balance(m_local.view().balance));
 }
 
 void PlayerModel::changeVolume(double by) {
@@ -403,7 +404,7 @@ void PlayerModel::dragSlider(MainWindowControl slider, double fraction) {
         break;
     case MainWindowControl::balance: {
         const double balance = MainSliders::snappedBalance(MainSliders::balance(fraction));
-        if (m_remote.isSelected())
+        if (m_remote.isSelected() && !m_remote.isHere())
             break; // it has none
         m_local.transport(TransportCommand::setBalance(balance));
         m_marquee.setDragText(MarqueeText::balance(balance));

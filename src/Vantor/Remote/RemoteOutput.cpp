@@ -137,7 +137,7 @@ void RemoteOutput::followHere(bool follow) {
 /// Whether the source knows this computer as a speaker, too.
 bool RemoteOutput::playsHere() const {
     const bool hasSpeakers = capabilities().testFlag(MusicBackendCapability::remoteOutputs);
-    return m_followsHere && hasSpeakers &&
+    return m_followsHere && hasSpeakers && m_browser->connected() &&
            std::ranges::find(m_browser->activities(), OutputDevice::thisMacID(), &OutputActivity::output) !=
                m_browser->activities().end();
 }

@@ -116,7 +116,8 @@ void NetworkSpeaker::setVolume(double volume) {
 }
 
 void NetworkSpeaker::setClicking(bool on) {
-    if (!m_threads || std::exchange(m_isClicking, on) == on)
+    on = on && m_state == State::Connected;
+    if (std::exchange(m_isClicking, on) == on)
         return;
     m_threads->player().setClicking(on);
     if (on)
@@ -248,8 +249,11 @@ void NetworkSpeaker::leaveServer(State state, const QString &text) {
 }
 
 void NetworkSpeaker::setState(State state, const QString &text) {
-    if (std::exchange(m_state, state) == state && m_text == text)
+    if (m_state == state && m_text == text)
         return;
+    if (state != State::Connected)
+        setClicking(false);
+    m_state = state;
     m_text = text;
     Q_EMIT changed();
 }
@@ -288,6 +292,11 @@ void NetworkSpeaker::takeFailure(const SendspinError &error) {
     using Case = SendspinError::Case;
     const bool isRefused = error.errorCase() == Case::unauthorized || error.errorCase() == Case::roleRejected;
     setState(isRefused ? State::Refused : State::Retrying, error.description());
+    if (!m_threads->player().figures().isPlaying) { // what had come before has been heard
+        m_serverStreams = false;
+        endStream();
+        becomeAvailable();
+    }
     if (m_server && !isRefused && !m_look)
         m_look = m_servers.clock().after(lookInterval, [this] {
             m_look.reset();
@@ -392,7 +401,9 @@ QString NetworkSpeaker::statusText() const {
 std::optional<SendspinFigures> NetworkSpeaker::figures() const {
     if (m_state != State::Connected)
         return std::nullopt;
-    return m_threads->player().figures();
+    SendspinFigures figures = m_threads->player().figures();
+    figures.isPlaying = figures.isPlaying && m_isStreaming; // the source tells what it did last
+    return figures;
 }
 
 } // namespace vantor

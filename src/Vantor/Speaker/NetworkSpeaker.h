@@ -84,7 +84,7 @@ class NetworkSpeaker : public QObject {
     [[nodiscard]] std::optional<SendspinFigures> figures() const;
 
     /// Ticks on each whole second of the server's clock, so that computers that are in step click together,
-    /// until it is switched off or a local command takes the output. Takes the output as a stream does.
+    /// until the connection ends or a local command takes the output. Takes the output as a stream does.
     void setClicking(bool on);
     [[nodiscard]] bool isClicking() const { return m_isClicking; }
 

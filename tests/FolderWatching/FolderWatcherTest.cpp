@@ -24,6 +24,8 @@ namespace {
 constexpr FolderWatcher::Settings quick{.quiet = 60ms, .longest = 400ms, .poll = 300ms, .presence = 50ms};
 /// Nothing that is to be told takes longer.
 constexpr auto aWhile = 300ms;
+/// For writers that a busy machine holds up: no pause of theirs counts as the end.
+constexpr FolderWatcher::Settings patient{.quiet = 390ms, .longest = 400ms, .poll = 300ms, .presence = 50ms};
 
 const QString everything = QStringLiteral("*");
 
@@ -137,7 +139,7 @@ TEST_F(FolderWatcherTest, SaysNothingOfWhatIsNotInTheFolder) {
 }
 
 TEST_F(FolderWatcherTest, ALongCopyIsToldOfNowAndThen) {
-    watch();
+    watch(patient);
     QElapsedTimer time;
     time.start();
     for (int i = 0; time.elapsed() < 1500; ++i) {
@@ -145,14 +147,15 @@ TEST_F(FolderWatcherTest, ALongCopyIsToldOfNowAndThen) {
         QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
     }
     EXPECT_GE(m_signals, 2);
-    EXPECT_LE(m_signals, 4); // one in 400 ms
-    ASSERT_EQ(toldInAWhile(), QSet<QString>{QStringLiteral("root")});
+    EXPECT_LE(m_signals, time.elapsed() / 390 + 1);
+    ASSERT_TRUE(tells("root"));
+    EXPECT_EQ(m_told.size(), 1);
 }
 
 TEST_F(FolderWatcherTest, ManyFoldersAreToldOfAsOne) {
     for (int i = 0; i < 300; ++i)
         write("folder" + QByteArray::number(i) + "/file");
-    watch();
+    watch({.quiet = 900ms, .longest = 10s, .poll = 300ms, .presence = 50ms});
     for (int i = 0; i < 300; ++i)
         write("folder" + QByteArray::number(i) + "/file", "y");
     EXPECT_TRUE(waitFor([&] { return m_told.contains(everything); }));

@@ -37,7 +37,7 @@ std::shared_ptr<Awaited<T>> started(QCoro::Task<T> task) {
 
 template <typename Condition>
 bool waitUntil(Condition condition) {
-    return QTest::qWaitFor(condition, 5000);
+    return QTest::qWaitFor(condition, 20'000);
 }
 
 /// Runs the event loop until the coroutine ends.

@@ -332,6 +332,8 @@ TEST_F(GaplessTest, ATrackThatComesAtTheLastMomentIsLoadedAndCanBePaused) {
         ASSERT_TRUE(m_output.pump([&] { return framesAt(m_output.heard, 0.1F) == 13230; }));
         ASSERT_TRUE(pumpFor(0.1));
         std::this_thread::sleep_for(250ms); // all is heard, and the player has not looked yet
+        if (m_player.state() != PlaybackState::playing)
+            continue; // on a busy machine it has looked
         m_player.enqueue({c});
         std::this_thread::sleep_for(round * 100us); // the decoder opens c
         m_player.removeTrack(1);

@@ -12,6 +12,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <ctime>
+
 using namespace vantor;
 using namespace vantor::test;
 
@@ -131,9 +133,9 @@ TEST(SkinArchiveTest, EntriesThatShareTheirBytesEndTheWalk) {
                           .method = 8};
     for (const ZipEntry &entry : {bomb, hollow}) {
         const QByteArray zip = repeated(zipFile({entry, {"text.bmp", "1"}}), 15'000);
-        const auto start = std::chrono::steady_clock::now();
+        const std::clock_t start = std::clock();
         EXPECT_EQ(SkinArchive::fromZip(zip).files(), Files());
-        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
+        EXPECT_LT((std::clock() - start) / CLOCKS_PER_SEC, 20);
     }
 }
 

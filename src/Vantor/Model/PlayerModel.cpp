@@ -235,10 +235,16 @@ QList<QUrl> PlayerModel::withoutSkins(const QList<QUrl> &urls) {
 
 void PlayerModel::insert(const QList<QUrl> &urls, int row) {
     const QList<QUrl> music = withoutSkins(urls);
-    if (m_remote.isSelected() && !music.isEmpty())
+    if (music.isEmpty())
+        return;
+    if (m_remote.isHere()) { // the rows are the server's
+        m_remote.deselect();
+        m_imports.insert(music, -1);
+    } else if (m_remote.isSelected()) {
         showNotice(tr("Files play on this computer only"));
-    else
+    } else {
         m_imports.insert(music, row);
+    }
 }
 
 void PlayerModel::clearQueue() {

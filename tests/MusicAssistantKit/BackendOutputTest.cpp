@@ -186,7 +186,7 @@ TEST_F(MusicAssistantOutputTest, StartsAtTheRightOneOfAList) {
     QList<MediaID> many;
     for (int i = 0; i < 5'500; ++i)
         many.append(track(i % 1'000));
-    const QList<MediaID> someGone = QList<MediaID>(300, gone) + many;
+    const QList<MediaID> someGone = QList<MediaID>(300, gone) + many.first(1'500);
     struct Row {
         const char *name;
         QList<MediaID> tracks;
@@ -199,9 +199,8 @@ TEST_F(MusicAssistantOutputTest, StartsAtTheRightOneOfAList) {
         {"twice, the first", {track(4), track(3), track(3), track(5)}, 1, false, 1},
         {"twice, behind what is gone", {track(3), gone, gone, track(3), track(5)}, 3, false, 1},
         {"behind an album", {id(MediaKind::album, 7), track(3)}, 1, false, 10},
-        {"behind much that is gone", someGone, 310, false, 10},
+        {"behind much that is gone, the second", someGone, 1'310, false, 1'010},
         {"in the second message", many, 5'003, false, 5'003},
-        {"in the second message, behind what is gone", someGone, 5'303, false, 5'003},
         {"shuffled", many.first(900), 700, true, -1},
     };
     open();

@@ -10,10 +10,9 @@ using namespace vantor;
 using namespace Qt::Literals::StringLiterals;
 using namespace std::chrono_literals;
 
-// An evening of somebody who does everything at once with a server that fails in every way. Takes its time, so
-// that it runs only when it is asked for:
-// VANTOR_RANDOM_SECONDS=600 VANTOR_RANDOM_SEED=1 MusicAssistantKitTests --gtest_also_run_disabled_tests
-// --gtest_filter='*Random*'
+// An evening of somebody who does everything at once with a server that fails in every way. Takes its time,
+// so that it runs only when it is asked for: VANTOR_RANDOM_SECONDS=600 VANTOR_RANDOM_SEED=1
+// MusicAssistantKitTests --gtest_also_run_disabled_tests --gtest_filter='*Random*'
 
 namespace {
 
@@ -150,9 +149,9 @@ void MusicAssistantRandomTest::play() {
     using Transport = TransportCommand;
     const OutputDevice::ID on = output();
     const double value = chance(5) ? std::numeric_limits<double>::quiet_NaN() : pick(130) / 100.0 - 0.1;
-    const Transport commands[] = {Transport::play(),           Transport::pause(), Transport::togglePlayPause(),
-                                  Transport::stop(),           Transport::next(),  Transport::previous(),
-                                  Transport::seek(value * 60), {}};
+    const Transport commands[] = {
+        Transport::play(), Transport::pause(),    Transport::togglePlayPause(), Transport::stop(),
+        Transport::next(), Transport::previous(), Transport::seek(value * 60),  {}};
     switch (pick(14)) {
     case 0:
     case 1:
@@ -161,8 +160,8 @@ void MusicAssistantRandomTest::play() {
     case 3:
         return begin(b.transport(Transport::setVolume(value), on));
     case 4:
-        return begin(b.transport(chance(50) ? Transport::setShuffle(chance(50)) : Transport::setRepeat(chance(50)),
-                                 on));
+        return begin(b.transport(
+            chance(50) ? Transport::setShuffle(chance(50)) : Transport::setRepeat(chance(50)), on));
     case 5: {
         const auto queue = players->queues.find(on.rawValue);
         const bool isLong = queue != players->queues.end() && queue->second.entries.size() > 3'000;
@@ -211,7 +210,8 @@ void MusicAssistantRandomTest::disturb() {
     case 0:
     case 1: {
         const auto &seen = server.receivedCommands();
-        const QString command = seen.isEmpty() || chance(10) ? u"*"_s : seen[pick(static_cast<int>(seen.size()))].name;
+        const QString command =
+            seen.isEmpty() || chance(10) ? u"*"_s : seen[pick(static_cast<int>(seen.size()))].name;
         const int codes[] = {2, 3, 8, 10, 11, 12, 20, 22, 999};
         server.commandFaults.insert(command, {.kind = static_cast<CommandKind>(pick(7)),
                                               .code = codes[pick(9)],
@@ -237,7 +237,8 @@ void MusicAssistantRandomTest::disturb() {
     case 7: {
         static const QStringList events{u"player_updated"_s, u"queue_updated"_s,     u"queue_items_updated"_s,
                                         u"player_removed"_s, u"media_item_played"_s, u"favorite_updated"_s};
-        const QJsonValue data[] = {{}, 7, u"x"_s, QJsonObject{{u"queue_id"_s, u"office"_s}, {u"items"_s, 4e9}}};
+        const QJsonValue data[] = {
+            {}, 7, u"x"_s, QJsonObject{{u"queue_id"_s, u"office"_s}, {u"items"_s, 4e9}}};
         server.sendEvent(events[pick(static_cast<int>(events.size()))], output().rawValue, data[pick(4)]);
         return;
     }
@@ -303,8 +304,9 @@ void MusicAssistantRandomTest::expectTheTruth(const OutputDevice::ID &player) {
                shown->value->currentIndex.value_or(-1) == queue.current;
     };
     EXPECT_TRUE(QTest::qWaitFor(isTrue, 60'000))
-        << "shown " << (shown->value ? shown->value->total : -1) << " of " << queue.entries.size() << ", current "
-        << (shown->value ? shown->value->currentIndex.value_or(-1) : -2) << ", not " << queue.current;
+        << "shown " << (shown->value ? shown->value->total : -1) << " of " << queue.entries.size()
+        << ", current " << (shown->value ? shown->value->currentIndex.value_or(-1) : -2) << ", not "
+        << queue.current;
 }
 
 } // namespace
@@ -332,5 +334,6 @@ TEST_F(MusicAssistantRandomTest, DISABLED_AnEveningWithABadServer) {
         ++rounds;
     }
     QLoggingCategory::setFilterRules({});
-    std::cout << rounds << " rounds, " << steps << " steps, " << server.receivedCommands().size() << " commands\n";
+    std::cout << rounds << " rounds, " << steps << " steps, " << server.receivedCommands().size()
+              << " commands\n";
 }

@@ -48,7 +48,7 @@ class MusicAssistantSelectionTest : public testing::Test {
     FakeMusicAssistant office;
     FakeWiFi wifi;
     QtHTTPTransport http;
-    MusicAssistantServerSelector selector{http, 300ms};
+    MusicAssistantServerSelector selector{http, 3s};
     ManualScheduler clock;
     std::optional<MusicAssistantSelectionController> controller;
 

@@ -238,6 +238,8 @@ QStringList FakeLibrary::expanded(const QString &itemURI) const {
     const int index = itemURI.section(u'/', 3).toInt() - 1;
     if (mediaType == "playlist"_L1)
         return m_playlists.value(index).tracks;
+    if (mediaType == "track"_L1) // of which there are many to look up
+        return index >= 0 && index < m_size.tracks ? QStringList(itemURI) : QStringList();
     const int tracks = mediaType == "album"_L1    ? tracksPerAlbum
                        : mediaType == "artist"_L1 ? tracksPerAlbum * albumsPerArtist
                                                   : 0;

@@ -201,7 +201,7 @@ TEST_F(SkinLibraryModelTest, EndsSoonDuringAPass) {
 }
 
 TEST_F(SkinLibraryModelTest, FilesAreAddedBesideAPass) {
-    writeMany("skins", 1500);
+    writeMany("skins", 4000);
     const QString dropped = write("elsewhere/dropped.wsz", soundSkin(9000));
     open();
     m_model->setFolder(path("skins"));

@@ -42,8 +42,7 @@ MainWindowStatus::Transport transportOf(PlaybackState state) {
 PlayerModel::PlayerModel(Player &player, QSettings &settings, QObject *parent)
     : QObject(parent), m_player(player), m_settings(settings), m_local(player, settings), m_remote(settings),
       m_stream(m_local), m_imports(player, m_remote), m_skin(SkinLoader::defaultSkin()),
-      m_preferences(settings),
-      m_output(player, settings), m_skins(settings), m_windows(settings),
+      m_preferences(settings), m_output(player, settings), m_skins(settings), m_windows(settings),
       m_visualizer(player.analyzer(), settings) {
     restoreSettings();
     updateTitle();

@@ -110,7 +110,12 @@ TEST_F(SendspinSessionTest, ObeysCommandsAndReportsEveryChange) {
     EXPECT_EQ(all<SendspinEvent::SetStaticDelay>(),
               (std::vector{SendspinEvent::SetStaticDelay{120}, SendspinEvent::SetStaticDelay{5000}}));
 
-    const auto before = server.received().size();
+    command(u"volume"_s, {{u"volume"_s, 26}});
+    auto before = server.received().size();
+    command(u"volume"_s, {{u"volume"_s, 26}}); // the server waits to hear that it is so
+    EXPECT_EQ(server.received().size(), ++before);
+    command(u"volume"_s, {{u"volume"_s, 25}});
+    before = server.received().size();
     command(u"volume"_s, {}); // malformed
     command(u"sing"_s, {});
     session.report({.volume = 25, .muted = true, .staticDelayMs = 5000}); // what it knows already
@@ -253,7 +258,7 @@ TEST_F(SendspinSessionTest, PassesOverWhatIsMalformedButNotForEver) {
     command(u"volume"_s, {{u"volume"_s, 7}});
     EXPECT_EQ(lastState(), expectedState(true, 7, false, 0));
     EXPECT_EQ(count<SendspinEvent::Disconnected>(), 0);
-    for (int i = 0; i < 10; ++i)
+    for (int i = 0; i < 50; ++i)
         peer->sendBinary("\4");
     deliver();
     ASSERT_EQ(count<SendspinEvent::Disconnected>(), 1);

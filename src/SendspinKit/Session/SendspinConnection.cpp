@@ -19,7 +19,7 @@ constexpr auto handshakeTimeout = 10s;
 constexpr auto stateDeadline = 15s;
 /// With which the server's proxy refuses a token.
 constexpr int closeCodeUnauthorized = 4001;
-/// A message that cannot be read is passed over; who sends nothing else is left.
+/// A message that cannot be read is passed over; who sends only such for so long is left.
 constexpr int maxMalformed = 50;
 
 } // namespace
@@ -35,7 +35,7 @@ SendspinConnection::SendspinConnection(std::unique_ptr<MAWebSocketTransport> tra
     connect(m_transport.get(), &MAWebSocketTransport::received, this, &SendspinConnection::takeFrame);
     connect(m_transport.get(), &MAWebSocketTransport::receivedBinary, this, &SendspinConnection::takeAudio);
     connect(m_transport.get(), &MAWebSocketTransport::failed, this,
-            [this](const MATransportError &error) { fail(SendspinError::transport(error.detail)); });
+            [this](const MATransportError &error) { fail(lostError(error.detail)); });
     connect(&m_sync, &SendspinClockSync::asked, this,
             [this](std::int64_t time) { m_transport->send(sendspinoutgoing::time(time)); });
     connect(&m_sync, &SendspinClockSync::finishedBurst, this, &SendspinConnection::takeClock);
@@ -50,6 +50,7 @@ void SendspinConnection::open() {
 }
 
 void SendspinConnection::begin() {
+    m_hasOpened = true;
     if (m_phase == Phase::auth)
         m_transport->send(sendspinoutgoing::auth(m_configuration));
     else
@@ -73,6 +74,7 @@ void SendspinConnection::takeFrame(const MAWebSocketFrame &frame) {
     try {
         takeMessage(SendspinIncoming::decode(std::get<MAWebSocketFrame::Text>(frame.content).text),
                     receivedAt);
+        m_malformed = 0;
     } catch (const SendspinError &error) {
         takeMalformed(error);
     }
@@ -142,6 +144,7 @@ void SendspinConnection::takeCommand(const SendspinIncoming::ServerCommand &comm
                                            u"server/command"_s);
         return *member;
     };
+    const SendspinPlayerState before = m_state;
     if (command.command == sendspinnames::volume)
         Q_EMIT occurred({SendspinEvent::SetVolume{required(command.volume)}});
     else if (command.command == sendspinnames::mute)
@@ -149,6 +152,10 @@ void SendspinConnection::takeCommand(const SendspinIncoming::ServerCommand &comm
     else if (command.command == sendspinnames::setStaticDelay ||
              command.command == sendspinnames::setOutputDelay)
         Q_EMIT occurred({SendspinEvent::SetStaticDelay{required(command.staticDelayMs)}});
+    else
+        return;
+    if (m_state == before && m_phase == Phase::running && !m_ended)
+        sendState(); // nothing has changed, and the server waits to hear so
 }
 
 void SendspinConnection::takeAudio(const QByteArray &frame) {
@@ -156,6 +163,7 @@ void SendspinConnection::takeAudio(const QByteArray &frame) {
         return;
     try {
         const auto chunk = SendspinIncoming::decodeAudio(frame);
+        m_malformed = 0;
         if (chunk && (m_phase == Phase::syncing || m_phase == Phase::running))
             Q_EMIT occurred({SendspinEvent::Audio{*chunk}});
     } catch (const SendspinError &error) {
@@ -201,7 +209,12 @@ SendspinError SendspinConnection::closedError(const MAWebSocketFrame::Closed &cl
     QString detail = u"closed by the server, code %1"_s.arg(closed.code.value_or(0));
     if (!closed.reason.isEmpty())
         detail += ": "_L1 + closed.reason;
-    const bool isHandshake = m_phase == Phase::auth || m_phase == Phase::hello;
+    return lostError(detail);
+}
+
+/// A server that refuses this player just goes.
+SendspinError SendspinConnection::lostError(const QString &detail) const {
+    const bool isHandshake = m_hasOpened && (m_phase == Phase::auth || m_phase == Phase::hello);
     return isHandshake ? SendspinError::handshake(detail) : SendspinError::transport(detail);
 }
 

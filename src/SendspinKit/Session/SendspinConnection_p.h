@@ -46,6 +46,7 @@ class SendspinConnection : public QObject {
     void takeClock();
     void sendState();
     [[nodiscard]] SendspinError closedError(const MAWebSocketFrame::Closed &closed) const;
+    [[nodiscard]] SendspinError lostError(const QString &detail) const;
     void fail(const SendspinError &error);
     void end();
     void limitHandshake(const char *awaited);
@@ -58,7 +59,8 @@ class SendspinConnection : public QObject {
     SendspinClockSync m_sync;
     Phase m_phase;
     bool m_ended = false;
-    int m_malformed = 0;
+    bool m_hasOpened = false;
+    int m_malformed = 0;                                 ///< in a row
     std::unique_ptr<Scheduler::Pending> m_handshake;     ///< goes off when the server stalls before its hello
     std::unique_ptr<Scheduler::Pending> m_stateDeadline; ///< when the clock is not known in time
 };

@@ -52,6 +52,9 @@ QStringList readStrings(const MAReader &reader) {
     return strings;
 }
 
+/// More of a name is never shown.
+constexpr qsizetype longestName = 256;
+
 QByteArray readBase64(const MAReader &reader) {
     const auto decoded =
         QByteArray::fromBase64Encoding(reader.string().toLatin1(), QByteArray::AbortOnBase64DecodingErrors);
@@ -62,7 +65,7 @@ QByteArray readBase64(const MAReader &reader) {
 
 SendspinServerHello serverHello(const MAReader &payload) {
     return {.serverID = payload.member("server_id").string(),
-            .name = payload.member("name").string(),
+            .name = payload.member("name").string().left(longestName),
             .version = payload.member("version").integer(),
             .activeRoles = readStrings(payload.member("active_roles")),
             .connectionReason = optionalMember(payload, "connection_reason", readString)};
@@ -97,7 +100,10 @@ bool concernsPlayer(const MAReader &payload) {
 /// None when it is missing, empty when it is null.
 std::optional<QString> changedString(const MAReader &payload, const char *name) {
     const bool isCleared = payload.value().hasMember(QLatin1StringView(name)) && !hasValue(payload, name);
-    return isCleared ? QString() : optionalMember(payload, name, readString);
+    if (isCleared)
+        return QString();
+    const auto text = optionalMember(payload, name, readString);
+    return text ? std::optional(text->left(longestName)) : std::nullopt;
 }
 
 SendspinGroupUpdate groupUpdate(const MAReader &payload) {

@@ -75,6 +75,11 @@ void SendspinBuffer::clear() {
     dropDecoded();
 }
 
+void SendspinBuffer::end() {
+    clear();
+    m_format.reset();
+}
+
 void SendspinBuffer::dropDecoded() {
     m_decoder.restart();
     m_isSounding = false;

@@ -29,6 +29,8 @@ class SendspinBuffer {
     void add(const SendspinAudioChunk &chunk);
     /// Drops everything, decoded or not.
     void clear();
+    /// Also drops what comes before the next format is set.
+    void end();
     /// Drops what is decoded: it was put into its order by a clock that is no longer valid.
     void dropDecoded();
     /// Drops what is too late and decodes what will be heard soon. `now`: microseconds of the local clock.

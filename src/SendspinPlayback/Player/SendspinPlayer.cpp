@@ -19,6 +19,12 @@ static SendspinPlayerState inRange(SendspinPlayerState state) {
     return state;
 }
 
+static int storedNumber(const QSettings &settings, QLatin1StringView key, int standard) {
+    bool isNumber = false;
+    const int number = settings.value(key).toInt(&isNumber);
+    return isNumber ? number : standard;
+}
+
 SendspinPlayer::SendspinPlayer(SendspinSession &session, Scheduler &scheduler, const SendspinClock &clock,
                                std::shared_ptr<SendspinSource> source, std::unique_ptr<QSettings> settings,
                                std::int64_t capacity)
@@ -31,9 +37,9 @@ SendspinPlayer::SendspinPlayer(SendspinSession &session, Scheduler &scheduler, c
 
 SendspinPlayerState SendspinPlayer::storedState(const QSettings &settings) {
     return inRange({.available = true,
-                    .volume = settings.value(volumeKey, 100).toInt(),
+                    .volume = storedNumber(settings, volumeKey, 100),
                     .muted = settings.value(mutedKey, false).toBool(),
-                    .staticDelayMs = settings.value(staticDelayKey, 0).toInt()});
+                    .staticDelayMs = storedNumber(settings, staticDelayKey, 0)});
 }
 
 void SendspinPlayer::store(const SendspinPlayerState &state, QSettings &settings) {
@@ -60,20 +66,21 @@ void SendspinPlayer::take(const SendspinEvent &event) {
     } else if (std::holds_alternative<SendspinEvent::StreamCleared>(content)) {
         m_buffer.clear();
     } else if (std::holds_alternative<SendspinEvent::StreamEnded>(content)) {
-        m_buffer.clear();
+        m_buffer.end();
         setStreaming(false);
     } else if (std::holds_alternative<SendspinEvent::Connected>(content)) {
         // Whoever answers now may have another clock and begins its stream anew.
-        m_buffer.clear();
+        m_buffer.end();
         setStreaming(false);
-        m_isSynchronized = m_timing.isKnown = false;
+        m_isSynchronized = m_timing.isKnown = m_isLost = false;
         m_source->setTiming(m_timing);
     } else if (std::holds_alternative<SendspinEvent::Synchronized>(content)) {
         synchronize();
     } else if (const auto *end = std::get_if<SendspinEvent::Disconnected>(&content)) {
         m_isSynchronized = false; // what is there is played by the clock as it was known
-        if (!end->reason) {
-            m_buffer.clear();
+        m_isLost = end->reason.has_value();
+        if (!m_isLost) {
+            m_buffer.end();
             setStreaming(false);
         }
     } else if (const auto *volume = std::get_if<SendspinEvent::SetVolume>(&content)) {
@@ -168,6 +175,8 @@ void SendspinPlayer::updateTiming() {
 void SendspinPlayer::work() {
     updateTiming();
     m_buffer.advance(m_timing, m_clock.now());
+    if (m_isLost && m_buffer.bytes() == 0 && m_source->queue().buffered() == 0)
+        setStreaming(false); // all that had come has been heard
     if (m_isStreaming || m_isClicking || m_buffer.bytes() > 0)
         workLater();
 }

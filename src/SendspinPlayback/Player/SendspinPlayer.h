@@ -86,6 +86,7 @@ class SendspinPlayer : public QObject {
     SendspinPlayerState m_state;
     SendspinTiming m_timing;
     bool m_isSynchronized = false;
+    bool m_isLost = false; ///< the connection, in the middle of something
     bool m_isStreaming = false;
     bool m_isClicking = false;
     std::unique_ptr<Scheduler::Pending> m_work;

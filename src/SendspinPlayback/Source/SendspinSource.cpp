@@ -4,10 +4,12 @@
 
 namespace vantor {
 
-static constexpr int blockFrames = 512;        // the ratio is set anew that often at least
-static constexpr double jumpError = 0.020;     // seconds: what is not corrected gradually
-static constexpr double jumpPatience = 0.050;  // seconds: one wrong latency is no reason
-static constexpr double fadeSeconds = 0.005;   // of jumps
+static constexpr int blockFrames = 512;       // the ratio is set anew that often at least
+static constexpr double jumpError = 0.020;    // seconds: what is not corrected gradually
+static constexpr double jumpPatience = 0.050; // seconds: one wrong latency is no reason
+static constexpr std::int64_t longBreak =
+    200'000;                                 // microseconds: whoever renders has rested, and the sound is old
+static constexpr double fadeSeconds = 0.005; // of jumps
 static constexpr double volumeSeconds = 0.020; // of changes of the volume
 static constexpr double leastStart = 0.020;    // seconds that are there before it begins
 static constexpr double microseconds = 1'000'000;
@@ -32,6 +34,10 @@ SendspinSource::Figures SendspinSource::figures() const {
 
 void SendspinSource::render(float *interleaved, int frames, std::int64_t whenHeard) {
     m_now = m_timing.read();
+    if (m_isPlaying && std::abs(whenHeard - m_queue.heardUpTo.load(std::memory_order_relaxed)) > longBreak) {
+        m_isPlaying = false;
+        ++m_resyncCount;
+    }
     const auto timeOf = [this, whenHeard](int frame) {
         return whenHeard + std::int64_t{frame} * 1'000'000 / m_rate;
     };

@@ -108,6 +108,9 @@ void NetworkSpeaker::setStaticDelay(int milliseconds) {
 
 void NetworkSpeaker::setVolume(double volume) {
     m_playerState.volume = static_cast<int>(std::lround(std::clamp(volume, 0.0, 1.0) * 100));
+    const bool wasMuted = std::exchange(m_playerState.muted, false); // who sets it wants to hear it
+    if (m_threads && wasMuted)
+        m_threads->player().setMuted(false);
     if (m_threads)
         m_threads->player().setVolume(m_playerState.volume);
     else
@@ -139,6 +142,8 @@ void NetworkSpeaker::apply() {
         m_servers.setLocalClientID(std::nullopt);
         leaveServer(State::Off, {});
         m_threads.reset();
+        m_serverStreams = m_isTakenBack = false;
+        m_format.reset();
         return;
     }
     startThreads();
@@ -169,8 +174,11 @@ void NetworkSpeaker::choose() {
     if (isDirect) {
         SendspinConnectionConfiguration wanted = configuration();
         wanted.baseURL = direct;
-        if (!m_connection || *m_connection != wanted)
-            connectTo(wanted);
+        if (m_connection && *m_connection == wanted)
+            return;
+        ++m_round;
+        m_server.reset();
+        connectTo(wanted);
         return;
     }
     const MusicAssistantSelectionController *const selection = m_servers.selection();
@@ -292,7 +300,7 @@ void NetworkSpeaker::takeFailure(const SendspinError &error) {
     using Case = SendspinError::Case;
     const bool isRefused = error.errorCase() == Case::unauthorized || error.errorCase() == Case::roleRejected;
     setState(isRefused ? State::Refused : State::Retrying, error.description());
-    if (!m_threads->player().figures().isPlaying) { // what had come before has been heard
+    if (!m_isStreaming || !m_threads->player().figures().isPlaying) { // what had come before has been heard
         m_serverStreams = false;
         endStream();
         becomeAvailable();
@@ -394,7 +402,9 @@ double NetworkSpeaker::streamedFor() const {
 
 QString NetworkSpeaker::statusText() const {
     if (m_state == State::Connected)
-        return tr("Connected: shows in Music Assistant as %1").arg(name());
+        return (isMuted() ? tr("Connected: shows in Music Assistant as %1, muted there")
+                          : tr("Connected: shows in Music Assistant as %1"))
+            .arg(name());
     return m_text;
 }
 

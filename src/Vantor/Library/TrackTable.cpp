@@ -10,6 +10,7 @@
 #include <QMenu>
 #include <QMimeData>
 #include <QPainter>
+#include <QScopedValueRollback>
 #include <QScrollBar>
 #include <QSettings>
 #include <QWheelEvent>
@@ -59,11 +60,7 @@ TrackTable::TrackTable(TrackListModel &tracks, LibraryActions &actions, QWidget 
     connect(&header, &QHeaderView::sectionResized, this, [this](int column, int, int size) {
         if (m_isFitting || m_shares[static_cast<std::size_t>(column)] == 0)
             return;
-        for (int other = 0; other < Model::columns; ++other) {
-            double &share = m_shares[static_cast<std::size_t>(other)];
-            if (share > 0 && !isColumnHidden(other))
-                share = other == column ? size : columnWidth(other);
-        }
+        takeWidths(column, size);
         storeColumns();
     });
     const auto *const input = new LibraryViewInput(*this);
@@ -147,7 +144,26 @@ void TrackTable::setUnneeded(const QSet<int> &columns) {
     showColumns();
 }
 
+// Those that are hidden keep their share beside the others'.
+void TrackTable::takeWidths(int resized, int size) {
+    double before = 0;
+    double after = 0;
+    for (int column = 0; column < Model::columns; ++column) {
+        double &share = m_shares[static_cast<std::size_t>(column)];
+        if (share == 0 || isColumnHidden(column))
+            continue;
+        before += share;
+        share = column == resized ? size : columnWidth(column);
+        after += share;
+    }
+    for (int column = 0; column < Model::columns; ++column) {
+        if (before > 0 && isColumnHidden(column))
+            m_shares[static_cast<std::size_t>(column)] *= after / before;
+    }
+}
+
 void TrackTable::showColumns() {
+    const QScopedValueRollback fitting(m_isFitting, true); // the user resizes nothing
     for (int column = 0; column < Model::columns; ++column)
         setColumnHidden(column, column != Model::titleColumn &&
                                     (m_unneeded.contains(column) || m_hidden.contains(column)));
@@ -168,7 +184,7 @@ void TrackTable::fitColumns() {
         if (column == Model::numberColumn || column == Model::timeColumn)
             room -= column == Model::numberColumn ? numberWidth : timeWidth;
     }
-    m_isFitting = true;
+    const QScopedValueRollback fitting(m_isFitting, true);
     setColumnWidth(Model::numberColumn, numberWidth);
     setColumnWidth(Model::timeColumn, timeWidth);
     double left = 0;
@@ -180,7 +196,6 @@ void TrackTable::fitColumns() {
         setColumnWidth(column, std::max(leastColumn, static_cast<int>(right) - static_cast<int>(left)));
         left = right;
     }
-    m_isFitting = false;
 }
 
 void TrackTable::resizeEvent(QResizeEvent *event) {

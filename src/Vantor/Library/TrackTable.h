@@ -68,6 +68,7 @@ class TrackTable : public QTableView {
     void fitColumns();
     void takeSorting(int column);
     void showColumns();
+    void takeWidths(int resized, int size);
     void popUpColumns(const QPoint &at);
     void storeColumns() const;
     void setHovered(int row);

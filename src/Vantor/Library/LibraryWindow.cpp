@@ -107,6 +107,8 @@ void LibraryWindow::follow() {
     connect(&m_browser, &LibraryBrowser::capabilitiesChanged, this, &LibraryWindow::takeCapabilities);
     connect(&m_browser, &LibraryBrowser::stateChanged, this, &LibraryWindow::showState);
     connect(&m_browser, &LibraryBrowser::failed, this, &LibraryWindow::tell);
+    for (const auto signal : {&LibraryBrowser::aboutToPlay, &LibraryBrowser::outputChosen})
+        connect(&m_browser, signal, this, [this] { tell({}); }); // what was told of the last try is over
 }
 
 void LibraryWindow::addKeys() {

@@ -35,16 +35,21 @@ Found end(SkinIndexStore &store, SkinNeighborDirection direction) {
     return skins.empty() ? std::nullopt : Found(skins.front());
 }
 
-Found another(SkinIndexStore &store, std::optional<std::int64_t> from) {
+/// Neither the one that is worn nor the one that was to be.
+Found another(SkinIndexStore &store, std::optional<std::int64_t> worn, std::optional<std::int64_t> target) {
     Found skin = store.random(wearable);
-    for (int again = 0; again < 8 && skin && skin->id == from; ++again)
+    for (int again = 0; again < 8 && skin && (skin->id == worn || skin->id == target); ++again)
         skin = store.random(wearable);
     return skin;
 }
 
-Found lookUp(SkinIndexStore &store, SkinSwitcher::Step step, std::optional<std::int64_t> from) {
+Found lookUp(SkinIndexStore &store, SkinSwitcher::Step step, const QString &wornPath,
+             std::optional<std::int64_t> target) {
+    const Found worn = skinAt(store, wornPath);
+    const auto wornID = worn ? std::optional(worn->id) : std::nullopt;
     if (step == SkinSwitcher::Step::random)
-        return another(store, from);
+        return another(store, wornID, target);
+    const auto from = target ? target : wornID;
     const auto direction =
         step == SkinSwitcher::Step::next ? SkinNeighborDirection::next : SkinNeighborDirection::previous;
     const Found beside = from ? store.neighbor(*from, direction, wearable) : std::nullopt;
@@ -128,13 +133,10 @@ void SkinSwitcher::stepOn() {
     m_isLookingUp = true;
     m_lastStep = m_steps.front();
     m_steps.pop_front();
-    const auto from = m_target ? std::optional(m_target->id) : std::nullopt;
+    const auto target = m_target ? std::optional(m_target->id) : std::nullopt;
     const QString worn = NativePath::fromUrl(m_model.skinUrl());
-    const auto question = [step = m_lastStep, from, worn](SkinIndexStore &store) {
-        if (from)
-            return lookUp(store, step, from);
-        const Found present = skinAt(store, worn);
-        return lookUp(store, step, present ? std::optional(present->id) : std::nullopt);
+    const auto question = [step = m_lastStep, worn, target](SkinIndexStore &store) {
+        return lookUp(store, step, worn, target);
     };
     whenAnswered(
         *this, reader().ask<Found>(question), [this](const Found &skin) { take(skin); },

@@ -1,6 +1,10 @@
 #include "Vantor/Library/MusicAssistantServers.h"
 
+#include "MusicAssistantKit/Backend/MusicAssistantBackendErrors.h"
+
 namespace vantor {
+
+using namespace MusicAssistantBackendErrors;
 
 MusicAssistantServers::MusicAssistantServers(QSettings &settings, Computer computer)
     : m_computer(std::move(computer)), m_list(settings),
@@ -15,6 +19,18 @@ void MusicAssistantServers::wakeUp() {
 bool MusicAssistantServers::isReachedAlike(const MusicAssistantServerConfiguration &one,
                                            const MusicAssistantServerConfiguration &other) {
     return one.id == other.id && one.address == other.address && one.name == other.name;
+}
+
+QCoro::Task<MusicAssistantServerSettings>
+MusicAssistantServers::settingsOf(MusicAssistantServerConfiguration server) {
+    try {
+        const auto settings = co_await MusicAssistantSettingsModel::settings(server, m_computer.tokens);
+        if (settings)
+            co_return *settings;
+    } catch (const MusicAssistantTokenStoreError &) {
+        throw unreadableToken();
+    }
+    throw noToken(SettingsPage::musicAssistant);
 }
 
 void MusicAssistantServers::setLocalClientID(const std::optional<QString> &id) {

@@ -50,6 +50,10 @@ class MusicAssistantServers : public QObject {
     [[nodiscard]] const std::optional<QString> &localClientID() const { return m_localClientID; }
     void setLocalClientID(const std::optional<QString> &id);
 
+    /// What one connection to a server needs. Throws MusicBackendError. The servers may go meanwhile.
+    [[nodiscard]] QCoro::Task<MusicAssistantServerSettings>
+    settingsOf(MusicAssistantServerConfiguration server);
+
     /// Begins to choose a server, again and again as things change, until everybody who has asked for it has
     /// ended it.
     void beginSelection();

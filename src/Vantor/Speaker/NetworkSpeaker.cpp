@@ -207,11 +207,9 @@ QCoro::Task<> NetworkSpeaker::use(MusicAssistantServerConfiguration server) {
     std::optional<MusicAssistantServerSettings> settings;
     std::optional<MusicBackendError> failure;
     try {
-        settings = co_await MusicAssistantSettingsModel::settings(server, m_servers.tokens());
-        if (!settings)
-            failure = noToken(SettingsPage::musicAssistant);
-    } catch (const MusicAssistantTokenStoreError &) {
-        failure = unreadableToken();
+        settings = co_await m_servers.settingsOf(server);
+    } catch (const MusicBackendError &error) {
+        failure = error;
     }
     if (!self || m_round != round)
         co_return;

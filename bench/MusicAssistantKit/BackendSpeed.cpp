@@ -90,15 +90,19 @@ QCoro::Task<> firstPage(std::shared_ptr<MusicAssistantBackend> backend, QString 
     co_await backend->disconnect();
 }
 
+/// One page is on its way while the one before is decoded.
 template <typename Record>
 QCoro::Task<QList<Record>> whole(PageOf<Record> list, int limit) {
     QList<Record> all;
-    std::optional<PageRequest> request = PageRequest{0, limit};
-    while (request) {
-        const Page<Record> page = co_await list(*request);
+    auto coming = list({0, limit});
+    for (bool goesOn = true; goesOn;) {
+        auto after = list({static_cast<int>(all.size()) + limit, limit});
+        const Page<Record> page = co_await coming;
         all += page.items;
-        request = page.next(limit);
+        goesOn = page.next(limit).has_value();
+        coming = std::move(after);
     }
+    co_await coming; // beyond the end
     co_return all;
 }
 

@@ -46,6 +46,13 @@ void AudioGraph::addLive(std::span<StereoFrame> frames, std::optional<std::int64
     if (wanted)
         m_live = wanted;
     m_liveGain.moveTo(wanted ? 1.0F : 0.0F, m_rampFrames);
+    // The volume changes from one's to the other's meanwhile: the node is not to be heard at the stream's.
+    m_nodeGain.moveTo(wanted ? 0.0F : 1.0F, wanted ? m_rampFrames / 2 : 2 * m_rampFrames);
+    for (std::size_t i = 0; m_nodeGain.isMoving() && i < frames.size(); ++i) {
+        const float gain = m_nodeGain.next();
+        frames[i].left *= gain;
+        frames[i].right *= gain;
+    }
     if (!m_live || !whenHeard || (!wanted && !m_liveGain.isMoving()))
         return;
     m_live->render(&m_liveFrames.front().left, static_cast<int>(frames.size()), *whenHeard);

@@ -67,6 +67,7 @@ class AudioGraph {
     Ramp m_right;
     LiveSource *m_live = nullptr; ///< that was wanted last
     Ramp m_liveGain;
+    Ramp m_nodeGain{1};
     std::vector<StereoFrame> m_liveFrames;
 };
 

@@ -112,6 +112,17 @@ const PlaybackTarget &PlayerModel::target() const {
     return m_stream.isStreaming() ? static_cast<const PlaybackTarget &>(m_stream) : m_local;
 }
 
+std::optional<bool> PlayerModel::isMuted() const {
+    return showsStream() ? std::optional(m_stream.isMuted()) : m_remote.controls().isMuted;
+}
+
+void PlayerModel::setMuted(bool muted) {
+    if (showsStream())
+        m_stream.setMuted(muted);
+    else
+        m_remote.setMuted(muted);
+}
+
 void PlayerModel::setSpeaker(NetworkSpeaker *speaker) {
     m_stream.setSpeaker(speaker);
     connect(speaker, &NetworkSpeaker::changed, this, [this] {

@@ -47,6 +47,9 @@ class PlayerModel : public QObject {
     [[nodiscard]] bool showsStream() const { return !m_remote.isSelected() && m_stream.isStreaming(); }
     /// As what it shows: the group or the server that streams.
     [[nodiscard]] QString streamName() const { return m_stream.name(); }
+    /// Whether what is shown is muted; none when it cannot be.
+    [[nodiscard]] std::optional<bool> isMuted() const;
+    void setMuted(bool muted);
     /// This computer as a speaker; none at first.
     void setSpeaker(NetworkSpeaker *speaker);
     [[nodiscard]] const Skin &skin() const { return m_skin; }

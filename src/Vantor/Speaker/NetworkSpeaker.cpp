@@ -108,11 +108,19 @@ void NetworkSpeaker::setStaticDelay(int milliseconds) {
 
 void NetworkSpeaker::setVolume(double volume) {
     m_playerState.volume = static_cast<int>(std::lround(std::clamp(volume, 0.0, 1.0) * 100));
-    const bool wasMuted = std::exchange(m_playerState.muted, false); // who sets it wants to hear it
-    if (m_threads && wasMuted)
-        m_threads->player().setMuted(false);
+    if (isMuted())
+        setMuted(false); // who sets it wants to hear it
     if (m_threads)
         m_threads->player().setVolume(m_playerState.volume);
+    else
+        SendspinPlayer::store(m_playerState, m_settings);
+    Q_EMIT changed();
+}
+
+void NetworkSpeaker::setMuted(bool muted) {
+    m_playerState.muted = muted;
+    if (m_threads)
+        m_threads->player().setMuted(muted);
     else
         SendspinPlayer::store(m_playerState, m_settings);
     Q_EMIT changed();

@@ -62,6 +62,7 @@ class NetworkSpeaker : public QObject {
     [[nodiscard]] double volume() const { return m_playerState.volume / 100.0; }
     void setVolume(double volume);
     [[nodiscard]] bool isMuted() const { return m_playerState.muted; }
+    void setMuted(bool muted);
 
     /// The same in every run.
     [[nodiscard]] const QString &clientID() const { return m_identity.clientID; }

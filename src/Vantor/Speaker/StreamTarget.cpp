@@ -39,6 +39,15 @@ void StreamTarget::transport(const TransportCommand &command) {
         m_local.transport(command);
 }
 
+bool StreamTarget::isMuted() const {
+    return m_speaker && m_speaker->isMuted();
+}
+
+void StreamTarget::setMuted(bool muted) {
+    if (m_speaker)
+        m_speaker->setMuted(muted);
+}
+
 QString StreamTarget::name() const {
     return m_speaker ? m_speaker->streamName() : QString();
 }

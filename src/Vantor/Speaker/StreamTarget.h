@@ -24,6 +24,9 @@ class StreamTarget : public PlaybackTarget {
     [[nodiscard]] PlaybackView view() const override;
     void transport(const TransportCommand &command) override;
 
+    [[nodiscard]] bool isMuted() const;
+    void setMuted(bool muted);
+
     /// What streams, as far as the connection tells.
     [[nodiscard]] QString name() const;
     /// Rates and channels, as far as they are known.

@@ -37,6 +37,7 @@ Commands::Commands(PlayerModel &model) : m_model(model) {
     addWindows();
     for (const auto signal : {&RemoteOutput::selectionChanged, &RemoteOutput::changed})
         connect(&model.remote(), signal, this, &Commands::takeSelection);
+    connect(&model, &PlayerModel::streamChanged, this, &Commands::takeSelection);
     takeSelection();
 }
 
@@ -47,7 +48,7 @@ void Commands::takeSelection() {
     const bool hasFavorites = m_model.remote().isAvailable() &&
                               m_model.remote().capabilities().testFlag(MusicBackendCapability::favorites);
     action(Id::favoriteTrack).setEnabled(hasFavorites);
-    action(Id::mute).setEnabled(m_model.remote().controls().isMuted.has_value());
+    action(Id::mute).setEnabled(m_model.isMuted().has_value());
 }
 
 void Commands::addTo(SkinnedWindow &window) {
@@ -156,9 +157,8 @@ void Commands::addPlayback() {
         [this] { m_model.toggleRepeat(); });
     add(Id::speakers, tr("Speakers…"), {Qt::ALT | Qt::Key_O}, [this] { showSpeakers(); });
     addCheck(
-        Id::mute, tr("Mute"), {Qt::Key_VolumeMute},
-        [this] { return m_model.remote().controls().isMuted.value_or(false); },
-        [this] { m_model.remote().setMuted(!m_model.remote().controls().isMuted.value_or(false)); });
+        Id::mute, tr("Mute"), {Qt::Key_VolumeMute}, [this] { return m_model.isMuted().value_or(false); },
+        [this] { m_model.setMuted(!m_model.isMuted().value_or(false)); });
     add(Id::favoriteTrack, tr("Add to Favourites"), {}, [this] { m_model.remote().favoriteCurrent(); });
 }
 

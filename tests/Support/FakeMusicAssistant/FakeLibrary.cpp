@@ -252,9 +252,14 @@ QStringList FakeLibrary::expanded(const QString &itemURI) const {
 }
 
 QList<int> FakeLibrary::favorites(const QString &mediaType) const {
+    QHash<int, bool> chosen;
+    for (auto favorite = m_favorites.begin(); favorite != m_favorites.end(); ++favorite) {
+        if (favorite.key().section(u'/', 2, 2) == mediaType)
+            chosen.insert(favorite.key().section(u'/', 3).toInt() - 1, *favorite);
+    }
     QList<int> found;
     for (int i = 0; i < count(mediaType); ++i) {
-        if (isFavorite(uri(mediaType, i), i))
+        if (chosen.value(i, i % m_size.favoriteEvery == 0))
             found.append(i);
     }
     return found;

@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include <ctime>
+#include <deque>
 
 // How fast a large library comes from a server on this machine, which is a process of its own: the first page
 // of every list, the whole library with the memory that it takes, what thousands of events a second cost the
@@ -90,19 +91,21 @@ QCoro::Task<> firstPage(std::shared_ptr<MusicAssistantBackend> backend, QString 
     co_await backend->disconnect();
 }
 
-/// One page is on its way while the one before is decoded.
+/// Some pages are on their way while the ones before are decoded.
 template <typename Record>
 QCoro::Task<QList<Record>> whole(PageOf<Record> list, int limit) {
+    constexpr int ahead = 3;
     QList<Record> all;
-    auto coming = list({0, limit});
-    for (bool goesOn = true; goesOn;) {
-        auto after = list({static_cast<int>(all.size()) + limit, limit});
-        const Page<Record> page = co_await coming;
-        all += page.items;
-        goesOn = page.next(limit).has_value();
-        coming = std::move(after);
+    std::deque<QCoro::Task<Page<Record>>> coming;
+    int asked = 0;
+    for (bool goesOn = true; goesOn || !coming.empty();) {
+        for (; goesOn && coming.size() <= ahead; asked += limit)
+            coming.push_back(list({asked, limit}));
+        const Page<Record> page = co_await coming.front();
+        coming.pop_front();
+        all += page.items; // none beyond the end
+        goesOn = goesOn && page.next(limit).has_value();
     }
-    co_await coming; // beyond the end
     co_return all;
 }
 

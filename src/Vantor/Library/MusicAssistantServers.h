@@ -31,7 +31,6 @@ class MusicAssistantServers : public QObject {
     [[nodiscard]] MusicAssistantServerList &list() { return m_list; }
     [[nodiscard]] MusicAssistantSettingsModel &settings() { return m_model; }
     [[nodiscard]] MusicAssistantDiscovery &discovery() { return m_discovery; }
-    [[nodiscard]] MusicAssistantTokenStore &tokens() { return m_computer.tokens; }
     [[nodiscard]] WiFiNetworkProvider &wifi() { return m_computer.wifi; }
     [[nodiscard]] MAWebSocketTransports &transports() { return m_transports; }
     [[nodiscard]] MAHTTPTransport &http() { return m_http; }
